@@ -1,0 +1,18 @@
+# What every target of this project is compiled with. No -ffast-math: results that are not a number mean something.
+add_library(velan_settings INTERFACE)
+target_compile_options(velan_settings INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+if(VELAN_WERROR)
+  target_compile_options(velan_settings INTERFACE -Werror)
+endif()
+if(VELAN_SANITIZE)
+  target_compile_options(velan_settings INTERFACE -fsanitize=${VELAN_SANITIZE} -fno-omit-frame-pointer
+                                                  -fno-sanitize-recover=all)
+  target_link_options(velan_settings INTERFACE -fsanitize=${VELAN_SANITIZE})
+endif()
+if(VELAN_FUZZ)
+  target_compile_options(velan_settings INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+if(VELAN_COVERAGE)
+  target_compile_options(velan_settings INTERFACE --coverage)
+  target_link_options(velan_settings INTERFACE --coverage)
+endif()

@@ -1,0 +1,67 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include "velan/base/Data.h"
+#include "velan/base/FunctionRef.h"
+#include "velan/base/Log.h"
+#include "velan/base/MutableData.h"
+
+namespace velan {
+namespace {
+
+TEST(Data, AbsentAndEmptyDiffer) {
+  EXPECT_TRUE(Data().isAbsent());
+  EXPECT_TRUE(Data::withBytes(nullptr, 0));
+  EXPECT_TRUE(Data::withBytes(nullptr, 3).isAbsent());
+  EXPECT_NE(Data(), Data::withBytes("", 0));
+  EXPECT_LT(Data(), Data::withBytes("", 0));
+}
+
+TEST(Data, PartsShareTheBytesAndOutliveTheWhole) {
+  Data part;
+  {
+    const Data whole = Data::withBytes("0123456789");
+    part = whole.subdata({3, 4});
+    EXPECT_EQ(part.bytes(), whole.bytes() + 3);
+    EXPECT_EQ(whole.subdata({8, 100}).view(), "89");
+    EXPECT_TRUE(whole.subdata({10, 1}).isEmpty());
+    EXPECT_TRUE(whole.subdata({10, 1}));
+  }
+  EXPECT_EQ(part.view(), "3456");
+}
+
+TEST(MutableData, TakesItsBytesWithoutACopy) {
+  MutableData buffer("ab", 2);
+  buffer.appendBytes("c", 1);
+  const uint8_t* bytes = buffer.bytes();
+  const Data data = buffer.takeData();
+  EXPECT_EQ(data.bytes(), bytes);
+  EXPECT_EQ(data.view(), "abc");
+  EXPECT_TRUE(buffer.isEmpty());
+  EXPECT_TRUE(MutableData().takeData()) << "an empty buffer is present";
+}
+
+TEST(FunctionRef, CallsWhatItRefersTo) {
+  int sum = 0;
+  const auto add = [&sum](int value) { return (sum += value) > 3; };
+  const FunctionRef<bool(int)> reference = add;
+  EXPECT_FALSE(reference(2));
+  EXPECT_TRUE(reference(2));
+  EXPECT_FALSE(FunctionRef<bool(int)>(nullptr));
+  bool (*function)(int) = [](int value) { return value == 7; };
+  EXPECT_TRUE(FunctionRef<bool(int)>(function)(7));
+}
+
+TEST(Log, GoesToTheSinkWithItsContext) {
+  std::string seen;
+  setLogSink([](std::string_view message, void* context) { *static_cast<std::string*>(context) += message; }, &seen);
+  logFormat("ERROR: %s %d", "x", 5);
+  VELAN_DEBUG_ASSERT(seen.empty(), "seen is empty");
+  setLogSink(nullptr, nullptr);
+  EXPECT_EQ(seen.substr(0, 10), "ERROR: x 5");
+  EXPECT_TRUE(seen.ends_with(": Failed debug assertion `seen is empty'")) << seen;
+}
+
+}  // namespace
+}  // namespace velan

@@ -1,0 +1,113 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <thread>
+#include <unordered_set>
+#include <vector>
+
+#include "velan/base/MutableString.h"
+#include "velan/base/String.h"
+
+namespace velan {
+namespace {
+
+TEST(String, AbsentAndEmptyDiffer) {
+  const String absent;
+  const String empty(u"");
+  EXPECT_TRUE(absent.isAbsent());
+  EXPECT_FALSE(absent);
+  EXPECT_TRUE(String(nullptr).isAbsent());
+  EXPECT_TRUE(String(static_cast<const unichar*>(nullptr)).isAbsent());
+  EXPECT_TRUE(empty);
+  EXPECT_TRUE(empty.isEmpty());
+  EXPECT_NE(empty.characters(), nullptr);
+  EXPECT_NE(absent, empty);
+  EXPECT_LT(absent, empty);
+  EXPECT_LT(empty, String(u"a"));
+  EXPECT_EQ(absent.length(), 0);
+  EXPECT_TRUE(absent.substring({0, 3}).isAbsent());
+  EXPECT_TRUE(String::withCharacters(nullptr, 1).isAbsent());
+  EXPECT_TRUE(String::withCharacters(u"a", -1).isAbsent());
+}
+
+TEST(String, LiteralsKeepNulUnits) {
+  EXPECT_EQ(u"a\0b"_s.length(), 3);
+  EXPECT_EQ(String(u"a\0b").length(), 1);
+}
+
+TEST(String, ComparesByCodeUnits) {
+  EXPECT_LT(u"\U0001F600"_s, u"\uFFFD"_s) << "a surrogate is smaller than U+FFFD";
+  EXPECT_EQ(u"abc"_s, String(u"abcd").substringToIndex(3));
+  EXPECT_EQ(std::hash<String>()(u"abc"_s), std::hash<String>()(String(u"xabc").substringFromIndex(1)));
+  const std::unordered_set<String> set{u"a", u"b", u"a"};
+  EXPECT_EQ(set.size(), 2u);
+}
+
+TEST(String, SubstringsAreClippedAndOutliveTheirParent) {
+  const String short_(u"0123456789");
+  const struct {
+    Range range;
+    String expected;
+  } cases[] = {{{2, 3}, u"234"}, {{-4, 3}, u"012"}, {{8, 99}, u"89"},    {{10, 1}, u""},
+               {{99, 1}, u""},   {{3, -1}, u""},    {kAbsentRange, u""}, {{1, INT64_MAX}, u"123456789"}};
+  for (const auto& c : cases) EXPECT_EQ(short_.substring(c.range), c.expected) << c.range.location;
+  EXPECT_TRUE(short_.substring({0, 10}).isSameObject(short_));
+
+  String slice;
+  String sliceOfSlice;
+  {
+    const String text(std::u16string(100000, u'x') + u"y");
+    slice = text.substring({10000, 90001});
+    EXPECT_EQ(slice.characters(), text.characters() + 10000) << "a large piece shares";
+    sliceOfSlice = slice.substring({5000, 85001});
+    EXPECT_EQ(sliceOfSlice.characters(), text.characters() + 15000);
+    EXPECT_NE(text.substring({50, 2000}).characters(), text.characters() + 50) << "a small piece is copied";
+  }
+  slice = String();
+  EXPECT_EQ(sliceOfSlice.length(), 85001);
+  EXPECT_EQ(sliceOfSlice[85000], u'y');
+}
+
+TEST(String, NoCopyUsesAndFreesTheCallersUnits) {
+  auto* units = static_cast<unichar*>(std::malloc(6));
+  units[0] = units[1] = units[2] = u'a';
+  String string = String::withCharactersNoCopy(units, 3, true);
+  EXPECT_EQ(string.characters(), units);
+  const String copy = string;
+  string = String();
+  EXPECT_EQ(copy, String(u"aaa"));  // the leak check of the sanitizer sees whether it is freed
+  EXPECT_TRUE(String::withCharactersNoCopy(static_cast<unichar*>(std::malloc(2)), -1, true).isAbsent());
+}
+
+TEST(String, CopiesMayBeMadeAndDroppedOnSeveralThreads) {
+  const String text(u"shared");
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 4; ++i) {
+    threads.emplace_back([text] {
+      for (int k = 0; k < 1000; ++k) {
+        const String copy = text;
+        ASSERT_EQ(copy.length(), 6);
+      }
+    });
+  }
+  for (auto& thread : threads) thread.join();
+}
+
+TEST(MutableString, EditsAreClippedToTheText) {
+  MutableString text(u"hello");
+  text.appendCharacter(u'!');
+  text.appendString(u" you"_s);
+  text.insertString(u">>", 0);
+  text.deleteCharactersInRange({7, 1});
+  EXPECT_EQ(text.string(), u">>hello you"_s);
+  text.replaceCharactersInRange({2, 5}, u"bye");
+  text.deleteCharactersInRange({-5, 2});
+  text.deleteCharactersInRange({100, 2});
+  EXPECT_EQ(String(text), u"bye you"_s);
+  text.truncate(3);
+  text.truncate(50);
+  EXPECT_EQ(text.view(), u"bye");
+}
+
+}  // namespace
+}  // namespace velan

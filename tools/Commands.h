@@ -1,0 +1,20 @@
+// The command groups of the companion. Each adds its subcommands, whose callbacks set the exit status.
+#ifndef VELAN_TOOLS_COMMANDS_H
+#define VELAN_TOOLS_COMMANDS_H
+
+namespace CLI {
+class App;
+}
+
+namespace velan::tool {
+
+/// What the process ends with.
+enum ExitStatus : int {
+  kSomething = 0,  // something matched, or the work is done
+  kNothing = 1,    // nothing matched, or a check failed
+  kTrouble = 2,    // something went wrong; a message on standard error tells what
+};
+
+}  // namespace velan::tool
+
+#endif  // VELAN_TOOLS_COMMANDS_H

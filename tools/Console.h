@@ -1,0 +1,19 @@
+// Messages and files of the companion.
+#ifndef VELAN_TOOLS_CONSOLE_H
+#define VELAN_TOOLS_CONSOLE_H
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace velan::tool {
+
+/// One line on standard error: "velan: message".
+void complain(std::string_view message);
+
+/// All bytes of the file, or of standard input for "-". Otherwise nothing, and `why` says in a few words what failed.
+std::optional<std::string> readFile(const std::string& path, std::string& why);
+
+}  // namespace velan::tool
+
+#endif  // VELAN_TOOLS_CONSOLE_H

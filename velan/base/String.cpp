@@ -1,0 +1,140 @@
+#include "velan/base/String.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+
+#include "velan/base/UTF.h"
+
+namespace velan {
+
+// One allocation: this header, directly followed by the units when the storage holds them itself. A slice refers to
+// another storage's units and keeps it alive; slices of slices refer to the outermost storage.
+struct String::Storage : Header {
+  std::atomic<uint32_t> references{1};
+  bool freesCharacters = false;
+  Header* parent = nullptr;
+  int64_t capacity = 0;  // units of the storage that the characters lie in
+};
+
+namespace {
+
+constexpr int64_t kShortestSlice = 1024;
+
+}  // namespace
+
+String::String(std::u16string_view text) {
+  unichar* units = allocate(static_cast<int64_t>(text.size()));
+  if (units && !text.empty()) std::memcpy(units, text.data(), text.size() * sizeof(unichar));
+}
+
+String::String(const unichar* text) : String() {
+  if (text) *this = String(std::u16string_view(text));
+}
+
+unichar* String::allocate(int64_t length) {
+  constexpr auto kLongest = static_cast<int64_t>((SIZE_MAX / 2 - sizeof(Storage)) / sizeof(unichar));
+  if (length < 0 || length > kLongest) return nullptr;
+  void* memory = std::malloc(sizeof(Storage) + static_cast<size_t>(length) * sizeof(unichar));
+  if (!memory) return nullptr;
+  auto* storage = new (memory) Storage;
+  auto* units = reinterpret_cast<unichar*>(static_cast<char*>(memory) + sizeof(Storage));
+  storage->length = length;
+  storage->characters = units;
+  storage->capacity = length;
+  release();
+  _storage = storage;
+  return units;
+}
+
+bool String::truncate(int64_t length) {
+  if (length < 0) return false;
+  auto* storage = static_cast<Storage*>(_storage);
+  if (length < storage->length) {
+    // Gives back what was reserved for the worst case of a conversion; the units stay valid if that fails.
+    storage->length = length;
+    const size_t size = sizeof(Storage) + static_cast<size_t>(length) * sizeof(unichar);
+    if (storage->capacity - length > 64) {
+      if (void* memory = std::realloc(static_cast<void*>(storage), size)) {
+        storage = static_cast<Storage*>(memory);
+        storage->characters = reinterpret_cast<unichar*>(static_cast<char*>(memory) + sizeof(Storage));
+        _storage = storage;
+      }
+    }
+    storage->capacity = length;
+  }
+  return true;
+}
+
+void String::retain() const noexcept {
+  if (_storage) static_cast<Storage*>(_storage)->references.fetch_add(1, std::memory_order_relaxed);
+}
+
+void String::release() noexcept {
+  auto* storage = static_cast<Storage*>(std::exchange(_storage, nullptr));
+  if (!storage || storage->references.fetch_sub(1, std::memory_order_acq_rel) != 1) return;
+  String parent(storage->parent);  // a parent is never a slice itself: this goes one level deep at most
+  if (storage->freesCharacters) std::free(const_cast<unichar*>(storage->characters));
+  storage->~Storage();
+  std::free(storage);
+}
+
+String String::fromUTF8(std::string_view utf8) {
+  return filled(static_cast<int64_t>(utf8.size()), [utf8](unichar* units) {
+    const Transcoded result = convertUTF8ToUTF16(utf8, units);
+    return result.consumed == utf8.size() ? static_cast<int64_t>(result.written) : -1;
+  });
+}
+
+String String::fromUTF8Lossy(std::string_view utf8) {
+  return filled(static_cast<int64_t>(utf8.size()),
+                [utf8](unichar* units) { return static_cast<int64_t>(convertUTF8ToUTF16Lossy(utf8, units)); });
+}
+
+String String::withCharacters(const unichar* characters, int64_t length) {
+  if (length < 0 || (!characters && length > 0)) return String();
+  return String(std::u16string_view(characters, static_cast<size_t>(length)));
+}
+
+String String::withCharactersNoCopy(unichar* characters, int64_t length, bool freeWhenDone) {
+  String result;
+  if (characters && length >= 0 && result.allocate(0)) {
+    auto* storage = static_cast<Storage*>(result._storage);
+    storage->characters = characters;
+    storage->length = storage->capacity = length;
+    storage->freesCharacters = freeWhenDone;
+  } else if (freeWhenDone) {
+    std::free(characters);
+  }
+  return result;
+}
+
+String String::substring(Range range) const {
+  if (!_storage) return String();
+  const Range piece = clippedRange(range, length());
+  if (piece.length == length()) return *this;
+  auto* storage = static_cast<Storage*>(_storage);
+  const bool shares = piece.length >= kShortestSlice && piece.length >= storage->capacity / 2;
+  String result;
+  if (!shares || !result.allocate(0)) {
+    return String(view().substr(static_cast<size_t>(piece.location), static_cast<size_t>(piece.length)));
+  }
+  Header* root = storage->parent ? storage->parent : _storage;
+  static_cast<Storage*>(root)->references.fetch_add(1, std::memory_order_relaxed);
+  auto* slice = static_cast<Storage*>(result._storage);
+  slice->characters = storage->characters + piece.location;
+  slice->length = piece.length;
+  slice->capacity = storage->capacity;
+  slice->parent = root;
+  return result;
+}
+
+std::string String::toUTF8() const {
+  std::string utf8;
+  utf8.reserve(static_cast<size_t>(length()));
+  appendUTF8Lossy(view(), utf8);
+  return utf8;
+}
+
+}  // namespace velan

@@ -45,12 +45,12 @@ enum class QueryStyle : uint32_t {
   Distances = 1u << 12,         // with their distances, NEAR/10
   Optional = 1u << 13,          // OPT; otherwise written like and
   Or = 1u << 14,                // OR and XOR; otherwise written like and
-  Negated = 1u << 15,           // negated terms; otherwise left out
+  Substrings = 1u << 15,        // the asterisks around the words of substring leaves; otherwise the bare words
   NormalWildcards = 1u << 17,   // wildcard patterns in their normal form
   /// Everything in keywords: parses back into an equivalent tree whatever the default operator.
-  Standardized = ExplicitAnd | Phrases | Parentheses | Proximity | Distances | Optional | Or | Negated,
+  Standardized = ExplicitAnd | Phrases | Parentheses | Proximity | Distances | Optional | Or | Substrings,
   /// The shortest form; parses back into an equivalent tree when the default operator is and.
-  Normalized = SymbolicNot | SymbolicOperators | Phrases | Parentheses | Proximity | Distances | Optional | Or | Negated,
+  Normalized = SymbolicNot | SymbolicOperators | Phrases | Parentheses | Proximity | Distances | Optional | Or | Substrings,
 };
 
 constexpr QueryStyle operator|(QueryStyle a, QueryStyle b) {

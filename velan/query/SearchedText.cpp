@@ -60,6 +60,16 @@ int64_t SearchedText::find(std::u16string_view literal, int64_t location, int64_
   return -1;
 }
 
+Range SearchedText::findWord(std::u16string_view literal, Range range, bool whole) const {
+  if (literal.empty()) return kAbsentRange;
+  const auto length = static_cast<int64_t>(literal.size());
+  for (int64_t from = range.location;; ++from) {
+    from = find(literal, from, endOf(range));
+    if (from < 0) return kAbsentRange;
+    if (!whole || (wordBeginsAt(from) && wordEndsAt(from + length - 1))) return {from, length};
+  }
+}
+
 int64_t SearchedText::wordStartBefore(int64_t location, int64_t count, int64_t start) const {
   if (count <= kWalkedWords) {
     while (location > start && count > 0) {

@@ -38,6 +38,10 @@ class SearchedText {
   /// there is none.
   int64_t find(std::u16string_view literal, int64_t location, int64_t end) const;
 
+  /// The first place of `literal` in `range`; with `whole` it begins where a word does and ends where a word does. Absent
+  /// for an empty literal.
+  Range findWord(std::u16string_view literal, Range range, bool whole) const;
+
   /// The position `count` (at least 1) word starts before `location`, not before `start`.
   int64_t wordStartBefore(int64_t location, int64_t count, int64_t start) const;
   /// The position after `count` (at least 1) word ends from `location` on, not after `end`.

@@ -23,9 +23,8 @@ class WordPattern {
   /// Whether the pattern is a lone `*`, which stands for whatever range is searched.
   bool isWholeRange() const { return _wholeRange; }
   /// The first place in `range` where the pieces match consecutive words, from the first word's start to the last one's
-  /// end. With `whole` the words are whole ones; without, the first piece may match the end of a word, the last one the
-  /// beginning, and a single one any part. Absent if there is none.
-  Range firstIn(const SearchedText& text, Range range, bool whole) const;
+  /// end; words that `range` cuts do not count. Absent if there is none.
+  Range firstIn(const SearchedText& text, Range range) const;
 
  private:
   struct Piece {
@@ -45,7 +44,6 @@ class WordPattern {
 
   Range firstLiteralIn(const SearchedText& text, Range range) const;
   Range firstWordsIn(const SearchedText& text, Range range) const;
-  Range firstPartsIn(const SearchedText& text, Range range) const;
 
   std::vector<Piece> _pieces;
   bool _wholeRange = false;

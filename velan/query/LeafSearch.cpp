@@ -17,9 +17,13 @@ std::u16string_view plainWord(const QueryTerms& leaf) {
 }  // namespace
 
 LeafSearch::LeafSearch(const SearchedText& text, const QueryTerms& leaf, LeafKind kind, bool fuzzy)
-    : _text(text), _kind(kind), _whole(!leaf.querySubstring()) {
-  if (kind == LeafKind::Plain) {
+    : _text(text),
+      _literal(kind == LeafKind::Plain || (kind == LeafKind::Tolerant && !leaf.queryPhrase())),
+      _whole(!leaf.querySubstring()) {
+  if (_literal) {
     _word = text.mapped(plainWord(leaf));
+  } else if (kind == LeafKind::Tolerant) {
+    _pattern = WordPattern::withPhrase(text, leaf.word().view());
   } else {
     _pattern = WordPattern::withWildcard(text, leaf.word().view(), true, fuzzy);
   }
@@ -34,7 +38,7 @@ Range LeafSearch::firstIn(Range range) {
 const Range* LeafSearch::at(size_t number) {
   while (number >= _found.size() && _frontier < _text.length()) {
     const Range rest{_frontier, _text.length() - _frontier};
-    const Range next = _kind == LeafKind::Plain ? _text.findWord(_word, rest, _whole) : _pattern.firstIn(_text, rest);
+    const Range next = _literal ? _text.findWord(_word, rest, _whole) : _pattern.firstIn(_text, rest);
     if (isPresent(next)) _found.push_back(next);
     _frontier = isPresent(next) ? next.location + 1 : _text.length();
   }

@@ -10,8 +10,12 @@
 
 namespace velan {
 
-/// Whether the leaves of a query are plain words or wildcard patterns.
-enum class LeafKind : uint8_t { Plain, Wildcard };
+/// What the leaves of a query are.
+enum class LeafKind : uint8_t {
+  Plain,     // words and phrases, found unit by unit
+  Tolerant,  // the same, but any separators may lie between the words of a phrase
+  Wildcard   // wildcard patterns
+};
 
 /// Searches only as far as it is asked to and remembers what it found, in the order of the text. Both the beginnings
 /// and the ends of the places grow, so the first place at or after a location is the only one to look at when one that
@@ -31,10 +35,10 @@ class LeafSearch {
 
  private:
   const SearchedText& _text;
-  const LeafKind _kind;
-  bool _whole;
-  std::u16string _word;  // of a plain leaf, mapped like the text
-  WordPattern _pattern;  // of a wildcard leaf
+  const bool _literal;   // found by its units rather than by a pattern
+  const bool _whole;
+  std::u16string _word;  // of a literal leaf, mapped like the text
+  WordPattern _pattern;  // of any other
   std::vector<Range> _found;
   int64_t _frontier = 0;  // everything that begins before is found
 };

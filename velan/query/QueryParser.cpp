@@ -58,9 +58,9 @@ struct OperatorKeyword {
   QueryOperator queryOperator;
 };
 
-constexpr OperatorKeyword kOperatorKeywords[] = {
-    {u"AND", QueryOperator::And}, {u"BUT", QueryOperator::And}, {u"OR", QueryOperator::Or},
-    {u"XOR", QueryOperator::Xor}, {u"EOR", QueryOperator::Xor}, {u"OPT", QueryOperator::Optional}};
+constexpr OperatorKeyword kOperatorKeywords[] = {{u"AND", QueryOperator::And}, {u"BUT", QueryOperator::And},
+                                                 {u"OR", QueryOperator::Or},   {u"XOR", QueryOperator::Xor},
+                                                 {u"EOR", QueryOperator::Xor}, {u"OPT", QueryOperator::Optional}};
 
 }  // namespace
 
@@ -237,8 +237,8 @@ class QueryParser {
 
 std::unique_ptr<QueryTerms> QueryTerms::_initWithString(const String& query, bool wildcard,
                                                         QueryOperator defaultOperator, int64_t defaultDistance,
-                                                        QueryOperator queryOperator, bool queryNot,
-                                                        bool querySubstring, int64_t proximityDistance) {
+                                                        QueryOperator queryOperator, bool queryNot, bool querySubstring,
+                                                        int64_t proximityDistance) {
   std::unique_ptr<QueryTerms> root(new QueryTerms(queryOperator, queryNot, proximityDistance));
   return QueryParser(query.view(), wildcard, defaultOperator, defaultDistance, querySubstring, std::move(root)).parse();
 }

@@ -173,8 +173,11 @@ class QueryParser {
       }
     }
     if (takeProximity(token)) return;
-    const bool wrap = _substring && !(token.size() > 1 && token.front() == u'*' && token.back() == u'*');
-    addTerm(wrap ? String(u"*" + std::u16string(token) + u"*") : String(token), _substring, false);
+    const bool wrapped = token.size() > 1 && token.front() == u'*' && token.back() == u'*';
+    MutableString word(_substring && !wrapped ? u"*" : u"");
+    word.appendString(token);
+    if (_substring && !wrapped) word.appendCharacter(u'*');
+    addTerm(word, _substring, false);
   }
 
   // "NEAR", or "NEAR/" and a distance; "NEAR/" alone and "NEARBY" are words.

@@ -4,6 +4,7 @@
 #include <unordered_set>
 #include <utility>
 
+#include "velan/query/Components.h"
 #include "velan/query/QueryWalkInternal.h"
 #include "velan/query/WordSeparation.h"
 #include "velan/wildcard/WildcardPattern.h"

@@ -120,8 +120,9 @@ bool isLike(const String& string, const String& pattern, const unichar* table, M
   if (!table) return matcher(string.begin(), string.end(), pattern.begin(), pattern.end(), nullptr);
   ScratchBuffer<unichar, 256> prepared(units.size());
   if (!prepared) return false;
-  std::transform(units.begin(), units.end(), prepared.data(), [table](unichar c) { return table[c]; });
-  return matcher(string.begin(), string.end(), prepared.data(), prepared.data() + units.size(), table);
+  unichar* const end = std::copy(units.begin(), units.end(), prepared.data());
+  prepareWildcardUsingUnicharTable(prepared.data(), end, table);
+  return matcher(string.begin(), string.end(), prepared.data(), end, table);
 }
 
 }  // namespace

@@ -28,6 +28,26 @@ unichar* allocateUnits(int64_t length) {
              : nullptr;
 }
 
+// Each unit through the upper-case table; stretches of ASCII are calculated, which the compiler does by vectors.
+void upperCaseUnits(const unichar* units, size_t length, unichar* upper) {
+  const unichar* const table = initUpperCharsTable();
+  constexpr size_t kStretch = 16;
+  size_t i = 0;
+  for (; length - i >= kStretch; i += kStretch) {
+    unichar seen = 0;
+    for (size_t j = i; j < i + kStretch; ++j) seen |= units[j];
+    if (seen < 0x80) {
+      for (size_t j = i; j < i + kStretch; ++j) {
+        const unichar c = units[j];
+        upper[j] = static_cast<unichar>(c - (c >= u'a' && c <= u'z' ? 0x20 : 0));
+      }
+    } else {
+      for (size_t j = i; j < i + kStretch; ++j) upper[j] = table[units[j]];
+    }
+  }
+  for (; i < length; ++i) upper[i] = table[units[i]];
+}
+
 String mappedString(std::u16string_view units, const unichar* table) {
   if (units.empty()) return String(u"");
   return String::filled(static_cast<int64_t>(units.size()), [&](unichar* mapped) {
@@ -126,8 +146,7 @@ void FastWordEnumerator::invalidate() {
 bool FastWordEnumerator::copyInUpperCase(const unichar* characters, int64_t length) {
   unichar* const copy = allocateUnits(length);
   if (!copy) return false;
-  const unichar* const upper = initUpperCharsTable();
-  for (int64_t i = 0; i < length; ++i) copy[i] = upper[characters[i]];
+  upperCaseUnits(characters, static_cast<size_t>(length), copy);
   _characters = copy;
   _freeCharacters = true;
   _length = static_cast<uint64_t>(length);

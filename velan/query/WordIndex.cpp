@@ -2,6 +2,7 @@
 #include <bit>
 #include <cstring>
 
+#include "velan/platform/CPUInternal.h"
 #include "velan/query/WordIndexInternal.h"
 #include "velan/text/CharacterSets.h"
 
@@ -11,11 +12,6 @@ namespace {
 
 // Small enough for the first-level cache, beside the part of the bitmap that a text uses.
 constexpr size_t kBlock = 4096;
-
-// Writes 1 for a separator, 0 for a word unit.
-void markSeparators(const unichar* units, size_t length, const uint8_t* separators, uint8_t* marks) {
-  for (size_t i = 0; i < length; ++i) marks[i] = isMemberOfCharacterSetRep(separators, units[i]);
-}
 
 // Turns marks into types: a word unit begins a word when the unit before it separates and ends one when the unit
 // after it does. `marks[-1]` and `marks[length]` are read. Returns the number of words that begin. Without branches,
@@ -75,14 +71,29 @@ size_t lastByte(uint64_t bytes) {
 
 }  // namespace
 
+void markSeparatorsScalar(const unichar* units, size_t length, const uint8_t* separators, uint8_t* marks) {
+  for (size_t i = 0; i < length; ++i) marks[i] = isMemberOfCharacterSetRep(separators, units[i]);
+}
+
+std::span<const SeparatorKernel> supportedSeparatorKernels() {
+#ifdef __x86_64__
+  static constexpr SeparatorKernel kernels[] = {{"scalar", markSeparatorsScalar}, {"avx2", markSeparatorsAvx2}};
+  return {kernels, cpuFeatures().avx2 ? 2u : 1u};
+#else
+  static constexpr SeparatorKernel kernels[] = {{"scalar", markSeparatorsScalar}};
+  return kernels;
+#endif
+}
+
 size_t indexWords(const unichar* units, size_t length, const uint8_t* separators, uint8_t* types) {
+  static const auto markSeparators = supportedSeparatorKernels().back().mark;
   return indexBlocks(length, types, [&](size_t first, size_t count, uint8_t* marks) {
     markSeparators(units + first, count, separators, marks);
   });
 }
 
 size_t indexWildcardWords(const unichar* units, size_t length, const uint8_t* separators, uint8_t* types) {
-  markSeparators(units, length, separators, types);
+  markSeparatorsScalar(units, length, separators, types);  // patterns are short
   for (size_t i = 0; i + 1 < length; ++i) {
     if (units[i] != '[' || units[i + 1] == ']') continue;
     const size_t start = i;

@@ -15,6 +15,9 @@ enum ExitStatus : int {
   kTrouble = 2,    // something went wrong; a message on standard error tells what
 };
 
+/// `velan keyed …`: files of keyed data records. `app` and `status` must outlive the parsing.
+void addKeyedCommands(CLI::App& app, int& status);
+
 }  // namespace velan::tool
 
 #endif  // VELAN_TOOLS_COMMANDS_H

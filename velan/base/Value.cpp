@@ -253,7 +253,7 @@ uint64_t Value::uint64Value() const {
       []<typename T>(const T& content) -> uint64_t {
         if constexpr (std::floating_point<T>) return saturatedUInt64(static_cast<double>(content));
         if constexpr (std::signed_integral<T>) return content < 0 ? 0 : static_cast<uint64_t>(content);
-        if constexpr (std::integral<T>) return content;
+        if constexpr (std::integral<T>) return static_cast<uint64_t>(content);
         return 0;
       },
       _content);

@@ -93,16 +93,16 @@ class PrimaryPlaces {
     } else {
       for (const Range& range : *task.ranges) addSatisfied(task, range, satisfied);
     }
+    if (satisfied.empty()) return;
+    if (!leaf.queryNot()) markWithin(leaf, satisfied);
     add(partner, {}, grows ? largestRanges(std::move(satisfied)) : distinctRanges(std::move(satisfied)));
   }
 
-  // The spans or pieces within `range` that satisfy the relation; marks the occurrences that the spans belong to.
+  // Appends the spans or pieces within `range` that satisfy the relation.
   void addSatisfied(const Task& task, Range range, Ranges& satisfied) {
     RelationRanges ranges = _evaluator.relationRanges(*task.node, task.relation, range);
     for (Range each = ranges.next(); isPresent(each); each = ranges.next()) {
-      if (!_evaluator.holds(*task.relation.partner, each)) continue;
-      satisfied.push_back(each);
-      if (!task.node->queryNot()) mark(*task.node, ranges.occurrence());
+      if (_evaluator.holds(*task.relation.partner, each)) satisfied.push_back(each);
     }
   }
 
@@ -138,14 +138,11 @@ class PrimaryPlaces {
       const auto addClipped = [&](size_t index) {
         const int64_t start = std::max(span.location, ranges[index].location);
         const Range clipped{start, std::min(endOf(span), endOf(ranges[index])) - start};
-        if (!_evaluator.holds(partner, clipped)) return;
-        satisfied.push_back(clipped);
-        mark(*task.node, spans.occurrence());
+        if (_evaluator.holds(partner, clipped)) satisfied.push_back(clipped);
       };
       if (inside > first && inside - 1 < last) addClipped(inside - 1);
       if (insideEnd < last && insideEnd >= first) addClipped(insideEnd);
       if (inside >= insideEnd || holding[insideEnd] == holding[inside]) continue;
-      mark(*task.node, spans.occurrence());
       for (added = std::max(added, inside); added < insideEnd; ++added) {
         if (holding[added + 1] > holding[added]) satisfied.push_back(ranges[added]);
       }

@@ -176,21 +176,19 @@ void FastWordEnumerator::splitAsianRuns() {
   }
 }
 
-// Gives every token inside the word its own start and end. The run itself was counted as one word; it stays one when
-// there is no tokenizer.
+// Divides a word where the tokens inside it meet; they cover it without gaps. The word itself was counted, and stays
+// one when there is no tokenizer.
 void FastWordEnumerator::initWordInRange(Range range) {
   if (!_tokenizer) _tokenizer = WordTokenizer::create();
   if (!_tokenizer) return;
   const std::u16string_view run(_characters + range.location, static_cast<size_t>(range.length));
+  uint8_t* const types = _index.get();
   _tokenizer->enumerateTokens(run, [&](const WordTokenizer::Token& token) {
     const int64_t start = range.location + token.location;
-    const int64_t last = start + token.length - 1;
-    if (start > range.location) {
-      _index[start - 1] |= kWordEnd;
-      _index[start] |= kWordBeginning;
-      ++_numWords;
-    }
-    _index[last] |= kWordEnd;
+    if (token.location == 0) return;
+    types[start - 1] |= kWordEnd;
+    types[start] |= kWordBeginning;
+    ++_numWords;
   });
 }
 

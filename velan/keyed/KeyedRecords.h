@@ -53,21 +53,22 @@ inline constexpr uint32_t kKeyedStringsKey = fourCharacterCode("STRI");
 inline constexpr size_t kKeyedHeaderSize = 16;
 
 /// The bytes that an operation reads: what `Data`, `MutableData` and spans convert to, without a copy. They must stay
-/// as they are during the call. A parameter type; not meant to be kept.
+/// as they are during the call. A parameter type, two words that are passed in registers; not meant to be kept.
 class KeyedBytes {
  public:
-  KeyedBytes(const Data& data) : _bytes(data.span()), _present(!data.isAbsent()) {}
-  KeyedBytes(const MutableData& data) : _bytes(data.span()), _present(true) {}
-  KeyedBytes(std::span<const uint8_t> bytes) : _bytes(bytes), _present(true) {}
+  KeyedBytes(const Data& data) : _bytes(data.bytes()), _length(data.length()) {}
+  KeyedBytes(const MutableData& data) : KeyedBytes(data.span()) {}
+  KeyedBytes(std::span<const uint8_t> bytes) : _bytes(bytes.empty() ? kNoBytes : bytes.data()), _length(bytes.size()) {}
 
-  const uint8_t* begin() const { return _bytes.data(); }
-  size_t length() const { return _bytes.size(); }
-  std::span<const uint8_t> span() const { return _bytes; }
-  bool isAbsent() const { return !_present; }
+  size_t length() const { return _length; }
+  std::span<const uint8_t> span() const { return {_bytes, _length}; }
+  bool isAbsent() const { return !_bytes; }
 
  private:
-  std::span<const uint8_t> _bytes;
-  bool _present;
+  static constexpr uint8_t kNoBytes[1] = {0};
+
+  const uint8_t* _bytes;  // null only for absent data
+  size_t _length;
 };
 
 }  // namespace velan

@@ -17,6 +17,18 @@ Ranges distinctRanges(Ranges ranges) {
   return ranges;
 }
 
+// In ranges none of which contains another: the index of the first one that ends at or after `end`, or begins at or
+// after `start`.
+size_t firstEndingFrom(const Ranges& ranges, int64_t end) {
+  const auto before = [end](const Range& range) { return endOf(range) < end; };
+  return static_cast<size_t>(std::partition_point(ranges.begin(), ranges.end(), before) - ranges.begin());
+}
+
+size_t firstBeginningFrom(const Ranges& ranges, int64_t start) {
+  const auto before = [start](const Range& range) { return range.location < start; };
+  return static_cast<size_t>(std::partition_point(ranges.begin(), ranges.end(), before) - ranges.begin());
+}
+
 // Walks the tree from the root and marks the places that take part in the match.
 class PrimaryPlaces {
  public:
@@ -120,21 +132,10 @@ class PrimaryPlaces {
     size_t added = 0;  // the ranges before this one have been added
     for (Range span = spans.next(); isPresent(span); span = spans.next()) {
       const Range place = *search.at(spans.occurrence());
-      const auto firstEndingFrom = [&ranges](int64_t end) {
-        return static_cast<size_t>(std::partition_point(ranges.begin(), ranges.end(),
-                                                        [end](const Range& range) { return endOf(range) < end; }) -
-                                   ranges.begin());
-      };
-      const auto firstBeginningFrom = [&ranges](int64_t start) {
-        return static_cast<size_t>(
-            std::partition_point(ranges.begin(), ranges.end(),
-                                 [start](const Range& range) { return range.location < start; }) -
-            ranges.begin());
-      };
-      const size_t first = firstEndingFrom(endOf(place));          // the ranges around the place begin here
-      const size_t last = firstBeginningFrom(place.location + 1);  // and end before
-      const size_t inside = std::max(first, firstBeginningFrom(span.location));
-      const size_t insideEnd = std::min(last, firstEndingFrom(endOf(span) + 1));
+      const size_t first = firstEndingFrom(ranges, endOf(place));          // the ranges around the place begin here
+      const size_t last = firstBeginningFrom(ranges, place.location + 1);  // and end before
+      const size_t inside = std::max(first, firstBeginningFrom(ranges, span.location));
+      const size_t insideEnd = std::min(last, firstEndingFrom(ranges, endOf(span) + 1));
       const auto addClipped = [&](size_t index) {
         const int64_t start = std::max(span.location, ranges[index].location);
         const Range clipped{start, std::min(endOf(span), endOf(ranges[index])) - start};

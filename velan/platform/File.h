@@ -23,9 +23,15 @@ enum class FileAccess { Reading, Updating, Appending };
 /// `errno` set. Never waits, not even for a pipe's other end.
 VELAN_EXPORT int openFileDescriptor(const std::string& path, FileAccess access);
 
+/// Closes a descriptor that no `File` took over.
+VELAN_EXPORT void closeFileDescriptor(int descriptor);
+
 /// Creates an empty file with mode 0666 less the umask, and its missing parent folders, unless it is there. What was
 /// created is in its folder also after a power failure. False when the file is missing and cannot be created.
 VELAN_EXPORT bool createFileIfMissing(const std::string& path);
+
+/// The same, but false when the file is there already.
+VELAN_EXPORT bool createNewFile(const std::string& path);
 
 /// Copies the bytes of a file into a new one and synchronises it. False, without a trace, when `to` exists or when
 /// anything fails.

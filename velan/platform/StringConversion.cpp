@@ -137,18 +137,18 @@ Data unitBytes(std::u16string_view text, bool bigEndian, bool mark) {
 }  // namespace
 
 Data dataUsingEncoding(std::u16string_view text, StringEncoding encoding) {
+  if (encoding == stringEncoding(0x08000100)) encoding = StringEncoding::UTF8;
+  if (encoding == stringEncoding(0x100)) encoding = StringEncoding::UTF16;
   switch (encoding) {
     case StringEncoding::ASCII:
       return narrowBytes(text, 0x80);
     case StringEncoding::Latin1:
       return narrowBytes(text, 0x100);
-    case StringEncoding::UTF8:
-    case stringEncoding(0x08000100): {
+    case StringEncoding::UTF8: {
       const auto bytes = utf8FromUTF16(text);
       return bytes ? Data::withBytes(*bytes) : Data();
     }
     case StringEncoding::UTF16:
-    case stringEncoding(0x100):
       return unitBytes(text, false, true);
     case StringEncoding::UTF16BigEndian:
       return unitBytes(text, true, false);

@@ -1,8 +1,7 @@
-#include "velan/storage/BlockStorage.h"
-
 #include <gtest/gtest.h>
 
 #include "tests/storage/SimulatedFiles.h"
+#include "velan/storage/BlockStorage.h"
 #include "velan/storage/Compression.h"
 
 namespace velan {
@@ -32,6 +31,11 @@ std::string block(std::string_view payload, uint32_t padding, uint32_t marker) {
 }
 
 std::string plain(std::string_view payload, uint32_t padding) { return block(payload, padding, 0x31415926); }
+
+std::string changed(std::string bytes, size_t at, char value) {
+  bytes[at] = value;
+  return bytes;
+}
 
 Data dataOf(std::string_view bytes) { return Data::withBytes(bytes); }
 
@@ -85,9 +89,9 @@ TEST_F(BlockStorageTest, SkipsWhatIsDeletedEmptyOrCorruptAndStopsAtWhatIsNoBlock
   image() = sound + corrupt + block("", 9, 0x98765432) + plain("two", 0) + "ten stray.";
   const auto storage = reading();
   EXPECT_EQ(readAll(*storage), (Strings{"one", "old", "two"}));
-  EXPECT_EQ(log.messages, (Strings{"ERROR: Invalid checksum at " + std::to_string(sound.size()) + " in file blocks",
-                                   "ERROR: Invalid header at " + std::to_string(image().size() - 10) +
-                                       " in file blocks"}));
+  EXPECT_EQ(log.messages,
+            (Strings{"ERROR: Invalid checksum at " + std::to_string(sound.size()) + " in file blocks",
+                     "ERROR: Invalid header at " + std::to_string(image().size() - 10) + " in file blocks"}));
   EXPECT_EQ(storage->offsetInFile(), static_cast<int64_t>(image().size()) - 10);
   EXPECT_EQ(storage->offsetOfLastBlock(), static_cast<int64_t>(image().size()) - 10 - 19);
   EXPECT_EQ(storage->lengthOfLastBlock(), 19u);
@@ -124,8 +128,8 @@ TEST_F(BlockStorageTest, UpdatesWithinTheOldRoomAndDeletesTwice) {
   EXPECT_EQ(storage->nextAvailableBlock().length(), 100u);
   EXPECT_FALSE(storage->updateBlock(dataOf(std::string(150, 'b')), 0));
   EXPECT_TRUE(storage->updateBlock(dataOf("now shorter"), 0));
-  EXPECT_EQ(image(), plain("now shorter", 138).substr(0, 27) + std::string(89, 'a') + std::string(49, '\0') +
-                         plain("next", 0));
+  EXPECT_EQ(image(),
+            plain("now shorter", 138).substr(0, 27) + std::string(89, 'a') + std::string(49, '\0') + plain("next", 0));
   EXPECT_EQ(storage->offsetInFile(), 165) << "the position stays";
   EXPECT_TRUE(storage->updateBlock(dataOf(std::string(149, 'b')), 0));
   EXPECT_EQ(image(), plain(std::string(149, 'b'), 0) + plain("next", 0));
@@ -244,10 +248,10 @@ TEST_F(BlockStorageTest, RecoversATornTail) {
       {"half a payload", good + plain("torn payload", 0).substr(0, 22), good},
       {"a length without its bytes", good + std::string(700, '\0'), good},
       {"padding missing", good + plain("whole", 100).substr(0, 30), good + plain("whole", 100)},
-      {"torn before padding", good + plain("whale", 100).replace(18, 1, "o").substr(0, 30), good},
-      {"a header in the middle", "?" + good.substr(1) + plain("x", 0).substr(0, 9), ""},
-      {"a damaged marker of a whole block", good + "?" + plain("whole", 0).substr(1), ""},
-      {"a damaged length of a whole block", good + plain("whole", 0).replace(5, 1, "\1"), ""},
+      {"torn before padding", good + changed(plain("whale", 100), 18, 'o').substr(0, 30), good},
+      {"a header in the middle", changed(good, 0, '?') + plain("x", 0).substr(0, 9), ""},
+      {"a damaged marker of a whole block", good + changed(plain("whole", 0), 0, '?'), ""},
+      {"a damaged length of a whole block", good + changed(plain("whole", 0), 5, 1), ""},
       {"blocks behind", good + plain("torn", 0).substr(0, 18) + good, ""},
   };
   for (const auto& c : cases) {

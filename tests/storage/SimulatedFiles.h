@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <map>
 #include <string>
@@ -34,7 +35,8 @@ inline void applyEvent(std::string& image, const FileEvent& event, size_t count)
 class SimulatedFiles : public FileCalls {
  public:
   enum class Call { Read, Write, Truncate, Synchronize };
-  /// The `at`-th call (from 0) of a kind fails with `error`, or is cut to half when that is 0; `onwards`: all later too.
+  /// The `at`-th call (from 0) of a kind fails with `error`, or is cut to half when that is 0; `onwards`: all later
+  /// too. When `error` is negative it is cut, and the later ones fail.
   struct Fault {
     Call call = Call::Read;
     int64_t at = INT64_MAX;
@@ -124,9 +126,10 @@ class SimulatedFiles : public FileCalls {
     const int64_t n = calls[static_cast<int>(call)]++;
     if (call != fault.call || n < fault.at || (n > fault.at && !fault.onwards)) return true;
     ++faults;
-    if (fault.error == 0) limit = std::max<size_t>(bytes / 2, 1);
-    errno = fault.error;
-    return fault.error == 0;
+    const bool cut = fault.error == 0 || (fault.error < 0 && n == fault.at);
+    if (cut) limit = std::max<size_t>(bytes / 2, 1);
+    errno = std::abs(fault.error);
+    return cut;
   }
 
   std::vector<std::string*> _open;

@@ -19,8 +19,8 @@ class FileCalls;
 /// What a file is opened for. Appending writes at the end whatever the position, and cannot read.
 enum class FileAccess { Reading, Updating, Appending };
 
-/// Opens `path` (UTF-8); appending creates a missing file. Returns the descriptor, closed in child processes, or -1 with
-/// `errno` set. Never waits, not even for a pipe's other end.
+/// Opens `path` (UTF-8); appending creates a missing file. Returns the descriptor, closed in child processes, or -1
+/// with `errno` set. Never waits, not even for a pipe's other end.
 VELAN_EXPORT int openFileDescriptor(const std::string& path, FileAccess access);
 
 /// Closes a descriptor that no `File` took over.
@@ -85,6 +85,8 @@ class VELAN_EXPORT File {
   /// True when everything written so far is on permanent storage. False once after bytes that were kept back got lost,
   /// and for good after the system failed to synchronise: only opening again tells what the file then holds.
   bool synchronize();
+  /// Waits until what `overwrite` wrote is on permanent storage, so that what is written next cannot get there first.
+  bool barrier();
   /// Flushes, unlocks, closes. False when bytes kept back are lost. Afterwards only destruction is allowed.
   bool close();
 

@@ -100,8 +100,8 @@ Data bytesThroughConverter(std::u16string_view text, const char* name, std::stri
   ucnv_setFromUCallBack(converter.get(), UCNV_FROM_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &error);
   ucnv_setFallback(converter.get(), false);
   std::string bytes(mark);
-  bytes.resize(mark.size() + static_cast<size_t>(UCNV_GET_MAX_BYTES_FOR_STRING(
-                                 static_cast<int64_t>(text.size()), ucnv_getMaxCharSize(converter.get()))));
+  bytes.resize(mark.size() + static_cast<size_t>(UCNV_GET_MAX_BYTES_FOR_STRING(static_cast<int64_t>(text.size()),
+                                                                               ucnv_getMaxCharSize(converter.get()))));
   const int32_t count =
       ucnv_fromUChars(converter.get(), bytes.data() + mark.size(), static_cast<int32_t>(bytes.size() - mark.size()),
                       text.data(), static_cast<int32_t>(text.size()), &error);

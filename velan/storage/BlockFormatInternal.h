@@ -38,9 +38,7 @@ struct BlockHeader {
     return result;
   }
 
-  bool hasKnownMarker() const {
-    return marker == kPlainMarker || marker == kCompressedMarker || marker == kOldMarker;
-  }
+  bool hasKnownMarker() const { return marker == kPlainMarker || marker == kCompressedMarker || marker == kOldMarker; }
   bool isCompressed() const { return marker == kCompressedMarker; }
   /// Payload and padding; at most 8 GB, so offsets never overflow.
   int64_t room() const { return int64_t{length} + padding; }

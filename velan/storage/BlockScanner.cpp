@@ -59,7 +59,7 @@ uint32_t BlockScanner::checksum(int64_t offset, int64_t length) {
 }
 
 bool BlockScanner::isSound(int64_t offset, const BlockHeader& header) {
-  if (header.length == 0) return header.marker == kPlainMarker && header.crc == 0;
+  if (header.length == 0) return header.crc == 0;
   return payloadFits(offset, header) && checksum(offset + kHeaderSize, header.length) == header.crc;
 }
 

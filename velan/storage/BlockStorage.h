@@ -61,7 +61,7 @@ struct DamagedPlace {
 
 /// What `verify` and `repairToPath` found.
 struct BlockSurvey {
-  int64_t blocks = 0;   // intact, deleted ones not counted
+  int64_t blocks = 0;  // intact, deleted ones not counted
   int64_t deleted = 0;
   std::vector<DamagedPlace> damages;
 };
@@ -139,8 +139,8 @@ class VELAN_EXPORT BlockStorage {
   /// `backupToPath`: synchronises, then copies the file. False when there is a file at `path` already.
   bool backupToPath(const String& path);
 
-  /// `nextAvailableBlock`: the data of the next block, which may be compressed in the file. Deleted and empty blocks are
-  /// skipped, damaged ones too, with a message. Absent at the end of the file, at an invalid header, at a truncated
+  /// `nextAvailableBlock`: the data of the next block, which may be compressed in the file. Deleted and empty blocks
+  /// are skipped, damaged ones too, with a message. Absent at the end of the file, at an invalid header, at a truncated
   /// block (the position stays there), and for a block that does not inflate (the position is behind it).
   Data nextAvailableBlock();
   /// `copyOfNextAvailableBlock`: the same as `nextAvailableBlock`.
@@ -183,16 +183,17 @@ class VELAN_EXPORT BlockStorage {
   std::optional<BlockSurvey> verify();
   std::optional<BlockSurvey> verify(Progress progress);
   /// `recoverTail`: makes the file fit for appending after an unclean end: cuts off a torn block at the end if nothing
-  /// valid lies behind it, and completes the padding of a whole one, each with a warning. True when the file ends with a
-  /// whole block then. False, with nothing touched, for any other damage and when not open for updating.
+  /// valid lies behind it, and completes the padding of a whole one, each with a warning. True when the file ends with
+  /// a whole block then. False, with nothing touched, for any other damage and when not open for updating.
   bool recoverTail();
-  /// `repairToPath`: writes every block that can be found, also behind damaged headers, unchanged into a new file; where
-  /// a block can begin after a damaged one is told by a header whose payload has the right checksum. Known limit: such
-  /// headers inside payloads that hold blocks themselves. Nothing when there is a file at `path`, or when writing fails.
+  /// `repairToPath`: writes every block that can be found, also behind damaged headers, unchanged into a new file;
+  /// where a block can begin after a damaged one is told by a header whose payload has the right checksum. Known limit:
+  /// such headers inside payloads that hold blocks themselves. Nothing when there is a file at `path`, or when writing
+  /// fails.
   std::optional<BlockSurvey> repairToPath(const String& path);
   std::optional<BlockSurvey> repairToPath(const String& path, Progress progress);
-  /// `enumerateStoredBlocks`: the blocks that `repairToPath` would find and the deleted ones, in order, with the damaged
-  /// places between them; each of the two may be null, and true stops. False when stopped or not readable.
+  /// `enumerateStoredBlocks`: the blocks that `repairToPath` would find and the deleted ones, in order, with the
+  /// damaged places between them; each of the two may be null, and true stops. False when stopped or not readable.
   bool enumerateStoredBlocks(FunctionRef<bool(const StoredBlock&)> found,
                              FunctionRef<bool(const DamagedPlace&)> damaged);
 
@@ -223,7 +224,10 @@ class VELAN_EXPORT BlockStorage {
   Stored _blockForWriting(const Data& data) const;
   std::optional<uint32_t> paddingFor(size_t length) const;
   bool _appendBlock(const Stored& block);
-  bool overwriteBlock(int64_t offset, const BlockHeader& old, const BlockHeader& header, const Data& payload);
+  bool settle(int64_t offset, const BlockHeader& old, const BlockHeader& header);
+  bool overwriteHeader(int64_t offset, const BlockHeader& old, const BlockHeader& header);
+  bool overwriteBlock(int64_t offset, const BlockHeader& old, const BlockHeader& header, const Data& payload,
+                      uint64_t zeros);
   std::optional<BlockHeader> headerForChanging(int64_t offset);
 
   bool copyBlocks(BlockStorage& target, bool skipErrors, BlockStorageHandler* handler);

@@ -79,8 +79,7 @@ bool BlockStorage::recoverTail() {
   } else {
     HeaderBytes bytes{};
     const int64_t got = _file->readAt(offset, bytes.data(), bytes.size());
-    const bool damaged =
-        got == kHeaderSize && hasWholePayload(scanner, BlockHeader::fromBytes(bytes), offset, size);
+    const bool damaged = got == kHeaderSize && hasWholePayload(scanner, BlockHeader::fromBytes(bytes), offset, size);
     if (got < 0 || damaged) return false;
   }
   if (scanner.findBlock(offset + 1) < size || !_file->truncate(end)) return false;

@@ -8,6 +8,7 @@ namespace velan {
 namespace {
 
 constexpr int kCompressionLevel = 1;
+constexpr int64_t kSectorSize = 512;  // what a disk writes as one
 
 }  // namespace
 
@@ -54,12 +55,25 @@ std::optional<BlockHeader> BlockStorage::headerForChanging(int64_t offset) {
   return std::nullopt;
 }
 
+// A marker must never meet a payload of the other kind whose checksum holds: compressed bytes would be taken for data.
+// So what the marker depends on is written before it, also across a crash: where the header lies across two sectors,
+// which reach the disk in any order, that takes waiting for the disk.
+bool BlockStorage::settle(int64_t offset, const BlockHeader& old, const BlockHeader& header) {
+  const bool acrossSectors = offset % kSectorSize > kSectorSize - kHeaderSize;
+  return old.marker == header.marker || !acrossSectors || _file->barrier();
+}
+
 // A failure may leave half a header, which would hide the blocks behind it: then the old one is put back if possible.
-bool BlockStorage::overwriteBlock(int64_t offset, const BlockHeader& old, const BlockHeader& header,
-                                  const Data& payload) {
-  if (_file->overwrite(offset, {header.bytes(), payload.span()}, 0)) return true;
+bool BlockStorage::overwriteHeader(int64_t offset, const BlockHeader& old, const BlockHeader& header) {
+  if (_file->overwrite(offset, {header.bytes()}, 0)) return true;
   _file->overwrite(offset, {old.bytes()}, 0);
   return false;
+}
+
+bool BlockStorage::overwriteBlock(int64_t offset, const BlockHeader& old, const BlockHeader& header,
+                                  const Data& payload, uint64_t zeros) {
+  return _file->overwrite(offset + kHeaderSize, {payload.span()}, zeros) && settle(offset, old, header) &&
+         overwriteHeader(offset, old, header);
 }
 
 bool BlockStorage::updateBlock(const Data& data, int64_t offset) {
@@ -71,14 +85,19 @@ bool BlockStorage::updateBlock(const Data& data, int64_t offset) {
   if (padding < 0 || padding > UINT32_MAX) return false;
   const auto length = static_cast<uint32_t>(block.bytes.length());
   return overwriteBlock(offset, *old, {block.marker, length, static_cast<uint32_t>(padding), crc32(block.bytes)},
-                        block.bytes);
+                        block.bytes, 0);
 }
 
 bool BlockStorage::deleteBlockAtFileOffset(int64_t offset) {
   const auto old = headerForChanging(offset);
   if (!old || old->length == 0) return old.has_value();
   if (old->room() > UINT32_MAX) return false;
-  return overwriteBlock(offset, *old, {kPlainMarker, 0, static_cast<uint32_t>(old->room()), 0}, Data());
+  const BlockHeader deleted{kPlainMarker, 0, static_cast<uint32_t>(old->room()), 0};
+  BlockHeader lengths = deleted;
+  lengths.marker = old->marker;
+  if (lengths.marker == deleted.marker) return overwriteHeader(offset, *old, deleted);
+  return overwriteHeader(offset, *old, lengths) && settle(offset, *old, deleted) &&
+         overwriteHeader(offset, lengths, deleted);
 }
 
 bool BlockStorage::optimizeLastBlock(const Data& data, const Data& compressed, int64_t offset, int64_t* nextOffset) {
@@ -91,7 +110,9 @@ bool BlockStorage::optimizeLastBlock(const Data& data, const Data& compressed, i
   const BlockHeader header{block.marker, static_cast<uint32_t>(block.bytes.length()), *padding, crc32(block.bytes)};
   const bool isBestPlace = _lastPosition <= offset && static_cast<int64_t>(_lastLength) <= header.extent();
   if (isBestPlace || header.extent() > oldEnd - offset) return false;
-  if (!_file->overwrite(offset, {header.bytes(), block.bytes.span()}, *padding)) return false;
+  HeaderBytes there{};
+  if (!isUpdating() || _file->readAt(offset, there.data(), there.size()) != kHeaderSize) return false;
+  if (!overwriteBlock(offset, BlockHeader::fromBytes(there), header, block.bytes, *padding)) return false;
   if (nextOffset) *nextOffset = offset + header.extent();
   return true;
 }

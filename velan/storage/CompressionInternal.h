@@ -10,8 +10,8 @@
 
 namespace velan {
 
-/// Hands the inflated bytes over in parts until `sink` answers false. True when the stream is whole, nothing follows it,
-/// and every part was taken.
+/// Hands the inflated bytes over in parts until `sink` answers false. True when the stream is whole, nothing follows
+/// it, and every part was taken.
 bool inflateInParts(const void* bytes, size_t length, FunctionRef<bool(std::span<const uint8_t>)> sink);
 
 /// Whether bytes can be inflated at all: not null, 1 to 4,294,967,295.

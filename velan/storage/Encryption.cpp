@@ -19,8 +19,7 @@ std::string keyOf(const String& passPhrase) {
 Data performAESOperation(AESOperation operation, const Data& data, const String& passPhrase) {
   if (data.isEmpty() || passPhrase.isEmpty()) return Data();
   const std::string key = keyOf(passPhrase);
-  const AESResult result =
-      runAES(operation, {reinterpret_cast<const uint8_t*>(key.data()), key.size()}, data.span());
+  const AESResult result = runAES(operation, {reinterpret_cast<const uint8_t*>(key.data()), key.size()}, data.span());
   if (result.status != 0) {
     logFormat("ERROR: performAESOperation: %s of %ld bytes failed (-%d)",
               operation == AESOperation::Encrypt ? "Encryption" : "Decryption", static_cast<long>(data.length()),

@@ -12,8 +12,8 @@
 
 namespace velan {
 
-/// `encryptedDataUsingKey`: `data` encrypted under the pass phrase `key`, 1 to 16 bytes longer. Absent for empty data or
-/// an empty pass phrase, and when the library was built without AES.
+/// `encryptedDataUsingKey`: `data` encrypted under the pass phrase `key`, 1 to 16 bytes longer. Absent for empty data
+/// or an empty pass phrase, and when the library was built without AES.
 VELAN_EXPORT Data encryptedDataUsingKey(const Data& data, const String& key);
 
 /// `decryptedDataUsingKey`: the reverse. With another pass phrase, or for damaged data, absent or other bytes.

@@ -8,8 +8,8 @@
 
 namespace velan {
 
-/// `saltedHash:encoding:times:`: appends `salt` (may be absent), takes the bytes in `encoding`, and replaces the text by
-/// their SHA-1 digest in 40 lower-case hexadecimal digits; `times` times, at least once. Text that `encoding` cannot
+/// `saltedHash:encoding:times:`: appends `salt` (may be absent), takes the bytes in `encoding`, and replaces the text
+/// by their SHA-1 digest in 40 lower-case hexadecimal digits; `times` times, at least once. Text that `encoding` cannot
 /// express counts as no bytes. Absent for an absent or empty string.
 VELAN_EXPORT String saltedHash(const String& string, const String& salt, StringEncoding encoding, uint64_t times);
 

@@ -76,7 +76,6 @@ TEST_P(BlockCrashTest, LosesNothingThatWasSynchronised) {
     for (int n = 0; n < drops; ++n) check(withDroppedSectors(synchronised, image), i + 1, false);
   }
   RecordProperty("states", std::to_string(states));
-  std::printf("%lld states\n", static_cast<long long>(states));
 }
 
 TEST_P(BlockCrashTest, CompactionLeavesTheOldFileAloneAndWritesNothingWrong) {
@@ -141,7 +140,8 @@ class BlockInputOutputTest : public testing::TestWithParam<FaultCase> {
     } else {
       ++failures;
     }
-    EXPECT_EQ(failures > 0 || !log.messages.empty(), files.faults > 0 && !GetParam().harmless) << "a failure is told, and only a failure";
+    EXPECT_EQ(failures > 0 || !log.messages.empty(), files.faults > 0 && !GetParam().harmless)
+        << "a failure is told, and only a failure";
     files.fault = {};
     expectReadable(workload);
     return files.faults > 0;

@@ -64,11 +64,16 @@ int64_t SearchedText::find(std::u16string_view literal, int64_t location, int64_
 Range SearchedText::findWord(std::u16string_view literal, Range range, bool whole) const {
   if (literal.empty()) return kAbsentRange;
   const auto length = static_cast<int64_t>(literal.size());
-  for (int64_t from = range.location;; ++from) {
-    from = find(literal, from, endOf(range));
+  const int64_t end = endOf(range);
+  for (int64_t from = range.location; from <= end;) {
+    from = find(literal, from, end);
     if (from < 0) return kAbsentRange;
     if (!whole || (wordBeginsAt(from) && wordEndsAt(from + length - 1))) return {from, length};
+    // Going on at the next word, not the next unit, keeps a long literal in a text that repeats its units from being
+    // compared again and again.
+    from = _words.locationOfNextWordFromIndex(from + 1, end);
   }
+  return kAbsentRange;
 }
 
 int64_t SearchedText::wordStartBefore(int64_t location, int64_t count, int64_t start) const {

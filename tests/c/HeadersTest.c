@@ -1,0 +1,40 @@
+// Each C header is included and called from C11, so that C callers stay possible: its functions link and answer.
+#include <stdio.h>
+
+#include "velan/text/CharacterSets.h"
+#include "velan/text/Comparison.h"
+#include "velan/text/Containment.h"
+#include "velan/text/ConversionTables.h"
+#include "velan/text/Separators.h"
+#include "velan/text/SetFilteredComparison.h"
+#include "velan/wildcard/WildcardMatching.h"
+#include "velan/wildcard/WildcardPattern.h"
+
+static int failures = 0;
+
+#define CHECK(condition) \
+  ((condition) ? (void)0 : (void)(++failures, fprintf(stderr, "%s:%d: %s\n", __FILE__, __LINE__, #condition)))
+
+static void checkText(void) {
+  CHECK(isMemberOfCharacterSetRep(digitCharacterSetRep(), u'7'));
+  CHECK(toUpper(u'a') == u'A' && initUpperCharsTable() == _upperCharsTable);
+  CHECK(isMemberOfCharacterSetRep(defaultWordSeparators(), u' '));
+  CHECK(fastCompareUnichars(u"abc", 3, u"abd", 3) == -1);
+  CHECK(fastCaseInsensitiveContainsUnichars(u"abc", 3, u"BC", 2) != NULL);
+  CHECK(equalCharsOfCharacterSetRep(u"a-b", 3, u"ab", 2, alphaCharacterSetRep()));
+}
+
+static void checkWildcards(void) {
+  static const unichar text[] = {u'a', u'b'};
+  unichar pattern[] = {u'[', u'a', u'|', u'b', u']', u'*'};
+  Range range;
+  CHECK(optimizeWildcard(pattern, pattern + 6, &range, 1) == WildcardTypeSetPrefix && range.length == 4);
+  CHECK(stringMatchesUnixWildcard(text, text + 2, pattern, pattern + 5));
+  CHECK(stringMatchesUnixWildcardFuzzy(text, 2, text, 2) >= MinWildcardFuzzyAnalogy);
+}
+
+int main(void) {
+  checkText();
+  checkWildcards();
+  return failures == 0 ? 0 : 1;
+}

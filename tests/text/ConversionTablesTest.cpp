@@ -1,0 +1,85 @@
+#include <gtest/gtest.h>
+
+#include "velan/text/ConversionTables.h"
+
+namespace velan {
+namespace {
+
+TEST(ConversionTables, Entries) {
+  const struct {
+    const char* why;
+    unichar c, lower, upper, umlauts, lowerUmlauts, upperUmlauts;
+  } cases[] = {
+      {"ASCII capital", 'A', 'a', 'A', 'A', 'a', 'A'},
+      {"ASCII small", 'a', 'a', 'A', 'a', 'a', 'A'},
+      {"digit", '1', '1', '1', '1', '1', '1'},
+      {"a with diaeresis", 0xE4, 0xE4, 0xC4, 'a', 'a', 'A'},
+      {"its capital", 0xC4, 0xE4, 0xC4, 'A', 'a', 'A'},
+      {"sharp s: its capital is two letters", 0xDF, 0xDF, 0xDF, 0xDF, 0xDF, 0xDF},
+      {"capital sharp s", 0x1E9E, 0xDF, 0x1E9E, 0x1E9E, 0xDF, 0x1E9E},
+      {"I with dot: its small form is two units", 0x130, 0x130, 0x130, 'I', 'i', 'I'},
+      {"dotless i", 0x131, 0x131, 'I', 0x131, 0x131, 'I'},
+      {"long s", 0x17F, 0x17F, 'S', 0x17F, 0x17F, 'S'},
+      {"long s with dot: the mark goes first", 0x1E9B, 0x1E9B, 0x1E60, 0x17F, 0x17F, 'S'},
+      {"title-case digraph: no lower-case letter", 0x1C5, 0x1C6, 0x1C5, 0x1C5, 0x1C6, 0x1C5},
+      {"Kelvin sign", 0x212A, 'k', 0x212A, 'K', 'k', 'K'},
+      {"full mapping of an iota subscript is two units", 0x1F80, 0x1F80, 0x1F80, 0x3B1, 0x3B1, 0x391},
+      {"Greek with accent", 0x3AC, 0x3AC, 0x386, 0x3B1, 0x3B1, 0x391},
+      {"Cyrillic short i", 0x439, 0x439, 0x419, 0x438, 0x438, 0x418},
+      {"Hangul decomposes to several letters", 0xAC00, 0xAC00, 0xAC00, 0xAC00, 0xAC00, 0xAC00},
+      {"a mark of its own", 0x301, 0x301, 0x301, 0x301, 0x301, 0x301},
+      {"surrogate", 0xD835, 0xD835, 0xD835, 0xD835, 0xD835, 0xD835},
+      {"first entry", 0, 0, 0, 0, 0, 0},
+      {"last entry", 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(toLower(c.c), c.lower) << c.why;
+    EXPECT_EQ(toUpper(c.c), c.upper) << c.why;
+    EXPECT_EQ(umlautsToAscii(c.c), c.umlauts) << c.why;
+    EXPECT_EQ(umlautsToLowerAscii(c.c), c.lowerUmlauts) << c.why;
+    EXPECT_EQ(umlautsToUpperAscii(c.c), c.upperUmlauts) << c.why;
+  }
+}
+
+TEST(ConversionTables, ToAscii) {
+  const struct {
+    unichar c, ascii, upper, lower;
+  } cases[] = {{0xE9, 'e', 'E', 'e'},  {0xC9, 'E', 'E', 'e'}, {0x416, ' ', ' ', ' '}, {0x7F, 0x7F, 0x7F, 0x7F},
+               {0x80, ' ', ' ', ' '},  {'[', '[', '[', '['},  {'{', '{', '{', '{'},   {'`', '`', '`', '`'},
+               {'@', '@', '@', '@'},   {'z', 'z', 'Z', 'z'},  {'Z', 'Z', 'Z', 'z'},   {0, 0, 0, 0},
+               {0x212A, 'K', 'K', 'k'}};
+  for (const auto& c : cases) {
+    EXPECT_EQ(toAscii(c.c), c.ascii) << int{c.c};
+    EXPECT_EQ(toUpperAscii(c.c), c.upper) << int{c.c};
+    EXPECT_EQ(toLowerAscii(c.c), c.lower) << int{c.c};
+  }
+}
+
+TEST(ConversionTables, BuildFunctionsPublish) {
+  EXPECT_EQ(initLowerCharsTable(), _lowerCharsTable);
+  EXPECT_EQ(upperCharsTable(), _upperCharsTable);
+  EXPECT_EQ(umlautsCharsTable(), _umlautsCharsTable);
+  EXPECT_EQ(lowerUmlautsCharsTable(), _lowerUmlautsCharsTable);
+  EXPECT_EQ(upperUmlautsCharsTable(), _upperUmlautsCharsTable);
+}
+
+TEST(ConversionTables, PartOfAnother) {
+  const unichar* tables[] = {nullptr,
+                             initLowerCharsTable(),
+                             initUpperCharsTable(),
+                             initUmlautsCharsTable(),
+                             initLowerUmlautsCharsTable(),
+                             initUpperUmlautsCharsTable()};
+  const char* expected[] = {"000000", "010010", "001001", "000111", "000010", "000001"};
+  for (size_t i = 0; i < 6; ++i) {
+    for (size_t j = 0; j < 6; ++j) {
+      EXPECT_EQ(isUnicharTablePartOfConversionTable(tables[i], tables[j]), expected[i][j] == '1') << i << ' ' << j;
+    }
+  }
+  const unichar own[1] = {0};
+  EXPECT_TRUE(isUnicharTablePartOfConversionTable(own, own));
+  EXPECT_FALSE(isUnicharTablePartOfConversionTable(own, tables[4]));
+}
+
+}  // namespace
+}  // namespace velan

@@ -1,0 +1,107 @@
+#include "velan/text/ConversionTables.h"
+
+#include <bit>
+#include <mutex>
+
+#include "velan/platform/CharacterDataInternal.h"
+#include "velan/text/CharacterSets.h"
+
+namespace velan {
+
+extern "C" {
+const unichar* _lowerCharsTable = nullptr;
+const unichar* _upperCharsTable = nullptr;
+const unichar* _umlautsCharsTable = nullptr;
+const unichar* _lowerUmlautsCharsTable = nullptr;
+const unichar* _upperUmlautsCharsTable = nullptr;
+}
+
+namespace {
+
+// Memory of the library, so that building cannot fail; pages of a table that is never used are never touched.
+struct Table {
+  std::once_flag once;
+  unichar entries[VelanTableLength];
+};
+Table lower, upper, umlauts, lowerUmlauts, upperUmlauts;
+
+// `published` is set when the table is complete: whoever sees it may read the table without a lock.
+template <typename Fill>
+const unichar* builtTable(const unichar*& published, Table& table, Fill fill) {
+  if (const unichar* complete = __atomic_load_n(&published, __ATOMIC_ACQUIRE)) return complete;
+  std::call_once(table.once, [&] {
+    fill(table.entries);
+    __atomic_store_n(&published, &table.entries[0], __ATOMIC_RELEASE);
+  });
+  return table.entries;
+}
+
+// The members of `set` go through `mapping`, all other units stay.
+void fillMapped(unichar* entries, CharacterSet set, unichar (*mapping)(unichar)) {
+  for (size_t c = 0; c < VelanTableLength; ++c) entries[c] = static_cast<unichar>(c);
+  const uint8_t* rep = bitmap(set);
+  for (size_t i = 0; i < CharacterSetRepLength; ++i) {
+    for (unsigned bits = rep[i]; bits != 0; bits &= bits - 1) {
+      const auto c = static_cast<unichar>(i * 8 + static_cast<size_t>(std::countr_zero(bits)));
+      entries[c] = mapping(c);
+    }
+  }
+}
+
+void fillCombined(unichar* entries, const unichar* first, const unichar* second) {
+  for (size_t c = 0; c < VelanTableLength; ++c) entries[c] = second[first[c]];
+}
+
+// Without the C library's functions, which depend on the locale.
+unichar asciiOrSpace(unichar c) { return c < 0x80 ? c : 0x20; }
+unichar asciiUpper(unichar c) { return c >= 'a' && c <= 'z' ? static_cast<unichar>(c - 0x20) : c; }
+unichar asciiLower(unichar c) { return c >= 'A' && c <= 'Z' ? static_cast<unichar>(c + 0x20) : c; }
+
+}  // namespace
+
+const unichar* initLowerCharsTable() {
+  return builtTable(_lowerCharsTable, lower,
+                    [](unichar* entries) { fillMapped(entries, CharacterSet::UppercaseLetter, lowerCaseOfUnit); });
+}
+
+const unichar* initUpperCharsTable() {
+  return builtTable(_upperCharsTable, upper,
+                    [](unichar* entries) { fillMapped(entries, CharacterSet::LowercaseLetter, upperCaseOfUnit); });
+}
+
+const unichar* initUmlautsCharsTable() {
+  return builtTable(_umlautsCharsTable, umlauts,
+                    [](unichar* entries) { fillMapped(entries, CharacterSet::Letter, withoutDiacritics); });
+}
+
+const unichar* initLowerUmlautsCharsTable() {
+  return builtTable(_lowerUmlautsCharsTable, lowerUmlauts,
+                    [](unichar* entries) { fillCombined(entries, initUmlautsCharsTable(), initLowerCharsTable()); });
+}
+
+const unichar* initUpperUmlautsCharsTable() {
+  return builtTable(_upperUmlautsCharsTable, upperUmlauts,
+                    [](unichar* entries) { fillCombined(entries, initUmlautsCharsTable(), initUpperCharsTable()); });
+}
+
+unichar toLower(unichar c) { return initLowerCharsTable()[c]; }
+unichar toUpper(unichar c) { return initUpperCharsTable()[c]; }
+unichar umlautsToAscii(unichar c) { return initUmlautsCharsTable()[c]; }
+unichar umlautsToUpperAscii(unichar c) { return initUpperUmlautsCharsTable()[c]; }
+unichar umlautsToLowerAscii(unichar c) { return initLowerUmlautsCharsTable()[c]; }
+unichar toAscii(unichar c) { return asciiOrSpace(umlautsToAscii(c)); }
+unichar toUpperAscii(unichar c) { return asciiUpper(toAscii(c)); }
+unichar toLowerAscii(unichar c) { return asciiLower(toAscii(c)); }
+
+bool isUnicharTablePartOfConversionTable(const unichar* table, const unichar* conversionTable) {
+  if (!table || !conversionTable) return false;
+  if (table == conversionTable) return true;
+  if (table == lower.entries) return conversionTable == lowerUmlauts.entries;
+  if (table == upper.entries) return conversionTable == upperUmlauts.entries;
+  if (table == umlauts.entries) {
+    return conversionTable == lowerUmlauts.entries || conversionTable == upperUmlauts.entries;
+  }
+  return false;
+}
+
+}  // namespace velan

@@ -71,14 +71,15 @@ std::optional<MutableData> loadForEditing(const std::string& path, bool mayBeMis
 int dump(const Arguments& arguments) {
   const auto data = load(arguments.file);
   if (!data) return kTrouble;
+  const KeyedInspection inspection = inspectKeyedData(*data);
+  const bool damaged = inspection.damage != KeyedDamage::None;
   if (arguments.json) {
     print(jsonOfRecords(*data));
-    return kSomething;
+  } else {
+    for (const KeyedRecord& record : inspection.records) print(lineOfRecord(*data, record) + "\n");
   }
-  const KeyedInspection inspection = inspectKeyedData(*data);
-  for (const KeyedRecord& record : inspection.records) print(lineOfRecord(*data, record) + "\n");
-  if (inspection.damage != KeyedDamage::None) complain(arguments.file + ": " + describeDamage(*data, inspection));
-  return inspection.records.empty() ? kNothing : kSomething;
+  if (damaged) complain(arguments.file + ": " + describeDamage(*data, inspection));
+  return damaged || inspection.records.empty() ? kNothing : kSomething;
 }
 
 int check(const Arguments& arguments) {

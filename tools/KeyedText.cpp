@@ -179,7 +179,7 @@ bool addRecord(MutableData& data, uint32_t marker, uint32_t key, const Value& va
 
 std::string describeDamage(const Data& data, const KeyedInspection& inspection) {
   const size_t rest = data.length() - inspection.damageOffset;
-  const std::string where = "offset " + std::to_string(inspection.damageOffset) + ": ";
+  std::string where = "offset " + std::to_string(inspection.damageOffset) + ": ";
   std::string marker;
   appendJsonString(String::fromUTF8Lossy(data.view().substr(inspection.damageOffset, 4)), marker);
   switch (inspection.damage) {

@@ -187,7 +187,7 @@ std::optional<Date> dateFromCivilTime(const CivilTime& time) {
     return std::nullopt;
   }
   const int64_t days = dayNumber(time.year, time.month, time.day) - kReferenceDay;
-  const int64_t seconds = days * kSecondsPerDay + time.hour * 3600 + time.minute * 60 + time.second;
+  const int64_t seconds = days * kSecondsPerDay + int64_t{3600} * time.hour + int64_t{60} * time.minute + time.second;
   return Date(static_cast<double>(seconds) + time.millisecond / 1000.0);
 }
 

@@ -179,8 +179,8 @@ class BinaryWriter {
     }
     const uint64_t table = _out.length();
     const size_t offsetSize = bytesNeeded(table);
-    for (const uint64_t offset : offsets) writeNumber(offset, offsetSize);
-    writeNumber(0, 6);
+    writeNumbers(offsets, offsetSize);
+    writeNumbers(std::vector<uint64_t>(6, 0), 1);
     writeNumber(offsetSize, 1);
     writeNumber(_referenceSize, 1);
     writeNumber(_objects.size(), 8);
@@ -188,10 +188,15 @@ class BinaryWriter {
     writeNumber(table, 8);
   }
 
-  void writeNumber(uint64_t number, size_t size) {
-    uint8_t bytes[8];
-    for (size_t i = 0; i < size; ++i) bytes[i] = static_cast<uint8_t>(number >> (8 * (size - 1 - i)));
-    _out.appendBytes(bytes, size);
+  void writeNumber(uint64_t number, size_t size) { writeNumbers({&number, 1}, size); }
+
+  void writeNumbers(std::span<const uint64_t> numbers, size_t size) {
+    const size_t start = _out.length();
+    _out.setLength(start + numbers.size() * size);
+    uint8_t* bytes = _out.mutableBytes() + start;
+    for (const uint64_t number : numbers) {
+      for (size_t shift = size * 8; shift > 0; shift -= 8) *bytes++ = static_cast<uint8_t>(number >> (shift - 8));
+    }
   }
 
   void writeByte(uint8_t byte) { _out.appendBytes(&byte, 1); }
@@ -253,7 +258,7 @@ class BinaryWriter {
 
   void writeContainer(BinaryType type, size_t count, size_t references, const Object& object) {
     writeHead(type, count);
-    for (size_t i = 0; i < references; ++i) writeNumber(_references[object.references + i], _referenceSize);
+    writeNumbers(std::span(_references).subspan(object.references, references), _referenceSize);
   }
 
   struct Container {

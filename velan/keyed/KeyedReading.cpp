@@ -321,7 +321,7 @@ bool isEqualToKeyedData(KeyedBytes bytes, KeyedBytes other, uint32_t marker) {
   for (RecordWalk walk(other.span()); walk.atRecord(); walk.advance()) {
     if (walk.record().fits()) index.push_back(walk.record());
   }
-  const auto before = [](const Record& a, const Record& b) { return compareRecords(a, b) < 0; };
+  const auto before = [](const Record& a, const Record& b) { return std::is_lt(compareRecords(a, b)); };
   std::ranges::sort(index, before);
   return std::ranges::all_of(*wanted,
                              [&](const Record& record) { return std::ranges::binary_search(index, record, before); });

@@ -18,7 +18,7 @@
 namespace velan {
 namespace {
 
-constexpr size_t kShortestMapping = 64 * 1024;
+constexpr size_t kShortestMapping = size_t{64} << 10;
 
 class Descriptor {
  public:

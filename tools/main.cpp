@@ -6,6 +6,7 @@ int main(int argc, char** argv) {
   CLI::App app{"Text search, records and block files from the command line", "velan"};
   app.require_subcommand(1);
   int status = velan::tool::kSomething;
+  velan::tool::addBlockCommands(app, status);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

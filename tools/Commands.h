@@ -17,6 +17,8 @@ enum ExitStatus : int {
 
 /// `velan keyed …`: files of keyed data records. `app` and `status` must outlive the parsing.
 void addKeyedCommands(CLI::App& app, int& status);
+/// `velan blocks`, `crc`, `deflate`, `gzip` and `inflate`.
+void addBlockCommands(CLI::App& app, int& status);
 
 }  // namespace velan::tool
 

@@ -7,6 +7,7 @@ int main(int argc, char** argv) {
   app.require_subcommand(1);
   int status = velan::tool::kSomething;
   velan::tool::addKeyedCommands(app, status);
+  velan::tool::addBlockCommands(app, status);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

@@ -4,7 +4,10 @@
 #include "velan/text/CharacterSets.h"
 #include "velan/text/Comparison.h"
 #include "velan/text/Containment.h"
+#include "velan/text/Checksums.h"
 #include "velan/text/ConversionTables.h"
+#include "velan/text/MD5.h"
+#include "velan/text/SHA1.h"
 #include "velan/text/Separators.h"
 #include "velan/text/SetFilteredComparison.h"
 #include "velan/wildcard/WildcardMatching.h"
@@ -33,8 +36,24 @@ static void checkWildcards(void) {
   CHECK(stringMatchesUnixWildcardFuzzy(text, 2, text, 2) >= MinWildcardFuzzyAnalogy);
 }
 
+static void checkHashing(void) {
+  uint8_t digest[ISC_SHA1_DIGESTLENGTH];
+  isc_sha1_t sha1;
+  isc_md5_t md5;
+  isc_sha1_init(&sha1);
+  isc_sha1_update(&sha1, "abc", 3);
+  isc_sha1_final(&sha1, digest);
+  CHECK(digest[0] == 0xA9);
+  isc_md5_init(&md5);
+  isc_md5_update(&md5, "abc", 3);
+  isc_md5_final(&md5, digest);
+  CHECK(digest[0] == 0x90);
+  CHECK(CRC32("abc", 3) == 0xCA6598D0 && CRC32UniChars(u"a", 1) == 0x3AB551CE);
+}
+
 int main(void) {
   checkText();
   checkWildcards();
+  checkHashing();
   return failures == 0 ? 0 : 1;
 }

@@ -31,9 +31,21 @@ uint32_t crc32WithZeros(uint32_t crc, uint64_t zeros);
 uint32_t crc32Scalar(uint32_t crc, const uint8_t* bytes, size_t length);
 uint32_t crc32UnitsScalar(uint32_t crc, const unichar* units, size_t length);
 
+/// x^n modulo the polynomial, in the bit order of the register, one place up as the carry-less multiplication of
+/// reflected numbers wants it. Found with n single steps from x^0.
+constexpr int64_t crc32Power(int n) {
+  uint32_t value = 0x80000000;
+  for (int i = 0; i < n; ++i) value = (value & 1) ? (value >> 1) ^ 0xEDB88320 : value >> 1;
+  return static_cast<int64_t>(static_cast<uint64_t>(value) << 1);
+}
+
 /// Carry-less multiplication; both take any length. Only where the CPU has PCLMULQDQ and SSSE3.
 uint32_t crc32Clmul(uint32_t crc, const uint8_t* bytes, size_t length);
 uint32_t crc32UnitsClmul(uint32_t crc, const unichar* units, size_t length);
+
+/// The same on 512 bits at once. Only where the CPU has VPCLMULQDQ and AVX-512 F, BW and VL.
+uint32_t crc32WideClmul(uint32_t crc, const uint8_t* bytes, size_t length);
+uint32_t crc32UnitsWideClmul(uint32_t crc, const unichar* units, size_t length);
 
 }  // namespace velan
 

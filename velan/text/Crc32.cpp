@@ -68,10 +68,11 @@ std::span<const Crc32Kernel> supportedCrc32Kernels() {
       {"scalar", crc32Scalar, crc32UnitsScalar},
 #ifdef __x86_64__
       {"clmul", crc32Clmul, crc32UnitsClmul},
+      {"wide clmul", crc32WideClmul, crc32UnitsWideClmul},
 #endif
   };
-  const std::span<const Crc32Kernel> all(kernels);
-  return cpuFeatures().pclmul ? all : all.first(1);
+  const std::span<const Crc32Kernel> all(kernels);  // on other processors one, and no features
+  return cpuFeatures().vpclmul ? all : all.first(cpuFeatures().pclmul ? 2 : 1);
 }
 
 uint32_t crc32Continued(uint32_t crc, const void* bytes, size_t length) {

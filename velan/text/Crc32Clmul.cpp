@@ -9,21 +9,13 @@
 namespace velan {
 namespace {
 
-// x^n modulo the polynomial, in the bit order of the register, one place up as the multiplication of reflected numbers
-// wants it. Found with n single steps from x^0.
-constexpr int64_t power(int n) {
-  uint32_t value = 0x80000000;
-  for (int i = 0; i < n; ++i) value = (value & 1) ? (value >> 1) ^ 0xEDB88320 : value >> 1;
-  return static_cast<int64_t>(static_cast<uint64_t>(value) << 1);
-}
-
 constexpr int64_t kPolynomial = 0x1DB710641;  // with its x^32
 constexpr int64_t kQuotient = 0x1F7011641;    // x^64 divided by it
 
 // What moves a register 128 * n bits on: the low half travels 64 bits further than the high half.
 template <int n>
 __m128i distance() {
-  return _mm_set_epi64x(power(128 * n - 32), power(128 * n + 32));
+  return _mm_set_epi64x(crc32Power(128 * n - 32), crc32Power(128 * n + 32));
 }
 
 __m128i fold(__m128i value, __m128i distance, __m128i next) {
@@ -37,7 +29,7 @@ uint32_t reduce(__m128i value) {
   const __m128i low32 = _mm_set_epi32(0, 0, 0, -1);
   const __m128i by96 = _mm_clmulepi64_si128(value, distance<1>(), 0x10);
   value = _mm_xor_si128(_mm_srli_si128(value, 8), by96);
-  const __m128i by64 = _mm_clmulepi64_si128(_mm_and_si128(value, low32), _mm_set_epi64x(0, power(64)), 0x00);
+  const __m128i by64 = _mm_clmulepi64_si128(_mm_and_si128(value, low32), _mm_set_epi64x(0, crc32Power(64)), 0x00);
   value = _mm_xor_si128(_mm_srli_si128(value, 4), by64);
   const __m128i division = _mm_set_epi64x(kQuotient, kPolynomial);
   __m128i multiple = _mm_clmulepi64_si128(_mm_and_si128(value, low32), division, 0x10);

@@ -1,0 +1,226 @@
+// Appending and reading blocks beside LevelDB and LMDB, on the same file system: VELAN_BENCHMARK_FOLDER, or /var/tmp.
+#include <benchmark/benchmark.h>
+#include <leveldb/db.h>
+#include <leveldb/iterator.h>
+#include <lmdb.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+#include <random>
+#include <string>
+
+#include "velan/storage/BlockStorage.h"
+
+namespace velan {
+namespace {
+
+// The arguments: bytes of a block; whether to compress, or to synchronise after each block.
+constexpr int64_t kReadBytes = 16 << 20;
+
+std::string folder() {
+  const char* parent = std::getenv("VELAN_BENCHMARK_FOLDER");
+  return std::string(parent ? parent : "/var/tmp") + "/velan-storage-benchmark";
+}
+
+class Folder {
+ public:
+  Folder() {
+    std::filesystem::remove_all(folder());
+    std::filesystem::create_directories(folder());
+  }
+  ~Folder() { std::filesystem::remove_all(folder()); }
+  Folder(const Folder&) = delete;
+  Folder& operator=(const Folder&) = delete;
+};
+
+// Words of a small vocabulary: about as compressible as prose.
+std::string textOf(size_t length) {
+  std::mt19937 random(1);
+  std::string text;
+  while (text.size() < length) {
+    for (unsigned word = static_cast<unsigned>(random()) % 2000 + 17; word > 0; word /= 7) {
+      text += static_cast<char>('a' + word % 7 * 3);
+    }
+    text += ' ';
+  }
+  text.resize(length);
+  return text;
+}
+
+struct Velan {
+  explicit Velan(bool compress) : storage(BlockStorage::blockStorageForUpdatingAtPath(path())) {
+    storage->setCompressed(compress);
+  }
+  static String path() { return String::fromUTF8(folder() + "/blocks"); }
+  bool append(const std::string& text) {
+    return storage->appendBlock(Data::withBytesNoCopy(const_cast<char*>(text.data()), text.size(), false));
+  }
+  bool synchronize() { return storage->synchronizeFile(); }
+  size_t readAll() {
+    size_t sum = 0;
+    storage->seekToFileOffset(0);
+    while (const Data data = storage->nextAvailableBlock()) sum += data.length();
+    return sum;
+  }
+  std::unique_ptr<BlockStorage> storage;
+};
+
+struct LevelDB {
+  explicit LevelDB(bool compress) {
+    leveldb::Options options;
+    options.create_if_missing = true;
+    options.compression = compress ? leveldb::kSnappyCompression : leveldb::kNoCompression;
+    leveldb::DB* opened = nullptr;
+    leveldb::DB::Open(options, folder() + "/leveldb", &opened);
+    database.reset(opened);
+  }
+  bool put(const std::string& text, bool sync) {
+    leveldb::WriteOptions options;
+    options.sync = sync;
+    const uint64_t key = __builtin_bswap64(count++);
+    return database->Put(options, leveldb::Slice(reinterpret_cast<const char*>(&key), sizeof key), text).ok();
+  }
+  bool append(const std::string& text) { return put(text, false); }
+  bool appendAndSynchronize(const std::string& text) { return put(text, true); }
+  size_t readAll() {
+    leveldb::ReadOptions options;
+    options.verify_checksums = true;
+    size_t sum = 0;
+    const std::unique_ptr<leveldb::Iterator> iterator(database->NewIterator(options));
+    for (iterator->SeekToFirst(); iterator->Valid(); iterator->Next()) {
+      const std::string copy = iterator->value().ToString();
+      benchmark::DoNotOptimize(copy.data());
+      sum += copy.size();
+    }
+    return sum;
+  }
+  std::unique_ptr<leveldb::DB> database;
+  uint64_t count = 0;
+};
+
+// A transaction for each block, as for the others. It does not compress, and has no checksums.
+struct LMDB {
+  explicit LMDB(bool synchronous) {
+    mdb_env_create(&environment);
+    mdb_env_set_mapsize(environment, size_t{16} << 30);
+    std::filesystem::create_directories(folder() + "/lmdb");
+    mdb_env_open(environment, (folder() + "/lmdb").c_str(), synchronous ? 0 : MDB_NOSYNC, 0644);
+  }
+  ~LMDB() { mdb_env_close(environment); }
+  LMDB(const LMDB&) = delete;
+  LMDB& operator=(const LMDB&) = delete;
+  bool append(const std::string& text) {
+    MDB_txn* transaction = nullptr;
+    MDB_dbi table = 0;
+    uint64_t key = __builtin_bswap64(count++);
+    MDB_val name{sizeof key, &key};
+    MDB_val value{text.size(), const_cast<char*>(text.data())};
+    return mdb_txn_begin(environment, nullptr, 0, &transaction) == 0 &&
+           mdb_dbi_open(transaction, nullptr, 0, &table) == 0 &&
+           mdb_put(transaction, table, &name, &value, MDB_APPEND) == 0 && mdb_txn_commit(transaction) == 0;
+  }
+  size_t readAll() {
+    MDB_txn* transaction = nullptr;
+    MDB_cursor* cursor = nullptr;
+    MDB_dbi table = 0;
+    mdb_txn_begin(environment, nullptr, MDB_RDONLY, &transaction);
+    mdb_dbi_open(transaction, nullptr, 0, &table);
+    mdb_cursor_open(transaction, table, &cursor);
+    size_t sum = 0;
+    MDB_val key, value;
+    while (mdb_cursor_get(cursor, &key, &value, MDB_NEXT) == 0) {
+      const std::string copy(static_cast<const char*>(value.mv_data), value.mv_size);
+      benchmark::DoNotOptimize(copy.data());
+      sum += copy.size();
+    }
+    mdb_cursor_close(cursor);
+    mdb_txn_abort(transaction);
+    return sum;
+  }
+  MDB_env* environment = nullptr;
+  uint64_t count = 0;
+};
+
+template <typename Append>
+void measureAppending(benchmark::State& state, Append append) {
+  const std::string text = textOf(static_cast<size_t>(state.range(0)));
+  for (auto _ : state) {
+    if (!append(text)) state.SkipWithError("append");
+  }
+  state.SetBytesProcessed(state.iterations() * state.range(0));
+}
+
+template <typename Store>
+void measureReading(benchmark::State& state, Store& store) {
+  const std::string text = textOf(static_cast<size_t>(state.range(0)));
+  const int64_t count = kReadBytes / state.range(0);
+  for (int64_t i = 0; i < count; ++i) store.append(text);
+  for (auto _ : state) {
+    if (store.readAll() != text.size() * static_cast<size_t>(count)) state.SkipWithError("read");
+  }
+  state.SetBytesProcessed(state.iterations() * kReadBytes);
+  state.SetItemsProcessed(state.iterations() * count);
+}
+
+void BM_AppendVelan(benchmark::State& state) {
+  const Folder made;
+  Velan store(state.range(1) != 0);
+  measureAppending(state, [&](const std::string& text) { return store.append(text); });
+}
+void BM_AppendLevelDB(benchmark::State& state) {
+  const Folder made;
+  LevelDB store(state.range(1) != 0);
+  measureAppending(state, [&](const std::string& text) { return store.append(text); });
+}
+void BM_AppendLMDB(benchmark::State& state) {
+  const Folder made;
+  LMDB store(false);
+  measureAppending(state, [&](const std::string& text) { return store.append(text); });
+}
+void BM_AppendSyncVelan(benchmark::State& state) {
+  const Folder made;
+  Velan store(false);
+  measureAppending(state, [&](const std::string& text) { return store.append(text) && store.synchronize(); });
+}
+void BM_AppendSyncLevelDB(benchmark::State& state) {
+  const Folder made;
+  LevelDB store(false);
+  measureAppending(state, [&](const std::string& text) { return store.appendAndSynchronize(text); });
+}
+void BM_AppendSyncLMDB(benchmark::State& state) {
+  const Folder made;
+  LMDB store(true);
+  measureAppending(state, [&](const std::string& text) { return store.append(text); });
+}
+void BM_ReadVelan(benchmark::State& state) {
+  const Folder made;
+  Velan store(state.range(1) != 0);
+  measureReading(state, store);
+}
+void BM_ReadLevelDB(benchmark::State& state) {
+  const Folder made;
+  LevelDB store(state.range(1) != 0);
+  measureReading(state, store);
+}
+void BM_ReadLMDB(benchmark::State& state) {
+  const Folder made;
+  LMDB store(false);
+  measureReading(state, store);
+}
+
+#define VELAN_SIZES ArgsProduct({{1 << 10, 4 << 10, 64 << 10}, {0, 1}})
+#define VELAN_PLAIN_SIZES ArgsProduct({{1 << 10, 4 << 10, 64 << 10}, {0}})
+// A fixed number of appends: otherwise the fastest fills the disk.
+BENCHMARK(BM_AppendVelan)->VELAN_SIZES->Iterations(4000);
+BENCHMARK(BM_AppendLevelDB)->VELAN_SIZES->Iterations(4000);
+BENCHMARK(BM_AppendLMDB)->VELAN_PLAIN_SIZES->Iterations(4000);
+BENCHMARK(BM_AppendSyncVelan)->VELAN_PLAIN_SIZES->Iterations(300)->UseRealTime();
+BENCHMARK(BM_AppendSyncLevelDB)->VELAN_PLAIN_SIZES->Iterations(300)->UseRealTime();
+BENCHMARK(BM_AppendSyncLMDB)->VELAN_PLAIN_SIZES->Iterations(300)->UseRealTime();
+BENCHMARK(BM_ReadVelan)->VELAN_SIZES;
+BENCHMARK(BM_ReadLevelDB)->VELAN_SIZES;
+BENCHMARK(BM_ReadLMDB)->VELAN_PLAIN_SIZES;
+
+}  // namespace
+}  // namespace velan

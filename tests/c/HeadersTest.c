@@ -2,8 +2,11 @@
 #include <stdio.h>
 
 #include "velan/text/CharacterSets.h"
+#include "velan/text/Comparison.h"
+#include "velan/text/Containment.h"
 #include "velan/text/ConversionTables.h"
 #include "velan/text/Separators.h"
+#include "velan/text/SetFilteredComparison.h"
 
 static int failures = 0;
 
@@ -14,6 +17,9 @@ static void checkText(void) {
   CHECK(isMemberOfCharacterSetRep(digitCharacterSetRep(), u'7'));
   CHECK(toUpper(u'a') == u'A' && initUpperCharsTable() == _upperCharsTable);
   CHECK(isMemberOfCharacterSetRep(defaultWordSeparators(), u' '));
+  CHECK(fastCompareUnichars(u"abc", 3, u"abd", 3) == -1);
+  CHECK(fastCaseInsensitiveContainsUnichars(u"abc", 3, u"BC", 2) != NULL);
+  CHECK(equalCharsOfCharacterSetRep(u"a-b", 3, u"ab", 2, alphaCharacterSetRep()));
 }
 
 int main(void) {

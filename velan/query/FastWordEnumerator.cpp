@@ -108,6 +108,7 @@ bool FastWordEnumerator::setCharacters(const unichar* characters, int64_t length
 
 void FastWordEnumerator::releaseCharacters() {
   if (_freeCharacters) std::free(const_cast<unichar*>(_characters));
+  _upperCase = false;
   _freeCharacters = false;
   _characters = nullptr;
   _string = String();
@@ -130,6 +131,7 @@ bool FastWordEnumerator::copyInUpperCase(const unichar* characters, int64_t leng
   _characters = copy;
   _freeCharacters = true;
   _length = static_cast<uint64_t>(length);
+  _upperCase = true;
   return true;
 }
 

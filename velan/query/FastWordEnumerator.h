@@ -75,6 +75,8 @@ class VELAN_EXPORT FastWordEnumerator {
   /// `characters`: the units that are indexed, in upper case if created to ignore case. Valid until the enumerator
   /// changes or goes; null after `invalidate`.
   const unichar* characters() const { return _characters; }
+  /// Whether the units are a copy in upper case.
+  bool isCaseInsensitive() const { return _upperCase; }
   /// `length`: the number of units.
   int64_t length() const { return static_cast<int64_t>(_length); }
   /// `numberOfWords`: counted when the text was indexed.
@@ -163,6 +165,7 @@ class VELAN_EXPORT FastWordEnumerator {
   String _string;                        // absent when made from units
   const unichar* _characters = nullptr;  // into _string, the caller's, or owned
   bool _freeCharacters = false;          // _characters are owned
+  bool _upperCase = false;               // _characters are a copy in upper case
   uint64_t _length = 0;                  // 0 while invalid: every query then fails its bounds check
   std::unique_ptr<uint8_t[]> _index;     // a type per unit
   uint64_t _indexCapacity = 0;           // in units

@@ -35,7 +35,7 @@ class LeafSearch {
 
  private:
   const SearchedText& _text;
-  const bool _literal;   // found by its units rather than by a pattern
+  const bool _literal;  // found by its units rather than by a pattern
   const bool _whole;
   std::u16string _word;  // of a literal leaf, mapped like the text
   WordPattern _pattern;  // of any other

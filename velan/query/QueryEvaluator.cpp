@@ -135,13 +135,9 @@ std::optional<QueryEvaluator::Frame> QueryEvaluator::stepGroup(Frame& frame, boo
   while (frame.next < children.size()) {
     const size_t index = frame.next++;
     if (index > 0 && !decides(children[index]->queryOperator(), frame.running)) continue;
-    return Frame{children[index].get(),
-                 relationOfChild(frame.relation, children, index),
-                 frame.range,
-                 0,
-                 false,
-                 nullptr,
-                 kAbsentRange};
+    return Frame{
+        children[index].get(), relationOfChild(frame.relation, children, index), frame.range, 0, false, nullptr,
+        kAbsentRange};
   }
   result = !children.empty() && frame.running != frame.node->queryNot();
   return std::nullopt;

@@ -4,10 +4,11 @@
 // never decides. A leaf holds in a range when it occurs there, a negated one when it does not. A negated group inverts
 // its result.
 //
-// Proximity. In "P op/d N" the later term N carries operator, distance and negation; its partner P is the child directly
-// before it in the group, and the fold must be true so far. Let R be the searched range; an empty R gives false, negated
-// or not. N's occurrences in R, from left to right, have one span each, clipped to R: from the d-th word start before
-// the occurrence (for AFTER: from its own start) to the d-th word end after it (for BEFORE and NEXT: to its own end).
+// Proximity. In "P op/d N" the later term N carries operator, distance and negation; its partner P is the child
+// directly before it in the group, and the fold must be true so far. Let R be the searched range; an empty R gives
+// false, negated or not. N's occurrences in R, from left to right, have one span each, clipped to R: from the d-th word
+// start before the occurrence (for AFTER: from its own start) to the d-th word end after it (for BEFORE and NEXT: to
+// its own end).
 //  - Not negated: true when P, without a partner of its own, holds inside at least one span.
 //  - Negated: true when P, without a partner, holds inside at least one longest non-empty piece of R outside all spans;
 //    without any N the one piece is R. P lies wholly in one piece, a group P is satisfied within one piece, a negated P
@@ -40,8 +41,8 @@ bool hasOwnRelation(const QueryTerms& node);
 /// The relation of child `index` of a group whose own relation is `inherited`.
 Relation relationOfChild(const Relation& inherited, const QueryTerms::Children& children, size_t index);
 
-/// The ranges in which the partner of a leaf has to hold: the spans of the leaf's occurrences or, when it is negated, the
-/// pieces outside all spans. Both beginnings and ends grow.
+/// The ranges in which the partner of a leaf has to hold: the spans of the leaf's occurrences or, when it is negated,
+/// the pieces outside all spans. Both beginnings and ends grow.
 class RelationRanges {
  public:
   RelationRanges(const SearchedText& text, LeafSearch& leaf, bool negated, const Relation& relation, Range range);
@@ -65,8 +66,8 @@ class RelationRanges {
   int64_t _pieceStart;
 };
 
-/// Evaluates any nodes of one tree on one text. Each leaf is searched once, and what a group that is a partner gives in a
-/// span is remembered. Depth of the tree costs memory only.
+/// Evaluates any nodes of one tree on one text. Each leaf is searched once, and what a group that is a partner gives in
+/// a span is remembered. Depth of the tree costs memory only.
 class QueryEvaluator {
  public:
   /// `fuzzy` and the mapping of the units are taken from `comparison`.

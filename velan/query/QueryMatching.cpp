@@ -80,7 +80,8 @@ bool matchesString(const FastWordEnumerator& enumerator, const QueryTerms& node,
                    QueryOperator queryOperator, int64_t distance, int64_t start, int64_t length,
                    QueryComparison comparison, bool wildcard) {
   QueryEvaluator evaluator(enumerator, comparison, kindOf(wildcard));
-  return evaluator.evaluate(node, {partner, queryOperator, distance}, clippedRange({start, length}, enumerator.length()));
+  return evaluator.evaluate(node, {partner, queryOperator, distance},
+                            clippedRange({start, length}, enumerator.length()));
 }
 
 bool containsString(const FastWordEnumerator& enumerator, const QueryTerms& node, QueryComparison comparison,
@@ -110,14 +111,14 @@ int64_t callHandlerWithOccurrences(std::vector<QueryOccurrence> occurrences, Que
 }
 
 int64_t callHandlerWithOccurrences(std::vector<QueryOccurrence> occurrences,
-                                   bool (*handler)(void* argument, const String& term, int64_t location,
-                                                   int64_t length, bool primary),
+                                   bool (*handler)(void* argument, const String& term, int64_t location, int64_t length,
+                                                   bool primary),
                                    void* argument) {
   if (!handler) return 0;
-  return callHandlerWithOccurrences(
-      std::move(occurrences), [handler, argument](const String& term, Range range, bool primary) {
-        return handler(argument, term, range.location, range.length, primary);
-      });
+  return callHandlerWithOccurrences(std::move(occurrences),
+                                    [handler, argument](const String& term, Range range, bool primary) {
+                                      return handler(argument, term, range.location, range.length, primary);
+                                    });
 }
 
 int64_t enumerateOccurrences(const FastWordEnumerator& enumerator, const QueryTerms& node, Range range,

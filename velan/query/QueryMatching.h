@@ -13,9 +13,9 @@ namespace velan {
 
 /// Where a term of a query occurs.
 struct QueryOccurrence {
-  Range range;    // in code units
-  String term;    // the word, phrase or pattern of the leaf
-  bool primary;   // whether the place takes part in what satisfied the query
+  Range range;   // in code units
+  String term;   // the word, phrase or pattern of the leaf
+  bool primary;  // whether the place takes part in what satisfied the query
 };
 
 /// The order in which occurrences are reported: by location, the longer first.
@@ -38,9 +38,9 @@ VELAN_EXPORT bool matchesString(const FastWordEnumerator& enumerator, const Quer
 VELAN_EXPORT bool containsString(const FastWordEnumerator& enumerator, const QueryTerms& node,
                                  QueryComparison comparison, bool wildcard);
 
-/// The occurrences of all leaves in `range` that are neither negated nor below a negated group, whether or not the query
-/// matches, in the order of `precedes`, each range once. An occurrence is primary when it takes part in the match: under
-/// a proximity operator when it lies in a span that satisfied the relation, elsewhere always.
+/// The occurrences of all leaves in `range` that are neither negated nor below a negated group, whether or not the
+/// query matches, in the order of `precedes`, each range once. An occurrence is primary when it takes part in the
+/// match: under a proximity operator when it lies in a span that satisfied the relation, elsewhere always.
 VELAN_EXPORT std::vector<QueryOccurrence> queryOccurrences(const FastWordEnumerator& enumerator, const QueryTerms& node,
                                                            Range range, QueryComparison comparison, bool wildcard);
 
@@ -74,10 +74,10 @@ int64_t enumerateQueryTerms(const String& string, const QueryTerms& terms, Range
 }
 
 /// `findNextQueryTerm:isMutable:range:caseSensitive:anchored:exactPhrase:`: the first place in `range` of any leaf that
-/// is neither negated nor below a negated group, the longest that begins there; absent if there is none. Leaves are plain
-/// words. With `anchored` the place begins where the range does. With `exactPhrase` a phrase is found unit by unit;
-/// without, any separators may lie between its words. `isMutable` is for callers whose texts may change during the
-/// search; strings here never do.
+/// is neither negated nor below a negated group, the longest that begins there; absent if there is none. Leaves are
+/// plain words. With `anchored` the place begins where the range does. With `exactPhrase` a phrase is found unit by
+/// unit; without, any separators may lie between its words. `isMutable` is for callers whose texts may change during
+/// the search; strings here never do.
 VELAN_EXPORT Range findNextQueryTerm(const String& string, const QueryTerms& terms, bool isMutable, Range range,
                                      bool caseSensitive, bool anchored, bool exactPhrase);
 /// `findPreviousQueryTerm:isMutable:range:caseSensitive:anchored:exactPhrase:`: the same for the last place; with

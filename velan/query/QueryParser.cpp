@@ -58,9 +58,9 @@ struct OperatorKeyword {
   QueryOperator queryOperator;
 };
 
-constexpr OperatorKeyword kOperatorKeywords[] = {
-    {u"AND", QueryOperator::And}, {u"BUT", QueryOperator::And}, {u"OR", QueryOperator::Or},
-    {u"XOR", QueryOperator::Xor}, {u"EOR", QueryOperator::Xor}, {u"OPT", QueryOperator::Optional}};
+constexpr OperatorKeyword kOperatorKeywords[] = {{u"AND", QueryOperator::And}, {u"BUT", QueryOperator::And},
+                                                 {u"OR", QueryOperator::Or},   {u"XOR", QueryOperator::Xor},
+                                                 {u"EOR", QueryOperator::Xor}, {u"OPT", QueryOperator::Optional}};
 
 }  // namespace
 
@@ -173,8 +173,11 @@ class QueryParser {
       }
     }
     if (takeProximity(token)) return;
-    const bool wrap = _substring && !(token.size() > 1 && token.front() == u'*' && token.back() == u'*');
-    addTerm(wrap ? String(u"*" + std::u16string(token) + u"*") : String(token), _substring, false);
+    const bool wrapped = token.size() > 1 && token.front() == u'*' && token.back() == u'*';
+    MutableString word(_substring && !wrapped ? u"*" : u"");
+    word.appendString(token);
+    if (_substring && !wrapped) word.appendCharacter(u'*');
+    addTerm(word, _substring, false);
   }
 
   // "NEAR", or "NEAR/" and a distance; "NEAR/" alone and "NEARBY" are words.
@@ -237,8 +240,8 @@ class QueryParser {
 
 std::unique_ptr<QueryTerms> QueryTerms::_initWithString(const String& query, bool wildcard,
                                                         QueryOperator defaultOperator, int64_t defaultDistance,
-                                                        QueryOperator queryOperator, bool queryNot,
-                                                        bool querySubstring, int64_t proximityDistance) {
+                                                        QueryOperator queryOperator, bool queryNot, bool querySubstring,
+                                                        int64_t proximityDistance) {
   std::unique_ptr<QueryTerms> root(new QueryTerms(queryOperator, queryNot, proximityDistance));
   return QueryParser(query.view(), wildcard, defaultOperator, defaultDistance, querySubstring, std::move(root)).parse();
 }

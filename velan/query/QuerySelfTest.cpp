@@ -61,7 +61,8 @@ constexpr QueryTestCase kTestCases[] = {
 }  // namespace
 
 String QueryTerms::testString() {
-  return u"Lorem ipsum dolor sit amet, consetetur sadipscing elitr, sed diam nonumy eirmod tempor invidunt ut labore et "
+  return u"Lorem ipsum dolor sit amet, consetetur sadipscing elitr, sed diam nonumy eirmod tempor invidunt ut labore "
+         u"et "
          u"dolore magna aliquyam erat. At vero eos et accusam et justo duo dolores et ea rebum."_s;
 }
 

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "velan/query/QueryTerms.h"
-#include "velan/wildcard/WildcardPattern.h"
+#include "velan/query/WordPatternInternal.h"
 
 namespace velan {
 namespace {
@@ -150,12 +150,12 @@ class QueryWriter {
   // An unusable pattern stays as it was typed.
   void writeNormalForm(std::u16string_view word) {
     std::u16string pattern(word);
-    WildcardRange range{};
-    const auto type = optimizeWildcard(pattern.data(), pattern.data() + pattern.size(), &range, 1);
-    if (type == 10) {
+    Range range{};
+    const uint32_t type = optimizeWildcard(pattern.data(), pattern.data() + pattern.size(), &range, 1);
+    if (type == WildcardTypeUnusable) {
       _text.appendString(word);
     } else {
-      _text.appendString(std::u16string_view(pattern).substr(0, normalLength(type, range)));
+      _text.appendString(std::u16string_view(pattern).substr(0, static_cast<size_t>(normalFormLength(type, range))));
     }
   }
 

@@ -4,6 +4,7 @@
 #include <unordered_set>
 #include <utility>
 
+#include "velan/query/Components.h"
 #include "velan/query/QueryWalkInternal.h"
 #include "velan/query/WordSeparation.h"
 #include "velan/wildcard/WildcardPattern.h"
@@ -31,10 +32,7 @@ std::vector<String> splitTerms(const std::vector<String>& terms, Split split) {
 }  // namespace
 
 QueryTerms::QueryTerms(QueryOperator queryOperator, bool queryNot, int64_t proximityDistance)
-    : _object(Children()),
-      _queryOperator(queryOperator),
-      _queryNot(queryNot),
-      _proximityDistance(proximityDistance) {}
+    : _object(Children()), _queryOperator(queryOperator), _queryNot(queryNot), _proximityDistance(proximityDistance) {}
 
 std::unique_ptr<QueryTerms> QueryTerms::_initWithWord(String word, QueryOperator queryOperator, bool queryNot,
                                                       bool querySubstring, bool queryPhrase,

@@ -50,7 +50,8 @@ enum class QueryStyle : uint32_t {
   /// Everything in keywords: parses back into an equivalent tree whatever the default operator.
   Standardized = ExplicitAnd | Phrases | Parentheses | Proximity | Distances | Optional | Or | Substrings,
   /// The shortest form; parses back into an equivalent tree when the default operator is and.
-  Normalized = SymbolicNot | SymbolicOperators | Phrases | Parentheses | Proximity | Distances | Optional | Or | Substrings,
+  Normalized =
+      SymbolicNot | SymbolicOperators | Phrases | Parentheses | Proximity | Distances | Optional | Or | Substrings,
 };
 
 constexpr QueryStyle operator|(QueryStyle a, QueryStyle b) {
@@ -75,8 +76,8 @@ class FastWordEnumerator;
 /// what satisfied the query. Returns true to stop.
 using QueryOccurrenceHandler = FunctionRef<bool(const String& term, Range range, bool primary)>;
 
-/// A node of a query: a leaf with a word, phrase or wildcard pattern, or a group with its children in order. The root is
-/// always a group. A tree never changes after parsing, so any number of threads may use it at once.
+/// A node of a query: a leaf with a word, phrase or wildcard pattern, or a group with its children in order. The root
+/// is always a group. A tree never changes after parsing, so any number of threads may use it at once.
 ///
 /// Whatever is typed yields a tree; the language is described in docs/query-language.md. Trees of any depth are parsed,
 /// written, evaluated and destroyed without recursion.
@@ -139,8 +140,8 @@ class VELAN_EXPORT QueryTerms {
   bool usesProximity() const;
   /// `isValid`: whether there is anything to search for: true for a leaf, and for a group with a child.
   bool isValid() const;
-  /// `minTermLen`: the least number of code units that a place can have where a leaf that is neither negated nor below a
-  /// negated group is found; 0 when there is no such leaf. Texts shorter than this cannot contain any of them.
+  /// `minTermLen`: the least number of code units that a place can have where a leaf that is neither negated nor below
+  /// a negated group is found; 0 when there is no such leaf. Texts shorter than this cannot contain any of them.
   int64_t minTermLen() const;
   /// `description`: the standardized form, for messages and debuggers.
   String description() const;
@@ -163,19 +164,19 @@ class VELAN_EXPORT QueryTerms {
   String standardizedQueryTerm() const;
   /// `normalizedQueryTerm`: the tree as text in style `QueryStyle::Normalized`.
   String normalizedQueryTerm() const;
-  /// `queryTermsForOperators:dictionary:`: the tree as text in `style`, keywords replaced as `dictionary` says; a keyword
-  /// that it lacks is written as itself.
+  /// `queryTermsForOperators:dictionary:`: the tree as text in `style`, keywords replaced as `dictionary` says; a
+  /// keyword that it lacks is written as itself.
   String queryTermsForOperators(QueryStyle style, const QueryOperatorNames& dictionary) const;
 
-  /// `matchesString:caseSensitive:`: whether `string` matches the query, leaves taken as plain words. False for an empty
-  /// string.
+  /// `matchesString:caseSensitive:`: whether `string` matches the query, leaves taken as plain words. False for an
+  /// empty string.
   bool matchesString(const String& string, std::same_as<bool> auto caseSensitive) const {
     return matchesPlain(string, caseSensitive);
   }
   /// `matchesString:comparison:`: as above with the leaves taken as wildcard patterns.
   bool matchesString(const String& string, QueryComparison comparison) const;
-  /// `containsString:caseSensitive:`: whether `string` holds any leaf that is neither negated nor below a negated group,
-  /// whatever the operators.
+  /// `containsString:caseSensitive:`: whether `string` holds any leaf that is neither negated nor below a negated
+  /// group, whatever the operators.
   bool containsString(const String& string, std::same_as<bool> auto caseSensitive) const {
     return containsPlain(string, caseSensitive);
   }

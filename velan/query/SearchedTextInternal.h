@@ -38,8 +38,8 @@ class SearchedText {
   /// there is none.
   int64_t find(std::u16string_view literal, int64_t location, int64_t end) const;
 
-  /// The first place of `literal` in `range`; with `whole` it begins where a word does and ends where a word does. Absent
-  /// for an empty literal.
+  /// The first place of `literal` in `range`; with `whole` it begins where a word does and ends where a word does.
+  /// Absent for an empty literal.
   Range findWord(std::u16string_view literal, Range range, bool whole) const;
 
   /// The position `count` (at least 1) word starts before `location`, not before `start`.

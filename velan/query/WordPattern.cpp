@@ -8,11 +8,10 @@
 namespace velan {
 namespace {
 
-enum WildcardType : unsigned { kExact = 0, kPrefix = 2, kSuffix = 3, kInfix = 4, kUnusable = 10 };
-
 // Types whose literal units stand in one run.
-constexpr bool hasOneLiteral(unsigned type) {
-  return type == kExact || type == kPrefix || type == kSuffix || type == kInfix;
+constexpr bool hasOneLiteral(uint32_t type) {
+  return type == WildcardTypeExact || type == WildcardTypePrefix || type == WildcardTypeSuffix ||
+         type == WildcardTypeContains;
 }
 
 std::vector<std::u16string> wordsOf(std::u16string_view text, bool wildcard) {
@@ -30,20 +29,20 @@ std::vector<std::u16string> wordsOf(std::u16string_view text, bool wildcard) {
 }  // namespace
 
 WordPattern::Piece WordPattern::wildcardPiece(std::u16string pattern, bool anyWord, bool fuzzy) {
-  Piece piece{std::move(pattern), kUnusable, {0, 0}, 0, 0, fuzzy};
+  Piece piece{std::move(pattern), WildcardTypeUnusable, {0, 0}, 0, 0, fuzzy};
   unichar* start = piece.units.data();
-  WildcardRange range{};
-  piece.type = static_cast<unsigned>(optimizeWildcard(start, start + piece.units.size(), &range, 1));
-  if (piece.type == kUnusable) {
+  Range range{};
+  piece.type = optimizeWildcard(start, start + piece.units.size(), &range, 1);
+  if (piece.type == WildcardTypeUnusable) {
     // Without a literal a pattern among others stands for any word of fitting length; a malformed one for none.
     const bool onlyWildcards = piece.units.find_first_not_of(u"*?") == std::u16string::npos;
     if (!anyWord || !onlyWildcards || piece.units.empty()) return piece;
-    piece.type = 5;
+    piece.type = WildcardTypeGeneral;
   } else {
-    piece.units.resize(normalLength(piece.type, range));
+    piece.units.resize(static_cast<size_t>(normalFormLength(piece.type, range)));
     start = piece.units.data();
   }
-  piece.literal = {static_cast<int64_t>(range.location), static_cast<int64_t>(range.length)};
+  piece.literal = range;
   piece.minLength = minWildcardLen(start, start + piece.units.size());
   piece.maxLength = maxWildcardLen(start, start + piece.units.size());
   return piece;
@@ -51,7 +50,7 @@ WordPattern::Piece WordPattern::wildcardPiece(std::u16string pattern, bool anyWo
 
 WordPattern::Piece WordPattern::literalPiece(std::u16string word) {
   const auto length = static_cast<int64_t>(word.size());
-  return {std::move(word), kExact, {0, length}, length, length, false};
+  return {std::move(word), WildcardTypeExact, {0, length}, length, length, false};
 }
 
 WordPattern WordPattern::withWildcard(const SearchedText& text, std::u16string_view pattern, bool split, bool fuzzy) {
@@ -65,7 +64,7 @@ WordPattern WordPattern::withWildcard(const SearchedText& text, std::u16string_v
   if (several && !split) return result;
   for (const std::u16string& piece : pieces) {
     result._pieces.push_back(wildcardPiece(text.mapped(piece), several, fuzzy));
-    if (result._pieces.back().type == kUnusable) {
+    if (result._pieces.back().type == WildcardTypeUnusable) {
       result._pieces.clear();
       break;
     }
@@ -102,27 +101,25 @@ bool WordPattern::isSimilar(const Piece& piece, const SearchedText& text, Range 
 }
 
 bool WordPattern::matches(const Piece& piece, const SearchedText& text, Range word) {
-  if (piece.type == kExact && piece.fuzzy) return isSimilar(piece, text, word);
+  if (piece.type == WildcardTypeExact && piece.fuzzy) return isSimilar(piece, text, word);
   if (word.length < piece.minLength || word.length > piece.maxLength) return false;
   const unichar* start = text.units() + word.location;
   const unichar* end = start + word.length;
   const unichar* pattern = piece.units.data();
   const unichar* patternEnd = pattern + piece.units.size();
   switch (piece.type) {
-    case kExact:
-    case kPrefix:
+    case WildcardTypeExact:
+    case WildcardTypePrefix:
       return text.hasUnitsAt(word.location, literalOf(piece));
-    case kSuffix:
+    case WildcardTypeSuffix:
       return text.hasUnitsAt(endOf(word) - piece.literal.length, literalOf(piece));
-    case kInfix:
+    case WildcardTypeContains:
       return text.find(literalOf(piece), word.location, endOf(word)) >= 0;
-    case 1:
-    case 5:
-      return text.table() ? stringMatchesWildcardUsingUnicharTable(start, end, pattern, patternEnd, text.table())
-                          : stringMatchesWildcard(start, end, pattern, patternEnd);
+    case WildcardTypeAnyOne:
+    case WildcardTypeGeneral:
+      return stringMatchesWildcardUsingUnicharTable(start, end, pattern, patternEnd, text.table());
     default:
-      return text.table() ? stringMatchesUnixWildcardUsingUnicharTable(start, end, pattern, patternEnd, text.table())
-                          : stringMatchesUnixWildcard(start, end, pattern, patternEnd);
+      return stringMatchesUnixWildcardUsingUnicharTable(start, end, pattern, patternEnd, text.table());
   }
 }
 
@@ -130,7 +127,8 @@ Range WordPattern::firstIn(const SearchedText& text, Range range) const {
   if (_wholeRange) return range.length > 0 ? range : kAbsentRange;
   if (_pieces.empty()) return kAbsentRange;
   const Piece& first = _pieces.front();
-  const bool oneLiteral = _pieces.size() == 1 && hasOneLiteral(first.type) && !(first.type == kExact && first.fuzzy);
+  const bool oneLiteral =
+      _pieces.size() == 1 && hasOneLiteral(first.type) && !(first.type == WildcardTypeExact && first.fuzzy);
   return oneLiteral ? firstLiteralIn(text, range) : firstWordsIn(text, range);
 }
 

@@ -7,8 +7,15 @@
 
 #include "velan/base/Range.h"
 #include "velan/query/SearchedTextInternal.h"
+#include "velan/wildcard/WildcardPattern.h"
 
 namespace velan {
+
+/// The length of the normal form that `optimizeWildcard` left, from its results.
+constexpr int64_t normalFormLength(uint32_t type, Range range) {
+  const bool endsWithStar = type == WildcardTypePrefix || type == WildcardTypeContains || type == WildcardTypeSetPrefix;
+  return endOf(range) + (endsWithStar ? 1 : 0);
+}
 
 /// A wildcard pattern, split at the separators outside its sets into one piece for each of several consecutive words;
 /// or the words of a phrase. Pieces are kept in normal form, mapped like the text that they are searched in.
@@ -29,7 +36,7 @@ class WordPattern {
  private:
   struct Piece {
     std::u16string units;
-    unsigned type;
+    uint32_t type;
     Range literal;  // of the literal units, for types 0 and 2 to 4
     int64_t minLength;
     int64_t maxLength;

@@ -7,6 +7,8 @@
 #include "velan/text/ConversionTables.h"
 #include "velan/text/Separators.h"
 #include "velan/text/SetFilteredComparison.h"
+#include "velan/wildcard/WildcardMatching.h"
+#include "velan/wildcard/WildcardPattern.h"
 
 static int failures = 0;
 
@@ -22,7 +24,17 @@ static void checkText(void) {
   CHECK(equalCharsOfCharacterSetRep(u"a-b", 3, u"ab", 2, alphaCharacterSetRep()));
 }
 
+static void checkWildcards(void) {
+  static const unichar text[] = {u'a', u'b'};
+  unichar pattern[] = {u'[', u'a', u'|', u'b', u']', u'*'};
+  Range range;
+  CHECK(optimizeWildcard(pattern, pattern + 6, &range, 1) == WildcardTypeSetPrefix && range.length == 4);
+  CHECK(stringMatchesUnixWildcard(text, text + 2, pattern, pattern + 5));
+  CHECK(stringMatchesUnixWildcardFuzzy(text, 2, text, 2) >= MinWildcardFuzzyAnalogy);
+}
+
 int main(void) {
   checkText();
+  checkWildcards();
   return failures == 0 ? 0 : 1;
 }

@@ -15,6 +15,9 @@ enum ExitStatus : int {
   kTrouble = 2,    // something went wrong; a message on standard error tells what
 };
 
+/// Search, explain, match, words, selftest.
+void addTextCommands(CLI::App& app, int& status);
+
 }  // namespace velan::tool
 
 #endif  // VELAN_TOOLS_COMMANDS_H

@@ -15,16 +15,17 @@ namespace {
 using velan::FastWordEnumerator;
 using velan::String;
 
-// Words of 1 to 12 letters, mostly ASCII, some umlauts and some Cyrillic, with punctuation: `bytes` of UTF-16.
-String mixedText(int64_t bytes) {
+// Words of 1 to 12 letters with punctuation, some umlauts and Cyrillic words unless `onlyASCII`: `bytes` of UTF-16.
+String textOfWords(int64_t bytes, bool onlyASCII) {
   std::mt19937 random(1);
   std::u16string text;
   const auto units = static_cast<size_t>(bytes) / sizeof(char16_t);
   while (text.size() < units) {
-    const bool cyrillic = random() % 16 == 0;
+    const bool cyrillic = !onlyASCII && random() % 16 == 0;
     for (auto left = 1 + random() % 12; left > 0; --left) {
       const auto letter = random() % 26;
-      text += static_cast<char16_t>(cyrillic ? 0x430 + letter : random() % 40 == 0 ? 0xE4 : u'a' + letter);
+      const bool umlaut = !onlyASCII && random() % 40 == 0;
+      text += static_cast<char16_t>(cyrillic ? 0x430 + letter : umlaut ? 0xE4 : u'a' + letter);
     }
     text += random() % 10 == 0 ? u", " : u" ";
   }
@@ -32,10 +33,12 @@ String mixedText(int64_t bytes) {
   return String(text);
 }
 
+String mixedText(int64_t bytes) { return textOfWords(bytes, false); }
+
 void finish(benchmark::State& state) { state.SetBytesProcessed(state.iterations() * state.range(0)); }
 
-void BM_Index(benchmark::State& state, bool caseInsensitive) {
-  const String text = mixedText(state.range(0));
+void BM_Index(benchmark::State& state, bool caseInsensitive, bool onlyASCII) {
+  const String text = textOfWords(state.range(0), onlyASCII);
   for (auto _ : state) {
     const auto enumerator = FastWordEnumerator::enumeratorWithString(text, caseInsensitive, false);
     benchmark::DoNotOptimize(enumerator->numberOfWords());
@@ -123,8 +126,10 @@ void sizes(benchmark::internal::Benchmark* benchmark) {
   for (const int64_t bytes : {1 << 10, 64 << 10, 8 << 20}) benchmark->Arg(bytes);
 }
 
-BENCHMARK_CAPTURE(BM_Index, CaseSensitive, false)->Apply(sizes);
-BENCHMARK_CAPTURE(BM_Index, CaseInsensitive, true)->Apply(sizes);
+BENCHMARK_CAPTURE(BM_Index, CaseSensitive, false, false)->Apply(sizes);
+BENCHMARK_CAPTURE(BM_Index, CaseInsensitive, true, false)->Apply(sizes);
+BENCHMARK_CAPTURE(BM_Index, CaseSensitiveASCII, false, true)->Apply(sizes);
+BENCHMARK_CAPTURE(BM_Index, CaseInsensitiveASCII, true, true)->Apply(sizes);
 BENCHMARK(BM_IndexAgain)->Apply(sizes);
 BENCHMARK(BM_PlainLoop)->Apply(sizes);
 BENCHMARK(BM_ICUWordIterator)->Apply(sizes);

@@ -17,6 +17,8 @@ enum ExitStatus : int {
 
 /// Search, explain, match, words, selftest.
 void addTextCommands(CLI::App& app, int& status);
+/// `velan keyed …`: files of keyed data records. `app` and `status` must outlive the parsing.
+void addKeyedCommands(CLI::App& app, int& status);
 
 }  // namespace velan::tool
 

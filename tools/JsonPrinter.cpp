@@ -4,11 +4,26 @@
 
 #include <iterator>
 
-#include "tools/JsonText.h"
+#include "tools/Json.h"
 #include "tools/TextOffsets.h"
+#include "velan/base/Base64.h"
 
 namespace velan::tool {
 namespace {
+
+std::string jsonString(const String& text) {
+  std::string json;
+  appendJsonString(text, json);
+  return json;
+}
+
+// A path need not be valid UTF-8.
+std::string jsonPath(const std::string& path) {
+  if (const String text = String::fromUTF8(path)) return fmt::format(R"({{"text":{}}})", jsonString(text));
+  std::string base64;
+  appendBase64({reinterpret_cast<const uint8_t*>(path.data()), path.size()}, base64);
+  return fmt::format(R"({{"bytes":"{}"}})", base64);
+}
 
 std::string statistics(const SearchCounts& counts) {
   return fmt::format(
@@ -19,7 +34,7 @@ std::string statistics(const SearchCounts& counts) {
 class Printer {
  public:
   Printer(const std::string& path, const Document& document, const TextLines& lines, const DocumentHits& hits)
-      : _path(jsonTextOrBytes(path)), _text(document.text.view()), _offsets(document), _lines(lines), _hits(hits) {}
+      : _path(jsonPath(path)), _text(document.text), _offsets(document), _lines(lines), _hits(hits) {}
 
   std::string print(const SearchCounts& counts, size_t context) {
     add(R"({{"type":"begin","data":{{"path":{}}}}})", _path);
@@ -61,17 +76,15 @@ class Printer {
     return fmt::format(R"({{"match":{{"text":{}}},"start":{},"end":{},"term":{},"primary":{},"line":{},"column":{},)"
                        R"("byte_offset":{},"byte_length":{},"utf16_offset":{},"utf16_length":{}}})",
                        jsonString(units(range.location, endOf(range))), start.utf8 - blockOffset.utf8,
-                       end.utf8 - blockOffset.utf8, jsonString(occurrence.term.view()), occurrence.primary, line + 1,
+                       end.utf8 - blockOffset.utf8, jsonString(occurrence.term), occurrence.primary, line + 1,
                        start.characters - lineStart.characters + 1, start.bytes, end.bytes - start.bytes,
                        range.location, range.length);
   }
 
-  std::u16string_view units(int64_t start, int64_t end) const {
-    return _text.substr(static_cast<size_t>(start), static_cast<size_t>(end - start));
-  }
+  String units(int64_t start, int64_t end) const { return _text.substring({start, end - start}); }
 
   const std::string _path;
-  std::u16string_view _text;
+  const String _text;
   const TextOffsets _offsets;
   const TextLines& _lines;
   const DocumentHits& _hits;

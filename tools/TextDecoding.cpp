@@ -3,8 +3,12 @@
 #include <string_view>
 #include <utility>
 
+#include "velan/base/UTF.h"
+
 namespace velan::tool {
 namespace {
+
+constexpr unichar kReplacement = 0xFFFD;
 
 struct ByteOrderMark {
   std::string_view bytes;
@@ -24,6 +28,17 @@ ByteOrderMark markOf(std::string_view bytes) {
   return {"", TextEncoding::kUTF8};
 }
 
+void replaceLoneSurrogates(unichar* units, size_t length) {
+  for (size_t i = 0; i < length; ++i) {
+    if (!isSurrogate(units[i])) continue;
+    if (isHighSurrogate(units[i]) && i + 1 < length && isLowSurrogate(units[i + 1])) {
+      ++i;
+    } else {
+      units[i] = kReplacement;
+    }
+  }
+}
+
 // A last byte without its partner becomes U+FFFD.
 String textOfUTF16(std::string_view bytes, bool bigEndian) {
   const size_t pairs = bytes.size() / 2;
@@ -35,7 +50,8 @@ String textOfUTF16(std::string_view bytes, bool bigEndian) {
       const auto second = static_cast<unsigned char>(bytes[2 * i + 1]);
       units[i] = static_cast<unichar>(bigEndian ? first << 8 | second : second << 8 | first);
     }
-    if (length > pairs) units[pairs] = 0xFFFD;
+    if (length > pairs) units[pairs] = kReplacement;
+    replaceLoneSurrogates(units, length);
     return static_cast<int64_t>(length);
   });
 }

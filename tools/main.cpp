@@ -17,7 +17,10 @@ int complainAboutUsage(const CLI::App& app, const CLI::ParseError& error) {
     if (c == '\n') c = ' ';
   }
   std::string command = "velan";
-  for (const CLI::App* each : app.get_subcommands()) command += ' ' + each->get_name();
+  for (const CLI::App* each = &app; !each->get_subcommands().empty();) {
+    each = each->get_subcommands().front();
+    command += ' ' + each->get_name();
+  }
   complain(message + " (see " + command + " --help)");
   return kTrouble;
 }
@@ -36,6 +39,7 @@ int run(int argc, char** argv) {
       "  velan search 'budget NEAR/5 exhibition' documents/\n"
       "  velan search --help");
   addTextCommands(app, status);
+  addKeyedCommands(app, status);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

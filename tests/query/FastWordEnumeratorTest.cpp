@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <list>
@@ -9,6 +10,7 @@
 
 #include "velan/query/EastAsianWords.h"
 #include "velan/query/FastWordEnumerator.h"
+#include "velan/query/WordIndexInternal.h"
 #include "velan/text/CharacterSets.h"
 #include "velan/text/ConversionTables.h"
 #include "velan/text/Separators.h"
@@ -92,6 +94,39 @@ TEST(FastWordEnumerator, EqualsASlowClassification) {
     for (size_t i = 0; i < length; ++i) {
       EXPECT_EQ(enumerator->isWordSeparatorAtIndex(static_cast<int64_t>(i)), separates(text[i]));
       EXPECT_EQ(enumerator->characters()[i], length % 2 == 1 ? toUpper(text[i]) : text[i]);
+    }
+  }
+}
+
+// Heap buffers of exactly `length` at odd addresses: the address sanitizer sees a step too far.
+TEST(FastWordEnumerator, EverySeparatorKernelEqualsTheReference) {
+  std::mt19937 random(9);
+  for (size_t length = 0; length <= 140; ++length) {
+    for (unsigned range : {0x80u, 0x500u, 0x10000u}) {
+      std::vector<unichar> units(length);
+      for (auto& c : units) c = static_cast<unichar>(random() % range);
+      if (length > 3) units[random() % length] = 0xFFFF;
+      std::vector<uint8_t> expected(length);
+      for (size_t i = 0; i < length; ++i) expected[i] = separates(units[i]);
+      for (const auto& kernel : supportedSeparatorKernels()) {
+        const size_t shift = std::min<size_t>(length, 1);
+        std::vector<uint8_t> marks(length, 7);
+        kernel.mark(units.data() + shift, length - shift, defaultWordSeparators(), marks.data() + shift);
+        if (shift == 1) kernel.mark(units.data(), 1, defaultWordSeparators(), marks.data());
+        EXPECT_EQ(marks, expected) << kernel.name << ' ' << length << ' ' << range;
+      }
+    }
+  }
+}
+
+TEST(FastWordEnumerator, UpperCaseEqualsTheTable) {
+  std::u16string text;
+  for (unichar c = 0; c < 0x300; ++c) text += c;
+  for (size_t shift = 0; shift < 20; ++shift) {
+    const auto length = static_cast<int64_t>(text.size() - shift);
+    const auto enumerator = FastWordEnumerator::initWithCharacters(text.data() + shift, length, true);
+    for (int64_t i = 0; i < length; ++i) {
+      ASSERT_EQ(enumerator->characters()[i], toUpper(text[static_cast<size_t>(i) + shift])) << i;
     }
   }
 }

@@ -233,16 +233,20 @@ bool File::truncate(int64_t offset) {
   return true;
 }
 
+bool File::barrier() {
+  if (!_unreliable) _unreliable = retried([&] { return _calls->synchronize(_descriptor); }) != 0;
+  return !_unreliable;
+}
+
 bool File::synchronize() {
   const bool written = flush() && !_lost;
   _lost = false;
-  if (!written || _unreliable) return false;
-  _unreliable = retried([&] { return _calls->synchronize(_descriptor); }) != 0;
+  if (!written || !barrier()) return false;
 #ifdef POSIX_FADV_DONTNEED
   // What is appended is seldom read soon; on the disk it need not stay in memory.
   if (_access == FileAccess::Appending) posix_fadvise(_descriptor, 0, 0, POSIX_FADV_DONTNEED);
 #endif
-  return !_unreliable;
+  return true;
 }
 
 bool File::close() {

@@ -19,13 +19,19 @@ class FileCalls;
 /// What a file is opened for. Appending writes at the end whatever the position, and cannot read.
 enum class FileAccess { Reading, Updating, Appending };
 
-/// Opens `path` (UTF-8); appending creates a missing file. Returns the descriptor, closed in child processes, or -1 with
-/// `errno` set. Never waits, not even for a pipe's other end.
+/// Opens `path` (UTF-8); appending creates a missing file. Returns the descriptor, closed in child processes, or -1
+/// with `errno` set. Never waits, not even for a pipe's other end.
 VELAN_EXPORT int openFileDescriptor(const std::string& path, FileAccess access);
+
+/// Closes a descriptor that no `File` took over.
+VELAN_EXPORT void closeFileDescriptor(int descriptor);
 
 /// Creates an empty file with mode 0666 less the umask, and its missing parent folders, unless it is there. What was
 /// created is in its folder also after a power failure. False when the file is missing and cannot be created.
 VELAN_EXPORT bool createFileIfMissing(const std::string& path);
+
+/// The same, but false when the file is there already.
+VELAN_EXPORT bool createNewFile(const std::string& path);
 
 /// Copies the bytes of a file into a new one and synchronises it. False, without a trace, when `to` exists or when
 /// anything fails.
@@ -79,6 +85,8 @@ class VELAN_EXPORT File {
   /// True when everything written so far is on permanent storage. False once after bytes that were kept back got lost,
   /// and for good after the system failed to synchronise: only opening again tells what the file then holds.
   bool synchronize();
+  /// Waits until what `overwrite` wrote is on permanent storage, so that what is written next cannot get there first.
+  bool barrier();
   /// Flushes, unlocks, closes. False when bytes kept back are lost. Afterwards only destruction is allowed.
   bool close();
 

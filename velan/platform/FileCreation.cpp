@@ -81,14 +81,19 @@ int openFileDescriptor(const std::string& path, FileAccess access) {
   return -1;
 }
 
-bool createFileIfMissing(const std::string& path) {
+void closeFileDescriptor(int descriptor) { fileCalls().close(descriptor); }
+
+bool createNewFile(const std::string& path) {
   constexpr int kNew = O_WRONLY | O_CREAT | O_EXCL;
   int descriptor = openRetried(path, kNew);
   if (descriptor < 0 && errno == ENOENT && createFolders(folderOf(path))) descriptor = openRetried(path, kNew);
-  if (descriptor < 0) return errno == EEXIST;
+  if (descriptor < 0) return false;
   fileCalls().close(descriptor);
+  errno = 0;
   return synchronizeFolder(folderOf(path));
 }
+
+bool createFileIfMissing(const std::string& path) { return createNewFile(path) || errno == EEXIST; }
 
 bool copyFile(const std::string& from, const std::string& to) {
   const auto source = opened(openFileDescriptor(from, FileAccess::Reading), FileAccess::Reading);

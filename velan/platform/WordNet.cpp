@@ -32,15 +32,32 @@ constexpr struct {
 // Pronouns and other small words that WordNet does not list, but that a rule would take for forms of listed ones.
 constexpr std::string_view kSmallWords[] = {"his", "hers", "its", "ours", "this", "thus", "us", "yes", "yours"};
 
-std::string firstWord(const std::string& line, size_t from) {
-  const size_t end = line.find(' ', from);
-  return line.substr(from, end == std::string::npos ? end : end - from);
+std::string readFile(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  std::string bytes;
+  char block[1 << 16];
+  while (file.read(block, sizeof block) || file.gcount() > 0) bytes.append(block, static_cast<size_t>(file.gcount()));
+  return bytes;
+}
+
+std::string_view wordAt(std::string_view line, size_t from) { return line.substr(from, line.find(' ', from) - from); }
+
+bool isSingleWord(std::string_view term) { return !term.empty() && term.find('_') == std::string_view::npos; }
+
+template <class Handle>
+void forEachLine(std::string_view text, Handle handle) {
+  while (!text.empty()) {
+    const size_t end = std::min(text.find('\n'), text.size());
+    handle(text.substr(0, end));
+    text.remove_prefix(std::min(end + 1, text.size()));
+  }
 }
 
 }  // namespace
 
 std::unique_ptr<WordNet> WordNet::load(const std::string& folder) {
   auto wordNet = std::make_unique<WordNet>();
+  wordNet->_kindsOfLemma.reserve(100'000);  // WordNet 3.0 has some 83,000 single words
   for (const auto& file : kFiles) {
     wordNet->readExceptions(folder + '/' + file.name + ".exc");
     wordNet->readLemmas(folder + "/index." + file.name, file.kind);
@@ -50,21 +67,19 @@ std::unique_ptr<WordNet> WordNet::load(const std::string& folder) {
 
 // A line: the form, then its base forms, separated by spaces. Terms of several words have "_" in them.
 void WordNet::readExceptions(const std::string& path) {
-  std::ifstream file(path);
-  for (std::string line; std::getline(file, line);) {
-    const std::string form = firstWord(line, 0);
-    if (form.empty() || form.size() + 1 >= line.size() || form.find('_') != std::string::npos) continue;
-    _exceptions.emplace(form, firstWord(line, form.size() + 1));
-  }
+  forEachLine(readFile(path), [this](std::string_view line) {
+    const std::string_view form = wordAt(line, 0);
+    if (!isSingleWord(form) || form.size() + 1 >= line.size()) return;
+    _exceptions.emplace(form, wordAt(line, form.size() + 1));
+  });
 }
 
 // A line begins with the lemma; those of the licence begin with spaces.
 void WordNet::readLemmas(const std::string& path, uint8_t kind) {
-  std::ifstream file(path);
-  for (std::string line; std::getline(file, line);) {
-    std::string lemma = firstWord(line, 0);
-    if (!lemma.empty() && lemma.find('_') == std::string::npos) _kindsOfLemma[std::move(lemma)] |= kind;
-  }
+  forEachLine(readFile(path), [this, kind](std::string_view line) {
+    const std::string_view lemma = wordAt(line, 0);
+    if (isSingleWord(lemma)) _kindsOfLemma[std::string(lemma)] |= kind;
+  });
 }
 
 bool WordNet::isLemma(const std::string& word, uint8_t kinds) const {

@@ -28,6 +28,26 @@ unichar* allocateUnits(int64_t length) {
              : nullptr;
 }
 
+// Each unit through the upper-case table; stretches of ASCII are calculated, which the compiler does by vectors.
+void upperCaseUnits(const unichar* units, size_t length, unichar* upper) {
+  const unichar* const table = initUpperCharsTable();
+  constexpr size_t kStretch = 16;
+  size_t i = 0;
+  for (; length - i >= kStretch; i += kStretch) {
+    unichar seen = 0;
+    for (size_t j = i; j < i + kStretch; ++j) seen |= units[j];
+    if (seen < 0x80) {
+      for (size_t j = i; j < i + kStretch; ++j) {
+        const unichar c = units[j];
+        upper[j] = static_cast<unichar>(c - (c >= u'a' && c <= u'z' ? 0x20 : 0));
+      }
+    } else {
+      for (size_t j = i; j < i + kStretch; ++j) upper[j] = table[units[j]];
+    }
+  }
+  for (; i < length; ++i) upper[i] = table[units[i]];
+}
+
 String mappedString(std::u16string_view units, const unichar* table) {
   if (units.empty()) return String(u"");
   return String::filled(static_cast<int64_t>(units.size()), [&](unichar* mapped) {
@@ -126,8 +146,7 @@ void FastWordEnumerator::invalidate() {
 bool FastWordEnumerator::copyInUpperCase(const unichar* characters, int64_t length) {
   unichar* const copy = allocateUnits(length);
   if (!copy) return false;
-  const unichar* const upper = initUpperCharsTable();
-  for (int64_t i = 0; i < length; ++i) copy[i] = upper[characters[i]];
+  upperCaseUnits(characters, static_cast<size_t>(length), copy);
   _characters = copy;
   _freeCharacters = true;
   _length = static_cast<uint64_t>(length);
@@ -157,21 +176,19 @@ void FastWordEnumerator::splitAsianRuns() {
   }
 }
 
-// Gives every token inside the word its own start and end. The run itself was counted as one word; it stays one when
-// there is no tokenizer.
+// Divides a word where the tokens inside it meet; they cover it without gaps. The word itself was counted, and stays
+// one when there is no tokenizer.
 void FastWordEnumerator::initWordInRange(Range range) {
   if (!_tokenizer) _tokenizer = WordTokenizer::create();
   if (!_tokenizer) return;
   const std::u16string_view run(_characters + range.location, static_cast<size_t>(range.length));
+  uint8_t* const types = _index.get();
   _tokenizer->enumerateTokens(run, [&](const WordTokenizer::Token& token) {
     const int64_t start = range.location + token.location;
-    const int64_t last = start + token.length - 1;
-    if (start > range.location) {
-      _index[start - 1] |= kWordEnd;
-      _index[start] |= kWordBeginning;
-      ++_numWords;
-    }
-    _index[last] |= kWordEnd;
+    if (token.location == 0) return;
+    types[start - 1] |= kWordEnd;
+    types[start] |= kWordBeginning;
+    ++_numWords;
   });
 }
 

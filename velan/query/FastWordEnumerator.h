@@ -85,7 +85,9 @@ class VELAN_EXPORT FastWordEnumerator {
   int64_t numberOfWords(int64_t minLen) const;
 
   /// `typeAtIndex:`: the bits of `Type`; 0 beyond the end.
-  uint8_t typeAtIndex(int64_t index) const { return static_cast<uint64_t>(index) < _length ? _index[index] : 0; }
+  uint8_t typeAtIndex(int64_t index) const {
+    return static_cast<uint64_t>(index) < _length ? _index[static_cast<uint64_t>(index)] : 0;
+  }
   /// `isWordSeparatorAtIndex:`
   bool isWordSeparatorAtIndex(int64_t index) const { return (typeAtIndex(index) & kSeparator) != 0; }
   /// `isWordBeginningAtIndex:`

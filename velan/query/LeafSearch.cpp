@@ -25,7 +25,7 @@ LeafSearch::LeafSearch(const SearchedText& text, const QueryTerms& leaf, LeafKin
   } else if (kind == LeafKind::Tolerant) {
     _pattern = WordPattern::withPhrase(text, leaf.word().view());
   } else {
-    _pattern = WordPattern::withWildcard(text, leaf.word().view(), true, fuzzy);
+    _pattern = WordPattern::withWildcard(text, leaf.word().view(), true, leaf.queryPhrase(), fuzzy);
   }
 }
 

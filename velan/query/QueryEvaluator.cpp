@@ -6,6 +6,9 @@
 namespace velan {
 namespace {
 
+// Groups nested deeper are evaluated without witnesses.
+constexpr int kDeepestWitnesses = 64;
+
 // Whether a child joined by `queryOperator` can change what its group has come to so far.
 bool decides(QueryOperator queryOperator, bool running) {
   switch (queryOperator) {
@@ -99,6 +102,7 @@ bool QueryEvaluator::holdsLeaf(const QueryTerms& leaf, Range range) {
 
 bool QueryEvaluator::holds(const QueryTerms& node, Range range) {
   if (node.isWord()) return holdsLeaf(node, range);
+  if (const Ranges* known = witnesses(node)) return holdsWithin(*known, range);
   const Place place{&node, range};
   if (const auto found = _remembered.find(place); found != _remembered.end()) return found->second;
   return _remembered[place] = evaluate(node, {}, range);
@@ -155,6 +159,8 @@ std::optional<QueryEvaluator::Frame> QueryEvaluator::stepRelated(Frame& frame, b
   while (!result && isPresent(frame.span = frame.ranges->next())) {
     if (partner.isWord()) {
       result = holdsLeaf(partner, frame.span);
+    } else if (const Ranges* known = witnesses(partner)) {
+      result = holdsWithin(*known, frame.span);
     } else if (const auto found = _remembered.find({&partner, frame.span}); found != _remembered.end()) {
       result = found->second;
     } else {
@@ -162,6 +168,68 @@ std::optional<QueryEvaluator::Frame> QueryEvaluator::stepRelated(Frame& frame, b
     }
   }
   return std::nullopt;
+}
+
+bool QueryEvaluator::hasWitnesses(const QueryTerms& node) {
+  struct Level {
+    const QueryTerms* node;
+    int depth;
+  };
+  std::vector<Level> pending{{&node, 0}};
+  while (!pending.empty()) {
+    const Level level = pending.back();
+    pending.pop_back();
+    if (level.node->queryNot() || level.depth > kDeepestWitnesses) return false;
+    if (level.node->isWord() && search(*level.node).isWholeRange()) return false;
+    const auto& children = level.node->children();
+    for (size_t i = 0; i < children.size(); ++i) {
+      if (i > 0 && children[i]->queryOperator() == QueryOperator::Xor) return false;
+      pending.push_back({children[i].get(), level.depth + 1});
+    }
+  }
+  return true;
+}
+
+const Ranges* QueryEvaluator::witnesses(const QueryTerms& node) {
+  const auto [entry, isNew] = _witnesses.try_emplace(&node);
+  if (isNew && hasWitnesses(node)) {
+    Ranges found = findWitnesses(node, {});
+    return &_witnesses[&node].emplace(std::move(found));  // finding others may have moved the entry
+  }
+  return entry->second ? &*entry->second : nullptr;
+}
+
+Ranges QueryEvaluator::placesOf(const QueryTerms& leaf) {
+  LeafSearch& places = search(leaf);
+  Ranges all;
+  for (size_t number = 0; const Range* place = places.at(number); ++number) all.push_back(*place);
+  return all;
+}
+
+// The same fold as that of `stepGroup`, of witnesses instead of results.
+Ranges QueryEvaluator::findWitnesses(const QueryTerms& node, const Relation& relation) {
+  if (node.isWord()) {
+    Ranges places = placesOf(node);
+    if (!relation.partner) return places;
+    Ranges spans;
+    RelationRanges ranges = relationRanges(node, relation, {0, _text.length()});
+    for (Range span = ranges.next(); isPresent(span); span = ranges.next()) spans.push_back(span);
+    const QueryTerms& partner = *relation.partner;
+    return witnessesOfRelation(places, spans, partner.isWord() ? placesOf(partner) : *witnesses(partner));
+  }
+  Ranges running;
+  const auto& children = node.children();
+  for (size_t i = 0; i < children.size(); ++i) {
+    const QueryOperator queryOperator = children[i]->queryOperator();
+    if (i > 0 && (queryOperator == QueryOperator::Optional || queryOperator == QueryOperator::Mixed)) continue;
+    Ranges next = findWitnesses(*children[i], relationOfChild(relation, children, i));
+    if (i == 0) {
+      running = std::move(next);
+    } else {
+      running = queryOperator == QueryOperator::Or ? witnessesOfEither(running, next) : witnessesOfBoth(running, next);
+    }
+  }
+  return running;
 }
 
 }  // namespace velan

@@ -25,6 +25,7 @@
 #include <vector>
 
 #include "velan/query/LeafSearchInternal.h"
+#include "velan/query/WitnessesInternal.h"
 
 namespace velan {
 
@@ -79,6 +80,9 @@ class QueryEvaluator {
   /// `evaluate` without a relation, remembered.
   bool holds(const QueryTerms& node, Range range);
   RelationRanges relationRanges(const QueryTerms& leaf, const Relation& relation, Range range);
+  /// The witnesses of `node` without a relation in the whole text; null where there are none to be had: with a
+  /// negation, an exclusive or or a lone `*` at or below the node, or when it nests deeper than is worth a recursion.
+  const Ranges* witnesses(const QueryTerms& node);
 
  private:
   // A node that is being evaluated. `step` either names the node that must be evaluated before it goes on, or gives the
@@ -105,12 +109,16 @@ class QueryEvaluator {
   std::optional<Frame> stepGroup(Frame& frame, bool& result);
   std::optional<Frame> stepRelated(Frame& frame, bool& result);
   bool holdsLeaf(const QueryTerms& leaf, Range range);
+  bool hasWitnesses(const QueryTerms& node);
+  Ranges findWitnesses(const QueryTerms& node, const Relation& relation);
+  Ranges placesOf(const QueryTerms& leaf);
 
   const SearchedText _text;
   const LeafKind _kind;
   const bool _fuzzy;
   std::unordered_map<const QueryTerms*, std::unique_ptr<LeafSearch>> _searches;
   std::unordered_map<Place, bool, PlaceHash> _remembered;
+  std::unordered_map<const QueryTerms*, std::optional<Ranges>> _witnesses;
 };
 
 }  // namespace velan

@@ -9,20 +9,24 @@
 namespace velan {
 namespace {
 
-// Ranges none of which contains another, so that both their beginnings and their ends grow.
-using Ranges = std::vector<Range>;
-
-Ranges withoutContained(Ranges ranges) {
+Ranges distinctRanges(Ranges ranges) {
   std::sort(ranges.begin(), ranges.end(), [](const Range& a, const Range& b) {
-    return a.location != b.location ? a.location < b.location : a.length > b.length;
+    return a.location != b.location ? a.location < b.location : a.length < b.length;
   });
-  int64_t reached = -1;
-  std::erase_if(ranges, [&reached](const Range& range) {
-    if (endOf(range) <= reached) return true;
-    reached = endOf(range);
-    return false;
-  });
+  ranges.erase(std::unique(ranges.begin(), ranges.end()), ranges.end());
   return ranges;
+}
+
+// In ranges none of which contains another: the index of the first one that ends at or after `end`, or begins at or
+// after `start`.
+size_t firstEndingFrom(const Ranges& ranges, int64_t end) {
+  const auto before = [end](const Range& range) { return endOf(range) < end; };
+  return static_cast<size_t>(std::partition_point(ranges.begin(), ranges.end(), before) - ranges.begin());
+}
+
+size_t firstBeginningFrom(const Ranges& ranges, int64_t start) {
+  const auto before = [start](const Range& range) { return range.location < start; };
+  return static_cast<size_t>(std::partition_point(ranges.begin(), ranges.end(), before) - ranges.begin());
 }
 
 // Walks the tree from the root and marks the places that take part in the match.
@@ -91,17 +95,60 @@ class PrimaryPlaces {
   }
 
   void visitRelated(const Task& task) {
+    const QueryTerms& leaf = *task.node;
     const QueryTerms& partner = *task.relation.partner;
+    // Where the partner holds in every range around one in which it holds, the largest ranges are enough.
+    const bool grows = partner.isWord() ? !partner.queryNot() : _evaluator.witnesses(partner) != nullptr;
     Ranges satisfied;
-    for (const Range& range : *task.ranges) {
-      RelationRanges ranges = _evaluator.relationRanges(*task.node, task.relation, range);
-      for (Range each = ranges.next(); isPresent(each); each = ranges.next()) {
-        if (!_evaluator.holds(partner, each)) continue;
-        satisfied.push_back(each);
-        if (!task.node->queryNot()) mark(*task.node, ranges.occurrence());
+    if (grows && !leaf.queryNot() && !_evaluator.search(leaf).isWholeRange() && task.ranges->size() > 1) {
+      satisfied = satisfiedSpans(task);
+    } else {
+      for (const Range& range : *task.ranges) addSatisfied(task, range, satisfied);
+    }
+    if (satisfied.empty()) return;
+    if (!leaf.queryNot()) markWithin(leaf, satisfied);
+    add(partner, {}, grows ? largestRanges(std::move(satisfied)) : distinctRanges(std::move(satisfied)));
+  }
+
+  // Appends the spans or pieces within `range` that satisfy the relation.
+  void addSatisfied(const Task& task, Range range, Ranges& satisfied) {
+    RelationRanges ranges = _evaluator.relationRanges(*task.node, task.relation, range);
+    for (Range each = ranges.next(); isPresent(each); each = ranges.next()) {
+      if (_evaluator.holds(*task.relation.partner, each)) satisfied.push_back(each);
+    }
+  }
+
+  // The same for all ranges at once, each occurrence being looked at once. Its span is clipped to each range that the
+  // occurrence lies in. Of the ranges that the span's beginning cuts, the last one leaves most; of those that its end
+  // cuts, the first one; those inside the span stay whole, and each of them is added once.
+  Ranges satisfiedSpans(const Task& task) {
+    const QueryTerms& partner = *task.relation.partner;
+    const Ranges ranges = largestRanges(*task.ranges);
+    std::vector<size_t> holding{0};  // how many of the first ranges the partner holds in
+    for (const Range& range : ranges) holding.push_back(holding.back() + (_evaluator.holds(partner, range) ? 1 : 0));
+    LeafSearch& search = _evaluator.search(*task.node);
+    RelationRanges spans = _evaluator.relationRanges(*task.node, task.relation, {0, _evaluator.text().length()});
+    Ranges satisfied;
+    size_t added = 0;  // the ranges before this one have been added
+    for (Range span = spans.next(); isPresent(span); span = spans.next()) {
+      const Range place = *search.at(spans.occurrence());
+      const size_t first = firstEndingFrom(ranges, endOf(place));          // the ranges around the place begin here
+      const size_t last = firstBeginningFrom(ranges, place.location + 1);  // and end before
+      const size_t inside = std::max(first, firstBeginningFrom(ranges, span.location));
+      const size_t insideEnd = std::min(last, firstEndingFrom(ranges, endOf(span) + 1));
+      const auto addClipped = [&](size_t index) {
+        const int64_t start = std::max(span.location, ranges[index].location);
+        const Range clipped{start, std::min(endOf(span), endOf(ranges[index])) - start};
+        if (_evaluator.holds(partner, clipped)) satisfied.push_back(clipped);
+      };
+      if (inside > first && inside - 1 < last) addClipped(inside - 1);
+      if (insideEnd < last && insideEnd >= first) addClipped(insideEnd);
+      if (inside >= insideEnd || holding[insideEnd] == holding[inside]) continue;
+      for (added = std::max(added, inside); added < insideEnd; ++added) {
+        if (holding[added + 1] > holding[added]) satisfied.push_back(ranges[added]);
       }
     }
-    add(partner, {}, withoutContained(std::move(satisfied)));
+    return satisfied;
   }
 
   void mark(const QueryTerms& leaf, size_t number) {
@@ -111,7 +158,8 @@ class PrimaryPlaces {
   }
 
   // Of the ranges that begin at or before a place, the last one reaches furthest.
-  void markWithin(const QueryTerms& leaf, const Ranges& ranges) {
+  void markWithin(const QueryTerms& leaf, const Ranges& anyRanges) {
+    const Ranges ranges = largestRanges(anyRanges);
     LeafSearch& search = _evaluator.search(leaf);
     if (search.isWholeRange()) return mark(leaf, 0);
     size_t next = 0;

@@ -3,6 +3,7 @@
 
 #include "velan/query/SearchedTextInternal.h"
 #include "velan/text/ConversionTables.h"
+#include "velan/text/UnitSearchInternal.h"
 #include "velan/wildcard/WildcardPattern.h"
 
 namespace velan {
@@ -49,9 +50,9 @@ bool SearchedText::hasUnitsAt(int64_t location, std::u16string_view literal) con
 
 int64_t SearchedText::find(std::u16string_view literal, int64_t location, int64_t end) const {
   if (!_table) {
-    const std::u16string_view text(_units, static_cast<size_t>(end));
-    const size_t found = text.find(literal, static_cast<size_t>(location));
-    return found == std::u16string_view::npos ? -1 : static_cast<int64_t>(found);
+    const auto length = static_cast<size_t>(end - location);
+    const size_t found = findUnits(_units + location, length, literal.data(), literal.size());
+    return found == length ? -1 : location + static_cast<int64_t>(found);
   }
   const auto length = static_cast<int64_t>(literal.size());
   for (; length <= end - location; ++location) {

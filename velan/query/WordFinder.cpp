@@ -37,7 +37,7 @@ Range FindWildcardInCharacters(const FastWordEnumerator& enumerator, Range range
                                bool acceptsWholeRange, bool allowsFuzzy) {
   const SearchedText text(enumerator, comparison, SearchedText::Mapping::OnTheFly);
   const bool fuzzy = allowsFuzzy && contains(comparison, QueryComparison::Fuzzy);
-  const auto prepared = WordPattern::withWildcard(text, unitsOf(pattern, patternLength), splitsPhrases, fuzzy);
+  const auto prepared = WordPattern::withWildcard(text, unitsOf(pattern, patternLength), splitsPhrases, false, fuzzy);
   if (prepared.isWholeRange() && !acceptsWholeRange) return kAbsentRange;
   return prepared.firstIn(text, clippedRange(range, text.length()));
 }

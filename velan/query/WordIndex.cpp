@@ -2,6 +2,7 @@
 #include <bit>
 #include <cstring>
 
+#include "velan/platform/CPUInternal.h"
 #include "velan/query/WordIndexInternal.h"
 #include "velan/text/CharacterSets.h"
 
@@ -12,21 +13,16 @@ namespace {
 // Small enough for the first-level cache, beside the part of the bitmap that a text uses.
 constexpr size_t kBlock = 4096;
 
-// Writes 1 for a separator, 0 for a word unit.
-void markSeparators(const unichar* units, size_t length, const uint8_t* separators, uint8_t* marks) {
-  for (size_t i = 0; i < length; ++i) marks[i] = isMemberOfCharacterSetRep(separators, units[i]);
-}
-
 // Turns marks into types: a word unit begins a word when the unit before it separates and ends one when the unit
-// after it does. `marks[-1]` and `marks[length]` are read. Returns the number of words that begin. Without branches,
-// so that the compiler makes vectors of it.
+// after it does. `marks` has `length` + 2 entries: it begins with the mark of the unit before and ends with that of the
+// unit after. Returns the number of words that begin. Without branches, so that the compiler makes vectors of it.
 size_t typesFromMarks(const uint8_t* marks, size_t length, uint8_t* types) {
   unsigned words = 0;
   for (size_t i = 0; i < length; ++i) {
-    const unsigned inWord = marks[i] ^ 1u;
-    const unsigned begins = marks[i - 1] & inWord;
-    const unsigned ends = marks[i + 1] & inWord;
-    types[i] = static_cast<uint8_t>(marks[i] | begins << 1 | ends << 2);
+    const unsigned mark = marks[i + 1];
+    const unsigned begins = marks[i] & (mark ^ 1u);
+    const unsigned ends = marks[i + 2] & (mark ^ 1u);
+    types[i] = static_cast<uint8_t>(mark | begins << 1 | ends << 2);
     words += begins;
   }
   return words;
@@ -37,17 +33,16 @@ size_t typesFromMarks(const uint8_t* marks, size_t length, uint8_t* types) {
 // the marks may come from the place of the types.
 template <class Mark>
 size_t indexBlocks(size_t length, uint8_t* types, Mark mark) {
-  uint8_t room[1 + kBlock + 1];
-  uint8_t* const marks = room + 1;
+  uint8_t marks[1 + kBlock + 1];
   size_t words = 0;
-  marks[-1] = 1;
+  marks[0] = 1;
   for (size_t first = 0; first < length; first += kBlock) {
     const size_t count = std::min(kBlock, length - first);
     const size_t withNext = std::min(count + 1, length - first);
-    mark(first, withNext, marks);
-    if (withNext == count) marks[count] = 1;
+    mark(first, withNext, marks + 1);
+    if (withNext == count) marks[count + 1] = 1;
     words += typesFromMarks(marks, count, types + first);
-    marks[-1] = marks[count - 1];
+    marks[0] = marks[count];
   }
   return words;
 }
@@ -75,14 +70,29 @@ size_t lastByte(uint64_t bytes) {
 
 }  // namespace
 
+void markSeparatorsScalar(const unichar* units, size_t length, const uint8_t* separators, uint8_t* marks) {
+  for (size_t i = 0; i < length; ++i) marks[i] = isMemberOfCharacterSetRep(separators, units[i]);
+}
+
+std::span<const SeparatorKernel> supportedSeparatorKernels() {
+#ifdef __x86_64__
+  static constexpr SeparatorKernel kernels[] = {{"scalar", markSeparatorsScalar}, {"avx2", markSeparatorsAvx2}};
+  return {kernels, cpuFeatures().avx2 ? 2u : 1u};
+#else
+  static constexpr SeparatorKernel kernels[] = {{"scalar", markSeparatorsScalar}};
+  return kernels;
+#endif
+}
+
 size_t indexWords(const unichar* units, size_t length, const uint8_t* separators, uint8_t* types) {
+  static const auto markSeparators = supportedSeparatorKernels().back().mark;
   return indexBlocks(length, types, [&](size_t first, size_t count, uint8_t* marks) {
     markSeparators(units + first, count, separators, marks);
   });
 }
 
 size_t indexWildcardWords(const unichar* units, size_t length, const uint8_t* separators, uint8_t* types) {
-  markSeparators(units, length, separators, types);
+  markSeparatorsScalar(units, length, separators, types);  // patterns are short
   for (size_t i = 0; i + 1 < length; ++i) {
     if (units[i] != '[' || units[i + 1] == ']') continue;
     const size_t start = i;

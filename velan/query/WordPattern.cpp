@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 #include "velan/query/WordPatternInternal.h"
@@ -26,23 +27,34 @@ std::vector<std::u16string> wordsOf(std::u16string_view text, bool wildcard) {
   return words;
 }
 
+// The normal form of a pattern that would be usable if it had a literal: with one at its end it is. Nothing for a
+// malformed pattern.
+std::optional<std::u16string> normalFormWithoutLiteral(std::u16string_view pattern) {
+  std::u16string units(pattern);
+  units.push_back(u'a');
+  Range range{};
+  const uint32_t type = optimizeWildcard(units.data(), units.data() + units.size(), &range, 1);
+  if (type == WildcardTypeUnusable) return std::nullopt;
+  units.resize(static_cast<size_t>(normalFormLength(type, range) - 1));
+  return units;
+}
+
 }  // namespace
 
 WordPattern::Piece WordPattern::wildcardPiece(std::u16string pattern, bool anyWord, bool fuzzy) {
+  const auto withoutLiteral = anyWord ? normalFormWithoutLiteral(pattern) : std::nullopt;
   Piece piece{std::move(pattern), WildcardTypeUnusable, {0, 0}, 0, 0, fuzzy};
   unichar* start = piece.units.data();
-  Range range{};
-  piece.type = optimizeWildcard(start, start + piece.units.size(), &range, 1);
-  if (piece.type == WildcardTypeUnusable) {
-    // Without a literal a pattern among others stands for any word of fitting length; a malformed one for none.
-    const bool onlyWildcards = piece.units.find_first_not_of(u"*?") == std::u16string::npos;
-    if (!anyWord || !onlyWildcards || piece.units.empty()) return piece;
+  piece.type = optimizeWildcard(start, start + piece.units.size(), &piece.literal, 1);
+  if (piece.type != WildcardTypeUnusable) {
+    piece.units.resize(static_cast<size_t>(normalFormLength(piece.type, piece.literal)));
+  } else if (withoutLiteral) {
+    piece.units = *withoutLiteral;
     piece.type = WildcardTypeGeneral;
   } else {
-    piece.units.resize(static_cast<size_t>(normalFormLength(piece.type, range)));
-    start = piece.units.data();
+    return piece;
   }
-  piece.literal = range;
+  start = piece.units.data();
   piece.minLength = minWildcardLen(start, start + piece.units.size());
   piece.maxLength = maxWildcardLen(start, start + piece.units.size());
   return piece;
@@ -53,17 +65,18 @@ WordPattern::Piece WordPattern::literalPiece(std::u16string word) {
   return {std::move(word), WildcardTypeExact, {0, length}, length, length, false};
 }
 
-WordPattern WordPattern::withWildcard(const SearchedText& text, std::u16string_view pattern, bool split, bool fuzzy) {
+WordPattern WordPattern::withWildcard(const SearchedText& text, std::u16string_view pattern, bool split, bool phrase,
+                                      bool fuzzy) {
   WordPattern result;
-  if (!pattern.empty() && pattern.find_first_not_of(u'*') == std::u16string_view::npos) {
+  if (normalFormWithoutLiteral(pattern) == u"*") {
     result._wholeRange = true;
     return result;
   }
-  auto pieces = wordsOf(pattern, true);
-  const bool several = pieces.size() > 1;
-  if (several && !split) return result;
+  const auto pieces = wordsOf(pattern, true);
+  const bool holdsSeparators = pieces.size() != 1 || pieces.front().size() != pattern.size();
+  if (holdsSeparators && !split) return result;
   for (const std::u16string& piece : pieces) {
-    result._pieces.push_back(wildcardPiece(text.mapped(piece), several, fuzzy));
+    result._pieces.push_back(wildcardPiece(text.mapped(piece), holdsSeparators || phrase, fuzzy));
     if (result._pieces.back().type == WildcardTypeUnusable) {
       result._pieces.clear();
       break;

@@ -21,9 +21,11 @@ constexpr int64_t normalFormLength(uint32_t type, Range range) {
 /// or the words of a phrase. Pieces are kept in normal form, mapped like the text that they are searched in.
 class WordPattern {
  public:
-  /// The pieces of a wildcard pattern, which may be several only with `split`. With `fuzzy` pieces without wildcards
+  /// The pieces of a wildcard pattern; one that holds separators is never found without `split`. Where it does, and in
+  /// a `phrase`, a piece without a literal stands for any word of fitting length. With `fuzzy` pieces without wildcards
   /// accept similar words.
-  static WordPattern withWildcard(const SearchedText& text, std::u16string_view pattern, bool split, bool fuzzy);
+  static WordPattern withWildcard(const SearchedText& text, std::u16string_view pattern, bool split, bool phrase,
+                                  bool fuzzy);
   /// The words of a phrase as they are, by the word separators.
   static WordPattern withPhrase(const SearchedText& text, std::u16string_view phrase);
 

@@ -30,7 +30,8 @@ void updateDigest(Context& context, const void* bytes, size_t length, Transform 
   std::memcpy(context.block, next + whole, length - whole);
 }
 
-/// Ends the message: a set bit, zero bits, and the length in bits as eight bytes that `storeLength(bytes, bits)` writes.
+/// Ends the message: a set bit, zero bits, and the length in bits as eight bytes that `storeLength(bytes, bits)`
+/// writes.
 template <typename Context, typename Transform, typename StoreLength>
 void padDigest(Context& context, Transform transform, StoreLength storeLength) {
   size_t held = context.length % sizeof context.block;

@@ -58,7 +58,8 @@ VELAN_EXPORT uint32_t caseInsensitiveCrc32UsingCharactersPartOfCharacterSetRep(c
 /// `caseInsensitiveCrc32ByRemovingNonAlphaCharacters`: the same with the letters, `alphaCharacterSetRep`.
 VELAN_EXPORT uint32_t caseInsensitiveCrc32ByRemovingNonAlphaCharacters(const String& string);
 
-/// `caseInsensitiveCrc32ByRemovingNonAlphaNumericCharacters`: the same with letters and digits, `alphaNumCharacterSetRep`.
+/// `caseInsensitiveCrc32ByRemovingNonAlphaNumericCharacters`: the same with letters and digits,
+/// `alphaNumCharacterSetRep`.
 VELAN_EXPORT uint32_t caseInsensitiveCrc32ByRemovingNonAlphaNumericCharacters(const String& string);
 
 }  // namespace velan

@@ -36,7 +36,11 @@ constexpr auto identity = [](auto unit) { return unit; };
 }  // namespace
 
 int64_t fastCompareUnichars(const unichar* a, size_t lengthA, const unichar* b, size_t lengthB) {
-  return compareUnits(a, lengthA, b, lengthB, equalBlocks, identity);
+  if (!a) lengthA = 0;
+  if (!b) lengthB = 0;
+  const size_t shorter = std::min(lengthA, lengthB);
+  const size_t i = commonPrefixLength(a, b, shorter);
+  return i < shorter ? int64_t{a[i]} - int64_t{b[i]} : lengthDifference(lengthA, lengthB);
 }
 
 int64_t fastCompareUnicharsUsingConversionTable(const unichar* a, size_t lengthA, const unichar* b, size_t lengthB,

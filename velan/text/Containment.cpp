@@ -7,6 +7,7 @@
 #include "velan/text/ConversionTables.h"
 #include "velan/text/TwoWaySearchInternal.h"
 #include "velan/text/UnitBlocksInternal.h"
+#include "velan/text/UnitSearchInternal.h"
 
 namespace velan {
 namespace {
@@ -37,7 +38,14 @@ size_t findMapped(Text text, size_t length, Needle needle, size_t needleLength) 
   return length;
 }
 
-size_t findExactly(const unichar* haystack, size_t length, const unichar* needle, size_t needleLength) {
+const unichar* pointerTo(const unichar* haystack, size_t length, size_t position) {
+  return position < length ? haystack + position : nullptr;
+}
+
+}  // namespace
+
+size_t findUnits(const unichar* haystack, size_t length, const unichar* needle, size_t needleLength) {
+  if (!canContain(haystack, length, needle, needleLength)) return length;
   const size_t last = needleLength - 1;
   const size_t positions = length - last;
   size_t compared = 0;
@@ -58,18 +66,11 @@ size_t findExactly(const unichar* haystack, size_t length, const unichar* needle
   return length;
 }
 
-const unichar* pointerTo(const unichar* haystack, size_t length, size_t position) {
-  return position < length ? haystack + position : nullptr;
-}
-
-}  // namespace
-
 const unichar* fastContainsUnichars(const unichar* haystack, size_t haystackLength, const unichar* needle,
                                     size_t needleLength) {
   // Leaving out the last unit leaves out the last position, and no other.
   const size_t length = haystackLength == 0 ? 0 : haystackLength - 1;
-  if (!canContain(haystack, length, needle, needleLength)) return nullptr;
-  return pointerTo(haystack, length, findExactly(haystack, length, needle, needleLength));
+  return pointerTo(haystack, length, findUnits(haystack, length, needle, needleLength));
 }
 
 const unichar* fastCaseInsensitiveContainsUnichars(const unichar* haystack, size_t haystackLength,

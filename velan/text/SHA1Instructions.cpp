@@ -34,8 +34,7 @@ void rounds(State& state, __m128i (&words)[4]) {
     extend(words[group % 4], words[(group + 1) % 4], words[(group + 2) % 4], words[(group + 3) % 4]);
   }
   const __m128i mine = words[group % 4];
-  fourRounds<kFunction>(state,
-                        group == 0 ? _mm_add_epi32(state.e, mine) : _mm_sha1nexte_epu32(state.e, mine));
+  fourRounds<kFunction>(state, group == 0 ? _mm_add_epi32(state.e, mine) : _mm_sha1nexte_epu32(state.e, mine));
   if constexpr (group < 19) rounds<group + 1>(state, words);
 }
 

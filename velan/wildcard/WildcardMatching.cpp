@@ -17,28 +17,34 @@ struct Step {
   bool dependsOnText;  // another unit might have ended the set elsewhere
 };
 
-// `p` is at a set's `[`.
-Step stepOverSet(const unichar* p, const unichar* end, unichar c) {
-  if (++p == end) return {nullptr, false};
-  const bool isNegated = *p == '^';
-  if (isNegated) ++p;
-  bool matches = false, dependsOnText = false;
-  while (!matches && p < end && *p != ']') {
-    if (*p != '-') {
-      matches = *p == c && c != '|';
-      ++p;
-    } else if (p + 1 == end) {
-      p = end;
-    } else {
-      matches = p[-1] <= c && c <= p[1];
-      dependsOnText = dependsOnText || p[1] == ']';
-      p += 2;
-    }
-  }
-  if (matches == isNegated) return {nullptr, false};
+// Behind a member that matches, the pattern goes on after the next `]`.
+Step stepOverRest(const unichar* p, const unichar* end, bool dependsOnText) {
   const unichar* close = std::find(p, end, u']');
   if (close == end) return {end, dependsOnText};
   return {close + 1, dependsOnText || close[-1] == '-'};
+}
+
+// `p` is at a set's `[`.
+Step stepOverSet(const unichar* p, const unichar* end, unichar c) {
+  constexpr Step kFails{nullptr, false};
+  if (++p == end) return kFails;
+  const bool isNegated = *p == '^';
+  if (isNegated) ++p;
+  bool dependsOnText = false;
+  while (p < end) {
+    const unichar member = *p++;
+    bool matches = false;
+    if (member == ']') break;
+    if (member != '-') {
+      matches = member == c && c != '|';
+    } else if (p < end) {
+      matches = p[-2] <= c && c <= *p;
+      dependsOnText = dependsOnText || *p == ']';
+      ++p;
+    }
+    if (matches) return isNegated ? kFails : stepOverRest(p, end, dependsOnText);
+  }
+  return isNegated ? Step{p, dependsOnText} : kFails;
 }
 
 template <bool kHasSets>
@@ -114,8 +120,9 @@ bool isLike(const String& string, const String& pattern, const unichar* table, M
   if (!table) return matcher(string.begin(), string.end(), pattern.begin(), pattern.end(), nullptr);
   ScratchBuffer<unichar, 256> prepared(units.size());
   if (!prepared) return false;
-  std::transform(units.begin(), units.end(), prepared.data(), [table](unichar c) { return table[c]; });
-  return matcher(string.begin(), string.end(), prepared.data(), prepared.data() + units.size(), table);
+  unichar* const end = std::copy(units.begin(), units.end(), prepared.data());
+  prepareWildcardUsingUnicharTable(prepared.data(), end, table);
+  return matcher(string.begin(), string.end(), prepared.data(), end, table);
 }
 
 }  // namespace

@@ -7,7 +7,7 @@
 namespace velan {
 
 /// Whether the text matches the Unix pattern, as `stringMatchesUnixWildcard` defines it. `table` may be null. Takes
-/// about pattern length times text length steps and two bits per unit of the pattern: on the stack up to 4,096 units,
+/// about pattern length times text length steps and a byte per unit of the pattern: on the stack up to 4,096 units,
 /// on the heap above that; false when the heap has no room.
 bool simulateUnixWildcard(const unichar* text, const unichar* textEnd, const unichar* pattern,
                           const unichar* patternEnd, const unichar* table);

@@ -1,0 +1,155 @@
+// Files in memory in place of the system's: their calls are recorded, and any of them can be made to fail.
+#ifndef VELAN_TESTS_STORAGE_SIMULATED_FILES_H
+#define VELAN_TESTS_STORAGE_SIMULATED_FILES_H
+
+#include <fcntl.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "velan/base/Log.h"
+#include "velan/platform/FileCallsInternal.h"
+
+namespace velan {
+
+/// A change of a file: bytes written at an offset, a new length, or a synchronisation.
+struct FileEvent {
+  enum Kind { Write, Truncate, Synchronize } kind;
+  int64_t offset;
+  std::string bytes;
+};
+
+inline void applyEvent(std::string& image, const FileEvent& event, size_t count) {
+  const auto offset = static_cast<size_t>(event.offset);
+  if (event.kind == FileEvent::Truncate) image.resize(offset);
+  if (event.kind != FileEvent::Write || count == 0) return;
+  if (image.size() < offset + count) image.resize(offset + count);
+  std::memcpy(image.data() + offset, event.bytes.data(), count);
+}
+
+class SimulatedFiles : public FileCalls {
+ public:
+  enum class Call { Read, Write, Truncate, Synchronize };
+  /// The `at`-th call (from 0) of a kind fails with `error`, or is cut to half when that is 0; `onwards`: all later
+  /// too. When `error` is negative it is cut, and the later ones fail.
+  struct Fault {
+    Call call = Call::Read;
+    int64_t at = INT64_MAX;
+    int error = EIO;
+    bool onwards = false;
+  };
+
+  SimulatedFiles() { setFileCalls(this); }
+  ~SimulatedFiles() override { setFileCalls(nullptr); }
+
+  std::map<std::string, std::string> images;
+  std::vector<FileEvent> events;
+  bool recording = false;
+  Fault fault;
+  int64_t calls[4] = {};
+  int64_t faults = 0;
+
+  int open(const char* path, int flags, mode_t) override {
+    if (std::string_view(path) == ".") return kFolder;
+    const bool exists = images.contains(path);
+    if (!exists && !(flags & O_CREAT)) return failed(ENOENT);
+    if (exists && (flags & O_EXCL)) return failed(EEXIST);
+    _open.push_back(&images[path]);
+    return static_cast<int>(_open.size());
+  }
+  int close(int) override { return 0; }
+  int lock(int, int) override { return 0; }
+  int64_t length(int file) override { return static_cast<int64_t>(image(file).size()); }
+
+  ssize_t read(int file, const iovec* pieces, int count, int64_t offset) override {
+    size_t limit = SIZE_MAX;
+    if (!permitted(Call::Read, total(pieces, count), limit)) return -1;
+    const std::string& from = image(file);
+    size_t done = 0;
+    for (int i = 0; i < count && static_cast<size_t>(offset) + done < from.size(); ++i) {
+      const size_t at = static_cast<size_t>(offset) + done;
+      const size_t now = std::min({pieces[i].iov_len, from.size() - at, limit - done});
+      std::memcpy(pieces[i].iov_base, from.data() + at, now);
+      done += now;
+    }
+    return static_cast<ssize_t>(done);
+  }
+
+  ssize_t write(int file, const iovec* pieces, int count, int64_t offset) override {
+    size_t limit = SIZE_MAX;
+    FileEvent event{FileEvent::Write, offset, {}};
+    for (int i = 0; i < count; ++i) event.bytes.append(static_cast<const char*>(pieces[i].iov_base), pieces[i].iov_len);
+    if (!permitted(Call::Write, event.bytes.size(), limit)) return -1;
+    event.bytes.resize(std::min(event.bytes.size(), limit));
+    applyEvent(image(file), event, event.bytes.size());
+    const auto written = static_cast<ssize_t>(event.bytes.size());
+    if (recording) events.push_back(std::move(event));
+    return written;
+  }
+
+  int truncate(int file, int64_t length) override {
+    size_t limit = SIZE_MAX;
+    if (!permitted(Call::Truncate, 0, limit)) return -1;
+    const FileEvent event{FileEvent::Truncate, length, {}};
+    applyEvent(image(file), event, 0);
+    if (recording) events.push_back(event);
+    return 0;
+  }
+
+  int synchronize(int file) override {
+    size_t limit = SIZE_MAX;
+    if (!permitted(Call::Synchronize, 0, limit)) return -1;
+    if (recording && file != kFolder) events.push_back({FileEvent::Synchronize, 0, {}});
+    return 0;
+  }
+
+ private:
+  static constexpr int kFolder = 1 << 20;
+
+  static int failed(int error) {
+    errno = error;
+    return -1;
+  }
+  static size_t total(const iovec* pieces, int count) {
+    size_t sum = 0;
+    for (int i = 0; i < count; ++i) sum += pieces[i].iov_len;
+    return sum;
+  }
+  std::string& image(int file) { return *_open[static_cast<size_t>(file) - 1]; }
+
+  bool permitted(Call call, size_t bytes, size_t& limit) {
+    const int64_t n = calls[static_cast<int>(call)]++;
+    if (call != fault.call || n < fault.at || (n > fault.at && !fault.onwards)) return true;
+    ++faults;
+    const bool cut = fault.error == 0 || (fault.error < 0 && n == fault.at);
+    if (cut) limit = std::max<size_t>(bytes / 2, 1);
+    errno = std::abs(fault.error);
+    return cut;
+  }
+
+  std::vector<std::string*> _open;
+};
+
+/// Keeps the log quiet and counts its messages.
+class CountedLog {
+ public:
+  CountedLog() {
+    setLogSink([](std::string_view message, void* context) { static_cast<CountedLog*>(context)->add(message); }, this);
+  }
+  ~CountedLog() { setLogSink(nullptr, nullptr); }
+  std::vector<std::string> messages;
+
+ private:
+  void add(std::string_view message) {
+    if (messages.size() < 100) messages.emplace_back(message);
+  }
+};
+
+}  // namespace velan
+
+#endif  // VELAN_TESTS_STORAGE_SIMULATED_FILES_H

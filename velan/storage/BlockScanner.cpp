@@ -1,0 +1,157 @@
+#include <algorithm>
+
+#include "velan/storage/BlockScannerInternal.h"
+#include "velan/text/ChecksumsInternal.h"
+
+namespace velan {
+namespace {
+
+constexpr int64_t kStride = 4096;
+constexpr size_t kChunk = 65536;
+
+bool isMarker(const uint8_t* at) {
+  const uint32_t marker = static_cast<uint32_t>(at[0]) << 24 | static_cast<uint32_t>(at[1]) << 16 |
+                          static_cast<uint32_t>(at[2]) << 8 | at[3];
+  return BlockHeader{marker, 0, 0, 0}.hasKnownMarker();
+}
+
+}  // namespace
+
+bool BlockScanner::read(int64_t offset, void* bytes, size_t count) {
+  if (_file.readAt(offset, bytes, count) == static_cast<int64_t>(count)) return true;
+  if (!_unreadable) _unreadable = offset;
+  return false;
+}
+
+std::optional<BlockHeader> BlockScanner::headerAt(int64_t offset) {
+  HeaderBytes bytes{};
+  if (_size - offset < kHeaderSize || !read(offset, bytes.data(), bytes.size())) return std::nullopt;
+  const BlockHeader header = BlockHeader::fromBytes(bytes);
+  return header.hasKnownMarker() ? std::optional(header) : std::nullopt;
+}
+
+uint32_t BlockScanner::checksumDirectly(uint32_t crc, int64_t offset, int64_t length) {
+  uint8_t chunk[kChunk];
+  while (length > 0) {
+    const auto count = static_cast<size_t>(std::min<int64_t>(length, kChunk));
+    if (!read(offset, chunk, count)) return ~crc;
+    crc = crc32Continued(crc, chunk, count);
+    offset += static_cast<int64_t>(count);
+    length -= static_cast<int64_t>(count);
+  }
+  return crc;
+}
+
+uint32_t BlockScanner::checksumUpTo(int64_t offset) {
+  if (_checksums.empty()) _checksums.push_back(0);
+  const int64_t index = offset / kStride;
+  for (auto done = static_cast<int64_t>(_checksums.size()); done <= index; ++done) {
+    _checksums.push_back(checksumDirectly(_checksums.back(), (done - 1) * kStride, kStride));
+  }
+  return checksumDirectly(_checksums[static_cast<size_t>(index)], index * kStride, offset - index * kStride);
+}
+
+// A long part from the checksums of the two beginnings of the file that differ by it: overlapping parts cost no more.
+uint32_t BlockScanner::checksum(int64_t offset, int64_t length) {
+  if (length <= static_cast<int64_t>(kChunk)) return checksumDirectly(0, offset, length);
+  const uint32_t before = checksumUpTo(offset);
+  return checksumUpTo(offset + length) ^ crc32WithZeros(before, static_cast<uint64_t>(length));
+}
+
+bool BlockScanner::isSound(int64_t offset, const BlockHeader& header) {
+  if (header.length == 0) return header.crc == 0;
+  return payloadFits(offset, header) && checksum(offset + kHeaderSize, header.length) == header.crc;
+}
+
+bool BlockScanner::isPlausible(int64_t offset) {
+  const auto header = headerAt(offset);
+  return header && payloadFits(offset, *header);
+}
+
+// A deleted block has no checksum to prove it: something has to follow it.
+bool BlockScanner::isCandidate(int64_t offset) {
+  const auto header = headerAt(offset);
+  if (!header || !isSound(offset, *header)) return false;
+  const int64_t next = offset + header->extent();
+  return header->length > 0 || next == _size || (next < _size && isPlausible(next));
+}
+
+int64_t BlockScanner::findBlock(int64_t from) {
+  uint8_t chunk[kChunk];
+  for (int64_t start = from; _size - start >= kHeaderSize;) {
+    const auto count = static_cast<size_t>(std::min<int64_t>(_size - start, kChunk));
+    if (!read(start, chunk, count)) break;
+    for (size_t i = 0; i + 4 <= count; ++i) {
+      const int64_t offset = start + static_cast<int64_t>(i);
+      if (isMarker(chunk + i) && isCandidate(offset)) return offset;
+    }
+    start += static_cast<int64_t>(count) - 3;  // a marker may lie across two chunks
+  }
+  return _size;
+}
+
+// The first offset of a chain of sound blocks that ends exactly at `end`. Backwards, so that each header is looked at
+// once: it belongs to a chain if one begins where it ends.
+std::optional<int64_t> BlockScanner::hiddenChain(int64_t from, int64_t end) {
+  uint8_t chunk[kChunk];
+  std::vector<int64_t> chain{end};  // descending
+  for (int64_t stop = end; stop - from >= 4 && end - from >= kHeaderSize;) {
+    const int64_t start = std::max(from, stop - static_cast<int64_t>(kChunk));
+    if (!read(start, chunk, static_cast<size_t>(stop - start))) break;
+    for (int64_t offset = stop - 4; offset >= start; --offset) {
+      if (!isMarker(chunk + (offset - start))) continue;
+      const auto header = headerAt(offset);
+      if (header && std::binary_search(chain.rbegin(), chain.rend(), offset + header->extent()) &&
+          isSound(offset, *header)) {
+        chain.push_back(offset);
+      }
+    }
+    if (start == from) break;
+    stop = start + 3;
+  }
+  return chain.size() > 1 ? std::optional(chain.back()) : std::nullopt;
+}
+
+// Where to go on behind a block whose payload fits. Its lengths are believed only if the file ends or a block begins
+// where they lead, and no block hides in what should be filler (or, without the right checksum, in the payload).
+BlockScanner::Step BlockScanner::behind(int64_t offset, const BlockHeader& header, bool sound) {
+  const int64_t next = offset + header.extent();
+  const int64_t filler = offset + kHeaderSize + (sound ? header.length : 0);
+  if (next > _size) {
+    const int64_t found = findBlock(filler);
+    return {found, DamagedPlace{BlockDamage::Truncated, offset, found - offset}};
+  }
+  if (next == _size || isPlausible(next)) {
+    const auto hidden = hiddenChain(filler, next);
+    if (!hidden) return {next, std::nullopt};
+    return {*hidden, DamagedPlace{BlockDamage::HiddenBlocks, *hidden, next - *hidden}};
+  }
+  const int64_t found = findBlock(filler);
+  return found < next ? Step{found, DamagedPlace{BlockDamage::HiddenBlocks, found, next - found}}
+                      : Step{found, DamagedPlace{BlockDamage::InvalidHeader, next, found - next}};
+}
+
+bool BlockScanner::walk(FunctionRef<bool(const StoredBlock&)> found, FunctionRef<bool(const DamagedPlace&)> damaged) {
+  const auto report = [&](BlockDamage damage, int64_t offset, int64_t length) {
+    return damaged && damaged({damage, offset, length});
+  };
+  for (int64_t offset = 0; offset < _size;) {
+    const auto header = headerAt(offset);
+    if (!header || !payloadFits(offset, *header)) {
+      const int64_t next = findBlock(offset + 1);
+      const BlockDamage damage = header ? BlockDamage::Truncated : BlockDamage::InvalidHeader;
+      if (report(damage, offset, next - offset)) return true;
+      offset = next;
+      continue;
+    }
+    const bool sound = isSound(offset, *header);
+    if (sound && found && found({offset, header->length, header->padding, header->isCompressed()})) return true;
+    if (!sound && report(BlockDamage::InvalidChecksum, offset, header->extent())) return true;
+    const Step step = behind(offset, *header, sound);
+    if (step.damage && report(step.damage->damage, step.damage->offset, step.damage->length)) return true;
+    offset = step.next;
+  }
+  return _unreadable && report(BlockDamage::Unreadable, *_unreadable, 0);
+}
+
+}  // namespace velan

@@ -1,0 +1,146 @@
+#include "velan/storage/Compression.h"
+
+#include <zlib.h>
+
+#include <algorithm>
+#include <new>
+#include <utility>
+
+#include "velan/storage/CompressionInternal.h"
+
+namespace velan {
+namespace {
+
+constexpr size_t kChunk = 16384;
+constexpr int kZlibWindow = 15;
+constexpr int kGzipWindow = 31;
+constexpr int kEitherWindow = 47;
+constexpr int kMemoryLevel = 8;
+constexpr int kDefaultLevel = -1;
+
+int clampedLevel(int level) { return level == kDefaultLevel ? level : std::clamp(level, 1, 9); }
+
+void setInput(z_stream& stream, const void* bytes, size_t length) {
+  stream.next_in = static_cast<Bytef*>(const_cast<void*>(bytes));
+  stream.avail_in = static_cast<uInt>(length);
+}
+
+// Runs `step` on chunks of output until the end of the stream. False on any other status, or when `sink` has enough.
+template <typename Step>
+bool runStream(z_stream& stream, Step step, FunctionRef<bool(std::span<const uint8_t>)> sink) {
+  Bytef chunk[kChunk];
+  int status = Z_OK;
+  while (status != Z_STREAM_END) {
+    stream.next_out = chunk;
+    stream.avail_out = kChunk;
+    status = step(&stream);
+    const size_t count = kChunk - stream.avail_out;
+    if (count > 0 && !sink({chunk, count})) return false;
+    if (status != Z_OK && status != Z_STREAM_END) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+bool fitsZlib(const void* bytes, size_t length) { return bytes && length >= 1 && length <= UINT32_MAX; }
+
+bool inflateInParts(const void* bytes, size_t length, FunctionRef<bool(std::span<const uint8_t>)> sink) {
+  z_stream stream{};
+  setInput(stream, bytes, length);
+  if (!fitsZlib(bytes, length) || inflateInit2(&stream, kEitherWindow) != Z_OK) return false;
+  const bool ended = runStream(
+      stream, [](z_stream* s) { return inflate(s, Z_NO_FLUSH); }, sink);
+  inflateEnd(&stream);
+  return ended && stream.avail_in == 0;
+}
+
+Data dataByCompressingBytes(const void* bytes, size_t length, int compressionLevel, bool useGzip) {
+  z_stream stream{};
+  setInput(stream, bytes, length);
+  if (!fitsZlib(bytes, length) ||
+      deflateInit2(&stream, clampedLevel(compressionLevel), Z_DEFLATED, useGzip ? kGzipWindow : kZlibWindow,
+                   kMemoryLevel, Z_DEFAULT_STRATEGY) != Z_OK) {
+    return Data();
+  }
+  MutableData output;
+  bool ended = false;
+  try {
+    output.reserve(length / 4);
+    ended = runStream(
+        stream, [](z_stream* s) { return deflate(s, Z_FINISH); },
+        [&output](std::span<const uint8_t> part) {
+          output.appendBytes(part.data(), part.size());
+          return true;
+        });
+  } catch (const std::bad_alloc&) {
+    ended = false;
+  }
+  deflateEnd(&stream);
+  return ended ? output.takeData() : Data();
+}
+
+Data dataByGzippingBytes(const void* bytes, size_t length) { return dataByGzippingBytes(bytes, length, kDefaultLevel); }
+
+Data dataByGzippingBytes(const void* bytes, size_t length, int compressionLevel) {
+  return dataByCompressingBytes(bytes, length, compressionLevel, true);
+}
+
+Data dataByGzippingData(const Data& data) { return dataByGzippingBytes(data.bytes(), data.length()); }
+
+Data dataByGzippingData(const Data& data, int compressionLevel) {
+  return dataByGzippingBytes(data.bytes(), data.length(), compressionLevel);
+}
+
+Data dataByDeflatingBytes(const void* bytes, size_t length) {
+  return dataByDeflatingBytes(bytes, length, kDefaultLevel);
+}
+
+Data dataByDeflatingBytes(const void* bytes, size_t length, int compressionLevel) {
+  return dataByCompressingBytes(bytes, length, compressionLevel, false);
+}
+
+Data dataByDeflatingData(const Data& data) { return dataByDeflatingBytes(data.bytes(), data.length()); }
+
+Data dataByDeflatingData(const Data& data, int compressionLevel) {
+  return dataByDeflatingBytes(data.bytes(), data.length(), compressionLevel);
+}
+
+Data dataByInflatingBytes(const void* bytes, size_t length) { return dataByInflatingBytes(bytes, length, SIZE_MAX); }
+
+Data dataByInflatingBytes(const void* bytes, size_t length, size_t limit) {
+  MutableData output;
+  return setDataByInflatingBytes(output, bytes, length, limit) ? output.takeData() : Data();
+}
+
+Data dataByInflatingData(const Data& data) { return dataByInflatingData(data, SIZE_MAX); }
+
+Data dataByInflatingData(const Data& data, size_t limit) {
+  return dataByInflatingBytes(data.bytes(), data.length(), limit);
+}
+
+bool setDataByInflating(MutableData& receiver) {
+  return setDataByInflatingBytes(receiver, receiver.bytes(), receiver.length());
+}
+
+bool setDataByInflatingBytes(MutableData& receiver, const void* bytes, size_t length) {
+  return setDataByInflatingBytes(receiver, bytes, length, SIZE_MAX);
+}
+
+bool setDataByInflatingBytes(MutableData& receiver, const void* bytes, size_t length, size_t limit) {
+  if (!fitsZlib(bytes, length)) return false;
+  MutableData output;
+  const bool inflated = inflateInParts(bytes, length, [&output, limit](std::span<const uint8_t> part) {
+    const size_t room = std::min(part.size(), limit - output.length());
+    try {
+      output.appendBytes(part.data(), room);
+    } catch (const std::bad_alloc&) {
+      return false;
+    }
+    return room == part.size();
+  });
+  receiver = std::move(output);
+  return inflated;
+}
+
+}  // namespace velan

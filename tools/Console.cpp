@@ -11,8 +11,17 @@
 #include <filesystem>
 #include <memory>
 
+#include "tools/Commands.h"
+
 namespace velan::tool {
 namespace {
+
+int outputError = 0;  // the first one of standard output
+
+bool checkOutput(bool success) {
+  if (!success && outputError == 0) outputError = errno;
+  return outputError == 0;
+}
 
 // What the file at `path` has, or what a new one gets.
 mode_t permissionsOf(const std::string& path) {
@@ -44,6 +53,19 @@ void synchronizeFolder(const std::filesystem::path& folder) {
 
 void complain(std::string_view message) {
   std::fprintf(stderr, "velan: %.*s\n", static_cast<int>(message.size()), message.data());
+}
+
+bool print(std::string_view text) {
+  return checkOutput(std::fwrite(text.data(), 1, text.size(), stdout) == text.size());
+}
+
+bool printNow(std::string_view text) { return print(text) && checkOutput(std::fflush(stdout) == 0); }
+
+int finishOutput(int status) {
+  errno = EIO;
+  if (checkOutput(std::fflush(stdout) == 0 && !std::ferror(stdout)) || outputError == EPIPE) return status;
+  complain(std::string("standard output: ") + std::strerror(outputError));
+  return kTrouble;
 }
 
 std::optional<std::string> readFile(const std::string& path, std::string& why) {

@@ -15,8 +15,6 @@ namespace velan {
 
 using Ranges = std::vector<Range>;
 
-/// The ranges in order, without those that contain another one.
-Ranges smallestRanges(Ranges ranges);
 /// The ranges in order, without those that another one contains.
 Ranges largestRanges(Ranges ranges);
 

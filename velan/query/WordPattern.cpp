@@ -102,7 +102,7 @@ std::u16string_view WordPattern::literalOf(const Piece& piece) {
 bool WordPattern::isSimilar(const Piece& piece, const SearchedText& text, Range word) {
   const double threshold = minWildcardFuzzyAnalogy();
   const auto wordLength = static_cast<size_t>(word.length);
-  const auto [shorter, longer] = std::minmax(piece.units.size(), wordLength);
+  const auto [shorter, longer] = std::minmax({piece.units.size(), wordLength});
   if (!(static_cast<double>(shorter) / static_cast<double>(longer) >= threshold)) return false;
   const unichar* units = text.units() + word.location;
   // The pattern is mapped already; mapping it again changes nothing, because the tables' results map to themselves.

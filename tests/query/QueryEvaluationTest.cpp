@@ -154,7 +154,7 @@ const Family kFamilies[] = {
      6,
      true,
      {u"a", u"b", u"ab"},
-     {u"\"a b\"", u"\"a, a\"", u"\"a* b ab\"", u"\"? ab\"", u"\"* b\"", u"a", u"b"},
+     {u"\"a b\"", u"\"a, a\"", u"\"a* b ab\"", u"\"? ab\"", u"\"* b\"", u"\"??\"", u"a", u"b"},
      {And, Or, Near, Before, After, Next},
      {QueryComparison::Exact}},
     {"fuzzy",

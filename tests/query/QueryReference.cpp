@@ -161,7 +161,7 @@ ReferenceTerm referenceOf(const QueryTerms& node) {
 std::string dumpOf(const ReferenceTerm& root) {
   std::string line;
   dump(root, line);
-  return line.substr(1, line.size() - 2);
+  return line.substr(root.negated ? 2 : 1, line.size() - (root.negated ? 3 : 2));
 }
 
 std::string dumpOf(const QueryTerms& root) { return dumpOf(referenceOf(root)); }
@@ -212,7 +212,7 @@ std::vector<Range> ReferenceText::placesOf(const ReferenceTerm& leaf, Range rang
     return places;
   }
   const auto pieces = piecesOf(word);
-  if (_wildcard && pieces.size() == 1 && word.find_first_not_of(u"*?") == word.npos) return places;
+  if (_wildcard && !leaf.phrase && word.find_first_not_of(u"*?") == word.npos) return places;
   for (size_t first = 0; first < _words.size(); ++first) {
     for (size_t last = first; last < _words.size(); ++last) {
       const Range place{_words[first].location, endOf(_words[last]) - _words[first].location};
@@ -307,11 +307,7 @@ void ReferenceText::collectRelations(const ReferenceTerm& node, const ReferenceT
                                      const ReferenceTerm& relation, Range range,
                                      std::vector<Relation>& relations) const {
   if (node.children.empty() && partner) {
-    relations.push_back({&node, partner, satisfiedPieces(node, *partner, relation, range), {}});
-    for (const Range& place : placesOf(node, range)) {
-      const Range span = spanAround(place, relation, range);
-      if (holds(*partner, nullptr, *partner, span)) relations.back().places.push_back(place);
-    }
+    relations.push_back({&node, partner, satisfiedPieces(node, *partner, relation, range)});
   }
   for (size_t i = 0; i < node.children.size(); ++i) {
     const ReferenceTerm& child = node.children[i];
@@ -345,11 +341,9 @@ std::vector<QueryOccurrence> ReferenceText::occurrences(const ReferenceTerm& roo
       bool related = false;
       bool satisfies = false;
       for (const Relation& relation : relations) {
-        const bool isLater = relation.leaf == leaf;
-        if (!isLater && !hasLeaf(*relation.partner, leaf)) continue;
+        if (relation.leaf != leaf && !hasLeaf(*relation.partner, leaf)) continue;
         related = true;
-        const auto& ranges = isLater ? relation.places : relation.satisfied;
-        satisfies |= std::ranges::any_of(ranges, [&](const Range& r) { return isInside(place, r); });
+        satisfies |= std::ranges::any_of(relation.satisfied, [&](const Range& s) { return isInside(place, s); });
       }
       auto& occurrence = found.try_emplace({place.location, -place.length}, place, leaf->word, false).first->second;
       occurrence.primary |= satisfies || !related;

@@ -54,7 +54,6 @@ class ReferenceText {
     const ReferenceTerm* leaf;
     const ReferenceTerm* partner;
     std::vector<Range> satisfied;  // the spans or pieces in which the partner holds
-    std::vector<Range> places;     // of the leaf, those whose own span is among them
   };
 
   bool holds(const ReferenceTerm& node, const ReferenceTerm* partner, const ReferenceTerm& relation, Range range) const;

@@ -73,6 +73,8 @@ Ranges witnessesOfRelation(const Ranges& places, const Ranges& spans, const Rang
   size_t next = 0;
   for (size_t i = 0; i < places.size(); ++i) {
     while (next < partner.size() && endOf(partner[next]) <= endOf(places[i])) ++next;
+    if (next == 0 || partner[next - 1].location < spans[i].location) continue;
+    endingWithPlace.push_back(hullOf(places[i], partner[next - 1]));
   }
   // The partner ends later: the last place that ends before it and whose span does not begin after it. If even that
   // span ends too early, all do.

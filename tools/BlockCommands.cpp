@@ -167,7 +167,8 @@ int append(const BlockOptions& options) {
   if (!storage->recoverTail()) return trouble(options.file + ": is damaged; try `velan blocks repair`");
   const int64_t offset = storage->seekToEndOfFile();
   if (!storage->appendBlock(Data::withBytes(*bytes)) || !storage->synchronizeFile()) {
-    return trouble(options.file + (bytes->empty() ? ": an empty block cannot be stored" : ": cannot be written"));
+    return trouble(fmt::format("{}{}", options.file,
+                               bytes->empty() ? ": an empty block cannot be stored" : ": cannot be written"));
   }
   fmt::print("{}\n", offset);
   return kSomething;

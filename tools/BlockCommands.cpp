@@ -235,7 +235,7 @@ int crc(const std::vector<std::string>& files) {
   for (const std::string& file : files) {
     std::string why;
     const auto bytes = readFile(file, why);
-    if (!bytes) return trouble(file + ": " + why);
+    if (!bytes) return trouble(fmt::format("{}: {}", file, why));
     fmt::print("{:08x}  {}\n", CRC32(bytes->data(), bytes->size()), file);
   }
   return kSomething;

@@ -167,7 +167,8 @@ int append(const BlockOptions& options) {
   if (!storage->recoverTail()) return trouble(options.file + ": is damaged; try `velan blocks repair`");
   const int64_t offset = storage->seekToEndOfFile();
   if (!storage->appendBlock(Data::withBytes(*bytes)) || !storage->synchronizeFile()) {
-    return trouble(options.file + (bytes->empty() ? ": an empty block cannot be stored" : ": cannot be written"));
+    return trouble(fmt::format("{}{}", options.file,
+                               bytes->empty() ? ": an empty block cannot be stored" : ": cannot be written"));
   }
   fmt::print("{}\n", offset);
   return kSomething;
@@ -234,7 +235,7 @@ int crc(const std::vector<std::string>& files) {
   for (const std::string& file : files) {
     std::string why;
     const auto bytes = readFile(file, why);
-    if (!bytes) return trouble(file + ": " + why);
+    if (!bytes) return trouble(fmt::format("{}: {}", file, why));
     fmt::print("{:08x}  {}\n", CRC32(bytes->data(), bytes->size()), file);
   }
   return kSomething;

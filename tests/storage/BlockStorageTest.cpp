@@ -248,6 +248,7 @@ TEST_F(BlockStorageTest, RecoversATornTail) {
       {"half a payload", good + plain("torn payload", 0).substr(0, 22), good},
       {"a length without its bytes", good + std::string(700, '\0'), good},
       {"padding missing", good + plain("whole", 100).substr(0, 30), good + plain("whole", 100)},
+      {"padding beyond reason", good + plain("whole", 2 << 20).substr(0, 30), ""},
       {"torn before padding", good + changed(plain("whale", 100), 18, 'o').substr(0, 30), good},
       {"a header in the middle", changed(good, 0, '?') + plain("x", 0).substr(0, 9), ""},
       {"a damaged marker of a whole block", good + changed(plain("whole", 0), 0, '?'), ""},

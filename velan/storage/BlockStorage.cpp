@@ -33,12 +33,14 @@ std::unique_ptr<File> BlockStorage::openFile(const String& path, FileAccess acce
     closeFileDescriptor(descriptor);
     return nullptr;
   }
-  return file->lock(access != FileAccess::Reading) ? std::move(file) : nullptr;
+  if (!file->lock(access != FileAccess::Reading)) return nullptr;
+  return file;
 }
 
 std::unique_ptr<BlockStorage> BlockStorage::opened(const String& path, FileAccess access) {
   auto file = openFile(path, access);
-  return file ? initWithFile(std::move(file), path, access == FileAccess::Appending) : nullptr;
+  if (!file) return nullptr;
+  return initWithFile(std::move(file), path, access == FileAccess::Appending);
 }
 
 std::unique_ptr<BlockStorage> BlockStorage::blockStorageForReadingAtPath(const String& path) {

@@ -21,6 +21,9 @@ bool inflates(const Data& payload) {
   return inflateInParts(payload.bytes(), payload.length(), [](std::span<const uint8_t>) { return true; });
 }
 
+// Padding beyond any sensible block size is a damaged number, not a torn write.
+constexpr int64_t kMostMissingPadding = 1 << 20;
+
 // A block that is whole but for its marker, or its length, is damaged, not torn: its checksum still tells.
 bool hasWholePayload(BlockScanner& scanner, const BlockHeader& header, int64_t offset, int64_t size) {
   const int64_t room = size - offset - kHeaderSize;
@@ -75,6 +78,7 @@ bool BlockStorage::recoverTail() {
   const char* what = "cut off a torn block";
   if (header && scanner.payloadFits(offset, *header) && scanner.isSound(offset, *header)) {
     end = offset + header->extent();
+    if (end - size > kMostMissingPadding) return false;
     what = "completed the padding of the last block";
   } else {
     HeaderBytes bytes{};

@@ -31,13 +31,13 @@ Data performAESOperation(AESOperation operation, const Data& data, const String&
 }  // namespace
 
 Data encryptedDataUsingKey(const Data& data, const String& key) {
-  const Data result = performAESOperation(AESOperation::Encrypt, data, key);
+  Data result = performAESOperation(AESOperation::Encrypt, data, key);
   if (!result && !data.isEmpty()) logMessage("WARNING: Couldn't encrypt data.");
   return result;
 }
 
 Data decryptedDataUsingKey(const Data& data, const String& key) {
-  const Data result = performAESOperation(AESOperation::Decrypt, data, key);
+  Data result = performAESOperation(AESOperation::Decrypt, data, key);
   if (!result && !data.isEmpty()) logMessage("WARNING: Couldn't decrypt data.");
   return result;
 }

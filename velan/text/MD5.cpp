@@ -45,10 +45,10 @@ uint32_t mix(int round, uint32_t b, uint32_t c, uint32_t d) {
 }
 
 // Which word of the block step i of a round uses.
-constexpr int wordOf(int round, int i) {
+constexpr size_t wordOf(int round, int i) {
   constexpr int kFactor[] = {1, 5, 3, 7};
   constexpr int kOffset[] = {0, 1, 5, 0};
-  return (i * kFactor[round] + kOffset[round]) % 16;
+  return static_cast<size_t>(i * kFactor[round] + kOffset[round]) % 16;
 }
 
 void transform(uint32_t* state, const uint8_t* block, size_t count) {
@@ -85,7 +85,7 @@ void isc_md5_update(isc_md5_t* context, const void* bytes, size_t length) {
 void isc_md5_final(isc_md5_t* context, uint8_t* digest) {
   if (!context || !digest) return;
   padDigest(*context, transform, store<uint64_t>);
-  for (int i = 0; i < 4; ++i) store(digest + 4 * i, context->state[i]);
+  for (size_t i = 0; i < 4; ++i) store(digest + 4 * i, context->state[i]);
   clearDigest(*context);
 }
 

@@ -41,7 +41,7 @@ SHA1Transform transform() {
 void sha1Scalar(uint32_t* state, const uint8_t* blocks, size_t count) {
   for (; count > 0; --count, blocks += 64) {
     uint32_t words[80];
-    for (int i = 0; i < 16; ++i) words[i] = load(blocks + 4 * i);
+    for (size_t i = 0; i < 16; ++i) words[i] = load(blocks + 4 * i);
     for (int i = 16; i < 80; ++i) {
       words[i] = std::rotl(words[i - 3] ^ words[i - 8] ^ words[i - 14] ^ words[i - 16], 1);
     }
@@ -74,7 +74,7 @@ void isc_sha1_update(isc_sha1_t* context, const void* bytes, size_t length) {
 void isc_sha1_final(isc_sha1_t* context, uint8_t* digest) {
   if (!context || !digest) return;
   padDigest(*context, transform(), store<uint64_t>);
-  for (int i = 0; i < 5; ++i) store(digest + 4 * i, context->state[i]);
+  for (size_t i = 0; i < 5; ++i) store(digest + 4 * i, context->state[i]);
   clearDigest(*context);
 }
 

@@ -102,14 +102,15 @@ std::u16string_view WordPattern::literalOf(const Piece& piece) {
 bool WordPattern::isSimilar(const Piece& piece, const SearchedText& text, Range word) {
   const double threshold = minWildcardFuzzyAnalogy();
   const auto wordLength = static_cast<size_t>(word.length);
-  const auto [shorter, longer] = std::minmax(piece.units.size(), wordLength);
+  const size_t patternLength = piece.units.size();  // minmax returns references
+  const auto [shorter, longer] = std::minmax(patternLength, wordLength);
   if (!(static_cast<double>(shorter) / static_cast<double>(longer) >= threshold)) return false;
   const unichar* units = text.units() + word.location;
   // The pattern is mapped already; mapping it again changes nothing, because the tables' results map to themselves.
-  const double similarity =
-      text.table() ? stringMatchesUnixWildcardFuzzyUsingUnicharTable(piece.units.data(), piece.units.size(), units,
-                                                                     wordLength, text.table())
-                   : stringMatchesUnixWildcardFuzzy(piece.units.data(), piece.units.size(), units, wordLength);
+  const double similarity = text.table()
+                                ? stringMatchesUnixWildcardFuzzyUsingUnicharTable(piece.units.data(), patternLength,
+                                                                                  units, wordLength, text.table())
+                                : stringMatchesUnixWildcardFuzzy(piece.units.data(), patternLength, units, wordLength);
   return similarity >= threshold;
 }
 

@@ -27,10 +27,6 @@ int complainAboutUsage(const CLI::App& app, const CLI::ParseError& error) {
 
 int run(int argc, char** argv) {
   CLI::App app{"Text search, records and block files from the command line", "velan"};
-  app.require_subcommand(1);
-  int status = velan::tool::kSomething;
-  velan::tool::addKeyedCommands(app, status);
-  velan::tool::addBlockCommands(app, status);
   int status = kSomething;
   bool version = false;
   bool verbose = false;
@@ -44,6 +40,7 @@ int run(int argc, char** argv) {
       "  velan search --help");
   addTextCommands(app, status);
   addKeyedCommands(app, status);
+  addBlockCommands(app, status);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

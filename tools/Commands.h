@@ -15,6 +15,10 @@ enum ExitStatus : int {
   kTrouble = 2,    // something went wrong; a message on standard error tells what
 };
 
+/// Search, explain, match, words, selftest.
+void addTextCommands(CLI::App& app, int& status);
+/// `velan keyed …`: files of keyed data records. `app` and `status` must outlive the parsing.
+void addKeyedCommands(CLI::App& app, int& status);
 /// `velan blocks`, `crc`, `deflate`, `gzip` and `inflate`.
 void addBlockCommands(CLI::App& app, int& status);
 

@@ -11,8 +11,22 @@ namespace velan::tool {
 /// One line on standard error: "velan: message".
 void complain(std::string_view message);
 
+/// Writes to standard output; false when that has failed, now or before: then nobody reads any more, or the disk is
+/// full.
+bool print(std::string_view text);
+/// The same, and what was written reaches its reader at once.
+bool printNow(std::string_view text);
+/// For the end of the program: writes what is left. Returns `status`, or `kTrouble` after a complaint when output was
+/// lost. A reader that has gone away, such as `head`, is no trouble.
+int finishOutput(int status);
+
 /// All bytes of the file, or of standard input for "-". Otherwise nothing, and `why` says in a few words what failed.
 std::optional<std::string> readFile(const std::string& path, std::string& why);
+
+/// Puts a file with these bytes in the place of the one at `path`, whose permissions it takes over; a symbolic link
+/// stays. Whoever reads sees the old file or the new one, also after a crash. When false `why` says in a few words what
+/// failed.
+bool replaceFile(const std::string& path, std::string_view bytes, std::string& why);
 
 }  // namespace velan::tool
 

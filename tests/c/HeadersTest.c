@@ -2,11 +2,16 @@
 #include <stdio.h>
 
 #include "velan/text/CharacterSets.h"
+#include "velan/text/Comparison.h"
+#include "velan/text/Containment.h"
 #include "velan/text/Checksums.h"
 #include "velan/text/ConversionTables.h"
 #include "velan/text/MD5.h"
 #include "velan/text/SHA1.h"
 #include "velan/text/Separators.h"
+#include "velan/text/SetFilteredComparison.h"
+#include "velan/wildcard/WildcardMatching.h"
+#include "velan/wildcard/WildcardPattern.h"
 
 static int failures = 0;
 
@@ -17,6 +22,18 @@ static void checkText(void) {
   CHECK(isMemberOfCharacterSetRep(digitCharacterSetRep(), u'7'));
   CHECK(toUpper(u'a') == u'A' && initUpperCharsTable() == _upperCharsTable);
   CHECK(isMemberOfCharacterSetRep(defaultWordSeparators(), u' '));
+  CHECK(fastCompareUnichars(u"abc", 3, u"abd", 3) == -1);
+  CHECK(fastCaseInsensitiveContainsUnichars(u"abc", 3, u"BC", 2) != NULL);
+  CHECK(equalCharsOfCharacterSetRep(u"a-b", 3, u"ab", 2, alphaCharacterSetRep()));
+}
+
+static void checkWildcards(void) {
+  static const unichar text[] = {u'a', u'b'};
+  unichar pattern[] = {u'[', u'a', u'|', u'b', u']', u'*'};
+  Range range;
+  CHECK(optimizeWildcard(pattern, pattern + 6, &range, 1) == WildcardTypeSetPrefix && range.length == 4);
+  CHECK(stringMatchesUnixWildcard(text, text + 2, pattern, pattern + 5));
+  CHECK(stringMatchesUnixWildcardFuzzy(text, 2, text, 2) >= MinWildcardFuzzyAnalogy);
 }
 
 static void checkHashing(void) {
@@ -36,6 +53,7 @@ static void checkHashing(void) {
 
 int main(void) {
   checkText();
+  checkWildcards();
   checkHashing();
   return failures == 0 ? 0 : 1;
 }

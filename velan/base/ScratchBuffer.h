@@ -3,6 +3,7 @@
 #define VELAN_BASE_SCRATCH_BUFFER_H
 
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <type_traits>
 

@@ -11,6 +11,7 @@ CPUFeatures detect() {
   CPUFeatures features;
 #ifdef __x86_64__
   __builtin_cpu_init();
+  features.avx2 = __builtin_cpu_supports("avx2");
   features.pclmul = __builtin_cpu_supports("pclmul") && __builtin_cpu_supports("ssse3");
   features.vpclmul = features.pclmul && __builtin_cpu_supports("vpclmulqdq") && __builtin_cpu_supports("avx512f") &&
                      __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512vl");

@@ -1,5 +1,6 @@
 #include "velan/text/CharacterSets.h"
 
+#include <algorithm>
 #include <mutex>
 
 #include "velan/platform/CharacterDataInternal.h"
@@ -73,5 +74,11 @@ const uint8_t* alphaNumCharacterSetRep() { return bitmap(CharacterSet::Alphanume
 const uint8_t* digitCharacterSetRep() { return bitmap(CharacterSet::DecimalDigit); }
 const uint8_t* lowerCharacterSetRep() { return bitmap(CharacterSet::LowercaseLetter); }
 const uint8_t* upperCharacterSetRep() { return bitmap(CharacterSet::UppercaseLetter); }
+
+bool onlyWhiteCharacters(const unichar* characters, size_t length) {
+  const uint8_t* white = whiteCharacterSetRep();
+  return length == 0 || (characters && std::all_of(characters, characters + length,
+                                                   [white](unichar c) { return isMemberOfCharacterSetRep(white, c); }));
+}
 
 }  // namespace velan

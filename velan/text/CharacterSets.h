@@ -34,6 +34,10 @@ VELAN_EXPORT const uint8_t* lowerCharacterSetRep(void);
 /// `upperCharacterSetRep`: categories Lu and Lt, so the title-case digraphs such as U+01C5 too.
 VELAN_EXPORT const uint8_t* upperCharacterSetRep(void);
 
+/// `onlyWhiteCharacters:length:`: whether all of `characters[0, length)` are in `whiteCharacterSetRep`; true for length
+/// 0.
+VELAN_EXPORT bool onlyWhiteCharacters(const unichar* characters, size_t length);
+
 #ifdef __cplusplus
 }  // extern "C"
 

@@ -1,0 +1,222 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+
+#include "velan/base/Base64.h"
+#include "velan/base/MutableData.h"
+#include "velan/base/PropertyList.h"
+
+namespace velan {
+namespace {
+
+Value everyKind() {
+  return ValueDictionary{
+      {u"numbers", ValueArray{0, 255, 256, 65536, 4294967296, -1, INT64_MIN, INT64_MAX, UINT64_MAX, 'A', 1.5f, 0.1}},
+      {u"odd numbers", ValueArray{-INFINITY, 1e308, -0.0, true, false, true}},
+      {u"texts", ValueArray{u"", u"plain", u"\u00FCber <&> \"'\r\n\t", u"\U0001F600", u"plain"}},
+      {u"data", ValueArray{Data::withBytes(""), Data::withBytes(std::string(300, '\xA5'))}},
+      {u"dates", ValueArray{Date(0), Date(-86400), Date(5e8)}},
+      {u"\u00E9 key", ValueArray{ValueArray{}, ValueDictionary{}, ValueArray{ValueArray{ValueDictionary{{u"", 1}}}}}},
+  };
+}
+
+TEST(PropertyList, EveryKindGoesThroughBothForms) {
+  for (const auto format : {PropertyListFormat::Binary, PropertyListFormat::XML}) {
+    const Data file = writePropertyList(everyKind(), format);
+    const Value read = readPropertyList(file);
+    EXPECT_EQ(read, everyKind());
+    EXPECT_EQ(writePropertyList(read, format), file);
+  }
+  const Value lone(String(std::u16string{u'a', 0, 0xD800}));
+  EXPECT_EQ(readPropertyList(writePropertyList(lone, PropertyListFormat::Binary)), lone);
+}
+
+TEST(PropertyList, WhatAFormHasNoRoomForIsRefused) {
+  const struct {
+    const char* why;
+    Value value;
+    bool binary;
+  } cases[] = {
+      {"absent", Value(), false},
+      {"a URL inside", ValueArray{URL::withString(u"x:y")}, false},
+      {"U+0000", u"\0"_s, true},
+      {"a lone surrogate as key", ValueDictionary{{String(std::u16string(1, 0xDC00)), 1}}, true},
+      {"U+FFFF", String(std::u16string(1, 0xFFFF)), true},
+      {"a date beyond year 9999", Date(1e12), true},
+      {"no date", Date(NAN), true},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(!writePropertyList(c.value, PropertyListFormat::Binary).isAbsent(), c.binary) << c.why;
+    EXPECT_TRUE(writePropertyList(c.value, PropertyListFormat::XML).isAbsent()) << c.why;
+  }
+}
+
+Value nested(size_t depth) {
+  Value value = ValueArray{};
+  for (size_t i = 1; i < depth; ++i) value = ValueArray{value};
+  return value;
+}
+
+TEST(PropertyList, DepthIsLimited) {
+  for (const auto format : {PropertyListFormat::Binary, PropertyListFormat::XML}) {
+    EXPECT_EQ(readPropertyList(writePropertyList(nested(kPropertyListDepth), format)), nested(kPropertyListDepth));
+    EXPECT_TRUE(writePropertyList(nested(kPropertyListDepth + 1), format).isAbsent());
+  }
+  // Long ways that share their ends: deep, although no way is deep when each part is first met.
+  Value shared = nested(300);
+  Value longWay = shared;
+  for (int i = 0; i < 300; ++i) longWay = ValueArray{longWay};
+  EXPECT_TRUE(writePropertyList(ValueArray{shared, longWay}, PropertyListFormat::Binary).isAbsent());
+  std::string xml = "<plist>";
+  for (int i = 0; i < 100000; ++i) xml += "<array>";
+  EXPECT_TRUE(readPropertyList(Data::withBytes(xml)).isAbsent());
+}
+
+TEST(PropertyList, SharedContainersStayShared) {
+  Value bomb = ValueArray{u"x"};
+  for (int i = 0; i < 60; ++i) bomb = ValueArray{bomb, bomb};
+  const Data file = writePropertyList(bomb, PropertyListFormat::Binary);
+  EXPECT_LT(file.length(), 500u);
+  const Value read = readPropertyList(file);
+  EXPECT_TRUE(read.array()[0].isSameContainer(read.array()[1]));
+  EXPECT_EQ(read, bomb);
+  EXPECT_TRUE(writePropertyList(read, PropertyListFormat::XML).isAbsent()) << "written out it would be 2^60 values";
+}
+
+// A binary property list of `objects`, one byte per offset and per reference; the first is the top.
+Data binary(const std::vector<std::string>& objects, std::string_view offsets = {}) {
+  std::string file = "bplist00";
+  std::string table;
+  for (const auto& object : objects) {
+    table.push_back(static_cast<char>(file.size()));
+    file += object;
+  }
+  if (!offsets.empty()) table = offsets;
+  const auto tableOffset = static_cast<char>(file.size());
+  const auto count = static_cast<char>(table.size());
+  file += table + std::string(6, '\0') + "\1\1" + std::string(7, '\0') + count + std::string(15, '\0') + tableOffset;
+  return Data::withBytes(file);
+}
+
+TEST(PropertyList, BinaryObjects) {
+  const struct {
+    const char* why;
+    std::vector<std::string> objects;
+    Value expected;
+  } cases[] = {
+      {"true", {"\x09"}, true},
+      {"null", {std::string(1, '\0')}, Value()},
+      {"one byte is unsigned", {"\x10\xFF"}, 255},
+      {"eight bytes are signed", {"\x13" + std::string(8, '\xFF')}, -1},
+      {"sixteen bytes", {"\x14" + std::string(8, '\0') + std::string(8, '\xFF')}, UINT64_MAX},
+      {"sixteen bytes, negative", {"\x14" + std::string(15, '\xFF') + '\xFE'}, -2},
+      {"beyond 64 bits", {"\x14" + std::string(7, '\0') + '\1' + std::string(8, '\0')}, Value()},
+      {"float", {{"\x22\x3F\xC0\0\0", 5}}, 1.5f},
+      {"a real of one byte", {{"\x20\0", 2}}, Value()},
+      {"UID", {"\x81\x01\x02"}, 258},
+      {"a set reads as an array", {"\xC1\x01", "\x51z"}, ValueArray{u"z"}},
+      {"a string that is not ASCII", {"\x51\x80"}, Value()},
+      {"the count follows", {"\x5F\x10\x02ok"}, u"ok"},
+      {"the count is no integer", {"\x5F\x51\x02ok"}, Value()},
+      {"the string ends after the objects", {"\x53xy"}, Value()},
+      {"dictionary", {"\xD1\x01\x02", "\x51k", "\x10\x07"}, ValueDictionary{{u"k", 7}}},
+      {"a key that is no string", {"\xD1\x01\x01", "\x10\x07"}, Value()},
+      {"a reference beyond the objects", {"\xA1\x02", "\x09"}, Value()},
+      {"a cycle", {"\xA1\x01", {"\xA1\0", 2}}, Value()},
+      {"unknown type", {"\x70"}, Value()},
+  };
+  for (const auto& c : cases) {
+    const Value read = readPropertyList(binary(c.objects));
+    EXPECT_EQ(read, c.expected) << c.why << ": " << describe(read);
+  }
+}
+
+TEST(PropertyList, OverlappingObjectsAreRefused) {
+  // Each byte begins a data object that reaches almost to the end: decoding them all would be quadratic.
+  std::vector<std::string> objects = {"\xA4\x01\x02\x03\x04", "\x48\x48\x48\x48zzzzzzzz"};
+  EXPECT_TRUE(readPropertyList(binary(objects, "\x08\x0D\x0E\x0F\x10")).isAbsent());
+  EXPECT_FALSE(readPropertyList(binary({"\xA2\x01\x01", "\x48zzzzzzzz"})).isAbsent());
+}
+
+TEST(PropertyList, BinaryFilesThatAreCutOrChanged) {
+  const Data file = writePropertyList(everyKind(), PropertyListFormat::Binary);
+  for (size_t length = 0; length < file.length(); ++length) {
+    const Data cut = Data::withBytes(file.bytes(), length);
+    EXPECT_TRUE(readPropertyList(cut).isAbsent()) << length;
+  }
+  std::mt19937 random(1);
+  for (int i = 0; i < 3000; ++i) {
+    MutableData changed(file);
+    for (int k = 0; k < 2; ++k) changed.mutableBytes()[random() % file.length()] = static_cast<uint8_t>(random());
+    const Value read = readPropertyList(changed.takeData());
+    if (read.isAbsent()) continue;
+    EXPECT_EQ(readPropertyList(writePropertyList(read, PropertyListFormat::Binary)), read);
+  }
+}
+
+TEST(PropertyList, XMLDocuments) {
+  const struct {
+    std::string xml;
+    Value expected;
+  } cases[] = {
+      {"<plist version='1.0'><true/></plist>", true},
+      {"\xEF\xBB\xBF<?xml version=\"1.0\"?><!-- a > b --><!DOCTYPE plist SYSTEM \"a>b\"> <true></true>", true},
+      {"<plist><string>a<!-- x -->b<![CDATA[<&\r\n]]>&#x1F600;&amp;&lt;\r</string></plist>", u"ab<&\n\U0001F600&<\n"},
+      {"<string/>", u""},
+      {"<integer> -0x10 </integer>", -16},
+      {"<integer>18446744073709551615</integer>", UINT64_MAX},
+      {"<integer>18446744073709551616</integer>", Value()},
+      {"<integer>-9223372036854775808</integer>", INT64_MIN},
+      {"<integer>1 2</integer>", Value()},
+      {"<real>+1.5e3</real>", 1500.0},
+      {"<real>-Infinity</real>", -INFINITY},
+      {"<real>1,5</real>", Value()},
+      {"<date>2001-01-01T00:00:10Z</date>", Date(10)},
+      {"<date>2001-02-30T00:00:00Z</date>", Value()},
+      {"<data> aGVs\n\tbG8= </data>", Data::withBytes("hello")},
+      {"<data>a</data>", Value()},
+      {"<dict><key>a</key><integer>1</integer><key>a</key><integer>2</integer></dict>", ValueDictionary{{u"a", 2}}},
+      {"<dict><key>a</key></dict>", Value()},
+      {"<dict><integer>1</integer></dict>", Value()},
+      {"<array><key>a</key></array>", Value()},
+      {"<array><dict></array></dict>", Value()},
+      {"<array><true/>text</array>", Value()},
+      {"<plist><true/><true/></plist>", Value()},
+      {"<plist><true/>", Value()},
+      {"<plist></plist>", Value()},
+      {"<string>&unknown;</string>", Value()},
+      {"<string>&#0;</string>", Value()},
+      {"<string>\x01</string>", Value()},
+      {"<string>\xFF</string>", Value()},
+      {"<!DOCTYPE plist [<!ENTITY a \"b\">]><plist><string>&a;</string></plist>", Value()},
+      {"", Value()},
+  };
+  for (const auto& c : cases) {
+    const Value read = readPropertyList(Data::withBytes(c.xml));
+    EXPECT_EQ(read, c.expected) << c.xml << ": " << describe(read);
+    // The same document in UTF-16.
+    const String units = String::fromUTF8(c.xml.starts_with("\xEF") ? c.xml.substr(3) : c.xml);
+    std::string wide = "\xFF\xFE";
+    for (const unichar unit : units) wide += {static_cast<char>(unit & 0xFF), static_cast<char>(unit >> 8)};
+    EXPECT_EQ(readPropertyList(Data::withBytes(wide)), units ? c.expected : Value()) << c.xml;
+  }
+}
+
+TEST(Base64, GoesBothWaysAndRefusesTheRest) {
+  std::string bytes;
+  for (int i = 0; i < 256; ++i) {
+    std::string text;
+    appendBase64(Data::withBytes(bytes).span(), text);
+    EXPECT_EQ(text.size(), (bytes.size() + 2) / 3 * 4);
+    EXPECT_EQ(dataFromBase64(text).view(), bytes);
+    bytes.push_back(static_cast<char>(255 - i));
+  }
+  EXPECT_EQ(dataFromBase64("TQ").view(), "M") << "padding may be left out";
+  for (const char* text : {"T", "TR==", "TQ=", "TQ===", "T=Q=", "TWE=TWE=", "TW*n"}) {
+    EXPECT_TRUE(dataFromBase64(text).isAbsent()) << text;
+  }
+}
+
+}  // namespace
+}  // namespace velan

@@ -1,0 +1,212 @@
+#include <gtest/gtest.h>
+
+#include "tests/keyed/KeyedSample.h"
+#include "velan/keyed/KeyedReading.h"
+#include "velan/keyed/KeyedWriting.h"
+
+namespace velan {
+namespace {
+
+TEST(KeyedReading, ReadsTheBytesOfTheFormat) {
+  // Written out by hand, so that reader and writer cannot be wrong in the same way.
+  const struct {
+    std::string record;
+    std::string_view why;
+    bool (*isRead)(const Data&);
+  } cases[] = {
+      {record("VLbl", {"\x02", 1}), "2 is YES", [](const Data& d) { return boolForKey(d, 7); }},
+      {record("VLun", "\xFF\0\0\1"s), "VLun", [](const Data& d) { return unsignedForKey(d, 7) == 0xFF000001; }},
+      {record("VLsi", "\xFF\xFF\xFF\xFE"), "VLsi", [](const Data& d) { return signedForKey(d, 7) == -2; }},
+      {record("VLul", "\x80\0\0\0\0\0\0\1"s), "VLul",
+       [](const Data& d) { return unsignedLongLongForKey(d, 7) == 0x8000000000000001; }},
+      {record("VLsl", "\x80\0\0\0\0\0\0\0"s), "VLsl",
+       [](const Data& d) { return signedLongLongForKey(d, 7) == INT64_MIN; }},
+      {record("VLfl", "\xC0\x20\0\0"s), "VLfl", [](const Data& d) { return floatForKey(d, 7) == -2.5f; }},
+      {record("VLdb", "\x40\x04\0\0\0\0\0\0"s), "VLdb", [](const Data& d) { return doubleForKey(d, 7) == 2.5; }},
+      {record("VLda", "\x40\x59\0\0\0\0\0\0"s), "VLda",
+       [](const Data& d) {
+         return timeIntervalSinceReferenceDateForKey(d, 7) == 100 && dateForKey(d, 7) == Date(100) &&
+                descriptionWithCalendarFormat(d, u"%Y-%m-%d %H:%M:%S", 7) == String(u"2001-01-01 00:01:40");
+       }},
+      {record("VLst", "\0\0\0\2"s, "\xC3\xA9"), "VLst",
+       [](const Data& d) {
+         return stringForKey(d, 7) == String(u"\u00E9") && stringNoCopyForKey(d, 7) == String(u"\u00E9") &&
+                stringDataForKey(d, 7).view() == "\xC3\xA9" && containsString(d, u"\u00E9", 7) &&
+                !containsString(d, u"e\u0301", 7) && !containsString(d, u"", 7);
+       }},
+      {record("VLst", "\0\0\0\4"s, "/a b"), "a path",
+       [](const Data& d) { return URLForKey(d, 7).absoluteString() == String(u"file:///a%20b"); }},
+      {record("VLst", "\0\0\0\3"s, "x:y"), "a URL",
+       [](const Data& d) {
+         return URLForKey(d, 7) == URL::withString(u"x:y") && containsURL(d, URL::withString(u"x:y"), 7);
+       }},
+      {record("VLdt", "\0\0\0\3"s, "abc"), "VLdt",
+       [](const Data& d) {
+         return dataForKey(d, 7).view() == "abc" && dataNoCopyForKey(d, 7).bytes() == d.bytes() + 16;
+       }},
+      {record("VLpl", "\0\0\0\x2A"s,
+              "bplist00\x09\x08"s + "\0\0\0\0\0\0\1\1"s + "\0\0\0\0\0\0\0\1"s + std::string(15, '\0') + "\x09"),
+       "VLpl", [](const Data& d) { return plistForKey(d, 7) == Value(true); }},
+  };
+  for (const auto& c : cases) {
+    const Data data = Data::withBytes(c.record);
+    EXPECT_TRUE(isValid(data)) << c.why;
+    EXPECT_TRUE(c.isRead(data)) << c.why;
+    EXPECT_TRUE(c.isRead(Data::withBytes(record("VLun", "zzzz") + "\0"s)) == false) << c.why;
+    EXPECT_EQ(numberOfKeyedData(data, 0), 1u);
+  }
+}
+
+TEST(KeyedReading, EmptyShortAndAbsentBuffersHoldNothing) {
+  EXPECT_FALSE(isValid(Data()));
+  EXPECT_TRUE(isValid(MutableData()));
+  const std::string bytes = record("VLun", "\1\1\1\1");
+  for (size_t length = 0; length < 16; ++length) {
+    const Data cut = Data::withBytes(bytes.data(), length);
+    EXPECT_EQ(isValid(cut), length == 0);
+    EXPECT_FALSE(containsUnsignedForKey(cut, 7));
+    EXPECT_EQ(numberOfKeyedData(cut, 0), 0u);
+  }
+}
+
+TEST(KeyedReading, TheLengthOfARecordReachesBeyondTheBuffer) {
+  const Data data = Data::withBytes(record("VLun", "\0\0\0\5"s) + record("VLst", "\0\0\0\1"s, "a") +
+                                    record("VLst", "\0\0\0\3"s, "bc"));
+  EXPECT_FALSE(isValid(data));
+  EXPECT_EQ(unsignedForKey(data, 7), 5u);
+  EXPECT_TRUE(containsStringForKey(data, 7));
+  EXPECT_EQ(numberOfStringsForKey(data, 7), 2u);
+  EXPECT_EQ(numberOfKeyedData(data, 0), 3u);
+  EXPECT_EQ(stringsForKey(data, 7), std::vector<String>{u"a"});
+  const Data alone = data.subdata({33, 18});
+  EXPECT_TRUE(containsStringForKey(alone, 7));
+  EXPECT_FALSE(containsString(alone, u"bc", 7));
+  EXPECT_TRUE(stringForKey(alone, 7).isAbsent());
+  EXPECT_TRUE(stringDataForKey(alone, 7).isAbsent());
+  EXPECT_FALSE(stringsForKey(alone, 7));
+  EXPECT_FALSE(isEqualToKeyedData(alone, alone, 0)) << "a record without a value has no equal";
+}
+
+TEST(KeyedReading, Lists) {
+  MutableData data;
+  addStrings(data, {u"/x", u"b", u"c d"}, 1);
+  const std::string bad = record("VLst", "\0\0\0\1"s, "\xFF", 1);
+  data.appendBytes(bad.data(), bad.size());
+  addString(data, u"e", 1);
+  addString(data, u"other", 2);
+  EXPECT_EQ(stringsForKey(data, 1), (std::vector<String>{u"/x", u"b", u"c d", u"e"}));
+  EXPECT_EQ(URLsForKey(data, 1)->size(), 3u) << "a space is no part of a URL";
+  EXPECT_EQ(numberOfURLsForKey(data, 1), 5u);
+  EXPECT_EQ(numberOfStrings(data), 6u);
+  std::vector<String> strings{u"first"};
+  EXPECT_EQ(addStringsForKey(data, 1, strings), 4u);
+  EXPECT_EQ(strings.size(), 5u);
+  std::vector<URL> urls;
+  EXPECT_EQ(addURLsForKey(data, 2, urls), 1u);
+  EXPECT_FALSE(stringsForKey(data, 3));
+  EXPECT_FALSE(URLsForKey(data, 3));
+  int calls = 0;
+  const auto handler = [](const String& string, void* context) {
+    ++*static_cast<int*>(context);
+    return string == String(u"b");
+  };
+  EXPECT_EQ(handleStringsForKey(data, 1, handler, &calls), 1u);
+  EXPECT_EQ(calls, 4) << "YES does not stop it";
+  EXPECT_EQ(handleStringsForKey(data, 1, nullptr, nullptr), 0u);
+}
+
+TEST(KeyedReading, HandsOverRecordsByTheirMarker) {
+  const Data data = everyType().takeData();
+  const auto visited = [&data](uint32_t marker, bool strings) {
+    std::string text;
+    handleKeyedDataUsingHandler(
+        data,
+        [&text](uint32_t found, uint32_t key, const void* value) {
+          text += std::to_string(key) + ":";
+          switch (found) {
+            case VLbl:
+              text += std::to_string(*static_cast<const uint8_t*>(value));
+              break;
+            case VLun:
+              text += std::to_string(*static_cast<const uint32_t*>(value));
+              break;
+            case VLsi:
+              text += std::to_string(*static_cast<const int32_t*>(value));
+              break;
+            case VLul:
+              text += std::to_string(*static_cast<const uint64_t*>(value));
+              break;
+            case VLsl:
+              text += std::to_string(*static_cast<const int64_t*>(value));
+              break;
+            case VLfl:
+              text += std::to_string(*static_cast<const float*>(value));
+              break;
+            case VLst:
+              text += static_cast<const String*>(value)->toUTF8();
+              break;
+            default:
+              text += std::to_string(*static_cast<const double*>(value));
+          }
+          text += " ";
+          return true;
+        },
+        marker, strings, true);
+    return text;
+  };
+  const std::string fixed = "1:1 2:4000000000 3:-3 4:18446744073709551615 5:-5 6:0.500000 7:7.250000 8:86400.000000 ";
+  EXPECT_EQ(visited(0, false), fixed);
+  EXPECT_EQ(visited(0, true), fixed + "9:text 1600873849:pair ");
+  EXPECT_EQ(visited(VLsi, true), "3:-3 9:text 1600873849:pair ") << "strings come whatever the marker is";
+  EXPECT_EQ(visited(VLst, false), "");
+  EXPECT_EQ(visited(VLdt, true), "");
+}
+
+TEST(KeyedReading, UnknownMarkersEndAWalkButAreCounted) {
+  const Data data = Data::withBytes(record("VLun", "\0\0\0\1"s) + record("VLxx", "") + record("VLsi", "\0\0\0\1"s));
+  EXPECT_FALSE(isValid(data));
+  EXPECT_TRUE(containsUnsignedForKey(data, 7));
+  EXPECT_FALSE(containsSignedForKey(data, 7));
+  EXPECT_EQ(numberOfKeyedData(data, 0), 3u);
+  EXPECT_EQ(numberOfKeyedData(data, fourCharacterCode("VLxx")), 1u);
+  EXPECT_EQ(handleKeyedDataUsingHandler(data, [](uint32_t, uint32_t, const void*) { return true; }), 1u);
+}
+
+TEST(KeyedReading, NoCopyResultsKeepTheirParentAlive) {
+  Data part;
+  {
+    MutableData data;
+    addData(data, Data::withBytes("payload"), 1);
+    part = dataNoCopyForKey(data.takeData(), 1);
+  }
+  EXPECT_EQ(part.view(), "payload");
+}
+
+TEST(KeyedReading, EqualityIgnoresTheOrderAndLooksOneWay) {
+  MutableData a;
+  MutableData b;
+  addUnsigned(a, 1, 1), addString(a, u"x", 2), addString(a, u"x", 2);
+  addString(b, u"y", 2), addString(b, u"x", 2), addUnsigned(b, 1, 1);
+  EXPECT_TRUE(isEqualToKeyedData(a, b, 0)) << "one x serves both";
+  EXPECT_FALSE(isEqualToKeyedData(b, a, 0)) << "y has no equal";
+  EXPECT_TRUE(isEqualToKeyedData(b, a, VLun));
+  EXPECT_FALSE(isEqualToKeyedData(a, MutableData(), 0));
+  EXPECT_TRUE(isEqualToKeyedData(MutableData(), MutableData(), 0));
+  b.mutableBytes()[14] = 1;  // bytes that no string uses
+  EXPECT_TRUE(isEqualToKeyedData(a, b, 0));
+  b.mutableBytes()[b.length() - 1] = 1;  // a byte of the number's value area
+  EXPECT_FALSE(isEqualToKeyedData(a, b, 0));
+}
+
+TEST(KeyedReading, EqualityTakesNoQuadraticTime) {
+  MutableData forward;
+  MutableData backward;
+  for (uint32_t i = 0; i < 100000; ++i) {
+    addUnsigned(forward, i, i);
+    addUnsigned(backward, 99999 - i, 99999 - i);
+  }
+  EXPECT_TRUE(isEqualToKeyedData(forward, backward, 0));
+}
+
+}  // namespace
+}  // namespace velan

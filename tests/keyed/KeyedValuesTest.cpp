@@ -1,0 +1,172 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "tests/keyed/KeyedSample.h"
+#include "velan/base/Log.h"
+#include "velan/keyed/KeyedReading.h"
+#include "velan/keyed/KeyedValues.h"
+
+namespace velan {
+namespace {
+
+constexpr KeyedKeyBuffer kKey{"k", 1};
+
+const std::string kKeyRecord = "VLst_key"s + "\0\0\0\1"s + "\0\0\0\0"s + "k";
+
+MutableData pairWith(const Value& value) {
+  MutableData data;
+  addValue(data, value, u"k");
+  return data;
+}
+
+// A pair whose value is a record that was written with the key "k" of four bytes.
+Data pairWithRecord(const std::string& marker, const std::string& area, const std::string& payload = {}) {
+  std::string value = record(marker, area, payload);
+  value.replace(4, 4, "_val");
+  return Data::withBytes(kKeyRecord + value);
+}
+
+TEST(KeyedValues, EachKindHasItsRecord) {
+  const struct {
+    Value value;
+    const char* marker;
+    std::string area;
+    std::string payload;
+  } cases[] = {
+      {true, "VLbl", "\1", ""},
+      {'\1', "VLbl", "\1", ""},
+      {'A', "VLsi", "\0\0\0A"s, ""},
+      {static_cast<signed char>(-2), "VLsi", "\xFF\xFF\xFF\xFE", ""},
+      {300, "VLsl", "\0\0\0\0\0\0\1\x2C"s, ""},
+      {-1, "VLsl", std::string(8, '\xFF'), ""},
+      {UINT64_MAX, "VLsl", std::string(8, '\xFF'), ""},
+      {1.0f, "VLfl", "\x3F\x80", ""},
+      {1.0, "VLdb", "\x3F\xF0", ""},
+      {Date(1), "VLda", "\x3F\xF0", ""},
+      {u"\u00E9", "VLst", "\0\0\0\2"s, "\xC3\xA9"},
+      {URL::withString(u"x:y"), "VLst", "\0\0\0\3"s, "x:y"},
+      {Data::withBytes("abc"), "VLdt", "\0\0\0\3"s, "abc"},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(pairWith(c.value).view(), pairWithRecord(c.marker, c.area, c.payload).view()) << describe(c.value);
+  }
+  EXPECT_EQ(getValueForKey(pairWith(ValueDictionary{{u"a", 1}}), u"k"), Value(ValueDictionary{{u"a", 1}}));
+}
+
+TEST(KeyedValues, WhatCannotBeAPairAddsNothingOrAKeyOnly) {
+  const String lone(std::u16string(1, 0xD800));
+  std::string logged;
+  setLogSink([](std::string_view message, void* context) { *static_cast<std::string*>(context) += message; }, &logged);
+  MutableData data;
+  addValue(data, Value(), u"k");
+  addValue(data, u"", u"k");
+  addValue(data, lone, u"k");
+  addValue(data, 1, String());
+  addValue(data, 1, u"");
+  addValue(data, 1, lone);
+  EXPECT_TRUE(data.isEmpty());
+  addValue(data, Data::withBytes(""), u"k");
+  EXPECT_EQ(data.view(), kKeyRecord);
+  EXPECT_FALSE(containsValueForKey(data, u"k"));
+  EXPECT_EQ(logged, "");
+  EXPECT_FALSE(containsValueForKey(data, u""));
+  EXPECT_TRUE(getValueForKey(data, lone).isAbsent());
+  setLogSink(nullptr, nullptr);
+  EXPECT_EQ(logged, "WARNING: Key encoding failed: WARNING: Key encoding failed: \xEF\xBF\xBD");
+}
+
+TEST(KeyedValues, TypedReads) {
+  const std::string ones(8, '\xFF');
+  const std::string nan("\x7F\xF8\0\0\0\0\0\0", 8);
+  const struct {
+    Data data;
+    bool asBool;
+    int64_t asInteger;
+    double asDouble;
+  } cases[] = {
+      {pairWithRecord("VLbl", "\2"), true, 2, 1},
+      {pairWithRecord("VLun", "\0\0\1\0"s), false, 256, 256},
+      {pairWithRecord("VLun", "\0\0\1\1"s), true, 257, 257},
+      {pairWithRecord("VLsi", "\xFF\xFF\xFF\xFE"), true, 4294967294, -2},
+      {pairWithRecord("VLul", ones), true, -1, 18446744073709551615.0},
+      {pairWithRecord("VLsl", ones), true, -1, -1},
+      {pairWithRecord("VLfl", "\xC0\x20"), true, -2, -2.5},
+      {pairWithRecord("VLfl", "\x43\x80"), false, 256, 256},
+      {pairWithRecord("VLdb", "\x3F\xE0"), false, 0, 0.5},
+      {pairWithRecord("VLdb", "\x7F\xF0"), true, INT64_MAX, INFINITY},
+      {pairWithRecord("VLdb", "\xFF\xF0"), false, INT64_MIN, -INFINITY},
+      {pairWithRecord("VLda", "\xC0\x59"), true, -100, -100},
+      {pairWith(u"  -007.5e1xyz"), true, -7, -75},
+      {pairWith(u"+ 3"), false, 0, 0},
+      {pairWith(u"Yes"), true, 0, 0},
+      {pairWith(u" -00true"), true, 0, 0},
+      {pairWith(u"0x10"), false, 0, 0},
+      {pairWith(u"99999999999999999999"), true, INT64_MAX, 1e20},
+      {pairWith(u"-99999999999999999999"), true, INT64_MIN, -1e20},
+      {pairWith(u"0.00001e400"), false, 0, INFINITY},
+      {pairWith(u"1e-400"), true, 1, 0},
+      {pairWith(u"inf"), false, 0, 0},
+      {pairWith(u"-.5"), false, 0, -0.5},
+      {pairWithRecord("VLst", "\0\0\0\7"s, "1"), false, 0, 0},
+      {pairWithRecord("VLdt", "\0\0\0\1"s, "1"), false, 0, 0},
+      {pairWith(ValueArray{1}), false, 0, 0},
+      {Data(), false, 0, 0},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(boolValueForKeyBuffer(c.data, kKey), c.asBool) << c.data.view();
+    EXPECT_EQ(longLongValueForKeyBuffer(c.data, kKey), c.asInteger) << c.data.view();
+    EXPECT_EQ(doubleValueForKeyBuffer(c.data, kKey), c.asDouble) << c.data.view();
+  }
+  EXPECT_TRUE(std::isnan(doubleValueForKeyBuffer(pairWithRecord("VLdb", nan), kKey)));
+  EXPECT_EQ(longLongValueForKeyBuffer(pairWithRecord("VLdb", nan), kKey), 0);
+  EXPECT_EQ(getValueForKey(pairWithRecord("VLsi", "\xFF\xFF\xFF\xFF"), u"k"), Value(-1));
+}
+
+TEST(KeyedValues, PairsStandAmongOtherRecords) {
+  MutableData data;
+  addString(data, u"k", kKeyedPairKey);  // no value follows
+  addUnsigned(data, 5, 1);
+  addUnsigned(data, 6, kKeyedPairValue);
+  addString(data, u"stray", kKeyedPairKey);
+  addValue(data, 1, u"k");
+  addValue(data, 2, u"other");
+  addValue(data, 3, u"k");
+  EXPECT_EQ(getValueForKey(data, u"k"), Value(1));
+  EXPECT_EQ(copyValueForKeyBuffer(data, kKey), Value(1));
+  EXPECT_EQ(getValueForKeyBuffer(data, {"other", 5}), Value(2));
+  EXPECT_FALSE(containsValueForKeyBuffer(data, {nullptr, 1}));
+  EXPECT_FALSE(containsValueForKeyBuffer(data, {"k", 0}));
+  EXPECT_FALSE(containsValueForKeyBuffer(data, {"k", -1}));
+  EXPECT_FALSE(containsValueForKey(data, u"stray"));
+  EXPECT_EQ(getKeys(data), (std::vector<String>{u"k", u"other", u"k"}));
+  EXPECT_EQ(getValues(data), (std::vector<Value>{1, 2, 3}));
+  EXPECT_EQ(Value(getKeyedValues(data)), Value(ValueDictionary{{u"k", 3}, {u"other", 2}}));
+  removeValueForKey(data, u"k");
+  EXPECT_EQ(getValueForKey(data, u"k"), Value(3));
+  setValue(data, u"new", u"k");
+  EXPECT_EQ(getKeys(data), (std::vector<String>{u"other", u"k"}));
+  EXPECT_EQ(unsignedForKey(data, 1), 5u);
+  setKeyedValues(data, {{u"a", 1}});
+  EXPECT_EQ(data.length(), 16u + 1 + 16);
+}
+
+TEST(KeyedValues, DamagedPairs) {
+  MutableData data = pairWith(1);
+  const std::string key("\0\0\0\1\0\0\0\0\xFF", 9);
+  const std::string badKey = "VLst_key" + key + std::string(pairWith(2).view().substr(17));
+  data.appendBytes(badKey.data(), badKey.size());
+  const std::string overlong(pairWithRecord("VLdt", "\0\0\0\7"s, "1").view());
+  data.appendBytes(overlong.data(), overlong.size());
+  EXPECT_EQ(getValues(data), (std::vector<Value>{1, 2})) << "a key that is not UTF-8 still has a value";
+  EXPECT_EQ(getKeys(data), std::vector<String>{u"k"});
+  removeValueForKey(data, u"k");
+  EXPECT_TRUE(containsValueForKey(data, u"k")) << "the header of the value is there";
+  EXPECT_TRUE(getValueForKey(data, u"k").isAbsent());
+  const size_t length = data.length();
+  removeValueForKey(data, u"k");
+  EXPECT_EQ(data.length(), length) << "a damaged end stays";
+}
+
+}  // namespace
+}  // namespace velan

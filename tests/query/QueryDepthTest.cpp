@@ -1,0 +1,150 @@
+// Queries that would exhaust the stack, the time or the memory of anything that recurses by their depth or searches a
+// text again for each place of another term.
+#include <gtest/gtest.h>
+#include <pthread.h>
+
+#include <functional>
+
+#include "velan/query/FastWordEnumerator.h"
+#include "velan/query/QueryMatching.h"
+
+namespace velan {
+namespace {
+
+constexpr size_t kMillion = 1'000'000;
+constexpr size_t kMany = 50'000;
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr size_t kStackSize = 256 << 10;  // frames are larger, far from what a million of them would take
+#else
+constexpr size_t kStackSize = 64 << 10;
+#endif
+
+void runOnSmallStack(std::function<void()> work) {
+  pthread_attr_t attributes;
+  ASSERT_EQ(pthread_attr_init(&attributes), 0);
+  ASSERT_EQ(pthread_attr_setstacksize(&attributes, kStackSize), 0);
+  pthread_t thread;
+  const auto start = [](void* argument) -> void* {
+    (*static_cast<std::function<void()>*>(argument))();
+    return nullptr;
+  };
+  ASSERT_EQ(pthread_create(&thread, &attributes, start, &work), 0);
+  pthread_join(thread, nullptr);
+  pthread_attr_destroy(&attributes);
+}
+
+String repeated(std::u16string_view part, size_t times, std::u16string_view end = {}) {
+  std::u16string text;
+  text.reserve(part.size() * times + end.size());
+  while (times-- > 0) text += part;
+  return text += end;
+}
+
+TEST(QueryDepth, DeepQueriesOnASmallStack) {
+  const struct {
+    const char* why;
+    String query;
+    bool valid, matches, contains;
+    size_t occurrences;
+  } cases[] = {
+      {"opened groups", repeated(u"(", kMillion), false, false, false, 0},
+      {"closed groups", repeated(u"(", kMillion, repeated(u")", kMillion).view()), false, false, false, 0},
+      {"stray parentheses", repeated(u")", kMillion, u"a"), true, true, true, 2},
+      {"NOT, an even number", repeated(u"NOT ", kMillion, u"a"), true, true, true, 2},
+      {"NOT, an odd number", repeated(u"NOT ", kMillion + 1, u"a"), true, false, false, 0},
+      {"groups in groups", repeated(u"(a ", kMany), true, true, true, 2},
+      {"a term at the bottom", repeated(u"(", kMillion, u"b"), true, true, true, 1},
+      {"negated groups", repeated(u"-(", kMillion, u"a"), true, true, false, 0},
+      {"groups to the left", repeated(u"(", kMany, repeated(u"a) OR zz ", kMany).view()), true, true, true, 2},
+      {"related groups", repeated(u"(a NEAR/1 ", kMany, u"b"), true, true, true, 3},
+      {"related negated groups", repeated(u"(a NEAR/1 NOT ", kMany, u"zz"), true, false, true, 2},
+      {"a long row", repeated(u"a ", kMany), true, true, true, 2},
+      {"a long row in proximity", repeated(u"a NEAR/1 ", kMany, u"b"), true, true, true, 3},
+  };
+  for (const auto& c : cases) {
+    bool valid = false, matches = false, contains = false, again = false;
+    size_t occurrences = 0;
+    int64_t minimum = -1;
+    runOnSmallStack([&] {
+      const auto text = FastWordEnumerator::initWithString(u"a b a"_s);
+      const auto terms = QueryTerms::initWithWildcard(c.query);
+      valid = terms->isValid();
+      matches = matchesString(*text, *terms, nullptr, QueryOperator::Mixed, 0, 0, 5, QueryComparison::Exact, true);
+      contains = containsString(*text, *terms, QueryComparison::Exact, true);
+      occurrences = queryOccurrences(*text, *terms, {0, 5}, QueryComparison::Exact, true).size();
+      minimum = terms->minTermLen();
+      terms->usesProximity();
+      const String written = terms->standardizedQueryTerm();
+      again = QueryTerms::initWithWildcard(written)->matchesString(u"a b a"_s, QueryComparison::Exact);
+    });
+    EXPECT_EQ(valid, c.valid) << c.why;
+    EXPECT_EQ(matches, c.matches) << c.why;
+    EXPECT_EQ(again, c.matches) << c.why;
+    EXPECT_EQ(contains, c.contains) << c.why;
+    EXPECT_EQ(occurrences, c.occurrences) << c.why;
+    EXPECT_EQ(minimum, c.occurrences > 0 ? 1 : 0) << c.why;
+  }
+}
+
+// Each of these would run for hours if the partner were searched in the span of each place anew, or if nested relations
+// multiplied.
+TEST(QueryDepth, ProximityInLongTexts) {
+  const size_t words = 100'000;
+  const String nested8 = u"a NEAR/9 (b NEAR/9 (c NEAR/9 (d NEAR/9 (a NEAR/9 (b NEAR/9 (c NEAR/9 (d NEAR/9 a)))))))"_s;
+  const String left8 = u"((((((((a NEAR/9 b) NEAR/9 c) NEAR/9 d) NEAR/9 a) NEAR/9 b) NEAR/9 c) NEAR/9 d) NEAR/9 zz)"_s;
+  const struct {
+    const char* why;
+    String query;
+    String text;
+    bool matches;
+  } cases[] = {
+      {"an absent word", u"zz NEAR a"_s, repeated(u"a ", kMillion), false},
+      {"an absent later word", u"a NEAR zz"_s, repeated(u"a ", kMillion), false},
+      {"outside overlapping spans", u"zz NOT NEAR a"_s, repeated(u"a ", kMillion), false},
+      {"no place outside", u"a NOT NEAR/9 b"_s, repeated(u"a b ", words), false},
+      {"wide spans", u"zz NEAR/1000000000000 a"_s, repeated(u"a ", words), false},
+      {"wide spans and a negated partner", u"NOT b NEAR/1000000 a"_s, repeated(u"a b ", words), false},
+      {"a phrase", u"\"a zz\" NEAR/50000 \"a a\""_s, repeated(u"a ", words), false},
+      {"nested to the right", nested8, repeated(u"a b c d ", words / 4), true},
+      {"nested to the right, one missing", nested8, repeated(u"a b c ", words / 3), false},
+      {"nested to the left, one missing", left8, repeated(u"a b c d ", words / 4), false},
+      {"nested to the left, found at the end", left8, repeated(u"a b c d ", words / 4, u"zz"), true},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(QueryTerms::initWithWildcard(c.query)->matchesString(c.text, QueryComparison::Exact), c.matches) << c.why;
+    if (c.text.length() < 1'000'000) {
+      EXPECT_EQ(QueryTerms::initWithString(c.query)->matchesString(c.text, true), c.matches) << c.why;
+    }
+  }
+}
+
+TEST(QueryDepth, OccurrencesInLongTexts) {
+  const size_t words = 100'000;
+  const auto text = FastWordEnumerator::initWithString(repeated(u"a b ", words, u"zz"));
+  const struct {
+    String query;
+    int64_t occurrences, primary;
+  } cases[] = {
+      {u"a NEAR/1 b"_s, 200'000, 200'000},
+      {u"zz NEAR/3 b"_s, 100'001, 4},  // the b before it, and those in whose span it lies
+      {u"((a NEAR/2 b) NEAR/2 a) NEAR/2 b"_s, 200'000, -1},
+      {u"a* OR *b OR a"_s, 200'000, 200'000},
+  };
+  for (const auto& c : cases) {
+    int64_t primaries = 0;
+    const auto terms = QueryTerms::initWithWildcard(c.query);
+    const int64_t count = enumerateOccurrences(*text, *terms, {0, NSNotFound}, QueryComparison::Exact, true,
+                                               [&](const String&, Range, bool primary) {
+                                                 primaries += primary;
+                                                 return false;
+                                               });
+    EXPECT_EQ(count, c.occurrences) << c.query.toUTF8();
+    if (c.primary >= 0) {
+      EXPECT_EQ(primaries, c.primary) << c.query.toUTF8();
+    }
+  }
+}
+
+}  // namespace
+}  // namespace velan

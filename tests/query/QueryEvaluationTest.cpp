@@ -1,0 +1,337 @@
+#include <gtest/gtest.h>
+
+#include <random>
+#include <span>
+
+#include "QueryReference.h"
+#include "velan/query/FastWordEnumerator.h"
+#include "velan/query/QueryMatching.h"
+
+namespace velan {
+namespace {
+
+using Words = std::vector<std::u16string>;
+
+constexpr auto kIgnoreCase = QueryComparison::IgnoreCase;
+constexpr auto kIgnoreDiacritics = QueryComparison::IgnoreDiacritics;
+
+struct Family {
+  const char* name;
+  unsigned seed;
+  bool wildcard;
+  Words textWords;
+  Words terms;  // quoted ones are phrases
+  std::vector<QueryOperator> operators;
+  std::vector<QueryComparison> comparisons;
+};
+
+class QueryGenerator {
+ public:
+  QueryGenerator(const Family& family, unsigned seed) : _family(family), _random(seed) {}
+
+  size_t below(size_t n) { return _random() % n; }
+
+  std::u16string text() {
+    static const Words separators = {u" ", u" ", u" ", u", ", u"-", u".\n"};
+    std::u16string text(below(8) == 0 ? u"- " : u"");
+    for (size_t words = 1 + below(14); words > 0; --words) {
+      text += oneOf(_family.textWords) + oneOf(separators);
+    }
+    return below(2) ? text.substr(0, text.find_last_not_of(u" ,-.\n") + 1) : text;
+  }
+
+  /// A piece of the text, which may cut words, or all of it.
+  Range range(int64_t length) {
+    const auto start = static_cast<int64_t>(below(static_cast<size_t>(length)));
+    if (below(2)) return {0, length};
+    return {start, 1 + static_cast<int64_t>(below(static_cast<size_t>(length - start)))};
+  }
+
+  ReferenceTerm group(size_t depth) {
+    ReferenceTerm group;
+    for (size_t n = 1 + below(4); n > 0; --n) {
+      ReferenceTerm child = depth > 0 && below(3) == 0 ? this->group(depth - 1) : leaf();
+      child.op = group.children.empty() ? QueryOperator::And : oneOf(_family.operators);
+      if (isProximity(child.op) && below(8) != 0) child.distance = static_cast<int64_t>(below(5));
+      if (isProximity(child.op) && child.distance == QueryTerms::kDefaultDistance && child.op == QueryOperator::Next) {
+        child.distance = 1;
+      }
+      child.negated = below(4) == 0;
+      group.children.push_back(std::move(child));
+    }
+    return group;
+  }
+
+  /// The group as a person might type it.
+  std::u16string queryOf(const ReferenceTerm& group) {
+    std::u16string query;
+    for (size_t i = 0; i < group.children.size(); ++i) {
+      const ReferenceTerm& child = group.children[i];
+      if (i > 0) query += joint(child);
+      if (child.negated) query += oneOf(Words{u"NOT ", u"not ", u"-", u"!"});
+      const bool isGroup = !child.children.empty();
+      if (isGroup || child.phrase) query += isGroup ? u'(' : u'"';
+      query += isGroup ? queryOf(child) : child.word;
+      if (isGroup || child.phrase) query += isGroup ? u')' : u'"';
+    }
+    return query;
+  }
+
+ private:
+  template <class List>
+  typename List::value_type oneOf(const List& list) {
+    return list[below(list.size())];
+  }
+
+  ReferenceTerm leaf() {
+    ReferenceTerm leaf;
+    leaf.word = oneOf(_family.terms);
+    leaf.phrase = leaf.word.front() == '"';
+    if (leaf.phrase) leaf.word = leaf.word.substr(1, leaf.word.size() - 2);
+    return leaf;
+  }
+
+  std::u16string joint(const ReferenceTerm& child) {
+    static const std::vector<Words> joints = {{u" ", u" AND ", u" but ", u" & "},
+                                              {u" OR ", u" | ", u"|"},
+                                              {u" XOR ", u" ^ ", u" EOR "},
+                                              {u" NEAR", u" near"},
+                                              {u" BEFORE", u" Before"},
+                                              {u" AFTER"},
+                                              {u" NEXT"},
+                                              {u" OPT ", u" opt "}};
+    std::u16string joint = oneOf(joints[static_cast<size_t>(child.op)]);
+    if (!isProximity(child.op)) return joint;
+    const bool next = child.op == QueryOperator::Next;
+    if (child.distance == (next ? 1 : QueryTerms::kDefaultDistance) && below(2)) return joint + u" ";
+    const std::string distance = std::to_string(child.distance);
+    return joint + u"/" + std::u16string(distance.begin(), distance.end()) + u" ";
+  }
+
+  const Family& _family;
+  std::mt19937 _random;
+};
+
+const Words kLetters = {u"a", u"b", u"c", u"d", u"e"};
+const Words kForms = {u"abc", u"ABC", u"abd", u"bc", u"Äbc", u"äB", u"cab", u"é", u"E", u"b"};
+const Words kSimilar = {u"tempor",  u"temper", u"Tempora", u"dolor", u"dolore",
+                        u"dolores", u"rolod",  u"odlor",   u"labor"};
+using enum QueryOperator;
+
+// Rows are kept apart so that a failure names the part of the language it lies in.
+const Family kFamilies[] = {
+    {"Boolean", 1, true, kLetters, {u"a", u"b", u"c", u"zz"}, {And, Or, Xor, Optional}, {QueryComparison::Exact}},
+    {"pairs in proximity",
+     2,
+     true,
+     {u"a", u"b", u"x", u"y"},
+     {u"a", u"b"},
+     {Near, Before, After, Next},
+     {QueryComparison::Exact}},
+    {"proximity in groups",
+     3,
+     true,
+     {u"a", u"b", u"c", u"x"},
+     {u"a", u"b", u"c", u"zz"},
+     {And, Or, Xor, Near, Near, Before, After, Next, Optional},
+     {QueryComparison::Exact}},
+    {"proximity of plain words",
+     4,
+     false,
+     {u"a", u"b", u"A", u"ab"},
+     {u"a", u"b", u"ab", u"\"a b\"", u"a-b"},
+     {And, Or, Xor, Near, Before, After, Next},
+     {QueryComparison::Exact, kIgnoreCase}},
+    {"wildcards",
+     5,
+     true,
+     kForms,
+     {u"abc", u"a*", u"*c", u"*b*", u"a?c", u"???", u"?b", u"[ab]*", u"*[bc]", u"[a-c]b?", u"a**c", u"*", u"\"[^a]*\"",
+      u"b", u"ab-cab", u"a*-b"},
+     {And, Or, Xor, Near, Before, After},
+     {QueryComparison::Exact, kIgnoreCase, kIgnoreCase | kIgnoreDiacritics}},
+    {"phrases",
+     6,
+     true,
+     {u"a", u"b", u"ab"},
+     {u"\"a b\"", u"\"a, a\"", u"\"a* b ab\"", u"\"? ab\"", u"\"* b\"", u"\"??\"", u"a", u"b"},
+     {And, Or, Near, Before, After, Next},
+     {QueryComparison::Exact}},
+    {"fuzzy",
+     7,
+     true,
+     kSimilar,
+     {u"tempor", u"dolor", u"dolores", u"temp*", u"\"tempor dolore\"", u"LABOR", u"d?lor"},
+     {And, Or, Near, Before},
+     {QueryComparison::Fuzzy, QueryComparison::Fuzzy | kIgnoreCase}},
+    {"folding of plain words",
+     8,
+     false,
+     kForms,
+     {u"abc", u"äbc", u"Ab", u"\"e b\"", u"É", u"\"abc, abd\"", u"a"},
+     {And, Or, Near},
+     {QueryComparison::Exact, kIgnoreCase, kIgnoreDiacritics, kIgnoreCase | kIgnoreDiacritics}},
+};
+
+void expectEqualsReference(const Family& family) {
+  QueryGenerator generator(family, family.seed);
+  int matched = 0;
+  const int cases = 1500;
+  for (int i = 0; i < cases; ++i) {
+    const std::u16string text = generator.text();
+    const ReferenceTerm expected = generator.group(2);
+    const String query = generator.queryOf(expected);
+    const auto terms = family.wildcard ? QueryTerms::initWithWildcard(query) : QueryTerms::initWithString(query);
+    ASSERT_EQ(dumpOf(*terms), dumpOf(expected)) << query.toUTF8();
+
+    const auto comparison = family.comparisons[generator.below(family.comparisons.size())];
+    const bool upper = contains(comparison, kIgnoreCase) && generator.below(2);
+    const auto enumerator = FastWordEnumerator::enumeratorWithString(text, upper, false);
+    ASSERT_TRUE(enumerator);
+    const ReferenceText reference(text, comparison, family.wildcard);
+    const Range range = generator.range(enumerator->length());
+    SCOPED_TRACE("query: " + query.toUTF8() + "\ntext: \"" + String(text).toUTF8() + "\" from " +
+                 std::to_string(range.location) + " for " + std::to_string(range.length) + " comparison " +
+                 std::to_string(static_cast<int>(comparison)));
+
+    const bool matches = matchesString(*enumerator, *terms, nullptr, Mixed, 0, range.location, range.length, comparison,
+                                       family.wildcard);
+    ASSERT_EQ(matches, reference.matches(expected, range));
+    matched += matches;
+    ASSERT_EQ(containsString(*enumerator, *terms, comparison, family.wildcard), reference.contains(expected));
+    const bool plain = ReferenceText::hasPlainRelations(expected);
+    ASSERT_EQ(dumpOf(queryOccurrences(*enumerator, *terms, range, comparison, family.wildcard), plain),
+              dumpOf(reference.occurrences(expected, range), plain));
+  }
+  EXPECT_GT(matched, cases / 10);  // neither outcome is rare
+  EXPECT_LT(matched, cases - cases / 10);
+}
+
+TEST(QueryEvaluation, EqualsTheReference) {
+  for (const Family& family : kFamilies) {
+    SCOPED_TRACE(family.name);
+    expectEqualsReference(family);
+  }
+}
+
+// A tree that is written and read again means the same.
+TEST(QueryEvaluation, SerializedQueriesKeepTheirMeaning) {
+  for (const Family& family : kFamilies) {
+    QueryGenerator generator(family, family.seed + 100);
+    for (int i = 0; i < 300; ++i) {
+      const ReferenceTerm expected = generator.group(2);
+      const String query = generator.queryOf(expected);
+      const auto parse = [&](const String& q) {
+        return family.wildcard ? QueryTerms::initWithWildcard(q) : QueryTerms::initWithString(q);
+      };
+      const auto terms = parse(query);
+      for (const String& written : {terms->standardizedQueryTerm(), terms->normalizedQueryTerm()}) {
+        const ReferenceTerm read = referenceOf(*parse(written));
+        for (int texts = 0; texts < 5; ++texts) {
+          const std::u16string text = generator.text();
+          const ReferenceText reference(text, family.comparisons[0], family.wildcard);
+          const Range all{0, std::ssize(text)};
+          ASSERT_EQ(reference.matches(read, all), reference.matches(expected, all)) << query.toUTF8() << "\n"
+                                                                                    << written.toUTF8() << "\n"
+                                                                                    << String(text).toUTF8();
+        }
+      }
+    }
+  }
+}
+
+bool record(void* argument, const String& term, int64_t location, int64_t length, bool primary) {
+  *static_cast<std::string*>(argument) += dumpOf({{{location, length}, term, primary}}, true);
+  return term == u"stop"_s;
+}
+
+TEST(QueryOccurrences, RunningEndDecidesWhatIsReported) {
+  const struct {
+    const char* why;
+    std::vector<QueryOccurrence> occurrences;
+    std::string reported;
+    int64_t count;
+  } cases[] = {
+      {"nothing", {}, "", 0},
+      {"sorted by location", {{{5, 1}, u"b", false}, {{0, 5}, u"a", true}}, "0+5 a primary\n5+1 b\n", 2},
+      {"the longer first", {{{0, 2}, u"b", false}, {{0, 5}, u"a", false}}, "0+5 a\n", 1},
+      {"overlapping", {{{0, 4}, u"a", true}, {{3, 4}, u"b", true}, {{6, 2}, u"c", true}}, "0+4 a primary\n", 1},
+      {"one left out lowers the end",
+       {{{0, 10}, u"long", true}, {{2, 2}, u"inner", true}, {{5, 3}, u"later", false}, {{7, 1}, u"x", true}},
+       "0+10 long primary\n5+3 later\n",
+       2},
+      {"a stop is not counted",
+       {{{0, 1}, u"a", true}, {{1, 1}, u"stop", false}, {{2, 1}, u"b", true}},
+       "0+1 a primary\n1+1 stop\n",
+       1},
+  };
+  for (const auto& c : cases) {
+    std::string reported;
+    EXPECT_EQ(callHandlerWithOccurrences(c.occurrences, record, &reported), c.count) << c.why;
+    EXPECT_EQ(reported, c.reported) << c.why;
+  }
+  EXPECT_EQ(callHandlerWithOccurrences({{{0, 1}, u"a", true}}, nullptr), 0);
+}
+
+TEST(QueryOccurrences, ArePrimaryWhereTheySatisfy) {
+  const struct {
+    const char* why;
+    String query;
+    String text;
+    std::string occurrences;
+  } cases[] = {
+      {"near", u"a NEAR/1 b"_s, u"a x a b x b"_s, "0+1 a\n4+1 a primary\n6+1 b primary\n10+1 b\n"},
+      {"before", u"a BEFORE/1 b"_s, u"b a b a"_s, "0+1 b\n2+1 a primary\n4+1 b primary\n6+1 a\n"},
+      {"outside every span", u"a NOT NEAR/1 b"_s, u"a b x a"_s, "0+1 a\n6+1 a primary\n"},
+      {"no match", u"a AND zz"_s, u"a b"_s, "0+1 a primary\n"},
+      {"negated", u"a OR NOT b OR NOT (c)"_s, u"a b c"_s, "0+1 a primary\n"},
+      {"distance 0 relates nothing", u"a NEAR/0 b"_s, u"a x b"_s, "0+1 a primary\n4+1 b primary\n"},
+      {"the first term wins, primary if any", u"(a NEAR/1 zz) OR ?a OR a"_s, u"a ba"_s,
+       "0+1 a primary\n2+2 ?a primary\n"},
+      {"phrases may overlap", u"\"a a\""_s, u"a a a"_s, "0+3 a a primary\n2+3 a a primary\n"},
+  };
+  for (const auto& c : cases) {
+    const auto enumerator = FastWordEnumerator::initWithString(c.text);
+    const auto terms = QueryTerms::initWithWildcard(c.query);
+    EXPECT_EQ(dumpOf(queryOccurrences(*enumerator, *terms, {0, NSNotFound}, QueryComparison::Exact, true), true),
+              c.occurrences)
+        << c.why;
+  }
+}
+
+TEST(QueryFinding, NextAndPreviousQueryTerm) {
+  const String text = u"one two, three  two Three"_s;
+  const Range all{0, NSNotFound};
+  const struct {
+    const char* why;
+    String query;
+    Range range;
+    bool caseSensitive, anchored, exactPhrase;
+    Range next, previous;
+  } cases[] = {
+      {"any term", u"two AND missing"_s, all, true, false, true, {4, 3}, {16, 3}},
+      {"case", u"three"_s, all, true, false, true, {9, 5}, {9, 5}},
+      {"ignoring case", u"three"_s, all, false, false, true, {9, 5}, {20, 5}},
+      {"negated terms are not looked for", u"NOT two NOT (one)"_s, all, true, false, true, kAbsentRange, kAbsentRange},
+      {"in a range", u"two"_s, {5, 13}, true, false, true, kAbsentRange, kAbsentRange},
+      {"anchored", u"two"_s, {4, 15}, true, true, true, {4, 3}, {16, 3}},
+      {"anchored elsewhere", u"two"_s, {3, 17}, true, true, true, kAbsentRange, kAbsentRange},
+      {"the longest", u"two OR \"two, three\""_s, all, true, false, true, {4, 10}, {16, 3}},
+      {"an exact phrase", u"\"two three\""_s, all, false, false, true, {16, 9}, {16, 9}},
+      {"a tolerant phrase", u"\"two three\""_s, all, false, false, false, {4, 10}, {16, 9}},
+      {"no wildcards", u"t*"_s, all, true, false, true, kAbsentRange, kAbsentRange},
+      {"an empty range", u"two"_s, {4, 0}, true, false, true, kAbsentRange, kAbsentRange},
+      {"an empty query", u""_s, all, true, true, true, kAbsentRange, kAbsentRange},
+  };
+  for (const auto& c : cases) {
+    const auto terms = QueryTerms::initWithString(c.query);
+    EXPECT_EQ(findNextQueryTerm(text, *terms, false, c.range, c.caseSensitive, c.anchored, c.exactPhrase), c.next)
+        << c.why;
+    EXPECT_EQ(findPreviousQueryTerm(text, *terms, false, c.range, c.caseSensitive, c.anchored, c.exactPhrase),
+              c.previous)
+        << c.why;
+  }
+}
+
+}  // namespace
+}  // namespace velan

@@ -1,0 +1,192 @@
+#include <gtest/gtest.h>
+
+#include <span>
+
+#include "QueryReference.h"
+#include "velan/base/Log.h"
+#include "velan/query/QueryMatching.h"
+
+namespace velan {
+namespace {
+
+struct ParsingCase {
+  const char* why;
+  String query;
+  std::string tree;
+};
+
+TEST(QueryParsing, WordsMode) {
+  const ParsingCase cases[] = {
+      {"nothing", u""_s, ""},
+      {"white space", u" \t\n\u00A0"_s, ""},
+      {"terms follow each other", u"a b\tc\nd"_s, "a & b & c & d"},
+      {"operators", u"a AND b BUT c OR d XOR e EOR f OPT g"_s, "a & b & c | d ^ e ^ f OPT g"},
+      {"keywords in any case", u"a and b Or c nEaR d"_s, "a & b | c NEAR/10 d"},
+      {"symbols", u"a&b|c^d~e"_s, "a & b | c ^ d NEAR/10 e"},
+      {"the last operator counts", u"a AND OR b"_s, "a | b"},
+      {"operators alone", u"AND OR NEAR/3 ~ |"_s, ""},
+      {"an operator at the end", u"a OR"_s, "a"},
+      {"an operator before the first term", u"OR a NEAR/2 b"_s, "a NEAR/2 b"},
+      {"the default operator returns", u"a OR b c"_s, "a | b & c"},
+
+      {"negation", u"NOT a -b !c d"_s, "!a & !b & !c & d"},
+      {"NOT toggles", u"NOT NOT a not b"_s, "a & !b"},
+      {"a minus sets, a plus clears", u"--a NOT -b -+c"_s, "!a & !b & c"},
+      {"negation with operators in either order", u"a NOT OR b NOT NEAR/2 c NEXT NOT d"_s,
+       "a | !b NEAR/2 !c NEXT/1 !d"},
+      {"signs inside tokens", u"e-mail c++ b- a+b"_s, "e-mail & c & b & a+b"},
+      {"an exclamation mark inside a token", u"a!b"_s, "a & !b"},
+      {"signs alone", u"+ - a"_s, "!a"},
+
+      {"distances", u"a NEAR/3 b BEFORE/4 c AFTER/5 d NEXT/2 e"_s, "a NEAR/3 b BEFORE/4 c AFTER/5 d NEXT/2 e"},
+      {"default distances", u"a NEAR b BEFORE c AFTER d NEXT e ~f"_s,
+       "a NEAR/10 b BEFORE/10 c AFTER/10 d NEXT/1 e NEAR/10 f"},
+      {"a distance holds for one operator", u"a NEAR/2 b NEAR c"_s, "a NEAR/2 b NEAR/10 c"},
+      {"a pending distance is kept", u"a NEAR/2 NEAR b"_s, "a NEAR/2 b"},
+      {"leading digits", u"a NEAR/5x b NEAR/x c NEAR/0 d"_s, "a NEAR/5 b NEAR/0 c NEAR/0 d"},
+      {"no keywords", u"NEARx NEAR/ NEXTT AFTERWARDS BEFORE/ ANDNOT"_s,
+       "NEARx & NEAR/ & NEXTT & AFTERWARDS & BEFORE/ & ANDNOT"},
+
+      {"phrases", u"\"a b\" c"_s, "\"a b\" & c"},
+      {"curly quotes", u"\u201Ca b\u201D \u201Ec\u201F"_s, "\"a b\" & \"c\""},
+      {"any quote closes", u"\"a\u201D b"_s, "\"a\" & b"},
+      {"no keywords in phrases", u"\"AND\" \"NEAR/2\""_s, "\"AND\" & \"NEAR/2\""},
+      {"no symbols in phrases", u"\"a|b -(c) [d]\""_s, "\"a|b -(c) [d]\""},
+      {"a phrase ends a token", u"a\"b c\"d"_s, "a & \"b c\" & d"},
+      {"phrases with operators", u"x NEAR/2 NOT \"a b\""_s, "x NEAR/2 !\"a b\""},
+      {"an unclosed phrase", u"a \"b c"_s, "a & \"b c\""},
+      {"an empty phrase", u"a \"\" b"_s, "a & b"},
+
+      {"groups", u"a (b OR c) d"_s, "a & (b | c) & d"},
+      {"groups in groups", u"((a)(b c))"_s, "((a) & (b & c))"},
+      {"an operator on a group", u"a OR NOT (b c)"_s, "a | !(b & c)"},
+      {"nothing pending inside", u"a NEAR/2 NOT (b c NEAR d) e"_s, "a NEAR/2 !(b & c NEAR/10 d) & e"},
+      {"nothing pending after", u"a (b OR NOT) c"_s, "a & (b) & c"},
+      {"unclosed", u"a (b (c"_s, "a & (b & (c))"},
+      {"too many closed", u"a) b)) c"_s, "a & b & c"},
+      {"empty groups", u"a () b (()) ( [ ] )"_s, "a & b"},
+      {"brackets group", u"a [b OR c] d"_s, "a & (b | c) & d"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(dumpOf(*QueryTerms::initWithString(c.query)), c.tree) << c.why;
+  EXPECT_EQ(dumpOf(*QueryTerms::initWithString(String())), "");
+}
+
+TEST(QueryParsing, WildcardMode) {
+  const ParsingCase cases[] = {
+      {"wildcards", u"a* ?b *"_s, "a* & ?b & *"},
+      {"sets stay in their term", u"a[bc]d OR [x-z]*"_s, "a[bc]d | [x-z]*"},
+      {"a minus inside a set", u"-[a-c] -b"_s, "![a-c] & !b"},
+      {"parentheses group", u"(a*) ([b])"_s, "(a*) & ([b])"},
+      {"a phrase of patterns", u"\"a* [^b]?\""_s, "\"a* [^b]?\""},
+  };
+  for (const auto& c : cases) EXPECT_EQ(dumpOf(*QueryTerms::queryTermsWithWildcard(c.query)), c.tree) << c.why;
+}
+
+TEST(QueryParsing, DefaultsAndSubstrings) {
+  EXPECT_EQ(dumpOf(*QueryTerms::initWithString(u"a b AND c NEAR d"_s, QueryOperator::Or, 3)), "a | b & c NEAR/3 d");
+  EXPECT_EQ(dumpOf(*QueryTerms::initWithString(u"a b (c d) NEAR/2 e f"_s, QueryOperator::Near, 4)),
+            "a NEAR/4 b NEAR/4 (c NEAR/4 d) NEAR/2 e NEAR/4 f");
+  const auto terms = QueryTerms::_initWithString(u"a *b* (*c) \"d e\" f*"_s, true, QueryOperator::And, 10,
+                                                 QueryOperator::Near, true, true, 5);
+  EXPECT_EQ(dumpOf(*terms), "*a* & *b* & (**c*) & \"d e\" & *f**");
+  EXPECT_EQ(terms->queryOperator(), QueryOperator::Near);
+  EXPECT_EQ(terms->proximityDistance(), 5);
+  EXPECT_TRUE(terms->queryNot());
+  EXPECT_TRUE(terms->children()[0]->querySubstring());
+}
+
+TEST(QueryParsing, CommonOperator) {
+  const struct {
+    String query;
+    QueryOperator common;
+  } cases[] = {
+      {u""_s, QueryOperator::Mixed},         {u"a"_s, QueryOperator::Mixed},
+      {u"a b"_s, QueryOperator::And},        {u"OR a AND b AND (c OR d)"_s, QueryOperator::And},
+      {u"a OR b | c"_s, QueryOperator::Or},  {u"a NEAR/2 b NEAR/3 c"_s, QueryOperator::Near},
+      {u"a OR b c"_s, QueryOperator::Mixed}, {u"a OR b c OR d"_s, QueryOperator::Mixed},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(QueryTerms::initWithString(c.query)->commonOperator(), c.common) << c.query.toUTF8();
+  }
+}
+
+TEST(QueryParsing, PropertiesAndWordLists) {
+  const struct {
+    String query;
+    bool valid, proximity;
+    int64_t minTermLen;
+    String plusString;
+  } cases[] = {
+      {u""_s, false, false, 0, u""_s},
+      {u"NOT abc"_s, true, false, 0, u""_s},
+      {u"abc* OR ?x-y OR b[xyz]"_s, true, false, 2, u"abc* ?x-y b[xyz]"_s},
+      {u"abc (de NEAR/2 \"f ghi\") abc NOT (x)"_s, true, true, 2, u"abc de f ghi"_s},
+  };
+  for (const auto& c : cases) {
+    const auto terms = QueryTerms::initWithWildcard(c.query);
+    EXPECT_EQ(terms->isValid(), c.valid) << c.query.toUTF8();
+    EXPECT_EQ(terms->usesProximity(), c.proximity) << c.query.toUTF8();
+    EXPECT_EQ(terms->minTermLen(), c.minTermLen) << c.query.toUTF8();
+    EXPECT_EQ(terms->plusString(), c.plusString) << c.query.toUTF8();
+  }
+  using Strings = std::vector<String>;
+  const auto terms = QueryTerms::initWithWildcard(u"ab*-c \"d ab\" NOT x"_s);
+  EXPECT_EQ(terms->plusTerms(), (Strings{u"ab*-c"_s, u"d ab"_s}));
+  EXPECT_EQ(terms->plusParts(), (Strings{u"ab*-c"_s, u"d"_s, u"ab"_s}));
+  EXPECT_EQ(terms->plusWords(), (Strings{u"ab"_s, u"c"_s, u"d"_s}));
+  EXPECT_EQ(terms->plusWildcards(), (Strings{u"ab*"_s, u"c"_s, u"d"_s, u"ab"_s}));
+  EXPECT_EQ(stringsForQueryTerm(*terms), (Strings{u"ab*-c"_s, u"d ab"_s, u"x"_s}));
+}
+
+TEST(QuerySerializing, Styles) {
+  const String query = u"a NOT (b OR -c) NEAR/3 \"d e\" XOR f OPT g NEXT h"_s;
+  EXPECT_EQ(standardizedQueryTerm(query), u"a AND NOT (b OR NOT c) NEAR/3 \"d e\" XOR f OPT g NEXT/1 h"_s);
+  EXPECT_EQ(normalizedQueryTerm(query), u"a -(b | -c) NEAR/3 \"d e\" ^ f OPT g NEXT/1 h"_s);
+  const auto style = QueryStyle::ExplicitAnd | QueryStyle::Or | QueryStyle::Parentheses;
+  EXPECT_EQ(queryTermsForOperators(u"a b OR NOT c"_s, style, {{u"AND"_s, u"UND"_s}, {u"NOT"_s, u"NICHT"_s}}),
+            u"a UND b OR NICHT c"_s);
+  EXPECT_EQ(queryTermsForOperators(u"a -b"_s, style | QueryStyle::AndNot, {}), u"a ANDNOT b"_s);
+  EXPECT_EQ(queryTermsForOperators(u"a -b c"_s, QueryStyle::Plus | QueryStyle::SymbolicNot, {}), u"+a -b +c"_s);
+}
+
+// A tree that is written comes back as it was, also where its words look like keywords or symbols.
+TEST(QuerySerializing, RoundTrips) {
+  for (const String& query :
+       {u"a"_s, u"NOT (NOT a b)"_s, u"\"AND\" \"near/3\" \"-x\""_s, u"(a NEXT/7 b) AFTER (c d)"_s, u"a NEAR/0 b"_s,
+        u"-\"a\" -(b c) OR -d"_s, u"\u201Ca, b\u201D ~ c"_s, u"\"a(b\" \"c|d\" \"e*f\""_s, u"a- +b e-mail"_s,
+        u"a OPT NOT b XOR NOT (c BEFORE/2 NOT d)"_s}) {
+    for (const bool wildcard : {false, true}) {
+      const auto parse = [&](const String& q) {
+        return wildcard ? QueryTerms::initWithWildcard(q) : QueryTerms::initWithString(q);
+      };
+      const auto terms = parse(query);
+      EXPECT_EQ(dumpOf(*parse(terms->standardizedQueryTerm())), dumpOf(*terms)) << query.toUTF8();
+      EXPECT_EQ(dumpOf(*parse(terms->normalizedQueryTerm())), dumpOf(*terms)) << query.toUTF8();
+    }
+  }
+}
+
+TEST(QuerySelfTest, HoldsUnderTheReferenceToo) {
+  int64_t count = 0;
+  const QueryTestCase* cases = QueryTerms::getTestCases(&count);
+  ASSERT_EQ(count, 48);
+  const String text = QueryTerms::testString();
+  const ReferenceText reference(std::u16string(text.view()), QueryComparison::IgnoreCase, true);
+  for (const QueryTestCase& c : std::span(cases, 48)) {
+    const auto terms = QueryTerms::queryTermsWithWildcard(String::fromUTF8(c.query));
+    EXPECT_EQ(reference.matches(referenceOf(*terms), {0, text.length()}), c.matches) << c.query;
+    EXPECT_EQ(terms->matchesString(text, QueryComparison::IgnoreCase), c.matches) << c.query;
+  }
+  std::vector<std::string> log;
+  setLogSink([](std::string_view line, void* context) { static_cast<decltype(log)*>(context)->emplace_back(line); },
+             &log);
+  EXPECT_TRUE(QueryTerms::test());
+  setLogSink(nullptr, nullptr);
+  ASSERT_EQ(log.size(), 48u);
+  EXPECT_EQ(log[0], "Success: tempor AND duo => Yes");
+  EXPECT_EQ(log[1], "Success: tempor AND NOT duo => No");
+  EXPECT_EQ(log[47], "Success: tempor NEXT NOT missing => Yes");
+}
+
+}  // namespace
+}  // namespace velan

@@ -1,0 +1,357 @@
+#include "QueryReference.h"
+
+#include <algorithm>
+#include <map>
+
+namespace velan {
+namespace {
+
+bool isSeparator(unichar c) {
+  return c < 0x80 ? !((c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z')) : c < 0xC0;
+}
+
+unichar upper(unichar c) {
+  return (c >= 'a' && c <= 'z') || (c >= 0xE0 && c <= 0xFE && c != 0xF7) ? static_cast<unichar>(c - 32) : c;
+}
+
+unichar withoutDiacritic(unichar c) {
+  switch (c) {
+    case u'ä':
+      return u'a';
+    case u'Ä':
+      return u'A';
+    case u'é':
+      return u'e';
+    case u'É':
+      return u'E';
+    default:
+      return c;
+  }
+}
+
+bool isLike(std::u16string_view pattern, std::u16string_view text) {
+  if (pattern.empty()) return text.empty();
+  const auto rest = pattern.substr(1);
+  if (pattern[0] == '*') {
+    for (size_t i = 0; i <= text.size(); ++i) {
+      if (isLike(rest, text.substr(i))) return true;
+    }
+    return false;
+  }
+  if (text.empty()) return false;
+  const unichar c = text[0];
+  if (pattern[0] != '[') return (pattern[0] == '?' || pattern[0] == c) && isLike(rest, text.substr(1));
+  const bool negated = pattern[1] == '^';
+  bool isMember = false;
+  size_t i = negated ? 2 : 1;
+  for (; pattern[i] != ']'; ++i) {
+    if (pattern[i] == '-') {
+      isMember |= pattern[i - 1] <= c && c <= pattern[i + 1];
+      ++i;
+    } else if (pattern[i] != '|') {
+      isMember |= pattern[i] == c;
+    }
+  }
+  return isMember != negated && isLike(pattern.substr(i + 1), text.substr(1));
+}
+
+double similarity(std::u16string_view a, std::u16string_view b) {
+  const auto longer = a.size() > b.size() ? a : b;
+  const auto shorter = a.size() > b.size() ? b : a;
+  const auto n = static_cast<double>(longer.size());
+  double inPlace = 0, paired = 0, jumps = 0;
+  for (size_t i = 0; i < shorter.size(); ++i) inPlace += shorter[i] == longer[i];
+  std::vector<bool> taken(longer.size());
+  int64_t shift = 0;
+  for (int64_t i = 0; i < static_cast<int64_t>(shorter.size()); ++i) {
+    int64_t choice = -1;
+    for (int64_t j = static_cast<int64_t>(longer.size()) - 1; j >= 0; --j) {
+      const auto at = static_cast<size_t>(j);
+      if (taken[at] || longer[at] != shorter[static_cast<size_t>(i)]) continue;
+      if (choice != i - shift) choice = j;
+    }
+    if (choice < 0) continue;
+    taken[static_cast<size_t>(choice)] = true;
+    ++paired;
+    if (i != 0 && choice != i - shift) ++jumps;
+    shift = i - choice;
+  }
+  return std::max(inPlace / n, paired * (1 - jumps / n) / n);
+}
+
+std::vector<std::u16string_view> piecesOf(std::u16string_view pattern) {
+  std::vector<std::u16string_view> pieces;
+  size_t start = 0;
+  bool inSet = false;
+  for (size_t i = 0; i <= pattern.size(); ++i) {
+    const unichar c = i < pattern.size() ? pattern[i] : u' ';
+    if (c == '[') inSet = true;
+    if (c == ']') inSet = false;
+    const bool belongs = inSet || c == '*' || c == '?' || c == ']';
+    if (i < pattern.size() && (belongs || !isSeparator(c))) continue;
+    if (i > start) pieces.push_back(pattern.substr(start, i - start));
+    start = i + 1;
+  }
+  return pieces;
+}
+
+bool isInside(const Range& inner, const Range& outer) {
+  return inner.location >= outer.location && endOf(inner) <= endOf(outer);
+}
+
+bool hasLeaf(const ReferenceTerm& node, const ReferenceTerm* leaf) {
+  return &node == leaf ||
+         std::ranges::any_of(node.children, [&](const ReferenceTerm& child) { return hasLeaf(child, leaf); });
+}
+
+bool isPlainInRelation(const ReferenceTerm& node) {
+  if (node.children.empty()) return node.word != u"*";
+  if (node.negated) return false;
+  for (size_t i = 0; i < node.children.size(); ++i) {
+    const ReferenceTerm& child = node.children[i];
+    if (i > 0 && (child.isProximity() || child.op == QueryOperator::Optional)) return false;
+    if (!isPlainInRelation(child)) return false;
+  }
+  return true;
+}
+
+void collectLeaves(const ReferenceTerm& node, std::vector<const ReferenceTerm*>& leaves) {
+  if (node.negated) return;
+  if (!node.word.empty()) leaves.push_back(&node);
+  for (const ReferenceTerm& child : node.children) collectLeaves(child, leaves);
+}
+
+void dump(const ReferenceTerm& node, std::string& line) {
+  if (node.negated) line += '!';
+  const char* quote = node.phrase ? "\"" : "";
+  if (!node.word.empty()) {
+    line += quote;
+    line += String(node.word).toUTF8();
+    line += quote;
+    return;
+  }
+  line += '(';
+  static const char* const operators[] = {"&", "|", "^", "NEAR/", "BEFORE/", "AFTER/", "NEXT/", "OPT"};
+  for (size_t i = 0; i < node.children.size(); ++i) {
+    const ReferenceTerm& child = node.children[i];
+    if (i > 0) {
+      line += ' ';
+      line += operators[static_cast<size_t>(child.op)];
+      if (isProximity(child.op)) line += std::to_string(child.distance);
+      line += ' ';
+    }
+    dump(child, line);
+  }
+  line += ')';
+}
+
+}  // namespace
+
+ReferenceTerm referenceOf(const QueryTerms& node) {
+  ReferenceTerm copy{std::u16string(node.word().view()),
+                     {},
+                     node.queryOperator(),
+                     node.queryNot(),
+                     node.queryPhrase(),
+                     node.proximityDistance()};
+  for (const auto& child : node.children()) copy.children.push_back(referenceOf(*child));
+  return copy;
+}
+
+std::string dumpOf(const ReferenceTerm& root) {
+  std::string line;
+  dump(root, line);
+  return line.substr(root.negated ? 2 : 1, line.size() - (root.negated ? 3 : 2));
+}
+
+std::string dumpOf(const QueryTerms& root) { return dumpOf(referenceOf(root)); }
+
+std::string dumpOf(const std::vector<QueryOccurrence>& occurrences, bool withPrimary) {
+  std::string lines;
+  for (const QueryOccurrence& o : occurrences) {
+    lines += std::to_string(o.range.location) + '+' + std::to_string(o.range.length) + ' ' + o.term.toUTF8();
+    lines += withPrimary && o.primary ? " primary\n" : "\n";
+  }
+  return lines;
+}
+
+ReferenceText::ReferenceText(std::u16string text, QueryComparison comparison, bool wildcard)
+    : _comparison(comparison), _wildcard(wildcard) {
+  _text = folded(text);
+  for (size_t i = 0, start = 0; i <= text.size(); ++i) {
+    if (i < text.size() && !isSeparator(text[i])) continue;
+    if (i > start) _words.push_back({static_cast<int64_t>(start), static_cast<int64_t>(i - start)});
+    start = i + 1;
+  }
+}
+
+std::u16string ReferenceText::folded(std::u16string_view text) const {
+  std::u16string result(text);
+  for (unichar& c : result) {
+    if (velan::contains(_comparison, QueryComparison::IgnoreDiacritics)) c = withoutDiacritic(c);
+    if (velan::contains(_comparison, QueryComparison::IgnoreCase)) c = upper(c);
+  }
+  return result;
+}
+
+bool ReferenceText::wordIsLike(std::u16string_view pattern, const Range& word) const {
+  const auto units =
+      std::u16string_view(_text).substr(static_cast<size_t>(word.location), static_cast<size_t>(word.length));
+  const bool isExact = pattern.find_first_of(u"*?[") == pattern.npos;
+  if (!isExact || !velan::contains(_comparison, QueryComparison::Fuzzy)) return isLike(pattern, units);
+  const auto a = static_cast<double>(pattern.size());
+  const auto b = static_cast<double>(units.size());
+  return std::min(a, b) / std::max(a, b) >= 0.75 && similarity(pattern, units) >= 0.75;
+}
+
+std::vector<Range> ReferenceText::placesOf(const ReferenceTerm& leaf, Range range) const {
+  std::vector<Range> places;
+  const std::u16string word = folded(leaf.word);
+  if (_wildcard && word.find_first_not_of('*') == word.npos) {
+    if (range.length > 0) places.push_back(range);
+    return places;
+  }
+  const auto pieces = piecesOf(word);
+  if (_wildcard && !leaf.phrase && word.find_first_not_of(u"*?") == word.npos) return places;
+  for (size_t first = 0; first < _words.size(); ++first) {
+    for (size_t last = first; last < _words.size(); ++last) {
+      const Range place{_words[first].location, endOf(_words[last]) - _words[first].location};
+      if (!isInside(place, range)) continue;
+      bool matches;
+      if (_wildcard) {
+        matches = last - first + 1 == pieces.size();
+        for (size_t i = first; matches && i <= last; ++i) matches = wordIsLike(pieces[i - first], _words[i]);
+      } else {
+        matches = _text.substr(static_cast<size_t>(place.location), static_cast<size_t>(place.length)) == word;
+      }
+      if (matches) places.push_back(place);
+    }
+  }
+  return places;
+}
+
+Range ReferenceText::spanAround(Range place, const ReferenceTerm& relation, Range range) const {
+  int64_t start = place.location;
+  int64_t end = endOf(place);
+  if (relation.op != QueryOperator::After) {
+    start = 0;
+    int64_t count = 0;
+    for (const Range& word : _words) count += word.location < place.location;
+    if (count >= relation.distance) start = _words[static_cast<size_t>(count - relation.distance)].location;
+  }
+  if (relation.op == QueryOperator::Near || relation.op == QueryOperator::After) {
+    const auto next = std::ranges::find_if(_words, [&](const Range& word) { return endOf(word) > endOf(place); });
+    end = std::ssize(_text);
+    if (_words.end() - next >= relation.distance) end = endOf(next[relation.distance - 1]);
+  }
+  start = std::max(start, range.location);
+  return {start, std::min(end, endOf(range)) - start};
+}
+
+std::vector<Range> ReferenceText::satisfiedPieces(const ReferenceTerm& leaf, const ReferenceTerm& partner,
+                                                  const ReferenceTerm& relation, Range range) const {
+  std::vector<Range> pieces;
+  std::vector<bool> covered(static_cast<size_t>(endOf(range)) + 1);
+  for (const Range& place : placesOf(leaf, range)) {
+    const Range span = spanAround(place, relation, range);
+    if (!leaf.negated) pieces.push_back(span);
+    std::fill_n(covered.begin() + span.location, span.length, true);
+  }
+  covered[static_cast<size_t>(endOf(range))] = true;
+  int64_t start = range.location;
+  for (int64_t i = range.location; leaf.negated && i <= endOf(range); ++i) {
+    if (!covered[static_cast<size_t>(i)]) continue;
+    if (i > start) pieces.push_back({start, i - start});
+    start = i + 1;
+  }
+  std::erase_if(pieces, [&](const Range& piece) { return !holds(partner, nullptr, partner, piece); });
+  return pieces;
+}
+
+// `relation` carries the operator and the distance to `partner`; without a partner it does not count.
+bool ReferenceText::holds(const ReferenceTerm& node, const ReferenceTerm* partner, const ReferenceTerm& relation,
+                          Range range) const {
+  if (!node.children.empty()) return foldOf(node, partner, relation, range) != node.negated;
+  if (node.word.empty()) return false;
+  if (partner) return !satisfiedPieces(node, *partner, relation, range).empty();
+  return placesOf(node, range).empty() == node.negated;
+}
+
+bool ReferenceText::foldOf(const ReferenceTerm& group, const ReferenceTerm* partner, const ReferenceTerm& relation,
+                           Range range) const {
+  bool running = holds(group.children[0], partner, relation, range);
+  for (size_t i = 1; i < group.children.size(); ++i) {
+    const ReferenceTerm& child = group.children[i];
+    if (child.op == QueryOperator::Optional) continue;
+    const bool holdsHere = child.isProximity() ? holds(child, &group.children[i - 1], child, range)
+                                               : holds(child, partner, relation, range);
+    if (child.op == QueryOperator::Or) {
+      running |= holdsHere;
+    } else if (child.op == QueryOperator::Xor) {
+      running ^= holdsHere;
+    } else {
+      running &= holdsHere;
+    }
+  }
+  return running;
+}
+
+bool ReferenceText::contains(const ReferenceTerm& node) const {
+  std::vector<const ReferenceTerm*> leaves;
+  collectLeaves(node, leaves);
+  const Range all{0, std::ssize(_text)};
+  return std::ranges::any_of(leaves, [&](const ReferenceTerm* leaf) { return !placesOf(*leaf, all).empty(); });
+}
+
+void ReferenceText::collectRelations(const ReferenceTerm& node, const ReferenceTerm* partner,
+                                     const ReferenceTerm& relation, Range range,
+                                     std::vector<Relation>& relations) const {
+  if (node.children.empty() && partner) {
+    relations.push_back({&node, partner, satisfiedPieces(node, *partner, relation, range)});
+  }
+  for (size_t i = 0; i < node.children.size(); ++i) {
+    const ReferenceTerm& child = node.children[i];
+    if (i > 0 && child.isProximity()) {
+      collectRelations(child, &node.children[i - 1], child, range, relations);
+    } else {
+      collectRelations(child, partner, relation, range, relations);
+    }
+  }
+}
+
+bool ReferenceText::hasPlainRelations(const ReferenceTerm& root) {
+  for (size_t i = 0; i < root.children.size(); ++i) {
+    const ReferenceTerm& child = root.children[i];
+    if (!hasPlainRelations(child)) return false;
+    if (i > 0 && child.isProximity() && !(isPlainInRelation(child) && isPlainInRelation(root.children[i - 1]))) {
+      return false;
+    }
+  }
+  return true;
+}
+
+std::vector<QueryOccurrence> ReferenceText::occurrences(const ReferenceTerm& root, Range range) const {
+  std::vector<Relation> relations;
+  collectRelations(root, nullptr, root, range, relations);
+  std::vector<const ReferenceTerm*> leaves;
+  collectLeaves(root, leaves);
+  std::map<std::pair<int64_t, int64_t>, QueryOccurrence> found;
+  for (const ReferenceTerm* leaf : leaves) {
+    for (const Range& place : placesOf(*leaf, range)) {
+      bool related = false;
+      bool satisfies = false;
+      for (const Relation& relation : relations) {
+        if (relation.leaf != leaf && !hasLeaf(*relation.partner, leaf)) continue;
+        related = true;
+        satisfies |= std::ranges::any_of(relation.satisfied, [&](const Range& s) { return isInside(place, s); });
+      }
+      auto& occurrence = found.try_emplace({place.location, -place.length}, place, leaf->word, false).first->second;
+      occurrence.primary |= satisfies || !related;
+    }
+  }
+  std::vector<QueryOccurrence> occurrences;
+  for (auto& [key, occurrence] : found) occurrences.push_back(occurrence);
+  return occurrences;
+}
+
+}  // namespace velan

@@ -1,0 +1,168 @@
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "velan/platform/HunspellDictionaryInternal.h"
+#include "velan/platform/LanguageDetection.h"
+#include "velan/platform/Lemmatizer.h"
+#include "velan/platform/Services.h"
+#include "velan/platform/WordNetInternal.h"
+#include "velan/query/Stemming.h"
+
+namespace velan {
+namespace {
+
+bool hasService(const std::string& name) {
+  const std::vector<Service> all = services();
+  return std::any_of(all.begin(), all.end(), [&](const auto& s) { return s.name == name && !s.version.empty(); });
+}
+
+// Dictionaries of a few words in a folder of their own, which the environment names before anything looks for it: the
+// machine's own are not needed, and not seen.
+class Stemming : public testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    folder() = std::filesystem::temp_directory_path() / ("velan-stemming-" + std::to_string(getpid()));
+    std::filesystem::create_directories(folder());
+    write("verb.exc", "went go\nlay_on lie\nmice nonsense\n");
+    write("noun.exc", "mice mouse\n");
+    write("index.verb", "  1 The licence\ngo v 1\nhouse v 1\nwalk v 1\ntry v 1\n");
+    write("index.noun", "house n 1\nmeeting n 1\nhi n 1\nwalking_stick n 1\n");
+    write("index.adj", "nice a 1\n");
+    write("qq.aff", "SET ISO8859-2\nSFX S Y 1\nSFX S 0 y .\n");
+    write("qq.dic", "2\nza\xB3o\xBF/S\nkot/S\n");
+    write("de_DE.aff", "SET UTF-8\nSFX E Y 1\nSFX E 0 en .\n");
+    write("de_DE.dic", "3\nlauf/E\nLauf/E\nZeitung/E\n");
+    setenv("VELAN_WORDNET", folder().c_str(), 1);
+    setenv("DICPATH", ("/nonexistent:" + folder().string()).c_str(), 1);
+  }
+  static void TearDownTestSuite() { std::filesystem::remove_all(folder()); }
+
+  static std::filesystem::path& folder() {
+    static std::filesystem::path path;
+    return path;
+  }
+  static void write(const char* name, std::string_view bytes) { std::ofstream(folder() / name) << bytes; }
+};
+
+TEST_F(Stemming, EnglishLemmas) {
+  const Lemmatizer* english = Lemmatizer::forLanguage("en-GB");
+  ASSERT_TRUE(english);
+  const struct {
+    const char* why;
+    String word;
+    String lemma;
+  } cases[] = {
+      {"irregular", u"went"_s, u"go"_s},
+      {"the first list wins", u"mice"_s, u"nonsense"_s},
+      {"a rule", u"houses"_s, u"house"_s},
+      {"a rule that puts letters back", u"tries"_s, u"try"_s},
+      {"comparison", u"nicest"_s, u"nice"_s},
+      {"a base form stays, as it is written", u"Meeting"_s, u"Meeting"_s},
+      {"capitals", u"WALKED"_s, u"walk"_s},
+      {"a small word is no plural", u"his"_s, u"his"_s},
+      {"unknown", u"xyzzy"_s, String()},
+      {"only an ending", u"ing"_s, String()},
+      {"terms of several words are left out", u"lay_on"_s, String()},
+      {"outside ASCII", u"cafés"_s, String()},
+  };
+  for (const auto& c : cases) EXPECT_EQ(english->lemma(c.word.view()), c.lemma) << c.why;
+}
+
+TEST_F(Stemming, DictionaryLemmas) {
+  if (!hasService("Hunspell")) {
+    EXPECT_FALSE(Lemmatizer::forLanguage("qq"));
+    return;
+  }
+  const Lemmatizer* invented = Lemmatizer::forLanguage("qq");
+  ASSERT_TRUE(invented);
+  EXPECT_EQ(invented, Lemmatizer::forLanguage("QQ_AA"));
+  EXPECT_EQ(invented->lemma(u"koty"), u"kot"_s);
+  EXPECT_EQ(invented->lemma(u"założy"), u"założ"_s) << "in the dictionary's encoding";
+  EXPECT_TRUE(invented->lemma(u"日本").isAbsent()) << "not in its encoding";
+  EXPECT_TRUE(invented->lemma(u"pies").isAbsent());
+
+  const Lemmatizer* german = Lemmatizer::forLanguage("de");
+  ASSERT_TRUE(german);
+  EXPECT_EQ(german->lemma(u"laufen"), u"lauf"_s);
+  EXPECT_EQ(german->lemma(u"Laufen"), u"Lauf"_s) << "a noun is told by its capital";
+  EXPECT_FALSE(HunspellDictionary::open("/nonexistent/qq"));
+}
+
+TEST_F(Stemming, NoDataNoLemmatizer) {
+  for (const char* code : {"", "e", "zz", "../../etc", "en/x", "-en"}) {
+    EXPECT_FALSE(Lemmatizer::forLanguage(code)) << code;
+  }
+  EXPECT_FALSE(WordNet::load("/nonexistent"));
+}
+
+TEST_F(Stemming, SourcesAreReported) {
+  const std::vector<LemmaSource> sources = lemmaSources();
+  ASSERT_FALSE(sources.empty());
+  EXPECT_EQ(sources[0].path, folder().string());
+  const auto ours = std::count_if(sources.begin(), sources.end(), [](const auto& source) {
+    return source.service == "Hunspell" && source.path.starts_with(std::filesystem::canonical(folder()).string());
+  });
+  EXPECT_EQ(ours, hasService("Hunspell") ? 2 : 0);
+  EXPECT_TRUE(hasService("ICU"));
+}
+
+TEST_F(Stemming, WholeTexts) {
+  const String text =
+      u"In the evening they went to their houses, (houses) to sleep, and in the morning they WALKED back to work! "
+      u"Nothing about it was the nicest thing in the world..."_s;
+  const String expected = hasService("CLD2") ? u"In the evening they go to their house, (house) to sleep, and in the "
+                                               u"morning they walk back to work! "
+                                               u"Nothing about it was the nice thing in the world"_s
+                                             : text.substringToIndex(text.length() - 3);
+  EXPECT_EQ(stringByStemmingWords(text).toUTF8(), expected.toUTF8());
+  EXPECT_EQ(stringByStemmingWords(u"日本 !?"_s), u"日本"_s) << "what follows the last word is lost";
+  EXPECT_EQ(stringByStemmingWords(u" !?"_s), u""_s);
+  const String single = u"!"_s;
+  EXPECT_TRUE(stringByStemmingWords(single).isSameObject(single));
+  EXPECT_TRUE(stringByStemmingWords(String()).isAbsent());
+}
+
+TEST_F(Stemming, FromManyThreads) {
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 8; ++i) {
+    threads.emplace_back([] {
+      const Lemmatizer* german = Lemmatizer::forLanguage("de-AT");
+      for (int round = 0; german && round < 50; ++round) EXPECT_EQ(german->lemma(u"Zeitungen"), u"Zeitung"_s);
+      EXPECT_EQ(stringByStemmingWords(u"no words known"_s).length(), 14);
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+}
+
+TEST(LanguageDetection, TellsLanguages) {
+  const struct {
+    String text;
+    const char* language;
+  } cases[] = {
+      {u"Der schnelle braune Fuchs springt über den faulen Hund, und die Katze sieht ihm dabei zu."_s, "de"},
+      {u"The committee will meet again next week to discuss the remaining questions."_s, "en"},
+      {u"吾輩は猫である。名前はまだ無い。どこで生れたかとんと見当がつかぬ。"_s, "ja"},
+      {u"日本語です"_s, "ja"},
+      {u"我们明天去北京参加会议，然后在那里住三天。"_s, "zh"},
+      {u""_s, ""},
+      {u"12 34"_s, ""},
+      {u"x"_s, ""},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(detectedLanguage(c.text.view()), hasService("CLD2") ? c.language : "") << c.text.toUTF8();
+  }
+  std::u16string cut(kLanguageSampleLength - 1, u' ');
+  cut += u"\U0001F600 tail";
+  EXPECT_EQ(detectedLanguage(cut), "");
+}
+
+}  // namespace
+}  // namespace velan

@@ -1,0 +1,84 @@
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+
+#include "velan/text/Comparison.h"
+#include "velan/text/ConversionTables.h"
+
+namespace velan {
+namespace {
+
+TEST(Comparison, Magnitudes) {
+  const struct {
+    const char* why;
+    std::u16string_view a, b;
+    int64_t exact, noCase;
+  } cases[] = {
+      {"both empty", u"", u"", 0, 0},
+      {"first difference", u"abc", u"abd", -1, -1},
+      {"unit before length", u"b", u"abc", 1, 1},
+      {"length", u"ab", u"abc", -1, -1},
+      {"empty and not", u"abc", u"", 3, 3},
+      {"case", u"abC", u"aBc", 'b' - 'B', 0},
+      {"mapped difference", u"aB", u"Ac", 'a' - 'A', 'B' - 'C'},
+      {"units are unsigned", u"\xFFFF", u"\x0001", 0xFFFE, 0xFFFE},
+      {"sharp s has no upper case", u"Stra\x00DF\x0065", u"STRASSE", 't' - 'T', 0xDF - 'S'},
+      {"bit 5 is no case outside letters", u"[", u"{", '[' - '{', '[' - '{'},
+      {"Kelvin sign", u"\x212A", u"k", 0x212A - 'k', 0x212A - 'K'},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(compareCharacters(c.a.data(), c.a.size(), c.b.data(), c.b.size()), c.exact) << c.why;
+    EXPECT_EQ(caseInsensitiveCompareCharacters(c.a.data(), c.a.size(), c.b.data(), c.b.size()), c.noCase) << c.why;
+  }
+  EXPECT_EQ(fastCompareUnichars(nullptr, 3, u"ab", 2), -2);
+}
+
+TEST(Comparison, BytesAreSignExtended) {
+  const unichar unit[] = {0xFFE9};
+  EXPECT_EQ(compareCharactersWithChars(unit, 1, "\xE9", 1), 0);
+  EXPECT_EQ(fastCompareUnicharsWithChars(u"\x00E9", 1, "\xE9", 1), 0xE9 - 0xFFE9);
+  EXPECT_EQ(caseInsensitiveCompareCharactersWithChars(u"a\xFFE9", 2, "A\xE9z", 3), -1);
+  EXPECT_EQ(fastCompareChars("\xE9", 1, "A", 1), -23 - 'A');
+  EXPECT_EQ(fastCompareChars("ab", 2, "a", 1), 1);
+  EXPECT_EQ(fastCaseInsensitiveCompareChars("\xE9", 1, "a", 1), 0xFFE9 - 'A');
+  EXPECT_EQ(fastCaseInsensitiveCompareChars("aB", 2, "Ab", 2), 0);
+}
+
+int64_t slowCompare(const std::u16string& a, const std::u16string& b, const unichar* table) {
+  for (size_t i = 0; i < a.size() && i < b.size(); ++i) {
+    const int difference = table ? table[a[i]] - table[b[i]] : a[i] - b[i];
+    if (difference != 0) return difference;
+  }
+  return static_cast<int64_t>(a.size()) - static_cast<int64_t>(b.size());
+}
+
+// Lengths around the blocks, differences in case and otherwise at every place.
+TEST(Comparison, EqualsTheSlowOne) {
+  std::mt19937 random(1);
+  const std::u16string_view variants[] = {u"aA", u"\x00E4\x00C4", u"\x0436\x0416", u"[{", u"@`", u"s\x017F", u"7"};
+  const auto any = [&] {
+    const auto& variant = variants[random() % std::size(variants)];
+    return variant[random() % variant.size()];
+  };
+  for (size_t length = 0; length <= 100; ++length) {
+    for (int round = 0; round < 40; ++round) {
+      std::u16string a, b;
+      for (size_t i = 0; i < length; ++i) a += any();
+      b = a;
+      for (unsigned changes = random() % 4; changes > 0 && length > 0; --changes) {
+        unichar& changed = b[random() % length];
+        changed = random() % 2 ? toUpper(changed) : any();
+      }
+      b.resize(length - random() % (length / 8 + 1));
+      EXPECT_EQ(fastCompareUnichars(a.data(), a.size(), b.data(), b.size()), slowCompare(a, b, nullptr));
+      EXPECT_EQ(fastCaseInsensitiveCompareUnichars(a.data(), a.size(), b.data(), b.size()),
+                slowCompare(a, b, initUpperCharsTable()));
+      EXPECT_EQ(fastCompareUnicharsUsingConversionTable(a.data(), a.size(), b.data(), b.size(), umlautsCharsTable()),
+                slowCompare(a, b, umlautsCharsTable()));
+    }
+  }
+}
+
+}  // namespace
+}  // namespace velan

@@ -1,0 +1,174 @@
+#include <gtest/gtest.h>
+
+#include "velan/text/CharacterSearch.h"
+#include "velan/text/CharacterSets.h"
+#include "velan/text/ConversionTables.h"
+#include "velan/text/SetFilteredComparison.h"
+#include "velan/text/StringEquality.h"
+
+namespace velan {
+namespace {
+
+TEST(SetFilteredComparison, EqualAndPrefix) {
+  const struct {
+    const char* why;
+    String a, b;
+    bool equal, equalNoCase, prefix, prefixNoCase;
+  } cases[] = {
+      {"both empty", u"", String(), true, true, true, true},
+      {"no members on either side", u"-", u"12", true, true, true, true},
+      {"units between", u"a-b", u"ab", true, true, true, true},
+      {"members left in the first", u"a b c", u"ab", false, false, true, true},
+      {"a member left in the second", u"ab", u"abc", false, false, false, false},
+      {"others left in the second", u"ab", u"a b!!", true, true, true, true},
+      {"case", u"a-B", u"Ab.", false, true, false, true},
+      {"different members", u"ax", u"ay", false, false, false, false},
+      {"nothing is a prefix", u"a", u"", false, false, true, true},
+      {"nothing in the first", u"-", u"a", false, false, false, false},
+  };
+  const uint8_t* alpha = alphaCharacterSetRep();
+  for (const auto& c : cases) {
+    EXPECT_EQ(equalStringsUsingCharacterSetRep(c.a, c.b, alpha), c.equal) << c.why;
+    EXPECT_EQ(equalStringsNoCaseUsingCharacterSetRep(c.a, c.b, alpha), c.equalNoCase) << c.why;
+    EXPECT_EQ(hasPrefixUsingCharacterSetRep(c.a, c.b, alpha), c.prefix) << c.why;
+    EXPECT_EQ(hasPrefixNoCaseUsingCharacterSetRep(c.a, c.b, alpha), c.prefixNoCase) << c.why;
+    const auto a = c.a.view(), b = c.b.view();
+    EXPECT_EQ(equalCharsOfCharacterSetRep(a.data(), a.size(), b.data(), b.size(), alpha), c.equal) << c.why;
+    EXPECT_EQ(equalCharsNoCaseOfCharacterSetRep(a.data(), a.size(), b.data(), b.size(), alpha), c.equalNoCase) << c.why;
+    EXPECT_EQ(hasPrefixCharsOfCharacterSetRep(a.data(), a.size(), b.data(), b.size(), alpha), c.prefix) << c.why;
+    EXPECT_EQ(hasPrefixCharsNoCaseOfCharacterSetRep(a.data(), a.size(), b.data(), b.size(), alpha), c.prefixNoCase)
+        << c.why;
+  }
+  EXPECT_FALSE(equalStringsUsingCharacterSetRep(u"a", u"a", nullptr));
+}
+
+TEST(CharacterSearch, CaseAndStart) {
+  const String text = u"xAaB1a\x00DF";
+  const struct {
+    const char* why;
+    unichar ch;
+    int64_t start;
+    bool noCase;
+    int64_t first, last, count;
+  } cases[] = {
+      {"without the flag the upper-case form is searched", 'a', 0, false, 1, 1, 1},
+      {"and for itself too", 'A', 0, false, 1, 1, 1},
+      {"a small letter without its capital", 'x', 0, false, NSNotFound, NSNotFound, 0},
+      {"any case", 'a', 0, true, 1, 5, 3},
+      {"any case, later", 'A', 2, true, 2, 5, 2},
+      {"no case variant", '1', 0, true, 4, 4, 1},
+      {"sharp s", 0xDF, 0, false, 6, 6, 1},
+      {"start at the end", 0xDF, 7, false, NSNotFound, NSNotFound, 0},
+      {"start beyond the end", 0xDF, 99, false, NSNotFound, NSNotFound, 0},
+      {"negative start", 'B', -5, false, 3, 3, 1},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(findCharacter(text, c.ch, c.start, c.noCase), c.first) << c.why;
+    EXPECT_EQ(findLastCharacter(text, c.ch, c.start, c.noCase), c.last) << c.why;
+    EXPECT_EQ(countCharacter(text, c.ch, c.start, c.noCase), c.count) << c.why;
+    EXPECT_EQ(containsCharacter(text, c.ch, c.start, c.noCase), c.count > 0) << c.why;
+  }
+  EXPECT_EQ(findCharacter(String(), 'a', true), NSNotFound);
+}
+
+TEST(CharacterSearch, AFlagIsNoIndex) {
+  const String text = u"aAa";
+  EXPECT_EQ(findCharacter(text, 'a'), 1);
+  EXPECT_EQ(findCharacter(text, 'a', true), 0);
+  EXPECT_EQ(findCharacter(text, 'a', 2), NSNotFound);
+  EXPECT_EQ(findLastCharacter(text, 'a', true), 2);
+  EXPECT_EQ(countCharacter(text, 'a', true), 3);
+  EXPECT_TRUE(containsCharacter(text, 'a', false));
+  EXPECT_EQ(findOneOf(text, u"A", true), 0);
+}
+
+TEST(CharacterSearch, OneOf) {
+  EXPECT_EQ(findOneOf(u"abc", u"xc"), 2);
+  EXPECT_EQ(findOneOf(u"abc", u"B"), NSNotFound);
+  EXPECT_EQ(findOneOf(u"aBb", u"b"), 2);
+  EXPECT_EQ(findOneOf(u"abc", u"B", true), 1);
+  EXPECT_EQ(findOneOf(u"abab", u"a", 1, false), 2);
+  EXPECT_EQ(findOneOf(u"ab", u"b", -3, false), 1);
+  EXPECT_EQ(findOneOf(u"ab", u"b", 2, false), NSNotFound);
+  EXPECT_EQ(findOneOf(u"ab", u""), NSNotFound);
+  EXPECT_EQ(findOneOf(String(), u"a"), NSNotFound);
+}
+
+TEST(StringEquality, WholeStrings) {
+  const struct {
+    const char* why;
+    String a, b;
+    bool noCase, nonUmlauted, upperTable, exact;
+  } cases[] = {
+      {"empty", u"", u"", true, true, true, true},
+      {"absent and empty", String(), u"", false, false, true, true},
+      {"empty and absent", u"", String(), false, false, true, true},
+      {"absent and not empty", String(), u"a", false, false, false, false},
+      {"case", u"Abc", u"aBC", true, true, true, false},
+      {"diacritics", u"\x00C4pfel", u"APFEL", false, true, false, false},
+      {"lengths differ, foldings do not", u"stra\x00DF\x0065", u"STRASSE", false, false, false, false},
+      {"a mapping that moves the rest", u"\x00DFss", u"ss\x00DF", true, false, false, false},
+      {"long s", u"\x017F", u"s", true, true, true, false},
+      {"Kelvin sign", u"\x212A", u"k", true, true, false, false},
+      {"title-case digraph", u"\x01C5", u"\x01C6", true, false, false, false},
+      {"Deseret, beyond the first plane", u"x\xD801\xDC00", u"x\xD801\xDC28", true, false, false, false},
+      {"lone surrogates", u"\xD801", u"\xD801", true, true, true, true},
+      {"brackets are no letters", u"[", u"{", false, false, false, false},
+      {"composed and decomposed", u"\x00E9x", u"e\x0301", false, false, false, false},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(isEqualToStringNoCase(c.a, c.b), c.noCase) << c.why;
+    EXPECT_EQ(isNonUmlautedEqualToStringNoCase(c.a, c.b), c.nonUmlauted) << c.why;
+    EXPECT_EQ(equalStringsUsingConversionTable(c.a, c.b, upperCharsTable()), c.upperTable) << c.why;
+    EXPECT_EQ(equalStringsUsingConversionTable(c.a, c.b, nullptr), c.exact) << c.why;
+  }
+}
+
+TEST(StringEquality, PrefixAndSuffix) {
+  EXPECT_TRUE(hasPrefixNoCase(u"\x00C4pfel", u"\x00E4P"));
+  EXPECT_TRUE(hasSuffixNoCase(u"\x00C4pfel", u"FEL"));
+  EXPECT_TRUE(hasPrefixNoCase(u"ab", u"AB"));
+  EXPECT_FALSE(hasPrefixNoCase(u"stra\x00DF\x0065", u"strass"));
+  for (const String& none : {String(), String(u""), String(u"xabc"), String(u"x")}) {
+    EXPECT_FALSE(hasPrefixNoCase(u"abc", none));
+    EXPECT_FALSE(hasSuffixNoCase(u"abc", none));
+  }
+  EXPECT_FALSE(hasPrefixNoCase(String(), u"a"));
+}
+
+TEST(StringEquality, Ranges) {
+  const String text = u"x\x00C4pfel";
+  const struct {
+    const char* why;
+    Range range;
+    String other;
+    bool exact, noCase, nonUmlauted;
+  } cases[] = {
+      {"exact", {1, 2}, u"\x00C4p", true, true, true},
+      {"case", {1, 2}, u"\x00E4P", false, true, true},
+      {"diacritics", {1, 2}, u"aP", false, false, true},
+      {"length", {1, 3}, u"\x00C4p", false, false, false},
+      {"empty", {2, 0}, u"", true, true, true},
+      {"empty and absent", {2, 0}, String(), true, true, false},
+      {"empty, beyond the end", {NSNotFound, 0}, u"", true, true, true},
+      {"absent", {2, 1}, String(), false, false, false},
+      {"to the end", {5, 1}, u"l", true, true, true},
+      {"over the end", {5, 2}, u"l?", false, false, false},
+      {"beyond the end", {NSNotFound, 1}, u"l", false, false, false},
+      {"before the start", {-1, 1}, u"x", false, false, false},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(rangeIsEqualTo(text, c.range, c.other), c.exact) << c.why;
+    EXPECT_EQ(rangeIsEqualToNoCase(text, c.range, c.other), c.noCase) << c.why;
+    EXPECT_EQ(rangeIsNonUmlautedEqualToNoCase(text, c.range, c.other), c.nonUmlauted) << c.why;
+  }
+}
+
+TEST(CharacterSets, OnlyWhite) {
+  EXPECT_TRUE(onlyWhiteCharacters(u" \n\t", 3));
+  EXPECT_TRUE(onlyWhiteCharacters(nullptr, 0));
+  EXPECT_FALSE(onlyWhiteCharacters(u" x", 2));
+}
+
+}  // namespace
+}  // namespace velan

@@ -1,0 +1,321 @@
+#!/usr/bin/env python3
+"""Runs the built tool on the example documents and on files made for the purpose.
+
+Usage: tool_test.py TOOL PROJECT_FOLDER [unittest arguments]
+"""
+
+import json
+import os
+import pty
+import re
+import subprocess
+import sys
+import tempfile
+import unittest
+
+TOOL = os.path.abspath(sys.argv.pop(1))
+PROJECT = os.path.abspath(sys.argv.pop(1))
+DOCUMENTS = os.path.join(PROJECT, "examples", "documents")
+
+
+def velan(*arguments, stdin=b"", folder=None, environment=None):
+    """Exit status, standard output and standard error. Standard input is a pipe."""
+    done = subprocess.run([TOOL, *arguments], input=stdin, capture_output=True, cwd=folder,
+                          env={**os.environ, **(environment or {})}, check=False)
+    return done.returncode, done.stdout.decode(), done.stderr.decode()
+
+
+class OnDocuments(unittest.TestCase):
+    def test_documented_cases(self):
+        """The cases on the query language's page, each through a search on a file with the text."""
+        with open(os.path.join(PROJECT, "docs", "query-language.md"), encoding="utf-8") as file:
+            page = file.read()
+        cases = re.findall(r"^\| `(.*)` \| (Yes|No) \|$", page, re.MULTILINE)
+        self.assertEqual(len(cases), 48)
+        with tempfile.NamedTemporaryFile("w", suffix=".txt") as file:
+            file.write(re.search(r"^> (Lorem .*)$", page, re.MULTILINE).group(1))
+            file.flush()
+            for query, matches in cases:
+                expected = (0, file.name + "\n", "") if matches == "Yes" else (1, "", "")
+                self.assertEqual(velan("search", "-l", query, file.name), expected, query)
+
+    def test_selftest(self):
+        status, output, errors = velan("selftest")
+        self.assertEqual((status, errors), (0, ""))
+        self.assertEqual(len(re.findall(r"^Success: .* => (?:Yes|No)$", output, re.MULTILINE)), 48)
+
+    def test_queries(self):
+        child = ["letters/schoolchild-thanks.txt"]
+        cases = [
+            (["budget NEAR/5 exhibition"], ["articles/annual-report-2018.txt", "letters/director-budget-appeal.txt",
+                                            "minutes/2018-03-13-trustees.txt"]),
+            (["灯台 AND 美術館"], ["articles/hyaku-no-akari-ten.txt", "letters/morita-bijutsukan.txt",
+                               "notes/exhibition-labels-draft.txt"]),
+            (["ARCIVIST leting"], child),
+            (["-s", "ARCIVIST leting"], []),
+            (["lighthouse* AND exibition"], child),
+            (["--no-wildcards", "lighthouse* AND exibition"], []),
+            (["Mowenhafen protokoll"], []),
+            (["-d", "Mowenhafen protokoll"], ["minutes/protokoll-leihgaben-moewenhafen.txt"]),
+            (["--fuzzy", "magnifying AND class"], child),
+            (["--fuzzy=0.95", "magnifying AND class"], []),
+            (["--distance", "1", "class NEAR leting"], []),
+            (["--distance", "2", "class NEAR leting"], child),
+        ]
+        for arguments, names in cases:
+            status, output, errors = velan("search", "-l", *arguments, ".", folder=DOCUMENTS)
+            self.assertEqual((status, output.split(), errors),
+                             (0 if names else 1, ["./" + name for name in names], ""), arguments)
+
+    def test_threads_change_nothing(self):
+        for form in ([], ["--json"], ["-C", "2"], ["-c"]):
+            one, many = (velan("search", *form, "-j", count, "the OR der", DOCUMENTS) for count in ("1", "16"))
+            self.assertEqual(one, many, form)
+            self.assertGreater(len(one[1]), 1000)
+
+
+class OnFiles(unittest.TestCase):
+    def setUp(self):
+        temporary = tempfile.TemporaryDirectory()
+        self.addCleanup(temporary.cleanup)
+        self.folder = temporary.name
+
+    def write(self, name, content):
+        path = os.path.join(self.folder, name)
+        os.makedirs(os.path.dirname(path), exist_ok=True)
+        with open(path, "wb") as file:
+            file.write(content.encode() if isinstance(content, str) else content)
+
+    def search(self, *arguments, **options):
+        return velan("search", *arguments, folder=self.folder, **options)
+
+    def test_output_forms(self):
+        self.write("a.txt", "top\nkey one\nmid key\nlow\n\nend key\nkey key\nx\n")
+        self.write("b.txt", "no\n")
+        cases = [
+            (["key", "a.txt"], "2:key one\n3:mid key\n6:end key\n7:key key\n"),
+            (["key one", "a.txt", "b.txt"], "a.txt:2:key one\na.txt:3:mid key\na.txt:6:end key\na.txt:7:key key\n"),
+            (["-c", "key", "a.txt"], "4\n"),
+            (["--count-matches", "key", "a.txt", "b.txt"], "a.txt:5\n"),
+            (["-C1", "one OR end", "a.txt"], "1-top\n2:key one\n3-mid key\n--\n5-\n6:end key\n7-key key\n"),
+            (["-C", "9", "mid", "a.txt"], "1-top\n2-key one\n3:mid key\n4-low\n5-\n6-end key\n7-key key\n8-x\n"),
+            (["--unit", "line", "key AND NOT end", "a.txt"], "2:key one\n3:mid key\n7:key key\n"),
+            (["--unit", "line", "NOT key", "a.txt"], "1:top\n4:low\n8:x\n"),
+            (["--unit", "paragraph", "key AND end", "a.txt"], "6:end key\n7:key key\n"),
+            (["NOT key", "a.txt", "b.txt"], "b.txt:1:no\n"),
+            (['"one mid"', "a.txt"], "2:key one\n3:mid key\n"),
+        ]
+        for arguments, output in cases:
+            self.assertEqual(self.search(*arguments), (0, output, ""), arguments)
+
+    def test_colors(self):
+        self.write("a.txt", "big old lamp, far far away from the small lamp and lamp\n")
+        primary, further, plain = "\x1b[1;31m", "\x1b[31m", "\x1b[0m"
+        painted = (f"\x1b[32m1{plain}:big {primary}old{plain} {primary}lamp{plain}, far far away from the small "
+                   f"{further}lamp{plain} and {further}lamp{plain}\n")
+        bare = "1:big old lamp, far far away from the small lamp and lamp\n"
+        for arguments, output in ((["--color", "always"], painted), (["--color", "never"], bare), ([], bare)):
+            environment = {"NO_COLOR": "1"}  # counts for "auto" only
+            self.assertEqual(self.search(*arguments, "old NEXT lamp", "a.txt", environment=environment)[1], output)
+        terminal = {"TERM": "xterm"}
+        self.assertIn(primary, self.on_terminal("old", "a.txt", environment={**terminal, "NO_COLOR": ""}))
+        self.assertNotIn(primary, self.on_terminal("old", "a.txt", environment={**terminal, "NO_COLOR": "1"}))
+
+    def on_terminal(self, *arguments, environment):
+        controller, terminal = pty.openpty()
+        with subprocess.Popen([TOOL, "search", *arguments], cwd=self.folder, stdout=terminal,
+                              env={**os.environ, **environment}):
+            os.close(terminal)
+            output = os.read(controller, 65536).decode()
+        os.close(controller)
+        return output
+
+    def test_json_offsets(self):
+        """Offsets must cut each occurrence out of the file's bytes, its UTF-16 units, its line and the printed lines."""
+        text = "kopf\U0001F600 ключ\r\n\r\nzwei ключ \ufffd ключ\r\nein\r\nключ"
+        encodings = {"plain": "utf-8", "mark": "utf-8-sig", "little": "utf-16-le", "big": "utf-16-be"}
+        for name, encoding in encodings.items():
+            mark = "\ufeff" if encoding.startswith("utf-16") else ""
+            self.write(name, (mark + text).encode(encoding))
+        malformed = b"\xff\xf0\x9f\x98 \xd0\xba\xd0\xbb\xd1\x8e\xd1\x87 \xe2\x82\r\n\xed\xa0\x80 \xd0\xba\xd0\xbb\xd1\x8e\xd1\x87"
+        self.write("malformed", malformed)
+        status, output, errors = self.search("--json", '"ein ключ" OR ключ', *encodings, "malformed")
+        self.assertEqual((status, errors), (0, ""))
+        found = self.check_events([json.loads(line) for line in output.splitlines()],
+                                  {**encodings, "malformed": "utf-8"})
+        self.assertEqual(found, {**{name: 4 for name in encodings}, "malformed": 2})
+
+    def check_events(self, events, encodings):
+        self.assertEqual(events[-1]["type"], "summary")
+        found = {}
+        for event in events[:-1]:
+            path = event["data"]["path"]["text"]
+            with open(os.path.join(self.folder, path), "rb") as file:
+                content = file.read()
+            if event["type"] != "match":
+                continue
+            text = content.decode(encodings[path], "replace").removeprefix("\ufeff")
+            units = text.encode("utf-16-le")
+            lines = text.split("\n")
+            printed = event["data"]["lines"]["text"]
+            self.assertTrue("\n".join(lines[event["data"]["line_number"] - 1:]).startswith(printed))
+            rest = content[event["data"]["absolute_offset"]:].decode(encodings[path], "replace")
+            self.assertTrue(rest.startswith(printed), (path, rest, printed))
+            for place in event["data"]["submatches"]:
+                word = place["match"]["text"]
+                found[path] = found.get(path, 0) + 1
+                start, length = place["byte_offset"], place["byte_length"]
+                self.assertEqual(content[start:start + length].decode(encodings[path]), word, path)
+                start, length = 2 * place["utf16_offset"], 2 * place["utf16_length"]
+                self.assertEqual(units[start:start + length].decode("utf-16-le"), word, path)
+                self.assertEqual(printed.encode()[place["start"]:place["end"]].decode(), word, path)
+                first = word.split("\r\n")[0]
+                self.assertTrue(lines[place["line"] - 1][place["column"] - 1:].startswith(first), path)
+        return found
+
+    def test_json_envelope(self):
+        self.write("a.txt", "one lamp\nno\n\"lamp\\\" \tnear\nno\n")
+        name = b"b\xe9.txt"  # not valid UTF-8
+        with open(os.path.join(os.fsencode(self.folder), name), "wb") as file:
+            file.write(b"lamp")
+        events = [json.loads(line) for line in self.search("--json", "-C1", "lamp OR absent", ".")[1].splitlines()]
+        self.assertEqual([event["type"] for event in events],
+                         ["begin", "match", "context", "match", "context", "end", "begin", "match", "end", "summary"])
+        self.assertEqual(events[3]["data"]["lines"]["text"], "\"lamp\\\" \tnear\n")
+        self.assertEqual(events[6]["data"]["path"], {"bytes": "Li9i6S50eHQ="})
+        self.assertEqual(events[-1]["data"]["stats"], {"searches": 2, "searches_with_match": 2, "bytes_searched": 33,
+                                                       "matched_lines": 3, "matches": 3})
+
+    def test_json_tells_primary_places(self):
+        self.write("a.txt", "old lamp, far far away from the small lamp\n")
+        events = [json.loads(line) for line in self.search("--json", "old NEXT lamp", "a.txt")[1].splitlines()]
+        self.assertEqual([(place["term"], place["primary"]) for place in events[1]["data"]["submatches"]],
+                         [("old", True), ("lamp", True), ("lamp", False)])
+
+    def test_folders(self):
+        for name in ("b/2.txt", "b/10.txt", "a.txt", ".hidden/x.txt", "b/.y.txt", "c"):
+            self.write(name, "lamp\n")
+        os.symlink("../a.txt", os.path.join(self.folder, "b", "link"))
+        os.mkfifo(os.path.join(self.folder, "b", "pipe"))
+        names = "./a.txt ./b/10.txt ./b/2.txt ./c"
+        hidden = "./.hidden/x.txt ./a.txt ./b/.y.txt ./b/10.txt ./b/2.txt ./c"
+        self.assertEqual(self.search("-l", "lamp", ".")[1].split(), names.split())
+        self.assertEqual(self.search("-l", "lamp", ".", "--hidden")[1].split(), hidden.split())
+        self.assertEqual(self.search("-l", "lamp", "c", "b")[1].split(), ["c", "b/10.txt", "b/2.txt"])
+        # Without a path the current folder, as standard input is no pipe here.
+        output = subprocess.run([TOOL, "search", "-l", "lamp"], cwd=self.folder, stdin=subprocess.DEVNULL,
+                                capture_output=True, check=False).stdout.decode()
+        self.assertEqual(output.split(), ["a.txt", "b/10.txt", "b/2.txt", "c"])
+
+    def test_standard_input(self):
+        self.assertEqual(self.search("lamp", stdin=b"a\nlamp\n"), (0, "2:lamp\n", ""))
+        self.write("a.txt", "lamp")
+        self.assertEqual(self.search("-l", "lamp", "-", "a.txt", stdin=b"lamp"), (0, "(standard input)\na.txt\n", ""))
+
+    def test_trouble_does_not_stop_the_rest(self):
+        self.write("d/image", b"\x89PNG\0lamp")
+        self.write("d/text", "lamp\n")
+        self.write("d/utf16", "\ufefflamp\0".encode("utf-16-le"))
+        binary = "velan: d/image: binary file, not searched\nvelan: d/utf16: binary file, not searched\n"
+        self.assertEqual(self.search("lamp", "d"), (0, "d/text:1:lamp\n", binary))
+        status, output, errors = self.search("lamp", "absent", "d/image", "d/text")
+        self.assertEqual((status, output), (2, "d/text:1:lamp\n"))
+        self.assertEqual(errors, "velan: absent: No such file or directory\n" + binary.splitlines(True)[0])
+        os.chmod(os.path.join(self.folder, "d/text"), 0)
+        if os.geteuid() != 0:  # root may read everything
+            self.assertEqual(self.search("lamp", "d/text"), (2, "", "velan: d/text: Permission denied\n"))
+
+    def test_lines_of_other_systems(self):
+        cases = [(b"a\r\nlamp\r\n", "2:lamp\n"), (b"a\rlamp\rb", "2:lamp\n"), (b"a\rlamp\nb", "1:a\rlamp\n"),
+                 (b"lamp", "1:lamp\n"), (b"\xef\xbb\xbflamp", "1:lamp\n"), (b"\xfelamp \xff", "1:\ufffdlamp \ufffd\n")]
+        for content, output in cases:
+            self.write("a.txt", content)
+            self.assertEqual(self.search("*lamp*", "a.txt")[1], output, content)
+
+    def test_closed_pipe_and_full_disk(self):
+        self.write("a.txt", "lamp\n" * 200000)
+        with subprocess.Popen([TOOL, "search", "lamp", "a.txt"], cwd=self.folder, stdout=subprocess.PIPE,
+                              stderr=subprocess.PIPE) as process:
+            self.assertEqual(process.stdout.readline(), b"1:lamp\n")
+            process.stdout.close()
+            self.assertEqual(process.stderr.read(), b"")
+        self.assertEqual(process.returncode, 0)
+        if os.path.exists("/dev/full"):
+            with open("/dev/full", "wb") as full:
+                done = subprocess.run([TOOL, "search", "lamp", "a.txt"], cwd=self.folder, stdout=full,
+                                      stderr=subprocess.PIPE, check=False)
+            self.assertEqual((done.returncode, done.stderr.count(b"\n")), (2, 1))
+
+
+class Usage(unittest.TestCase):
+    def test_errors_take_one_line(self):
+        cases = [[], ["absent"], ["search"], ["search", "--no-wildcards", "-d", "x"], ["explain", "x", "absent"],
+                 ["search", "--no-wildcards", "--fuzzy", "x"], ["search", "--json", "-l", "x"], ["search", "-lc", "x"],
+                 ["search", "--unit", "page", "x"], ["search", "--fuzzy=high", "x"], ["search", "--fuzzy=1.5", "x"],
+                 ["search", "--color", "red", "x"], ["search", "-j", "0", "x"], ["search", "-C", "-1", "x"],
+                 ["search", "--distance", "-1", "x"], ["search", b"\xff"], ["match"], ["words", "--top", "0"]]
+        for arguments in cases:
+            status, output, errors = velan(*arguments)
+            self.assertEqual((status, output, errors.count("\n")), (2, "", 1), arguments)
+            self.assertRegex(errors, "^velan: ", arguments)
+
+    def test_help_and_version(self):
+        for command in ([], ["search"], ["explain"], ["match"], ["words"], ["selftest"]):
+            status, output, errors = velan(*command, "--help")
+            self.assertEqual((status, errors), (0, ""), command)
+            self.assertGreaterEqual(output.split("Examples:")[1].count("  velan "), 2, command)
+        self.assertRegex(velan("--version")[1], r"^velan \d+\.\d+\.\d+\n$")
+        self.assertRegex(velan("--version", "--verbose")[1], r"(?s)^velan .*\nICU \d+.*\nzlib \d+")
+
+    def test_queries_of_any_kind(self):
+        for query, status in (("-missing", 0), ("(lamp", 0), (")lamp AND", 0), ("[a", 1), ("", 1), ("()", 1)):
+            self.assertEqual(velan("search", "-l", "--", query, "-", stdin=b"lamp")[0], status, query)
+
+
+class OtherCommands(unittest.TestCase):
+    def test_match(self):
+        words = ["house", "Household", "lighthouse", "h[o]use", "x"]
+        cases = [
+            (["house*"], ["house"]), (["-i", "house*"], ["house", "Household"]), (["*house"], ["house", "lighthouse"]),
+            (["-v", "*house*"], ["Household", "h[o]use", "x"]), (["h[o]use"], ["h[o]use"]),
+            (["--unix", "h[a-o]use"], ["house"]), (["--unix", "-i", "-v", "[^HX]*"], ["house", "Household", "h[o]use", "x"]),
+        ]
+        for arguments, expected in cases:
+            expectation = (0, "".join(word + "\n" for word in expected), "")
+            self.assertEqual(velan("match", *arguments, *words), expectation, arguments)
+            self.assertEqual(velan("match", *arguments, stdin="\r\n".join(words).encode()), expectation, arguments)
+        self.assertEqual(velan("match", "z*", *words), (1, "", ""))
+
+    def test_words(self):
+        text = "Öl und Wasser, und Feuer: öl-Wasser 灯台の光".encode()
+        self.assertEqual(velan("words", "-n", "3", stdin=text), (0, "2\tWasser\n2\tund\n1\tFeuer\n", ""))
+        self.assertEqual(velan("words", "-i", "--min-length", "2", stdin=text),
+                         (0, "2\tund\n2\twasser\n2\töl\n1\tfeuer\n1\t灯台\n", ""))
+        self.assertEqual(velan("words", stdin=b" - "), (1, "", ""))
+
+    def test_explain(self):
+        query = 'old NEAR/2 (lamp OR "big [l]*") AND NOT [^a] XOR ab*c* NEXT *[z|y]'
+        status, output, errors = velan("explain", query)
+        self.assertEqual((status, errors), (0, ""))
+        for word, kind, normal in (("old", 0, "old"), ("[l]*", 7, "[l]*"), ("[^a]", 9, "[^a]"), ("ab*c*", 5, "ab*c*"),
+                                   ("*[z|y]", 8, "*[zy]")):
+            line = next(line.strip() for line in output.splitlines() if line.strip().startswith(word + ": type"))
+            self.assertTrue(line.startswith(f"{word}: type {kind}, ") and line.endswith("normal form " + normal), line)
+        self.assertIn("a[b: type 10, not usable", velan("explain", "a[b")[1])
+
+    def test_explain_a_file(self):
+        text = "an old lamp\nünd OLD ships\n".encode("utf-8-sig")
+        status, output, _ = velan("explain", "old NOT NEXT lamp AND missing", "-", stdin=text)
+        lines = [line.strip() for line in output.splitlines()]
+        old, lamp, missing = (lines.index(name) for name in ("old", "NEXT/1 NOT lamp", "AND missing"))
+        self.assertEqual(status, 1)
+        self.assertEqual(lines[old + 2:lamp], ["found 2 times, at 1:4, 2:5", "holds"])
+        self.assertEqual(lines[lamp + 2:missing], ["found 1 time, at 1:8", "with the term before: holds"])
+        self.assertEqual(lines[missing + 2:], ["not found", "does not hold", "(standard input): does not match"])
+        self.assertEqual(velan("explain", "old lamp", "-", stdin=text)[0], 0)
+        # Depth is no danger.
+        self.assertEqual(velan("explain", "(" * 50000 + "old", "-", stdin=text)[0], 0)
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,219 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "velan/base/String.h"
+#include "velan/text/ConversionTables.h"
+#include "velan/wildcard/WildcardMatching.h"
+#include "velan/wildcard/WildcardSimulationInternal.h"
+
+namespace velan {
+namespace {
+
+using View = std::u16string_view;
+
+bool plain(View text, View pattern) {
+  return stringMatchesWildcard(text.begin(), text.end(), pattern.begin(), pattern.end());
+}
+bool withSets(View text, View pattern) {
+  return stringMatchesUnixWildcard(text.begin(), text.end(), pattern.begin(), pattern.end());
+}
+bool simulated(View text, View pattern) {
+  return simulateUnixWildcard(text.begin(), text.end(), pattern.begin(), pattern.end(), nullptr);
+}
+
+// The definition, word for word: each `*` tries the rest of the pattern at every unit that is left, recursively.
+bool slowMatches(View text, View pattern, bool hasSets) {
+  size_t t = 0, p = 0;
+  while (p < pattern.size()) {
+    const unichar unit = pattern[p];
+    if (unit == '*') {
+      if (t == text.size()) return pattern.find_first_not_of(u'*', p) == View::npos;
+      if (p + 1 == pattern.size()) return true;
+      for (; t < text.size(); ++t) {
+        if (slowMatches(text.substr(t), pattern.substr(p + 1), hasSets)) return true;
+      }
+      return false;
+    }
+    if (t == text.size()) return false;
+    const unichar c = text[t++];
+    if (unit == '?' || (unit == c && !(hasSets && unit == '['))) {
+      ++p;
+      continue;
+    }
+    if (!hasSets || unit != '[' || ++p == pattern.size()) return false;
+    const bool isNegated = pattern[p] == '^';
+    if (isNegated) ++p;
+    bool found = false;
+    while (p < pattern.size() && pattern[p] != ']' && !found) {
+      if (pattern[p] != '-') {
+        found = pattern[p] != '|' && pattern[p] == c;
+        ++p;
+      } else if (p + 1 == pattern.size()) {
+        ++p;
+      } else {
+        found = pattern[p - 1] <= c && c <= pattern[p + 1];
+        p += 2;
+      }
+    }
+    if (found == isNegated) return false;
+    while (p < pattern.size() && pattern[p] != ']') ++p;
+    p = std::min(p + 1, pattern.size());
+  }
+  return t == text.size();
+}
+
+TEST(WildcardMatching, Table) {
+  const struct {
+    View pattern, text;
+    bool plain, withSets;
+  } cases[] = {
+      {u"", u"", true, true},
+      {u"", u"a", false, false},
+      {u"*", u"", true, true},
+      {u"**", u"", true, true},
+      {u"*", u"abc", true, true},
+      {u"a*", u"a", true, true},
+      {u"*b", u"", false, false},
+      {u"a*b", u"ab", true, true},
+      {u"a*b", u"axxb", true, true},
+      {u"a*b", u"axxbc", false, false},
+      {u"a?c", u"ac", false, false},
+      {u"a?c", u"a?c", true, true},
+      {u"?*", u"", false, false},
+      {u"*a*b*c*", u"abcabc", true, true},
+      {u"*ab", u"abxab", true, true},
+      {u"*a?b", u"aabab", false, false},
+      {u"a**", u"a", true, true},
+      {u"\\*", u"\\x", true, true},
+      {u"[a-c]x", u"bx", false, true},
+      {u"[a-c]x", u"[a-c]x", true, false},
+      {u"[^a-c]x", u"bx", false, false},
+      {u"[^a-c]x", u"dx", false, true},
+      {u"[-z]", u"[", false, true},
+      {u"[-z]", u"a", false, true},
+      {u"[-z]", u"-", false, false},
+      {u"[a|b]", u"b", false, true},
+      {u"[a|b]", u"|", false, false},
+      {u"[]a", u"xa", false, false},
+      {u"[]a", u"a", false, false},
+      {u"[^]a", u"xa", false, true},
+      {u"a]", u"a]", true, true},
+      {u"^a", u"^a", true, true},
+      {u"[", u"[", true, false},
+      {u"[ab", u"b", false, true},
+      {u"[^ab", u"c", false, true},
+      {u"[^", u"c", false, true},
+      {u"[a-", u"a", false, true},
+      {u"[a-", u"-", false, false},
+      {u"[a^]", u"^", false, true},
+      {u"[[]", u"[", false, true},
+      {u"[a-]b]", u"ab]", false, true},
+      {u"[a-]b]", u"b", false, true},
+      {u"[*]", u"*", false, true},
+      {u"[*]", u"x", false, false},
+      {u"*[ab]*c", u"xxbyyc", false, true},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(plain(c.text, c.pattern), c.plain) << String(c.pattern).toUTF8() << ' ' << String(c.text).toUTF8();
+    EXPECT_EQ(withSets(c.text, c.pattern), c.withSets) << String(c.pattern).toUTF8() << ' ' << String(c.text).toUTF8();
+  }
+}
+
+std::vector<std::u16string> allTexts(View letters, size_t most) {
+  std::vector<std::u16string> texts = {u""};
+  for (size_t first = 0, length = 0; length < most; ++length) {
+    const size_t end = texts.size();
+    for (; first < end; ++first) {
+      for (const unichar c : letters) texts.push_back(texts[first] + c);
+    }
+  }
+  return texts;
+}
+
+void checkPattern(View pattern, const std::vector<std::u16string>& texts) {
+  for (const auto& text : texts) {
+    const bool expected = slowMatches(text, pattern, true);
+    ASSERT_EQ(withSets(text, pattern), expected) << String(pattern).toUTF8() << ' ' << String(text).toUTF8();
+    ASSERT_EQ(simulated(text, pattern), expected) << String(pattern).toUTF8() << ' ' << String(text).toUTF8();
+    ASSERT_EQ(plain(text, pattern), slowMatches(text, pattern, false));
+  }
+}
+
+TEST(WildcardMatching, EqualsTheDefinitionForAllShortPatterns) {
+  const auto texts = allTexts(u"a]-b", 3);
+  for (const auto& pattern : allTexts(u"[]-*ab", 5)) checkPattern(pattern, texts);
+}
+
+// Sets whose end depends on the text need at least seven units to matter behind a `*`.
+TEST(WildcardMatching, EqualsTheDefinitionForLongerPatterns) {
+  const auto texts = allTexts(u"ab]", 4);
+  std::mt19937 random(3);
+  for (int round = 0; round < 30000; ++round) {
+    std::u16string pattern = round % 3 ? u"*[" : u"";
+    const size_t length = 6 + random() % 3;
+    while (pattern.size() < length) pattern += View(u"[]-*ab")[random() % 6];
+    if (round % 2) pattern.replace(3 + random() % (length - 4), 2, u"-]");
+    checkPattern(pattern, texts);
+  }
+}
+
+TEST(WildcardMatching, LongTextsWithStars) {
+  std::mt19937 random(4);
+  for (int round = 0; round < 3000; ++round) {
+    std::u16string text, pattern;
+    for (size_t length = random() % 40; text.size() < length;) text += View(u"aab")[random() % 3];
+    const View pieces[] = {u"*", u"?", u"a", u"b", u"ab", u"[ab]", u"[^a]", u"[a-]"};
+    for (size_t count = 1 + random() % 7; count > 0; --count) pattern += pieces[random() % std::size(pieces)];
+    const bool expected = slowMatches(text, pattern, true);
+    ASSERT_EQ(withSets(text, pattern), expected) << String(pattern).toUTF8() << ' ' << String(text).toUTF8();
+    ASSERT_EQ(simulated(text, pattern), expected) << String(pattern).toUTF8() << ' ' << String(text).toUTF8();
+  }
+}
+
+TEST(WildcardMatching, ManyStarsAndLongPatterns) {
+  const std::u16string text(3000, u'a');
+  std::u16string stars, sets;
+  for (int i = 0; i < 1000; ++i) {
+    stars += u"*a";
+    sets += u"*[a-]b]";
+  }
+  EXPECT_TRUE(plain(text, stars));
+  EXPECT_FALSE(plain(text, stars + u"b"));
+  EXPECT_FALSE(withSets(text, sets));  // each set takes an "a" and wants "b]", or takes a "b"
+  EXPECT_TRUE(withSets(std::u16string(1000, u'b'), sets));
+}
+
+TEST(WildcardMatching, Strings) {
+  const struct {
+    String string, pattern;
+    bool like, likeNoCase, unixLike, unixLikeNoCase;
+  } cases[] = {
+      {u"", u"*", false, false, false, false},
+      {String(), u"*", false, false, false, false},
+      {u"a", u"", false, false, false, false},
+      {u"a", String(), false, false, false, false},
+      {u"a", u"*", true, true, true, true},
+      {u"ABC", u"a*C", false, true, false, true},
+      {u"b", u"[A-C]", false, false, false, true},
+      {u"[a-c]", u"[A-C]", false, true, false, false},
+      {u"stra\x00DF\x0065", u"STRA?E", false, true, false, true},
+      {u"\x00C4rger", u"\x00E4*", false, true, false, true},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(isLikeWildcard(c.string, c.pattern), c.like) << c.pattern.toUTF8();
+    EXPECT_EQ(isCaseInsensitiveLikeWildcard(c.string, c.pattern), c.likeNoCase) << c.pattern.toUTF8();
+    EXPECT_EQ(isLikeUnixWildcard(c.string, c.pattern), c.unixLike) << c.pattern.toUTF8();
+    EXPECT_EQ(isCaseInsensitiveLikeUnixWildcard(c.string, c.pattern), c.unixLikeNoCase) << c.pattern.toUTF8();
+  }
+  // Only the text is converted: a pattern that was not prepared stays as it is.
+  const View text = u"abc", pattern = u"a*";
+  EXPECT_FALSE(stringMatchesWildcardUsingUnicharTable(text.begin(), text.end(), pattern.begin(), pattern.end(),
+                                                      upperCharsTable()));
+}
+
+}  // namespace
+}  // namespace velan

@@ -1,0 +1,72 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "velan/text/ConversionTables.h"
+#include "velan/wildcard/WildcardMatching.h"
+
+namespace velan {
+namespace {
+
+using View = std::u16string_view;
+
+double similarity(View a, View b) { return stringMatchesUnixWildcardFuzzy(a.data(), a.size(), b.data(), b.size()); }
+
+double slowSimilarity(View a, View b) {
+  const View longer = a.size() > b.size() ? a : b, shorter = a.size() > b.size() ? b : a;
+  const auto n = static_cast<double>(longer.size());
+  double same = 0, pairs = 0, jumps = 0;
+  for (size_t i = 0; i < shorter.size(); ++i) same += longer[i] == shorter[i];
+  std::vector<bool> isFree(longer.size(), true);
+  for (int64_t i = 0, shift = 0; i < static_cast<int64_t>(shorter.size()); ++i) {
+    int64_t taken = -1;
+    for (int64_t j = 0; j < static_cast<int64_t>(longer.size()); ++j) {
+      if (!isFree[static_cast<size_t>(j)] || longer[static_cast<size_t>(j)] != shorter[static_cast<size_t>(i)])
+        continue;
+      if (taken < 0) taken = j;
+      if (j == i - shift) taken = j;
+    }
+    if (taken < 0) continue;
+    isFree[static_cast<size_t>(taken)] = false;
+    ++pairs;
+    if (i != 0 && taken != i - shift) ++jumps;
+    shift = i - taken;
+  }
+  return std::max(same / n, pairs * (1 - jumps / n) / n);
+}
+
+TEST(WordSimilarity, Values) {
+  const struct {
+    View a, b;
+    double similarity;
+  } cases[] = {{u"abcd", u"abcd", 1.0}, {u"abdc", u"abcd", 0.5}, {u"abc", u"abcd", 0.75}, {u"abcd", u"abc", 0.75},
+               {u"a", u"", 0.0},        {u"bcd", u"abcd", 0.75}, {u"xyz", u"abc", 0.0},   {u"Abcd", u"abcd", 0.75}};
+  for (const auto& c : cases) EXPECT_EQ(similarity(c.a, c.b), c.similarity);
+  EXPECT_TRUE(std::isnan(similarity(u"", u"")));
+  EXPECT_EQ(stringMatchesUnixWildcardFuzzyUsingUnicharTable(u"\x00C4"
+                                                            "b",
+                                                            2, u"aB", 2, upperUmlautsCharsTable()),
+            1.0);
+}
+
+// Around the length from which positions are queued; few letters make many choices.
+TEST(WordSimilarity, EqualsTheSlowOne) {
+  std::mt19937 random(5);
+  for (const size_t length : {3u, 8u, 20u, 511u, 512u, 513u, 700u}) {
+    for (int round = 0; round < 40; ++round) {
+      std::u16string a, b;
+      for (size_t i = 0; i < length; ++i) a += static_cast<unichar>('a' + random() % 9);
+      b = a;
+      for (auto i = random() % 6; i > 0; --i) std::swap(b[random() % length], b[random() % length]);
+      b.erase(random() % length, random() % 3);
+      EXPECT_EQ(similarity(a, b), slowSimilarity(a, b));
+      EXPECT_EQ(similarity(b, a), slowSimilarity(b, a));
+    }
+  }
+}
+
+}  // namespace
+}  // namespace velan

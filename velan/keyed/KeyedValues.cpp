@@ -1,0 +1,292 @@
+#include "velan/keyed/KeyedValues.h"
+
+#include <optional>
+
+#include "velan/base/FunctionRef.h"
+#include "velan/base/Log.h"
+#include "velan/base/PropertyList.h"
+#include "velan/base/ScratchBuffer.h"
+#include "velan/base/UTF.h"
+#include "velan/keyed/KeyedWalkInternal.h"
+#include "velan/keyed/KeyedWriting.h"
+#include "velan/keyed/TextNumbersInternal.h"
+
+namespace velan {
+namespace {
+
+using keyed::asText;
+using keyed::Record;
+using keyed::RecordWalk;
+
+constexpr size_t kInlineUTF8 = 512;
+constexpr size_t kFirstCapacity = 16;
+
+struct Pair {
+  Record key;
+  Record value;
+  std::string_view keyText;
+};
+
+// Goes to the next pair. The walk then stands at the pair's value.
+std::optional<Pair> nextPair(RecordWalk& walk) {
+  while (walk.find(VLst, kKeyedPairKey)) {
+    const Record key = walk.record();
+    const auto text = key.payload();
+    walk.advance();
+    if (text && walk.atRecord() && walk.record().key() == kKeyedPairValue)
+      return Pair{key, walk.record(), asText(*text)};
+  }
+  return std::nullopt;
+}
+
+// The first pair with this key: where its value begins, and whether that is whole only the record tells.
+std::optional<Pair> getKeyedValueHeaderForKey(std::span<const uint8_t> bytes, std::string_view key) {
+  RecordWalk walk(bytes);
+  while (const auto pair = nextPair(walk)) {
+    if (pair->keyText == key) return pair;
+  }
+  return std::nullopt;
+}
+
+Value valueWithPayload(uint32_t marker, std::span<const uint8_t> payload) {
+  if (marker == VLst) return String::fromUTF8(asText(payload));
+  if (marker == VLdt) return Data::withBytes(payload.data(), payload.size());
+  return readPropertyList(payload);
+}
+
+Value valueWithHeaderAndLength(const Record& record) {
+  const auto payload = record.payload();
+  switch (record.marker()) {
+    case VLbl:
+      return record.value<uint8_t>() != 0;
+    case VLun:
+      return record.value<uint32_t>();
+    case VLsi:
+      return record.value<int32_t>();
+    case VLul:
+      return record.value<uint64_t>();
+    case VLsl:
+      return record.value<int64_t>();
+    case VLfl:
+      return record.value<float>();
+    case VLdb:
+      return record.value<double>();
+    case VLda:
+      return Date(record.value<double>());
+    default:
+      return payload ? valueWithPayload(record.marker(), *payload) : Value();
+  }
+}
+
+// Hands over each pair whose value is whole, with its key (absent when it is not UTF-8) and its value where they are
+// wanted.
+void retrieveKeyValuePairs(KeyedBytes bytes, bool keys, bool values, FunctionRef<void(String, Value)> handle) {
+  RecordWalk walk(bytes.span());
+  while (const auto pair = nextPair(walk)) {
+    if (!pair->value.fits()) return;
+    handle(keys ? String::fromUTF8(pair->keyText) : String(), values ? valueWithHeaderAndLength(pair->value) : Value());
+  }
+}
+
+// Calls `use` with the key in UTF-8, and returns what that returns; logs a key that has no UTF-8 form.
+template <typename Use>
+auto withKeyText(const String& key, const Use& use) -> decltype(use(std::string_view())) {
+  const std::u16string_view units = key.view();
+  ScratchBuffer<char, kInlineUTF8> utf8(units.size() * kMaxUTF8BytesPerUnit);
+  if (utf8 && !units.empty()) {
+    const Transcoded converted = convertUTF16ToUTF8(units, utf8.data());
+    if (converted.consumed == units.size()) return use({utf8.data(), converted.written});
+  }
+  logMessage("WARNING: Key encoding failed: " + describe(key));
+  return decltype(use(std::string_view()))();
+}
+
+std::optional<Record> valueRecord(KeyedBytes bytes, std::string_view key) {
+  const auto pair = getKeyedValueHeaderForKey(bytes.span(), key);
+  return pair ? std::optional(pair->value) : std::nullopt;
+}
+
+std::optional<Record> valueRecord(KeyedBytes bytes, KeyedKeyBuffer key) {
+  if (!key.bytes || key.length < 1) return std::nullopt;
+  return valueRecord(bytes, std::string_view(static_cast<const char*>(key.bytes), static_cast<size_t>(key.length)));
+}
+
+std::string_view textOf(const Record& record) {
+  const auto payload = record.payload();
+  return payload ? asText(*payload) : std::string_view();
+}
+
+// As an integer, before its lowest byte is taken or not.
+int64_t integerFromRecord(const Record& record) {
+  switch (record.marker()) {
+    case VLbl:
+      return record.value<uint8_t>();
+    case VLun:
+    case VLsi:
+      return record.value<uint32_t>();
+    case VLul:
+    case VLsl:
+      return record.value<int64_t>();
+    case VLfl:
+      return saturatedInt64(static_cast<double>(record.value<float>()));
+    case VLdb:
+    case VLda:
+      return saturatedInt64(record.value<double>());
+    case VLst:
+      return keyed::leadingInteger(textOf(record));
+    default:
+      return 0;
+  }
+}
+
+double doubleFromRecord(const Record& record) {
+  switch (record.marker()) {
+    case VLst:
+      return keyed::leadingDouble(textOf(record));
+    case VLda:
+      return record.value<double>();
+    default:
+      return record.fits() ? valueWithHeaderAndLength(record).doubleValue() : 0;
+  }
+}
+
+bool isCharacterOfBoolean(const Value& value) {
+  const int64_t number = value.int64Value();
+  return value.kind() == ValueKind::Boolean || number == 0 || number == 1;
+}
+
+// The value record of a pair whose key record is there already. False when none was appended.
+bool addValueRecord(MutableData& data, const Value& value, const String& key) {
+  constexpr uint32_t kKey = kKeyedPairValue;
+  switch (value.kind()) {
+    case ValueKind::String:
+      return addString(data, value.string(), kKey);
+    case ValueKind::URL:
+      return addURL(data, value.url(), kKey);
+    case ValueKind::Float:
+      return addFloat(data, static_cast<float>(value.doubleValue()), kKey), true;
+    case ValueKind::Double:
+      return addDouble(data, value.doubleValue(), kKey), true;
+    case ValueKind::Boolean:
+    case ValueKind::Character:
+      if (isCharacterOfBoolean(value)) return addBool(data, value.boolValue(), kKey), true;
+      return addSigned(data, static_cast<int32_t>(value.int64Value()), kKey), true;
+    case ValueKind::UInt64:
+      return addSignedLongLong(data, static_cast<int64_t>(value.uint64Value()), kKey), true;
+    case ValueKind::Int32:
+    case ValueKind::UInt32:
+    case ValueKind::Int64:
+      return addSignedLongLong(data, value.int64Value(), kKey), true;
+    case ValueKind::Date:
+      return addDate(data, value.date(), kKey), true;
+    case ValueKind::Data:
+      return addData(data, value.data(), kKey);
+    case ValueKind::Array:
+    case ValueKind::Dictionary:
+      return addPlist(data, value, kKey);
+    case ValueKind::Absent:
+      break;
+  }
+  logMessage("WARNING: Unsupported keyed value <" + describe(key) + ">: " + describe(value));
+  return false;
+}
+
+}  // namespace
+
+ValueDictionary getKeyedValues(KeyedBytes bytes) {
+  std::vector<ValueDictionary::Entry> entries;
+  entries.reserve(kFirstCapacity);
+  retrieveKeyValuePairs(bytes, true, true, [&entries](String key, Value value) {
+    if (key && !value.isAbsent()) entries.push_back({std::move(key), std::move(value)});
+  });
+  return ValueDictionary(std::move(entries));
+}
+
+std::vector<String> getKeys(KeyedBytes bytes) {
+  std::vector<String> keys;
+  keys.reserve(kFirstCapacity);
+  retrieveKeyValuePairs(bytes, true, false, [&keys](String key, const Value&) {
+    if (key) keys.push_back(std::move(key));
+  });
+  return keys;
+}
+
+std::vector<Value> getValues(KeyedBytes bytes) {
+  std::vector<Value> values;
+  values.reserve(kFirstCapacity);
+  retrieveKeyValuePairs(bytes, false, true, [&values](const String&, Value value) {
+    if (!value.isAbsent()) values.push_back(std::move(value));
+  });
+  return values;
+}
+
+bool containsValueForKey(KeyedBytes bytes, const String& key) {
+  return withKeyText(key, [bytes](std::string_view text) { return valueRecord(bytes, text).has_value(); });
+}
+
+Value getValueForKey(KeyedBytes bytes, const String& key) {
+  return withKeyText(key, [bytes](std::string_view text) {
+    const auto record = valueRecord(bytes, text);
+    return record ? valueWithHeaderAndLength(*record) : Value();
+  });
+}
+
+bool containsValueForKeyBuffer(KeyedBytes bytes, KeyedKeyBuffer key) { return valueRecord(bytes, key).has_value(); }
+
+Value copyValueForKeyBuffer(KeyedBytes bytes, KeyedKeyBuffer key) {
+  const auto record = valueRecord(bytes, key);
+  return record ? valueWithHeaderAndLength(*record) : Value();
+}
+
+Value getValueForKeyBuffer(KeyedBytes bytes, KeyedKeyBuffer key) { return copyValueForKeyBuffer(bytes, key); }
+
+bool boolValueForKeyBuffer(KeyedBytes bytes, KeyedKeyBuffer key) {
+  const auto record = valueRecord(bytes, key);
+  if (!record) return false;
+  if (record->marker() == VLst) return keyed::booleanReading(textOf(*record));
+  return static_cast<uint8_t>(integerFromRecord(*record)) != 0;
+}
+
+int64_t longLongValueForKeyBuffer(KeyedBytes bytes, KeyedKeyBuffer key) {
+  const auto record = valueRecord(bytes, key);
+  return record ? integerFromRecord(*record) : 0;
+}
+
+double doubleValueForKeyBuffer(KeyedBytes bytes, KeyedKeyBuffer key) {
+  const auto record = valueRecord(bytes, key);
+  return record ? doubleFromRecord(*record) : 0;
+}
+
+void addValue(MutableData& data, const Value& value, const String& key) {
+  if (value.isAbsent()) return;
+  const size_t start = data.length();
+  if (!addString(data, key, kKeyedPairKey)) return;
+  if (!addValueRecord(data, value, key) && value.kind() == ValueKind::String) data.setLength(start);
+}
+
+void setValue(MutableData& data, const Value& value, const String& key) {
+  removeValueForKey(data, key);
+  addValue(data, value, key);
+}
+
+void addKeyedValues(MutableData& data, const ValueDictionary& values) {
+  for (const auto& entry : values) addValue(data, entry.value, entry.key);
+}
+
+void setKeyedValues(MutableData& data, const ValueDictionary& values) {
+  data.clear();
+  addKeyedValues(data, values);
+}
+
+void removeValueForKey(MutableData& data, const String& key) {
+  const auto pair =
+      withKeyText(key, [&data](std::string_view text) { return getKeyedValueHeaderForKey(data.span(), text); });
+  if (!pair || !pair->value.fits()) return;
+  const auto first = static_cast<size_t>(pair->key.start() - data.bytes());
+  const auto past = static_cast<size_t>(pair->value.start() - data.bytes() + static_cast<int64_t>(pair->value.size()));
+  uint8_t* bytes = data.mutableBytes();
+  std::memmove(bytes + first, bytes + past, data.length() - past);
+  data.setLength(data.length() - (past - first));
+}
+
+}  // namespace velan

@@ -1,0 +1,39 @@
+// What this build of the library and this machine offer: for "--version" pages and bug reports.
+#ifndef VELAN_PLATFORM_SERVICES_H
+#define VELAN_PLATFORM_SERVICES_H
+
+#include <string>
+#include <vector>
+
+#include "velan/base/CTypes.h"
+
+namespace velan {
+
+/// Another library that this one may stand on.
+struct Service {
+  std::string name;
+  std::string version;  // of the library in use; empty when the build is without it
+  std::string purpose;
+};
+
+/// All services, in a fixed order, also those that the build is without.
+VELAN_EXPORT std::vector<Service> services();
+
+/// The version of the Unicode Standard that all character data come from, such as "15.0".
+VELAN_EXPORT std::string unicodeVersion();
+
+/// Data for the lemmas of one language.
+struct LemmaSource {
+  std::string language;  // as its file has it: "en", "de_DE"
+  std::string service;   // what reads it
+  std::string path;      // the folder or the file
+};
+
+/// What lemma data the machine has, found anew on each call: WordNet in `$VELAN_WORDNET` or the distribution's folder,
+/// then the Hunspell dictionaries (if the build reads them) in the folders of `$DICPATH` and the distribution's, by
+/// language; names that lead to the same file are listed once.
+VELAN_EXPORT std::vector<LemmaSource> lemmaSources();
+
+}  // namespace velan
+
+#endif  // VELAN_PLATFORM_SERVICES_H

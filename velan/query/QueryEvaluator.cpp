@@ -1,0 +1,235 @@
+#include <algorithm>
+#include <utility>
+
+#include "velan/query/QueryEvaluatorInternal.h"
+
+namespace velan {
+namespace {
+
+// Groups nested deeper are evaluated without witnesses.
+constexpr int kDeepestWitnesses = 64;
+
+// Whether a child joined by `queryOperator` can change what its group has come to so far.
+bool decides(QueryOperator queryOperator, bool running) {
+  switch (queryOperator) {
+    case QueryOperator::Or:
+      return !running;
+    case QueryOperator::Xor:
+      return true;
+    case QueryOperator::Optional:
+    case QueryOperator::Mixed:
+      return false;
+    default:
+      return running;
+  }
+}
+
+}  // namespace
+
+bool hasOwnRelation(const QueryTerms& node) {
+  return isProximity(node.queryOperator()) && node.proximityDistance() > 0;
+}
+
+Relation relationOfChild(const Relation& inherited, const QueryTerms::Children& children, size_t index) {
+  const QueryTerms& child = *children[index];
+  if (index == 0 || !hasOwnRelation(child)) return inherited;
+  return {children[index - 1].get(), child.queryOperator(), child.proximityDistance()};
+}
+
+RelationRanges::RelationRanges(const SearchedText& text, LeafSearch& leaf, bool negated, const Relation& relation,
+                               Range range)
+    : _text(text),
+      _leaf(leaf),
+      _negated(negated),
+      _operator(relation.queryOperator),
+      _distance(relation.distance),
+      _range(range),
+      _number(leaf.isWholeRange() ? 0 : leaf.numberFrom(range.location)),
+      _pieceStart(range.location) {}
+
+Range RelationRanges::next() { return _negated ? nextPiece() : nextSpan(); }
+
+Range RelationRanges::nextSpan() {
+  if (_leaf.isWholeRange()) return _number++ == 0 && _range.length > 0 ? _range : kAbsentRange;
+  const int64_t end = endOf(_range);
+  const Range* place = _leaf.at(_number);
+  if (!place || endOf(*place) > end) return kAbsentRange;
+  ++_number;
+  const bool reachesBack = _operator != QueryOperator::After;
+  const bool reachesOn = _operator == QueryOperator::Near || _operator == QueryOperator::After;
+  const int64_t spanStart =
+      reachesBack ? _text.wordStartBefore(place->location, _distance, _range.location) : place->location;
+  const int64_t spanEnd = reachesOn ? _text.wordEndAfter(endOf(*place), _distance, end) : endOf(*place);
+  return {spanStart, spanEnd - spanStart};
+}
+
+Range RelationRanges::nextPiece() {
+  const int64_t end = endOf(_range);
+  while (_pieceStart < end) {
+    const Range span = nextSpan();
+    const int64_t start = std::exchange(_pieceStart, isPresent(span) ? std::max(_pieceStart, endOf(span)) : end);
+    const int64_t pieceEnd = isPresent(span) ? span.location : end;
+    if (pieceEnd > start) return {start, pieceEnd - start};
+  }
+  return kAbsentRange;
+}
+
+QueryEvaluator::QueryEvaluator(const FastWordEnumerator& enumerator, QueryComparison comparison, LeafKind kind)
+    : _text(enumerator, comparison, SearchedText::Mapping::InAdvance),
+      _kind(kind),
+      _fuzzy(velan::contains(comparison, QueryComparison::Fuzzy)) {}
+
+LeafSearch& QueryEvaluator::search(const QueryTerms& leaf) {
+  auto& search = _searches[&leaf];
+  if (!search) search = std::make_unique<LeafSearch>(_text, leaf, _kind, _fuzzy);
+  return *search;
+}
+
+RelationRanges QueryEvaluator::relationRanges(const QueryTerms& leaf, const Relation& relation, Range range) {
+  return {_text, search(leaf), leaf.queryNot(), relation, range};
+}
+
+size_t QueryEvaluator::PlaceHash::operator()(const Place& place) const {
+  auto hash = reinterpret_cast<uintptr_t>(place.node) * 0x9E3779B97F4A7C15u;
+  hash = (hash ^ static_cast<uint64_t>(place.range.location)) * 0x9E3779B97F4A7C15u;
+  hash = (hash ^ (hash >> 32) ^ static_cast<uint64_t>(place.range.length)) * 0x9E3779B97F4A7C15u;
+  return hash ^ (hash >> 32);
+}
+
+bool QueryEvaluator::holdsLeaf(const QueryTerms& leaf, Range range) {
+  return isPresent(search(leaf).firstIn(range)) != leaf.queryNot();
+}
+
+bool QueryEvaluator::holds(const QueryTerms& node, Range range) {
+  if (node.isWord()) return holdsLeaf(node, range);
+  if (const Ranges* known = witnesses(node)) return holdsWithin(*known, range);
+  const Place place{&node, range};
+  if (const auto found = _remembered.find(place); found != _remembered.end()) return found->second;
+  return _remembered[place] = evaluate(node, {}, range);
+}
+
+bool QueryEvaluator::evaluate(const QueryTerms& node, const Relation& relation, Range range) {
+  std::vector<Frame> frames;
+  frames.push_back({&node, relation, range, 0, false, nullptr, kAbsentRange});
+  bool result = false;
+  while (!frames.empty()) {
+    if (std::optional<Frame> first = step(frames.back(), result)) {
+      frames.push_back(std::move(*first));
+    } else {
+      frames.pop_back();
+    }
+  }
+  return result;
+}
+
+std::optional<QueryEvaluator::Frame> QueryEvaluator::step(Frame& frame, bool& result) {
+  if (!frame.node->isWord()) return stepGroup(frame, result);
+  if (frame.relation.partner) return stepRelated(frame, result);
+  result = holdsLeaf(*frame.node, frame.range);
+  return std::nullopt;
+}
+
+// `result` is that of child `next - 1` when there is one.
+std::optional<QueryEvaluator::Frame> QueryEvaluator::stepGroup(Frame& frame, bool& result) {
+  const auto& children = frame.node->children();
+  if (frame.next > 0) {
+    const bool exclusive = frame.next > 1 && children[frame.next - 1]->queryOperator() == QueryOperator::Xor;
+    frame.running = exclusive ? frame.running != result : result;
+  }
+  while (frame.next < children.size()) {
+    const size_t index = frame.next++;
+    if (index > 0 && !decides(children[index]->queryOperator(), frame.running)) continue;
+    return Frame{
+        children[index].get(), relationOfChild(frame.relation, children, index), frame.range, 0, false, nullptr,
+        kAbsentRange};
+  }
+  result = !children.empty() && frame.running != frame.node->queryNot();
+  return std::nullopt;
+}
+
+// `result` is that of the partner in `span` when there is one.
+std::optional<QueryEvaluator::Frame> QueryEvaluator::stepRelated(Frame& frame, bool& result) {
+  const QueryTerms& partner = *frame.relation.partner;
+  if (!frame.ranges) {
+    frame.ranges = std::make_unique<RelationRanges>(relationRanges(*frame.node, frame.relation, frame.range));
+    result = false;
+  } else {
+    _remembered[{&partner, frame.span}] = result;
+  }
+  while (!result && isPresent(frame.span = frame.ranges->next())) {
+    if (partner.isWord()) {
+      result = holdsLeaf(partner, frame.span);
+    } else if (const Ranges* known = witnesses(partner)) {
+      result = holdsWithin(*known, frame.span);
+    } else if (const auto found = _remembered.find({&partner, frame.span}); found != _remembered.end()) {
+      result = found->second;
+    } else {
+      return Frame{&partner, {}, frame.span, 0, false, nullptr, kAbsentRange};
+    }
+  }
+  return std::nullopt;
+}
+
+bool QueryEvaluator::hasWitnesses(const QueryTerms& node) {
+  struct Level {
+    const QueryTerms* node;
+    int depth;
+  };
+  std::vector<Level> pending{{&node, 0}};
+  while (!pending.empty()) {
+    const Level level = pending.back();
+    pending.pop_back();
+    if (level.node->queryNot() || level.depth > kDeepestWitnesses) return false;
+    if (level.node->isWord() && search(*level.node).isWholeRange()) return false;
+    const auto& children = level.node->children();
+    for (size_t i = 0; i < children.size(); ++i) {
+      if (i > 0 && children[i]->queryOperator() == QueryOperator::Xor) return false;
+      pending.push_back({children[i].get(), level.depth + 1});
+    }
+  }
+  return true;
+}
+
+const Ranges* QueryEvaluator::witnesses(const QueryTerms& node) {
+  const auto [entry, isNew] = _witnesses.try_emplace(&node);
+  if (isNew && hasWitnesses(node)) {
+    Ranges found = findWitnesses(node, {});
+    return &_witnesses[&node].emplace(std::move(found));  // finding others may have moved the entry
+  }
+  return entry->second ? &*entry->second : nullptr;
+}
+
+Ranges QueryEvaluator::placesOf(const QueryTerms& leaf) {
+  LeafSearch& places = search(leaf);
+  Ranges all;
+  for (size_t number = 0; const Range* place = places.at(number); ++number) all.push_back(*place);
+  return all;
+}
+
+// The same fold as that of `stepGroup`, of witnesses instead of results.
+Ranges QueryEvaluator::findWitnesses(const QueryTerms& node, const Relation& relation) {
+  if (node.isWord()) {
+    Ranges places = placesOf(node);
+    if (!relation.partner) return places;
+    Ranges spans;
+    RelationRanges ranges = relationRanges(node, relation, {0, _text.length()});
+    for (Range span = ranges.next(); isPresent(span); span = ranges.next()) spans.push_back(span);
+    const QueryTerms& partner = *relation.partner;
+    return witnessesOfRelation(places, spans, partner.isWord() ? placesOf(partner) : *witnesses(partner));
+  }
+  Ranges running;
+  const auto& children = node.children();
+  for (size_t i = 0; i < children.size(); ++i) {
+    const QueryOperator queryOperator = children[i]->queryOperator();
+    if (i > 0 && (queryOperator == QueryOperator::Optional || queryOperator == QueryOperator::Mixed)) continue;
+    Ranges next = findWitnesses(*children[i], relationOfChild(relation, children, i));
+    if (i == 0) {
+      running = std::move(next);
+    } else {
+      running = queryOperator == QueryOperator::Or ? witnessesOfEither(running, next) : witnessesOfBoth(running, next);
+    }
+  }
+  return running;
+}
+
+}  // namespace velan

@@ -1,0 +1,126 @@
+// The meaning of a query tree.
+//
+// A group evaluates its children from left to right and folds their results: and, or, exclusive or; an optional child
+// never decides. A leaf holds in a range when it occurs there, a negated one when it does not. A negated group inverts
+// its result.
+//
+// Proximity. In "P op/d N" the later term N carries operator, distance and negation; its partner P is the child
+// directly before it in the group, and the fold must be true so far. Let R be the searched range; an empty R gives
+// false, negated or not. N's occurrences in R, from left to right, have one span each, clipped to R: from the d-th word
+// start before the occurrence (for AFTER: from its own start) to the d-th word end after it (for BEFORE and NEXT: to
+// its own end).
+//  - Not negated: true when P, without a partner of its own, holds inside at least one span.
+//  - Negated: true when P, without a partner, holds inside at least one longest non-empty piece of R outside all spans;
+//    without any N the one piece is R. P lies wholly in one piece, a group P is satisfied within one piece, a negated P
+//    is inverted within the piece.
+//  - A group N hands partner, operator, distance and range to its children joined by and, or, exclusive or, so that
+//    "a NEAR (b OR c)" relates a to b or to c; a negated group N inverts its whole result.
+// A distance of zero or less relates like and. An empty tree matches nothing.
+#ifndef VELAN_QUERY_QUERY_EVALUATOR_INTERNAL_H
+#define VELAN_QUERY_QUERY_EVALUATOR_INTERNAL_H
+
+#include <memory>
+#include <optional>
+#include <unordered_map>
+#include <vector>
+
+#include "velan/query/LeafSearchInternal.h"
+#include "velan/query/WitnessesInternal.h"
+
+namespace velan {
+
+/// What a proximity operator relates a node to; without a partner there is no relation.
+struct Relation {
+  const QueryTerms* partner = nullptr;
+  QueryOperator queryOperator = QueryOperator::Mixed;
+  int64_t distance = 0;
+};
+
+/// Whether `node` is related to the child before it by a proximity operator of its own.
+bool hasOwnRelation(const QueryTerms& node);
+
+/// The relation of child `index` of a group whose own relation is `inherited`.
+Relation relationOfChild(const Relation& inherited, const QueryTerms::Children& children, size_t index);
+
+/// The ranges in which the partner of a leaf has to hold: the spans of the leaf's occurrences or, when it is negated,
+/// the pieces outside all spans. Both beginnings and ends grow.
+class RelationRanges {
+ public:
+  RelationRanges(const SearchedText& text, LeafSearch& leaf, bool negated, const Relation& relation, Range range);
+
+  /// The next range, absent when there is none.
+  Range next();
+  /// The number of the occurrence that the last span belongs to.
+  size_t occurrence() const { return _number - 1; }
+
+ private:
+  Range nextSpan();
+  Range nextPiece();
+
+  const SearchedText& _text;
+  LeafSearch& _leaf;
+  const bool _negated;
+  const QueryOperator _operator;
+  const int64_t _distance;
+  const Range _range;
+  size_t _number;
+  int64_t _pieceStart;
+};
+
+/// Evaluates any nodes of one tree on one text. Each leaf is searched once, and what a group that is a partner gives in
+/// a span is remembered. Depth of the tree costs memory only.
+class QueryEvaluator {
+ public:
+  /// `fuzzy` and the mapping of the units are taken from `comparison`.
+  QueryEvaluator(const FastWordEnumerator& enumerator, QueryComparison comparison, LeafKind kind);
+
+  const SearchedText& text() const { return _text; }
+  LeafSearch& search(const QueryTerms& leaf);
+  bool evaluate(const QueryTerms& node, const Relation& relation, Range range);
+  /// `evaluate` without a relation, remembered.
+  bool holds(const QueryTerms& node, Range range);
+  RelationRanges relationRanges(const QueryTerms& leaf, const Relation& relation, Range range);
+  /// The witnesses of `node` without a relation in the whole text; null where there are none to be had: with a
+  /// negation, an exclusive or or a lone `*` at or below the node, or when it nests deeper than is worth a recursion.
+  const Ranges* witnesses(const QueryTerms& node);
+
+ private:
+  // A node that is being evaluated. `step` either names the node that must be evaluated before it goes on, or gives the
+  // result.
+  struct Frame {
+    const QueryTerms* node;
+    Relation relation;
+    Range range;
+    size_t next = 0;                         // of a group: the child to go on with
+    bool running = false;                    // of a group: the result so far
+    std::unique_ptr<RelationRanges> ranges;  // of a related leaf
+    Range span = kAbsentRange;               // of a related leaf: where its partner is being evaluated
+  };
+  struct Place {
+    const QueryTerms* node;
+    Range range;
+    bool operator==(const Place& other) const { return node == other.node && range == other.range; }
+  };
+  struct PlaceHash {
+    size_t operator()(const Place& place) const;
+  };
+
+  std::optional<Frame> step(Frame& frame, bool& result);
+  std::optional<Frame> stepGroup(Frame& frame, bool& result);
+  std::optional<Frame> stepRelated(Frame& frame, bool& result);
+  bool holdsLeaf(const QueryTerms& leaf, Range range);
+  bool hasWitnesses(const QueryTerms& node);
+  Ranges findWitnesses(const QueryTerms& node, const Relation& relation);
+  Ranges placesOf(const QueryTerms& leaf);
+
+  const SearchedText _text;
+  const LeafKind _kind;
+  const bool _fuzzy;
+  std::unordered_map<const QueryTerms*, std::unique_ptr<LeafSearch>> _searches;
+  std::unordered_map<Place, bool, PlaceHash> _remembered;
+  std::unordered_map<const QueryTerms*, std::optional<Ranges>> _witnesses;
+};
+
+}  // namespace velan
+
+#endif  // VELAN_QUERY_QUERY_EVALUATOR_INTERNAL_H

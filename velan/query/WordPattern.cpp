@@ -1,0 +1,182 @@
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+#include "velan/query/WordPatternInternal.h"
+#include "velan/wildcard/WildcardMatching.h"
+#include "velan/wildcard/WildcardPattern.h"
+
+namespace velan {
+namespace {
+
+// Types whose literal units stand in one run.
+constexpr bool hasOneLiteral(uint32_t type) {
+  return type == WildcardTypeExact || type == WildcardTypePrefix || type == WildcardTypeSuffix ||
+         type == WildcardTypeContains;
+}
+
+std::vector<std::u16string> wordsOf(std::u16string_view text, bool wildcard) {
+  std::vector<std::u16string> words;
+  if (const auto enumerator = FastWordEnumerator::enumeratorWithString(String(text), false, wildcard)) {
+    enumerator->enumerateWordsInRange({0, enumerator->length()},
+                                      [&words](const FastWordEnumerator& each, int64_t start, int64_t length) {
+                                        words.emplace_back(each.characters() + start, static_cast<size_t>(length));
+                                        return false;
+                                      });
+  }
+  return words;
+}
+
+// The normal form of a pattern that would be usable if it had a literal: with one at its end it is. Nothing for a
+// malformed pattern.
+std::optional<std::u16string> normalFormWithoutLiteral(std::u16string_view pattern) {
+  std::u16string units(pattern);
+  units.push_back(u'a');
+  Range range{};
+  const uint32_t type = optimizeWildcard(units.data(), units.data() + units.size(), &range, 1);
+  if (type == WildcardTypeUnusable) return std::nullopt;
+  units.resize(static_cast<size_t>(normalFormLength(type, range) - 1));
+  return units;
+}
+
+}  // namespace
+
+WordPattern::Piece WordPattern::wildcardPiece(std::u16string pattern, bool anyWord, bool fuzzy) {
+  const auto withoutLiteral = anyWord ? normalFormWithoutLiteral(pattern) : std::nullopt;
+  Piece piece{std::move(pattern), WildcardTypeUnusable, {0, 0}, 0, 0, fuzzy};
+  unichar* start = piece.units.data();
+  piece.type = optimizeWildcard(start, start + piece.units.size(), &piece.literal, 1);
+  if (piece.type != WildcardTypeUnusable) {
+    piece.units.resize(static_cast<size_t>(normalFormLength(piece.type, piece.literal)));
+  } else if (withoutLiteral) {
+    piece.units = *withoutLiteral;
+    piece.type = WildcardTypeGeneral;
+  } else {
+    return piece;
+  }
+  start = piece.units.data();
+  piece.minLength = minWildcardLen(start, start + piece.units.size());
+  piece.maxLength = maxWildcardLen(start, start + piece.units.size());
+  return piece;
+}
+
+WordPattern::Piece WordPattern::literalPiece(std::u16string word) {
+  const auto length = static_cast<int64_t>(word.size());
+  return {std::move(word), WildcardTypeExact, {0, length}, length, length, false};
+}
+
+WordPattern WordPattern::withWildcard(const SearchedText& text, std::u16string_view pattern, bool split, bool phrase,
+                                      bool fuzzy) {
+  WordPattern result;
+  if (normalFormWithoutLiteral(pattern) == u"*") {
+    result._wholeRange = true;
+    return result;
+  }
+  const auto pieces = wordsOf(pattern, true);
+  const bool holdsSeparators = pieces.size() != 1 || pieces.front().size() != pattern.size();
+  if (holdsSeparators && !split) return result;
+  for (const std::u16string& piece : pieces) {
+    result._pieces.push_back(wildcardPiece(text.mapped(piece), holdsSeparators || phrase, fuzzy));
+    if (result._pieces.back().type == WildcardTypeUnusable) {
+      result._pieces.clear();
+      break;
+    }
+  }
+  return result;
+}
+
+WordPattern WordPattern::withPhrase(const SearchedText& text, std::u16string_view phrase) {
+  WordPattern result;
+  for (const std::u16string& word : wordsOf(phrase, false)) {
+    result._pieces.push_back(literalPiece(text.mapped(word)));
+  }
+  return result;
+}
+
+std::u16string_view WordPattern::literalOf(const Piece& piece) {
+  return std::u16string_view(piece.units)
+      .substr(static_cast<size_t>(piece.literal.location), static_cast<size_t>(piece.literal.length));
+}
+
+// Comparisons with the threshold are written so that a similarity that is not a number is never enough.
+bool WordPattern::isSimilar(const Piece& piece, const SearchedText& text, Range word) {
+  const double threshold = minWildcardFuzzyAnalogy();
+  const auto wordLength = static_cast<size_t>(word.length);
+  const auto [shorter, longer] = std::minmax({piece.units.size(), wordLength});
+  if (!(static_cast<double>(shorter) / static_cast<double>(longer) >= threshold)) return false;
+  const unichar* units = text.units() + word.location;
+  // The pattern is mapped already; mapping it again changes nothing, because the tables' results map to themselves.
+  const double similarity =
+      text.table() ? stringMatchesUnixWildcardFuzzyUsingUnicharTable(piece.units.data(), piece.units.size(), units,
+                                                                     wordLength, text.table())
+                   : stringMatchesUnixWildcardFuzzy(piece.units.data(), piece.units.size(), units, wordLength);
+  return similarity >= threshold;
+}
+
+bool WordPattern::matches(const Piece& piece, const SearchedText& text, Range word) {
+  if (piece.type == WildcardTypeExact && piece.fuzzy) return isSimilar(piece, text, word);
+  if (word.length < piece.minLength || word.length > piece.maxLength) return false;
+  const unichar* start = text.units() + word.location;
+  const unichar* end = start + word.length;
+  const unichar* pattern = piece.units.data();
+  const unichar* patternEnd = pattern + piece.units.size();
+  switch (piece.type) {
+    case WildcardTypeExact:
+    case WildcardTypePrefix:
+      return text.hasUnitsAt(word.location, literalOf(piece));
+    case WildcardTypeSuffix:
+      return text.hasUnitsAt(endOf(word) - piece.literal.length, literalOf(piece));
+    case WildcardTypeContains:
+      return text.find(literalOf(piece), word.location, endOf(word)) >= 0;
+    case WildcardTypeAnyOne:
+    case WildcardTypeGeneral:
+      return stringMatchesWildcardUsingUnicharTable(start, end, pattern, patternEnd, text.table());
+    default:
+      return stringMatchesUnixWildcardUsingUnicharTable(start, end, pattern, patternEnd, text.table());
+  }
+}
+
+Range WordPattern::firstIn(const SearchedText& text, Range range) const {
+  if (_wholeRange) return range.length > 0 ? range : kAbsentRange;
+  if (_pieces.empty()) return kAbsentRange;
+  const Piece& first = _pieces.front();
+  const bool oneLiteral =
+      _pieces.size() == 1 && hasOneLiteral(first.type) && !(first.type == WildcardTypeExact && first.fuzzy);
+  return oneLiteral ? firstLiteralIn(text, range) : firstWordsIn(text, range);
+}
+
+// Searches the literal first and looks at words only where it stands; each word is looked at once.
+Range WordPattern::firstLiteralIn(const SearchedText& text, Range range) const {
+  const Piece& piece = _pieces.front();
+  const int64_t end = endOf(range);
+  int64_t from = range.location;
+  while (true) {
+    const int64_t hit = text.find(literalOf(piece), from, end);
+    if (hit < 0) return kAbsentRange;
+    const Range word = text.words().rangeOfWordAtIndex(hit);
+    if (!isPresent(word)) {
+      from = hit + 1;
+      continue;
+    }
+    from = std::max(endOf(word), hit + 1);
+    if (word.location >= range.location && endOf(word) <= end && matches(piece, text, word)) return word;
+    if (from >= end) return kAbsentRange;
+  }
+}
+
+Range WordPattern::firstWordsIn(const SearchedText& text, Range range) const {
+  const int64_t end = endOf(range);
+  Range first = text.firstWordIn(range.location, end);
+  for (; isPresent(first); first = text.firstWordIn(endOf(first), end)) {
+    Range word = first;
+    size_t matched = 0;
+    while (matches(_pieces[matched], text, word)) {
+      if (++matched == _pieces.size()) return {first.location, endOf(word) - first.location};
+      word = text.firstWordIn(endOf(word), end);
+      if (!isPresent(word)) return kAbsentRange;  // too few words are left, here and further on
+    }
+  }
+  return kAbsentRange;
+}
+
+}  // namespace velan

@@ -1,0 +1,63 @@
+// Patterns for one word or for several words in a row, prepared for many comparisons.
+#ifndef VELAN_QUERY_WORD_PATTERN_INTERNAL_H
+#define VELAN_QUERY_WORD_PATTERN_INTERNAL_H
+
+#include <string>
+#include <vector>
+
+#include "velan/base/Range.h"
+#include "velan/query/SearchedTextInternal.h"
+#include "velan/wildcard/WildcardPattern.h"
+
+namespace velan {
+
+/// The length of the normal form that `optimizeWildcard` left, from its results.
+constexpr int64_t normalFormLength(uint32_t type, Range range) {
+  const bool endsWithStar = type == WildcardTypePrefix || type == WildcardTypeContains || type == WildcardTypeSetPrefix;
+  return endOf(range) + (endsWithStar ? 1 : 0);
+}
+
+/// A wildcard pattern, split at the separators outside its sets into one piece for each of several consecutive words;
+/// or the words of a phrase. Pieces are kept in normal form, mapped like the text that they are searched in.
+class WordPattern {
+ public:
+  /// The pieces of a wildcard pattern; one that holds separators is never found without `split`. Where it does, and in
+  /// a `phrase`, a piece without a literal stands for any word of fitting length. With `fuzzy` pieces without wildcards
+  /// accept similar words.
+  static WordPattern withWildcard(const SearchedText& text, std::u16string_view pattern, bool split, bool phrase,
+                                  bool fuzzy);
+  /// The words of a phrase as they are, by the word separators.
+  static WordPattern withPhrase(const SearchedText& text, std::u16string_view phrase);
+
+  /// Whether the pattern is a lone `*`, which stands for whatever range is searched.
+  bool isWholeRange() const { return _wholeRange; }
+  /// The first place in `range` where the pieces match consecutive words, from the first word's start to the last one's
+  /// end; words that `range` cuts do not count. Absent if there is none.
+  Range firstIn(const SearchedText& text, Range range) const;
+
+ private:
+  struct Piece {
+    std::u16string units;
+    uint32_t type;
+    Range literal;  // of the literal units, for types 0 and 2 to 4
+    int64_t minLength;
+    int64_t maxLength;
+    bool fuzzy;
+  };
+
+  static Piece wildcardPiece(std::u16string pattern, bool anyWord, bool fuzzy);
+  static Piece literalPiece(std::u16string word);
+  static bool matches(const Piece& piece, const SearchedText& text, Range word);
+  static bool isSimilar(const Piece& piece, const SearchedText& text, Range word);
+  static std::u16string_view literalOf(const Piece& piece);
+
+  Range firstLiteralIn(const SearchedText& text, Range range) const;
+  Range firstWordsIn(const SearchedText& text, Range range) const;
+
+  std::vector<Piece> _pieces;
+  bool _wholeRange = false;
+};
+
+}  // namespace velan
+
+#endif  // VELAN_QUERY_WORD_PATTERN_INTERNAL_H

@@ -1,0 +1,166 @@
+#include "velan/wildcard/WildcardMatching.h"
+
+#include <algorithm>
+
+#include "velan/base/ScratchBuffer.h"
+#include "velan/base/String.h"
+#include "velan/text/ConversionTables.h"
+#include "velan/wildcard/WildcardPattern.h"
+#include "velan/wildcard/WildcardSimulationInternal.h"
+
+namespace velan {
+namespace {
+
+// Where the pattern goes on after an element that accepts the unit, null when it does not.
+struct Step {
+  const unichar* next;
+  bool dependsOnText;  // another unit might have ended the set elsewhere
+};
+
+// Behind a member that matches, the pattern goes on after the next `]`.
+Step stepOverRest(const unichar* p, const unichar* end, bool dependsOnText) {
+  const unichar* close = std::find(p, end, u']');
+  if (close == end) return {end, dependsOnText};
+  return {close + 1, dependsOnText || close[-1] == '-'};
+}
+
+// `p` is at a set's `[`.
+Step stepOverSet(const unichar* p, const unichar* end, unichar c) {
+  constexpr Step kFails{nullptr, false};
+  if (++p == end) return kFails;
+  const bool isNegated = *p == '^';
+  if (isNegated) ++p;
+  bool dependsOnText = false;
+  while (p < end) {
+    const unichar member = *p++;
+    bool matches = false;
+    if (member == ']') break;
+    if (member != '-') {
+      matches = member == c && c != '|';
+    } else if (p < end) {
+      matches = p[-2] <= c && c <= *p;
+      dependsOnText = dependsOnText || *p == ']';
+      ++p;
+    }
+    if (matches) return isNegated ? kFails : stepOverRest(p, end, dependsOnText);
+  }
+  return isNegated ? Step{p, dependsOnText} : kFails;
+}
+
+template <bool kHasSets>
+Step stepOver(const unichar* p, const unichar* end, unichar c) {
+  if (kHasSets && *p == '[') return stepOverSet(p, end, c);
+  return {*p == c || *p == '?' ? p + 1 : nullptr, false};
+}
+
+template <bool kHasSets>
+bool isLiteral(unichar unit) {
+  return unit != '*' && unit != '?' && !(kHasSets && unit == '[');
+}
+
+// Goes back only to the last `*`: as what stands between two of them always covers the same number of units, nothing is
+// gained by letting an earlier one cover more. Where that does not hold, because a set behind a `*` ends elsewhere for
+// another unit, the simulation takes over from that `*` on.
+template <bool kHasSets, typename Map>
+bool matches(const unichar* text, const unichar* textEnd, const unichar* pattern, const unichar* patternEnd, Map map,
+             const unichar* table) {
+  const unichar* t = text;
+  const unichar* p = pattern;
+  const unichar* star = nullptr;   // the last `*`
+  const unichar* start = nullptr;  // where the text behind it began, at the last attempt
+  for (;;) {
+    if (p < patternEnd && *p == '*') {
+      star = p++;
+      start = t;
+      if (p == patternEnd) return true;
+    } else if (p < patternEnd && t < textEnd) {
+      const Step step = stepOver<kHasSets>(p, patternEnd, map(*t));
+      if (step.next) {
+        if (kHasSets && step.dependsOnText && star) {
+          return simulateUnixWildcard(start, textEnd, star, patternEnd, table);
+        }
+        p = step.next;
+        ++t;
+        continue;
+      }
+      if (!star) return false;
+      p = star + 1;
+      ++start;
+    } else if (t == textEnd) {
+      return p == patternEnd;  // a later attempt would have still less text
+    } else {
+      if (!star) return false;
+      p = star + 1;
+      start = textEnd - (t - start);  // only the end of the text is left to try
+    }
+    if (isLiteral<kHasSets>(*p)) {
+      while (start < textEnd && map(*start) != *p) ++start;
+    }
+    t = start;
+  }
+}
+
+template <bool kHasSets>
+bool matchesUsingTable(const unichar* text, const unichar* textEnd, const unichar* pattern, const unichar* patternEnd,
+                       const unichar* table) {
+  if (table) {
+    return matches<kHasSets>(
+        text, textEnd, pattern, patternEnd, [table](unichar c) { return table[c]; }, table);
+  }
+  return matches<kHasSets>(
+      text, textEnd, pattern, patternEnd, [](unichar c) { return c; }, nullptr);
+}
+
+using Matcher = bool (*)(const unichar*, const unichar*, const unichar*, const unichar*, const unichar*);
+
+bool isLike(const String& string, const String& pattern, const unichar* table, Matcher matcher) {
+  const std::u16string_view units = pattern.view();
+  if (string.isEmpty() || units.empty()) return false;
+  if (units == u"*") return true;
+  if (!table) return matcher(string.begin(), string.end(), pattern.begin(), pattern.end(), nullptr);
+  ScratchBuffer<unichar, 256> prepared(units.size());
+  if (!prepared) return false;
+  unichar* const end = std::copy(units.begin(), units.end(), prepared.data());
+  prepareWildcardUsingUnicharTable(prepared.data(), end, table);
+  return matcher(string.begin(), string.end(), prepared.data(), end, table);
+}
+
+}  // namespace
+
+bool stringMatchesWildcard(const unichar* text, const unichar* textEnd, const unichar* pattern,
+                           const unichar* patternEnd) {
+  return matchesUsingTable<false>(text, textEnd, pattern, patternEnd, nullptr);
+}
+
+bool stringMatchesWildcardUsingUnicharTable(const unichar* text, const unichar* textEnd, const unichar* pattern,
+                                            const unichar* patternEnd, const unichar* table) {
+  return matchesUsingTable<false>(text, textEnd, pattern, patternEnd, table);
+}
+
+bool stringMatchesUnixWildcard(const unichar* text, const unichar* textEnd, const unichar* pattern,
+                               const unichar* patternEnd) {
+  return matchesUsingTable<true>(text, textEnd, pattern, patternEnd, nullptr);
+}
+
+bool stringMatchesUnixWildcardUsingUnicharTable(const unichar* text, const unichar* textEnd, const unichar* pattern,
+                                                const unichar* patternEnd, const unichar* table) {
+  return matchesUsingTable<true>(text, textEnd, pattern, patternEnd, table);
+}
+
+bool isLikeWildcard(const String& string, const String& pattern) {
+  return isLike(string, pattern, nullptr, stringMatchesWildcardUsingUnicharTable);
+}
+
+bool isCaseInsensitiveLikeWildcard(const String& string, const String& pattern) {
+  return isLike(string, pattern, initUpperCharsTable(), stringMatchesWildcardUsingUnicharTable);
+}
+
+bool isLikeUnixWildcard(const String& string, const String& pattern) {
+  return isLike(string, pattern, nullptr, stringMatchesUnixWildcardUsingUnicharTable);
+}
+
+bool isCaseInsensitiveLikeUnixWildcard(const String& string, const String& pattern) {
+  return isLike(string, pattern, initUpperCharsTable(), stringMatchesUnixWildcardUsingUnicharTable);
+}
+
+}  // namespace velan

@@ -1,0 +1,17 @@
+// Matching by following all ways through a pattern at once, for patterns with sets whose end depends on the text.
+#ifndef VELAN_WILDCARD_WILDCARD_SIMULATION_INTERNAL_H
+#define VELAN_WILDCARD_WILDCARD_SIMULATION_INTERNAL_H
+
+#include "velan/base/CTypes.h"
+
+namespace velan {
+
+/// Whether the text matches the Unix pattern, as `stringMatchesUnixWildcard` defines it. `table` may be null. Takes
+/// about pattern length times text length steps and a byte per unit of the pattern: on the stack up to 4,096 units,
+/// on the heap above that; false when the heap has no room.
+bool simulateUnixWildcard(const unichar* text, const unichar* textEnd, const unichar* pattern,
+                          const unichar* patternEnd, const unichar* table);
+
+}  // namespace velan
+
+#endif  // VELAN_WILDCARD_WILDCARD_SIMULATION_INTERNAL_H

@@ -106,7 +106,10 @@ TEST(MutableString, EditsAreClippedToTheText) {
   EXPECT_EQ(String(text), u"bye you"_s);
   text.truncate(3);
   text.truncate(50);
+  const unichar* const none = nullptr;
+  text.appendString(none);
   EXPECT_EQ(text.view(), u"bye");
+  EXPECT_TRUE(MutableString(none).isEmpty());
 }
 
 }  // namespace

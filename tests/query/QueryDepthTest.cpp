@@ -58,6 +58,8 @@ TEST(QueryDepth, DeepQueriesOnASmallStack) {
       {"negated groups", repeated(u"-(", kMillion, u"a"), true, true, false, 0},
       {"groups to the left", repeated(u"(", kMany, repeated(u"a) OR zz ", kMany).view()), true, true, true, 2},
       {"related groups", repeated(u"(a NEAR/1 ", kMany, u"b"), true, true, true, 3},
+      {"related groups to the left", repeated(u"(", kMany, repeated(u"a) NEAR/1 ", kMany, u"b").view()), true, true,
+       true, 3},
       {"related negated groups", repeated(u"(a NEAR/1 NOT ", kMany, u"zz"), true, false, true, 2},
       {"a long row", repeated(u"a ", kMany), true, true, true, 2},
       {"a long row in proximity", repeated(u"a NEAR/1 ", kMany, u"b"), true, true, true, 3},

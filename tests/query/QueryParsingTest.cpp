@@ -86,9 +86,9 @@ TEST(QueryParsing, DefaultsAndSubstrings) {
   EXPECT_EQ(dumpOf(*QueryTerms::initWithString(u"a b AND c NEAR d"_s, QueryOperator::Or, 3)), "a | b & c NEAR/3 d");
   EXPECT_EQ(dumpOf(*QueryTerms::initWithString(u"a b (c d) NEAR/2 e f"_s, QueryOperator::Near, 4)),
             "a NEAR/4 b NEAR/4 (c NEAR/4 d) NEAR/2 e NEAR/4 f");
-  const auto terms = QueryTerms::_initWithString(u"a *b* (*c) \"d e\" f*"_s, true, QueryOperator::And, 10,
+  const auto terms = QueryTerms::_initWithString(u"a *b* (*c) \"d e\" f* *"_s, true, QueryOperator::And, 10,
                                                  QueryOperator::Near, true, true, 5);
-  EXPECT_EQ(dumpOf(*terms), "*a* & *b* & (**c*) & \"d e\" & *f**");
+  EXPECT_EQ(dumpOf(*terms), "*a* & *b* & (**c*) & \"d e\" & *f** & *");
   EXPECT_EQ(terms->queryOperator(), QueryOperator::Near);
   EXPECT_EQ(terms->proximityDistance(), 5);
   EXPECT_TRUE(terms->queryNot());
@@ -120,6 +120,7 @@ TEST(QueryParsing, PropertiesAndWordLists) {
       {u""_s, false, false, 0, u""_s},
       {u"NOT abc"_s, true, false, 0, u""_s},
       {u"abc* OR ?x-y OR b[xyz]"_s, true, false, 2, u"abc* ?x-y b[xyz]"_s},
+      {u"\"a - b\" OR abc"_s, true, false, 2, u"a - b abc"_s},  // found in "a b"
       {u"abc (de NEAR/2 \"f ghi\") abc NOT (x)"_s, true, true, 2, u"abc de f ghi"_s},
   };
   for (const auto& c : cases) {

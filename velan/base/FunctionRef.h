@@ -21,14 +21,26 @@ class FunctionRef<Result(Arguments...)> {
   FunctionRef() = default;
   FunctionRef(std::nullptr_t) {}
 
+  /// Also of a plain function; of a null pointer to one it is empty.
   template <typename Callable>
   requires(!std::same_as<std::remove_cvref_t<Callable>, FunctionRef> &&
-           std::is_invocable_r_v<Result, Callable&, Arguments...>) FunctionRef(Callable&& callable)
-      : _callable(const_cast<void*>(static_cast<const void*>(std::addressof(callable)))),
-        _invoke([](void* target, Arguments... arguments) -> Result {
-          return std::invoke(*static_cast<std::remove_reference_t<Callable>*>(target),
-                             std::forward<Arguments>(arguments)...);
-        }) {}
+           std::is_invocable_r_v<Result, Callable&, Arguments...>) FunctionRef(Callable&& callable) {
+    using Target = std::remove_reference_t<Callable>;
+    if constexpr (std::is_pointer_v<std::remove_cv_t<Target>>) {
+      if (!callable) return;
+    }
+    if constexpr (std::is_function_v<Target>) {
+      _callable = reinterpret_cast<void*>(std::addressof(callable));
+      _invoke = [](void* target, Arguments... arguments) -> Result {
+        return std::invoke(reinterpret_cast<Target*>(target), std::forward<Arguments>(arguments)...);
+      };
+    } else {
+      _callable = const_cast<void*>(static_cast<const void*>(std::addressof(callable)));
+      _invoke = [](void* target, Arguments... arguments) -> Result {
+        return std::invoke(*static_cast<Target*>(target), std::forward<Arguments>(arguments)...);
+      };
+    }
+  }
 
   Result operator()(Arguments... arguments) const { return _invoke(_callable, std::forward<Arguments>(arguments)...); }
   explicit operator bool() const { return _invoke != nullptr; }

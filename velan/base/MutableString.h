@@ -15,7 +15,8 @@ class MutableString {
   MutableString() = default;
   explicit MutableString(std::u16string_view text) : _units(text) {}
   explicit MutableString(const String& string) : _units(string.view()) {}
-  explicit MutableString(const unichar* text) : _units(text) {}
+  /// Empty for a null pointer.
+  explicit MutableString(const unichar* text) { appendString(text); }
 
   int64_t length() const { return static_cast<int64_t>(_units.size()); }
   /// Valid until the text is changed or destroyed.
@@ -30,7 +31,10 @@ class MutableString {
   void appendCharacter(unichar c) { _units.push_back(c); }
   void appendString(std::u16string_view text) { _units.append(text); }
   void appendString(const String& string) { _units.append(string.view()); }
-  void appendString(const unichar* text) { _units.append(text); }
+  /// Nothing for a null pointer.
+  void appendString(const unichar* text) {
+    if (text) _units.append(text);
+  }
   void appendCharacters(const unichar* characters, int64_t length) {
     if (characters && length > 0) _units.append(characters, static_cast<size_t>(length));
   }

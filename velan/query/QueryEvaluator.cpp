@@ -103,14 +103,12 @@ bool QueryEvaluator::holdsLeaf(const QueryTerms& leaf, Range range) {
 bool QueryEvaluator::holds(const QueryTerms& node, Range range) {
   if (node.isWord()) return holdsLeaf(node, range);
   if (const Ranges* known = witnesses(node)) return holdsWithin(*known, range);
-  const Place place{&node, range};
-  if (const auto found = _remembered.find(place); found != _remembered.end()) return found->second;
-  return _remembered[place] = evaluate(node, {}, range);
+  return evaluate(node, {}, range);
 }
 
 bool QueryEvaluator::evaluate(const QueryTerms& node, const Relation& relation, Range range) {
   std::vector<Frame> frames;
-  frames.push_back({&node, relation, range, 0, false, nullptr, kAbsentRange});
+  frames.push_back({&node, relation, range, 0, false, nullptr});
   bool result = false;
   while (!frames.empty()) {
     if (std::optional<Frame> first = step(frames.back(), result)) {
@@ -129,21 +127,29 @@ std::optional<QueryEvaluator::Frame> QueryEvaluator::step(Frame& frame, bool& re
   return std::nullopt;
 }
 
-// `result` is that of child `next - 1` when there is one.
+// `result` is that of child `next - 1` when there is one. A group without a relation is both evaluated by its own group
+// and as the partner of the term behind it: it is remembered, or each level of nesting would evaluate all below twice.
 std::optional<QueryEvaluator::Frame> QueryEvaluator::stepGroup(Frame& frame, bool& result) {
   const auto& children = frame.node->children();
+  const bool isRelated = frame.relation.partner != nullptr;
   if (frame.next > 0) {
     const bool exclusive = frame.next > 1 && children[frame.next - 1]->queryOperator() == QueryOperator::Xor;
     frame.running = exclusive ? frame.running != result : result;
+  } else if (isRelated && frame.range.length <= 0) {
+    result = false;  // negated or not
+    return std::nullopt;
+  } else if (const auto found = _remembered.find({frame.node, frame.range}); !isRelated && found != _remembered.end()) {
+    result = found->second;
+    return std::nullopt;
   }
   while (frame.next < children.size()) {
     const size_t index = frame.next++;
     if (index > 0 && !decides(children[index]->queryOperator(), frame.running)) continue;
     return Frame{
-        children[index].get(), relationOfChild(frame.relation, children, index), frame.range, 0, false, nullptr,
-        kAbsentRange};
+        children[index].get(), relationOfChild(frame.relation, children, index), frame.range, 0, false, nullptr};
   }
   result = !children.empty() && frame.running != frame.node->queryNot();
+  if (!isRelated) _remembered[{frame.node, frame.range}] = result;
   return std::nullopt;
 }
 
@@ -153,18 +159,16 @@ std::optional<QueryEvaluator::Frame> QueryEvaluator::stepRelated(Frame& frame, b
   if (!frame.ranges) {
     frame.ranges = std::make_unique<RelationRanges>(relationRanges(*frame.node, frame.relation, frame.range));
     result = false;
-  } else {
-    _remembered[{&partner, frame.span}] = result;
   }
-  while (!result && isPresent(frame.span = frame.ranges->next())) {
+  while (!result) {
+    const Range span = frame.ranges->next();
+    if (!isPresent(span)) break;
     if (partner.isWord()) {
-      result = holdsLeaf(partner, frame.span);
+      result = holdsLeaf(partner, span);
     } else if (const Ranges* known = witnesses(partner)) {
-      result = holdsWithin(*known, frame.span);
-    } else if (const auto found = _remembered.find({&partner, frame.span}); found != _remembered.end()) {
-      result = found->second;
+      result = holdsWithin(*known, span);
     } else {
-      return Frame{&partner, {}, frame.span, 0, false, nullptr, kAbsentRange};
+      return Frame{&partner, {}, span, 0, false, nullptr};
     }
   }
   return std::nullopt;

@@ -67,8 +67,8 @@ class RelationRanges {
   int64_t _pieceStart;
 };
 
-/// Evaluates any nodes of one tree on one text. Each leaf is searched once, and what a group that is a partner gives in
-/// a span is remembered. Depth of the tree costs memory only.
+/// Evaluates any nodes of one tree on one text. Each leaf is searched once, and what a group without a relation gives
+/// in a range is remembered. Depth of the tree costs memory only.
 class QueryEvaluator {
  public:
   /// `fuzzy` and the mapping of the units are taken from `comparison`.
@@ -77,7 +77,7 @@ class QueryEvaluator {
   const SearchedText& text() const { return _text; }
   LeafSearch& search(const QueryTerms& leaf);
   bool evaluate(const QueryTerms& node, const Relation& relation, Range range);
-  /// `evaluate` without a relation, remembered.
+  /// `evaluate` without a relation, by witnesses where there are any.
   bool holds(const QueryTerms& node, Range range);
   RelationRanges relationRanges(const QueryTerms& leaf, const Relation& relation, Range range);
   /// The witnesses of `node` without a relation in the whole text; null where there are none to be had: with a
@@ -94,7 +94,6 @@ class QueryEvaluator {
     size_t next = 0;                         // of a group: the child to go on with
     bool running = false;                    // of a group: the result so far
     std::unique_ptr<RelationRanges> ranges;  // of a related leaf
-    Range span = kAbsentRange;               // of a related leaf: where its partner is being evaluated
   };
   struct Place {
     const QueryTerms* node;

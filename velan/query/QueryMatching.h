@@ -25,7 +25,8 @@ inline bool precedes(const QueryOccurrence& a, const QueryOccurrence& b) {
 
 // The functions on an enumerator serve callers that index a text once and ask several queries. The enumerator must have
 // been created without `wildcard`; for `IgnoreCase` it is best created to ignore case, which saves mapping its units
-// again. With `wildcard` the leaves are wildcard patterns, otherwise plain words.
+// again (and ignores case whatever the comparison says). With `wildcard` the leaves are wildcard patterns, otherwise
+// plain words.
 
 /// `matchesString`: whether `node` holds in `length` units from `start` on, which are clipped to the text. `partner`,
 /// `queryOperator` and `distance` say what a proximity operator relates the node to; null, `Mixed` and 0 for nothing.

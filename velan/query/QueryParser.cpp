@@ -173,7 +173,7 @@ class QueryParser {
       }
     }
     if (takeProximity(token)) return;
-    const bool wrapped = token.size() > 1 && token.front() == u'*' && token.back() == u'*';
+    const bool wrapped = token.front() == u'*' && token.back() == u'*';
     MutableString word(_substring && !wrapped ? u"*" : u"");
     word.appendString(token);
     if (_substring && !wrapped) word.appendCharacter(u'*');

@@ -98,7 +98,10 @@ bool QueryTerms::isValid() const { return _isWord || !children().empty(); }
 int64_t QueryTerms::minTermLen() const {
   int64_t shortest = INT64_MAX;
   walkPositiveLeaves(*this, [&shortest](const QueryTerms& leaf) {
-    shortest = std::min(shortest, static_cast<int64_t>(wildcardLength(leaf.word())));
+    int64_t length = 0;  // of the words alone: a phrase may be found with other separators, or with fewer
+    const auto words = wordsUsingWildcardSeparation(leaf.word(), nullptr);
+    for (const String& word : words.value_or(std::vector<String>())) length += wildcardLength(word);
+    shortest = std::min(shortest, length);
   });
   return shortest == INT64_MAX ? 0 : shortest;
 }

@@ -141,7 +141,8 @@ class VELAN_EXPORT QueryTerms {
   /// `isValid`: whether there is anything to search for: true for a leaf, and for a group with a child.
   bool isValid() const;
   /// `minTermLen`: the least number of code units that a place can have where a leaf that is neither negated nor below
-  /// a negated group is found; 0 when there is no such leaf. Texts shorter than this cannot contain any of them.
+  /// a negated group is found, separators left out; 0 when there is no such leaf. Texts shorter than this cannot
+  /// contain any of them, except by `QueryComparison::Fuzzy`, which accepts shorter words.
   int64_t minTermLen() const;
   /// `description`: the standardized form, for messages and debuggers.
   String description() const;

@@ -9,6 +9,11 @@
 namespace velan {
 namespace {
 
+// A text in upper case can only be searched ignoring case.
+uint32_t comparisonFlags(const FastWordEnumerator& enumerator, QueryComparison comparison) {
+  return static_cast<uint32_t>(enumerator.isCaseInsensitive() ? comparison | QueryComparison::IgnoreCase : comparison);
+}
+
 // Counting so many words by walking costs less than finding all words of the text first.
 constexpr int64_t kWalkedWords = 64;
 
@@ -21,7 +26,7 @@ void mapUnits(unichar* units, size_t count, const unichar* table) {
 SearchedText::SearchedText(const FastWordEnumerator& enumerator, QueryComparison comparison, Mapping mapping)
     : _words(enumerator),
       _length(static_cast<int64_t>(enumerator.length())),
-      _patternTable(unicharTableForWildcardComparison(static_cast<uint32_t>(comparison))),
+      _patternTable(unicharTableForWildcardComparison(comparisonFlags(enumerator, comparison))),
       _table(_patternTable),
       _units(enumerator.characters()) {
   if (enumerator.isCaseInsensitive() && _table == initUpperCharsTable()) _table = nullptr;
@@ -49,16 +54,11 @@ bool SearchedText::hasUnitsAt(int64_t location, std::u16string_view literal) con
 }
 
 int64_t SearchedText::find(std::u16string_view literal, int64_t location, int64_t end) const {
-  if (!_table) {
-    const auto length = static_cast<size_t>(end - location);
-    const size_t found = findUnits(_units + location, length, literal.data(), literal.size());
-    return found == length ? -1 : location + static_cast<int64_t>(found);
-  }
-  const auto length = static_cast<int64_t>(literal.size());
-  for (; length <= end - location; ++location) {
-    if (_table[_units[location]] == literal.front() && hasUnitsAt(location, literal)) return location;
-  }
-  return -1;
+  const unichar* units = _units + location;
+  const auto length = static_cast<size_t>(end - location);
+  const size_t found = _table ? findMappedUnits(units, length, literal.data(), literal.size(), _table)
+                              : findUnits(units, length, literal.data(), literal.size());
+  return found == length ? -1 : location + static_cast<int64_t>(found);
 }
 
 Range SearchedText::findWord(std::u16string_view literal, Range range, bool whole) const {

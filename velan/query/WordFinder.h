@@ -11,7 +11,8 @@ namespace velan {
 class FastWordEnumerator;
 
 // Positions and lengths are in code units of the enumerator's text; a range is clipped to it. With `IgnoreCase` and
-// `IgnoreDiacritics` the units of both sides are compared through the table of `unicharTableForWildcardComparison`.
+// `IgnoreDiacritics` the units of both sides are compared through the table of `unicharTableForWildcardComparison`. An
+// enumerator created to ignore case is always searched so.
 
 /// `FindWordInString`: where the `wordLength` units of `word` first occur in the range, `NSNotFound` if they do not.
 /// They may hold separators. With `wholeWord` the occurrence begins at the start of a word and ends at the end of a

@@ -66,6 +66,13 @@ size_t findUnits(const unichar* haystack, size_t length, const unichar* needle, 
   return length;
 }
 
+size_t findMappedUnits(const unichar* haystack, size_t length, const unichar* needle, size_t needleLength,
+                       const unichar* table) {
+  if (!canContain(haystack, length, needle, needleLength)) return length;
+  return findMapped([=](size_t i) { return table[haystack[i]]; }, length, [=](size_t i) { return needle[i]; },
+                    needleLength);
+}
+
 const unichar* fastContainsUnichars(const unichar* haystack, size_t haystackLength, const unichar* needle,
                                     size_t needleLength) {
   // Leaving out the last unit leaves out the last position, and no other.

@@ -11,6 +11,7 @@
 #include "velan/query/EastAsianWords.h"
 #include "velan/query/FastWordEnumerator.h"
 #include "velan/query/WordIndexInternal.h"
+#include "velan/query/WordSeparation.h"
 #include "velan/text/CharacterSets.h"
 #include "velan/text/ConversionTables.h"
 #include "velan/text/Separators.h"
@@ -22,9 +23,7 @@ bool separates(unichar c) { return isMemberOfCharacterSetRep(defaultWordSeparato
 
 std::string typesOf(const FastWordEnumerator& enumerator) {
   std::string types;
-  for (int64_t i = 0; i < enumerator.length(); ++i) {
-    types += static_cast<char>('0' + enumerator.typeAtIndex(i));
-  }
+  for (int64_t i = 0; i < enumerator.length(); ++i) types += static_cast<char>('0' + enumerator.typeAtIndex(i));
   return types;
 }
 
@@ -48,7 +47,7 @@ std::vector<Range> slowWords(std::u16string_view text) {
 }
 
 std::u16string randomText(std::mt19937& random, size_t length) {
-  static constexpr std::u16string_view alphabet(u"abcXYZäß., -\n#\u4E2D\xD83D\xDE00\0", 18);
+  static constexpr std::u16string_view alphabet(u"abcXYZäßıµÿđ÷., -\n#\u4E2D\xD83D\xDE00\0", 23);
   std::u16string text(length, u' ');
   const auto separatorsInTen = random() % 10;
   for (auto& c : text) c = random() % 10 < separatorsInTen ? u' ' : alphabet[random() % alphabet.size()];
@@ -64,10 +63,7 @@ TEST(FastWordEnumerator, Types) {
     int64_t words;
   } cases[] = {
       {"start, end, separator", u"ab cd"_s, false, "24124", 2},
-      {"a word of one unit has both bits", u"a'b c"_s, false, "61616", 3},
-      {"separators only", u" -,"_s, false, "111", 0},
       {"a pair of surrogates separates", u"a\U0001F600b"_s, false, "6116", 2},
-      {"brackets separate words", u"a[ ,]b c"_s, false, "61111616", 3},
       {"a set belongs to its word", u"a[ ,]b c"_s, true, "20000416", 2},
       {"an empty set is no set", u"a[] b"_s, true, "20416", 2},
       {"an open set reaches to the end", u"a[b, c"_s, true, "200004", 1},
@@ -90,7 +86,10 @@ TEST(FastWordEnumerator, EqualsASlowClassification) {
     ASSERT_TRUE(enumerator);
     const std::vector<Range> words = slowWords(text);
     ASSERT_EQ(wordsOf(*enumerator), words) << length;
-    EXPECT_EQ(enumerator->numberOfWords(), static_cast<int64_t>(words.size()));
+    for (const int64_t minimum : {0, 1, 2, 5}) {
+      const auto isLong = [&](const Range& word) { return word.length >= minimum; };
+      EXPECT_EQ(enumerator->numberOfWords(minimum), std::ranges::count_if(words, isLong));
+    }
     for (size_t i = 0; i < length; ++i) {
       EXPECT_EQ(enumerator->isWordSeparatorAtIndex(static_cast<int64_t>(i)), separates(text[i]));
       EXPECT_EQ(enumerator->characters()[i], length % 2 == 1 ? toUpper(text[i]) : text[i]);
@@ -115,18 +114,6 @@ TEST(FastWordEnumerator, EverySeparatorKernelEqualsTheReference) {
         if (shift == 1) kernel.mark(units.data(), 1, defaultWordSeparators(), marks.data());
         EXPECT_EQ(marks, expected) << kernel.name << ' ' << length << ' ' << range;
       }
-    }
-  }
-}
-
-TEST(FastWordEnumerator, UpperCaseEqualsTheTable) {
-  std::u16string text;
-  for (unichar c = 0; c < 0x300; ++c) text += c;
-  for (size_t shift = 0; shift < 20; ++shift) {
-    const auto length = static_cast<int64_t>(text.size() - shift);
-    const auto enumerator = FastWordEnumerator::initWithCharacters(text.data() + shift, length, true);
-    for (int64_t i = 0; i < length; ++i) {
-      ASSERT_EQ(enumerator->characters()[i], toUpper(text[static_cast<size_t>(i) + shift])) << i;
     }
   }
 }
@@ -164,16 +151,9 @@ TEST(FastWordEnumerator, QueriesEqualASlowWalk) {
         endBefore |= endOf(word) == index;
       }
       EXPECT_EQ(enumerator->rangeOfWordAtIndex(index), around) << index;
+      EXPECT_EQ(getWordRangeAtIndex(text, index), around) << index;
       EXPECT_EQ(enumerator->isWordEndBeforeIndex(index), endBefore) << index;
     }
-  }
-}
-
-TEST(FastWordEnumerator, CountsWordsOfAMinimumLength) {
-  const auto enumerator = FastWordEnumerator::initWithString(u"ab cd efg"_s);
-  const int64_t counts[] = {3, 3, 3, 1, 0};
-  for (int64_t minimum = 0; minimum < 5; ++minimum) {
-    EXPECT_EQ(enumerator->numberOfWords(minimum), counts[minimum]) << minimum;
   }
 }
 
@@ -246,10 +226,7 @@ TEST(FastWordEnumerator, IsNeutralWithoutText) {
   EXPECT_TRUE(enumerator->string().isAbsent());
   EXPECT_EQ(enumerator->numberOfWords() + enumerator->numberOfWords(3) + enumerator->typeAtIndex(0), 0);
   EXPECT_FALSE(enumerator->containsSeparatorInRange({0, 10}) || enumerator->isWordEndBeforeIndex(4));
-  EXPECT_EQ(enumerator->rangeOfWordAtIndex(0), kAbsentRange);
   EXPECT_EQ(wordsOf(*enumerator).size(), 0u);
-  EXPECT_EQ(enumerator->enumerateWordsInRange({0, 10}, [](auto&, int64_t, int64_t) { return true; }), 0);
-  EXPECT_TRUE(enumerator->lowercaseSubstringWithRange({0, 4}).isAbsent());
   EXPECT_TRUE(enumerator->stringBySeparatingWords().isAbsent());
 }
 
@@ -266,9 +243,7 @@ TEST(FastWordEnumerator, JoinsHyphenatedWords) {
       {"inside a line", u"e-mail"_s, "e mail ", false},
       {"a blank after the hyphen", u"Donau- \ndampfer"_s, "Donau dampfer ", false},
       {"a dash stands alone", u"Donau -\ndampfer"_s, "Donau dampfer ", false},
-      {"an empty line", u"Donau-\n\ndampfer"_s, "Donau dampfer ", false},
       {"the end of the text", u"Donau-\n"_s, "Donau ", false},
-      {"no line end", u"Donau-"_s, "Donau ", false},
   };
   for (const auto& c : cases) {
     const auto enumerator = FastWordEnumerator::initWithString(c.text);
@@ -281,13 +256,12 @@ TEST(FastWordEnumerator, JoinsHyphenatedWords) {
     EXPECT_EQ(hyphenated, c.hyphenated) << c.why;
   }
   std::vector<String> words;
+  bool hyphenated = false;
   const auto enumerator = FastWordEnumerator::initWithString(u"ab-\ncd e"_s);
   enumerator->addWordsTo(words, 2, nullptr);
-  EXPECT_EQ(words, (std::vector<String>{u"ab"_s, u"cd"_s}));
-  EXPECT_EQ(enumerator->stringBySeparatingWords(), u"ab cd e"_s);
-  bool hyphenated = false;
   enumerator->addWordsTo(words, 4, &hyphenated);
-  EXPECT_EQ(words.back(), u"abcd"_s);
+  EXPECT_EQ(words, (std::vector<String>{u"ab"_s, u"cd"_s, u"abcd"_s}));
+  EXPECT_EQ(enumerator->stringBySeparatingWords(), u"ab cd e"_s);
 }
 
 // What the words are is the tokenizer's judgement: only that there are several, and that they cover the runs.
@@ -310,7 +284,6 @@ TEST(FastWordEnumerator, SplitsAsianWords) {
 
   const String spaced = stringBySeparatingAsianWords(text);
   EXPECT_EQ(FastWordEnumerator::initWithString(spaced)->numberOfWords(), enumerator->numberOfWords());
-  EXPECT_TRUE(spaced.view().starts_with(u"I read 吾輩"));
   const String latin = u"no such words"_s;
   EXPECT_TRUE(stringBySeparatingAsianWords(latin).isSameObject(latin));
 }

@@ -3,81 +3,15 @@
 #include <algorithm>
 #include <map>
 
+#include "velan/text/CharacterSets.h"
+#include "velan/text/ConversionTables.h"
+#include "velan/text/Separators.h"
+#include "velan/wildcard/WildcardMatching.h"
+
 namespace velan {
 namespace {
 
-bool isSeparator(unichar c) {
-  return c < 0x80 ? !((c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z')) : c < 0xC0;
-}
-
-unichar upper(unichar c) {
-  return (c >= 'a' && c <= 'z') || (c >= 0xE0 && c <= 0xFE && c != 0xF7) ? static_cast<unichar>(c - 32) : c;
-}
-
-unichar withoutDiacritic(unichar c) {
-  switch (c) {
-    case u'ä':
-      return u'a';
-    case u'Ä':
-      return u'A';
-    case u'é':
-      return u'e';
-    case u'É':
-      return u'E';
-    default:
-      return c;
-  }
-}
-
-bool isLike(std::u16string_view pattern, std::u16string_view text) {
-  if (pattern.empty()) return text.empty();
-  const auto rest = pattern.substr(1);
-  if (pattern[0] == '*') {
-    for (size_t i = 0; i <= text.size(); ++i) {
-      if (isLike(rest, text.substr(i))) return true;
-    }
-    return false;
-  }
-  if (text.empty()) return false;
-  const unichar c = text[0];
-  if (pattern[0] != '[') return (pattern[0] == '?' || pattern[0] == c) && isLike(rest, text.substr(1));
-  const bool negated = pattern[1] == '^';
-  bool isMember = false;
-  size_t i = negated ? 2 : 1;
-  for (; pattern[i] != ']'; ++i) {
-    if (pattern[i] == '-') {
-      isMember |= pattern[i - 1] <= c && c <= pattern[i + 1];
-      ++i;
-    } else if (pattern[i] != '|') {
-      isMember |= pattern[i] == c;
-    }
-  }
-  return isMember != negated && isLike(pattern.substr(i + 1), text.substr(1));
-}
-
-double similarity(std::u16string_view a, std::u16string_view b) {
-  const auto longer = a.size() > b.size() ? a : b;
-  const auto shorter = a.size() > b.size() ? b : a;
-  const auto n = static_cast<double>(longer.size());
-  double inPlace = 0, paired = 0, jumps = 0;
-  for (size_t i = 0; i < shorter.size(); ++i) inPlace += shorter[i] == longer[i];
-  std::vector<bool> taken(longer.size());
-  int64_t shift = 0;
-  for (int64_t i = 0; i < static_cast<int64_t>(shorter.size()); ++i) {
-    int64_t choice = -1;
-    for (int64_t j = static_cast<int64_t>(longer.size()) - 1; j >= 0; --j) {
-      const auto at = static_cast<size_t>(j);
-      if (taken[at] || longer[at] != shorter[static_cast<size_t>(i)]) continue;
-      if (choice != i - shift) choice = j;
-    }
-    if (choice < 0) continue;
-    taken[static_cast<size_t>(choice)] = true;
-    ++paired;
-    if (i != 0 && choice != i - shift) ++jumps;
-    shift = i - choice;
-  }
-  return std::max(inPlace / n, paired * (1 - jumps / n) / n);
-}
+bool isSeparator(unichar c) { return isMemberOfCharacterSetRep(defaultWordSeparators(), c); }
 
 std::vector<std::u16string_view> piecesOf(std::u16string_view pattern) {
   std::vector<std::u16string_view> pieces;
@@ -123,11 +57,9 @@ void collectLeaves(const ReferenceTerm& node, std::vector<const ReferenceTerm*>&
 
 void dump(const ReferenceTerm& node, std::string& line) {
   if (node.negated) line += '!';
-  const char* quote = node.phrase ? "\"" : "";
   if (!node.word.empty()) {
-    line += quote;
-    line += String(node.word).toUTF8();
-    line += quote;
+    const std::string word = String(node.word).toUTF8();
+    line += node.phrase ? '"' + word + '"' : word;
     return;
   }
   line += '(';
@@ -188,8 +120,8 @@ ReferenceText::ReferenceText(std::u16string text, QueryComparison comparison, bo
 std::u16string ReferenceText::folded(std::u16string_view text) const {
   std::u16string result(text);
   for (unichar& c : result) {
-    if (velan::contains(_comparison, QueryComparison::IgnoreDiacritics)) c = withoutDiacritic(c);
-    if (velan::contains(_comparison, QueryComparison::IgnoreCase)) c = upper(c);
+    if (velan::contains(_comparison, QueryComparison::IgnoreDiacritics)) c = umlautsToAscii(c);
+    if (velan::contains(_comparison, QueryComparison::IgnoreCase)) c = toUpper(c);
   }
   return result;
 }
@@ -198,10 +130,13 @@ bool ReferenceText::wordIsLike(std::u16string_view pattern, const Range& word) c
   const auto units =
       std::u16string_view(_text).substr(static_cast<size_t>(word.location), static_cast<size_t>(word.length));
   const bool isExact = pattern.find_first_of(u"*?[") == pattern.npos;
-  if (!isExact || !velan::contains(_comparison, QueryComparison::Fuzzy)) return isLike(pattern, units);
+  if (!isExact || !velan::contains(_comparison, QueryComparison::Fuzzy)) {
+    return stringMatchesUnixWildcard(units.begin(), units.end(), pattern.begin(), pattern.end());
+  }
   const auto a = static_cast<double>(pattern.size());
   const auto b = static_cast<double>(units.size());
-  return std::min(a, b) / std::max(a, b) >= 0.75 && similarity(pattern, units) >= 0.75;
+  return std::min(a, b) / std::max(a, b) >= 0.75 &&
+         stringMatchesUnixWildcardFuzzy(pattern.data(), pattern.size(), units.data(), units.size()) >= 0.75;
 }
 
 std::vector<Range> ReferenceText::placesOf(const ReferenceTerm& leaf, Range range) const {
@@ -285,13 +220,9 @@ bool ReferenceText::foldOf(const ReferenceTerm& group, const ReferenceTerm* part
     if (child.op == QueryOperator::Optional) continue;
     const bool holdsHere = child.isProximity() ? holds(child, &group.children[i - 1], child, range)
                                                : holds(child, partner, relation, range);
-    if (child.op == QueryOperator::Or) {
-      running |= holdsHere;
-    } else if (child.op == QueryOperator::Xor) {
-      running ^= holdsHere;
-    } else {
-      running &= holdsHere;
-    }
+    running = child.op == QueryOperator::Or    ? running || holdsHere
+              : child.op == QueryOperator::Xor ? running != holdsHere
+                                               : running && holdsHere;
   }
   return running;
 }
@@ -311,11 +242,8 @@ void ReferenceText::collectRelations(const ReferenceTerm& node, const ReferenceT
   }
   for (size_t i = 0; i < node.children.size(); ++i) {
     const ReferenceTerm& child = node.children[i];
-    if (i > 0 && child.isProximity()) {
-      collectRelations(child, &node.children[i - 1], child, range, relations);
-    } else {
-      collectRelations(child, partner, relation, range, relations);
-    }
+    const bool related = i > 0 && child.isProximity();
+    collectRelations(child, related ? &node.children[i - 1] : partner, related ? child : relation, range, relations);
   }
 }
 

@@ -1,4 +1,5 @@
-// Queries evaluated by their definition, slowly, without any code of the library: what the tests compare it with.
+// Queries evaluated by their definition, slowly: what the tests compare the library with. It shares only the folding of
+// units, the separators and the comparison of two words, which have tests of their own.
 #ifndef VELAN_TESTS_QUERY_QUERY_REFERENCE_H
 #define VELAN_TESTS_QUERY_QUERY_REFERENCE_H
 

@@ -1,4 +1,5 @@
 // AES through OpenSSL.
+#include <openssl/crypto.h>
 #include <openssl/err.h>
 #include <openssl/evp.h>
 
@@ -8,6 +9,7 @@
 #include <memory>
 
 #include "velan/platform/AESInternal.h"
+#include "velan/platform/ServicesInternal.h"
 
 namespace velan {
 namespace {
@@ -62,5 +64,7 @@ AESResult runAES(AESOperation operation, std::span<const uint8_t> key, std::span
   if (!result.data) ERR_clear_error();
   return result;
 }
+
+Service encryptionService() { return {"OpenSSL", OpenSSL_version(OPENSSL_VERSION_STRING), "encryption"}; }
 
 }  // namespace velan

@@ -31,6 +31,7 @@ std::vector<Service> services() {
   return {
       icuService(),
       zlibService(),
+      encryptionService(),
       hunspellService(),
       languageDetectionService(),
   };

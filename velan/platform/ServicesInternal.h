@@ -6,6 +6,7 @@
 
 namespace velan {
 
+Service encryptionService();
 Service hunspellService();
 Service languageDetectionService();
 

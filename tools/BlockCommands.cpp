@@ -203,6 +203,7 @@ struct CompressingHandler : BlockStorageHandler {
 };
 
 int compact(const BlockOptions& options) {
+  if (access(options.output.c_str(), F_OK) == 0) return trouble(options.output + ": there is a file already");
   const auto storage = opened(options, false);
   if (!storage) return kTrouble;
   CompressingHandler handler(*storage);
@@ -278,7 +279,7 @@ void addBlocks(CLI::App& app, int& status) {
   addWriting(appending);
   addOffset(command("delete", "Mark a block as deleted", remove));
   auto* compacting = command("compact", "Write the blocks that are left into a new file", compact);
-  compacting->add_option("--output,-o", options->output, "The new file")->required();
+  compacting->add_option("--output,-o", options->output, "The new file; must not exist")->required();
   compacting->add_flag("--skip-errors", options->skipErrors, "Go on behind damaged blocks");
   addWriting(compacting);
   auto* repairing = command("repair",

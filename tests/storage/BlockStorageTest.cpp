@@ -253,6 +253,8 @@ TEST_F(BlockStorageTest, RecoversATornTail) {
       {"a header in the middle", changed(good, 0, '?') + plain("x", 0).substr(0, 9), ""},
       {"a damaged marker of a whole block", good + changed(plain("whole", 0), 0, '?'), ""},
       {"a damaged length of a whole block", good + changed(plain("whole", 0), 5, 1), ""},
+      {"no block file", "Dear reader,\n", ""},
+      {"a foreign tail", good + "notes\n", ""},
       {"blocks behind", good + plain("torn", 0).substr(0, 18) + good, ""},
   };
   for (const auto& c : cases) {

@@ -8,6 +8,7 @@ namespace {
 
 constexpr int64_t kStride = 4096;
 constexpr size_t kChunk = 65536;
+constexpr int64_t kMostSearches = 16;  // of one byte, for hidden blocks
 
 bool isMarker(const uint8_t* at) {
   const uint32_t marker = static_cast<uint32_t>(at[0]) << 24 | static_cast<uint32_t>(at[1]) << 16 |
@@ -53,7 +54,7 @@ uint32_t BlockScanner::checksumUpTo(int64_t offset) {
 
 // A long part from the checksums of the two beginnings of the file that differ by it: overlapping parts cost no more.
 uint32_t BlockScanner::checksum(int64_t offset, int64_t length) {
-  if (length <= static_cast<int64_t>(kChunk)) return checksumDirectly(0, offset, length);
+  if (length <= 2 * kStride) return checksumDirectly(0, offset, length);
   const uint32_t before = checksumUpTo(offset);
   return checksumUpTo(offset + length) ^ crc32WithZeros(before, static_cast<uint64_t>(length));
 }
@@ -91,8 +92,11 @@ int64_t BlockScanner::findBlock(int64_t from) {
 }
 
 // The first offset of a chain of sound blocks that ends exactly at `end`. Backwards, so that each header is looked at
-// once: it belongs to a chain if one begins where it ends.
+// once: it belongs to a chain if one begins where it ends. Blocks found so are searched for others in turn; where they
+// lie in each other's filler so deep, no fault of a disk made them, and the search is given up.
 std::optional<int64_t> BlockScanner::hiddenChain(int64_t from, int64_t end) {
+  if (_searched / kMostSearches > _size) return std::nullopt;
+  _searched += end - from;
   uint8_t chunk[kChunk];
   std::vector<int64_t> chain{end};  // descending
   for (int64_t stop = end; stop - from >= 4 && end - from >= kHeaderSize;) {

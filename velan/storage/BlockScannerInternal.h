@@ -48,6 +48,7 @@ class BlockScanner {
 
   File& _file;
   int64_t _size;
+  int64_t _searched = 0;               // bytes that were searched for hidden blocks
   std::optional<int64_t> _unreadable;  // where reading failed first
   std::vector<uint32_t> _checksums;    // of the first n * kStride bytes, made when first needed
 };

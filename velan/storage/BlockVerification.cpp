@@ -34,6 +34,20 @@ bool hasWholePayload(BlockScanner& scanner, const BlockHeader& header, int64_t o
   return matches(header.length) || matches(room - header.padding);
 }
 
+// What a crash leaves of a header: bytes of it, and zeros where they did not reach the disk. Anything else was never
+// appended here, and the file may be no block file at all.
+bool canBeTorn(const HeaderBytes& bytes, int64_t count) {
+  const auto matches = [&](uint32_t marker) {
+    const HeaderBytes written = BlockHeader{marker, 0, 0, 0}.bytes();
+    for (int64_t i = 0; i < std::min<int64_t>(count, 4); ++i) {
+      const auto at = static_cast<size_t>(i);
+      if (bytes[at] != 0 && bytes[at] != written[at]) return false;
+    }
+    return true;
+  };
+  return matches(kPlainMarker) || matches(kCompressedMarker) || matches(kOldMarker);
+}
+
 }  // namespace
 
 bool BlockStorage::enumerateStoredBlocks(FunctionRef<bool(const StoredBlock&)> found,
@@ -84,7 +98,7 @@ bool BlockStorage::recoverTail() {
     HeaderBytes bytes{};
     const int64_t got = _file->readAt(offset, bytes.data(), bytes.size());
     const bool damaged = got == kHeaderSize && hasWholePayload(scanner, BlockHeader::fromBytes(bytes), offset, size);
-    if (got < 0 || damaged) return false;
+    if (got < 0 || damaged || !canBeTorn(bytes, got)) return false;
   }
   if (scanner.findBlock(offset + 1) < size || !_file->truncate(end)) return false;
   logFormat("WARNING: %s at %lld in file %s", what, static_cast<long long>(offset), _path.toUTF8().c_str());

@@ -35,7 +35,6 @@ TEST(KeyedValues, EachKindHasItsRecord) {
     std::string payload;
   } cases[] = {
       {true, "VLbl", "\1", ""},
-      {'\1', "VLbl", "\1", ""},
       {'A', "VLsi", "\0\0\0A"s, ""},
       {static_cast<signed char>(-2), "VLsi", "\xFF\xFF\xFF\xFE", ""},
       {300, "VLsl", "\0\0\0\0\0\0\1\x2C"s, ""},
@@ -87,7 +86,6 @@ TEST(KeyedValues, TypedReads) {
   } cases[] = {
       {pairWithRecord("VLbl", "\2"), true, 2, 1},
       {pairWithRecord("VLun", "\0\0\1\0"s), false, 256, 256},
-      {pairWithRecord("VLun", "\0\0\1\1"s), true, 257, 257},
       {pairWithRecord("VLsi", "\xFF\xFF\xFF\xFE"), true, 4294967294, -2},
       {pairWithRecord("VLul", ones), true, -1, 18446744073709551615.0},
       {pairWithRecord("VLsl", ones), true, -1, -1},
@@ -98,7 +96,6 @@ TEST(KeyedValues, TypedReads) {
       {pairWithRecord("VLdb", "\xFF\xF0"), false, INT64_MIN, -INFINITY},
       {pairWithRecord("VLda", "\xC0\x59"), true, -100, -100},
       {pairWith(u"  -007.5e1xyz"), true, -7, -75},
-      {pairWith(u"+ 3"), false, 0, 0},
       {pairWith(u"Yes"), true, 0, 0},
       {pairWith(u" -00true"), true, 0, 0},
       {pairWith(u"0x10"), false, 0, 0},
@@ -135,9 +132,9 @@ TEST(KeyedValues, PairsStandAmongOtherRecords) {
   EXPECT_EQ(getValueForKey(data, u"k"), Value(1));
   EXPECT_EQ(copyValueForKeyBuffer(data, kKey), Value(1));
   EXPECT_EQ(getValueForKeyBuffer(data, {"other", 5}), Value(2));
-  EXPECT_FALSE(containsValueForKeyBuffer(data, {nullptr, 1}));
-  EXPECT_FALSE(containsValueForKeyBuffer(data, {"k", 0}));
-  EXPECT_FALSE(containsValueForKeyBuffer(data, {"k", -1}));
+  for (const KeyedKeyBuffer key : {KeyedKeyBuffer{nullptr, 1}, {"k", 0}, {"k", -1}}) {
+    EXPECT_FALSE(containsValueForKeyBuffer(data, key));
+  }
   EXPECT_FALSE(containsValueForKey(data, u"stray"));
   EXPECT_EQ(getKeys(data), (std::vector<String>{u"k", u"other", u"k"}));
   EXPECT_EQ(getValues(data), (std::vector<Value>{1, 2, 3}));

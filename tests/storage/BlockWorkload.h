@@ -69,15 +69,8 @@ class BlockWorkload {
   }
 
   size_t liveBlocks() const {
-    size_t count = 0;
-    for (const Block& block : _blocks) count += !block.doubtful && !block.versions.back().text.empty();
-    return count;
-  }
-  bool hasDoubts() const {
-    for (const Block& block : _blocks) {
-      if (block.doubtful) return true;
-    }
-    return false;
+    return static_cast<size_t>(std::ranges::count_if(
+        _blocks, [](const Block& block) { return !block.doubtful && !block.versions.back().text.empty(); }));
   }
 
  private:
@@ -108,12 +101,9 @@ class BlockWorkload {
     const int64_t offset = storage.seekToEndOfFile();
     const std::string text = newText(SIZE_MAX);
     const Version version{events(), SIZE_MAX, text};
-    if (storage.appendBlock(Data::withBytes(text))) {
-      const auto extent = static_cast<size_t>(storage.offsetInFile() - offset);
-      _blocks.push_back({offset, extent - 16, {version}, false});
-    } else {
-      ++failures;
-    }
+    if (!storage.appendBlock(Data::withBytes(text))) return void(++failures);
+    const auto extent = static_cast<size_t>(storage.offsetInFile() - offset);
+    _blocks.push_back({offset, extent - 16, {version}, false});
   }
 
   void change(BlockStorage& storage, bool update) {
@@ -135,11 +125,8 @@ class BlockWorkload {
     for (Block& block : _blocks) {
       Version& last = block.versions.back();
       if (last.proven != SIZE_MAX) continue;
-      if (done) {
-        last.proven = events();
-      } else {
-        block.doubtful = true;
-      }
+      if (done) last.proven = events();
+      block.doubtful |= !done;
     }
   }
 

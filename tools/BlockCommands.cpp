@@ -218,7 +218,10 @@ int repair(const BlockOptions& options) {
   ProgressLine progress("repairing");
   const auto survey =
       options.dryRun ? storage->verify(progress) : storage->repairToPath(String::fromUTF8(options.output), progress);
-  if (!survey) return trouble(options.output + ": there is a file already, or it cannot be written");
+  if (!survey) {
+    return trouble(options.dryRun ? options.file + ": cannot be read"
+                                  : options.output + ": there is a file already, or it cannot be written");
+  }
   report(*survey);
   return survey->blocks > 0 ? kSomething : kNothing;
 }

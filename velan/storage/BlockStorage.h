@@ -184,8 +184,8 @@ class VELAN_EXPORT BlockStorage {
   std::optional<BlockSurvey> verify(Progress progress);
   /// `recoverTail`: makes the file fit for appending after an unclean end: cuts off a torn block at the end if nothing
   /// valid lies behind it, and completes the padding of a whole one (1 MB at most), each with a warning. True when the
-  /// file ends with a whole block then. False, with nothing touched, for any other damage and when not open for
-  /// updating.
+  /// file ends with a whole block then. False, with nothing touched, for any other damage, for bytes that no append
+  /// can have left, and when not open for updating.
   bool recoverTail();
   /// `repairToPath`: writes every block that can be found, also behind damaged headers, unchanged into a new file;
   /// where a block can begin after a damaged one is told by a header whose payload has the right checksum. Known limit:

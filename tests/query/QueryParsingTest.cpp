@@ -140,23 +140,6 @@ TEST(QuerySerializing, Styles) {
   EXPECT_EQ(queryTermsForOperators(u"a -b c"_s, QueryStyle::Plus | QueryStyle::SymbolicNot, {}), u"+a -b +c"_s);
 }
 
-// A tree that is written comes back as it was, also where its words look like keywords or symbols.
-TEST(QuerySerializing, RoundTrips) {
-  for (const String& query :
-       {u"a"_s, u"NOT (NOT a b)"_s, u"\"AND\" \"near/3\" \"-x\""_s, u"(a NEXT/7 b) AFTER (c d)"_s, u"a NEAR/0 b"_s,
-        u"-\"a\" -(b c) OR -d"_s, u"\u201Ca, b\u201D ~ c"_s, u"\"a(b\" \"c|d\" \"e*f\""_s, u"a- +b e-mail"_s,
-        u"a OPT NOT b XOR NOT (c BEFORE/2 NOT d)"_s}) {
-    for (const bool wildcard : {false, true}) {
-      const auto parse = [&](const String& q) {
-        return wildcard ? QueryTerms::initWithWildcard(q) : QueryTerms::initWithString(q);
-      };
-      const auto terms = parse(query);
-      EXPECT_EQ(dumpOf(*parse(terms->standardizedQueryTerm())), dumpOf(*terms)) << query.toUTF8();
-      EXPECT_EQ(dumpOf(*parse(terms->normalizedQueryTerm())), dumpOf(*terms)) << query.toUTF8();
-    }
-  }
-}
-
 TEST(QuerySelfTest, HoldsUnderTheReferenceToo) {
   int64_t count = 0;
   const QueryTestCase* cases = QueryTerms::getTestCases(&count);

@@ -151,9 +151,9 @@ class OnFiles(unittest.TestCase):
             self.assertTrue("\n".join(lines[event["data"]["line_number"] - 1:]).startswith(printed))
             rest = content[event["data"]["absolute_offset"]:].decode(encodings[path], "replace")
             self.assertTrue(rest.startswith(printed), (path, rest, printed))
+            found[path] = found.get(path, 0) + len(event["data"]["submatches"])
             for place in event["data"]["submatches"]:
                 word = place["match"]["text"]
-                found[path] = found.get(path, 0) + 1
                 start, length = place["byte_offset"], place["byte_length"]
                 self.assertEqual(content[start:start + length].decode(encodings[path]), word, path)
                 start, length = 2 * place["utf16_offset"], 2 * place["utf16_length"]

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <random>
-#include <span>
 
 #include "QueryReference.h"
 #include "velan/query/FastWordEnumerator.h"

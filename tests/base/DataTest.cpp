@@ -1,9 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-
 #include "velan/base/Data.h"
-#include "velan/base/FunctionRef.h"
 #include "velan/base/Log.h"
 #include "velan/base/MutableData.h"
 
@@ -40,17 +37,6 @@ TEST(MutableData, TakesItsBytesWithoutACopy) {
   EXPECT_EQ(data.view(), "abc");
   EXPECT_TRUE(buffer.isEmpty());
   EXPECT_TRUE(MutableData().takeData()) << "an empty buffer is present";
-}
-
-TEST(FunctionRef, CallsWhatItRefersTo) {
-  int sum = 0;
-  const auto add = [&sum](int value) { return (sum += value) > 3; };
-  const FunctionRef<bool(int)> reference = add;
-  EXPECT_FALSE(reference(2));
-  EXPECT_TRUE(reference(2));
-  EXPECT_FALSE(FunctionRef<bool(int)>(nullptr));
-  bool (*function)(int) = [](int value) { return value == 7; };
-  EXPECT_TRUE(FunctionRef<bool(int)>(function)(7));
 }
 
 TEST(Log, GoesToTheSinkWithItsContext) {

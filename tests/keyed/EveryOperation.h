@@ -2,7 +2,6 @@
 #ifndef VELAN_TESTS_EVERY_OPERATION_H
 #define VELAN_TESTS_EVERY_OPERATION_H
 
-#include <memory>
 #include <string>
 
 #include "velan/keyed/KeyedReading.h"

@@ -146,17 +146,9 @@ TEST(KeyedWriting, RemovingCutsOffADamagedEnd) {
 
 TEST(KeyedWriting, RemovesWhatAHandlerChooses) {
   MutableData data = everyType();
-  std::vector<uint32_t> keys;
-  removeKeyedDataUsingHandler(data, [&keys](uint32_t marker, uint32_t key) {
-    keys.push_back(key);
-    return marker != VLdb && key != 9;
-  });
-  EXPECT_EQ(keys.size(), 13u);
+  removeKeyedDataUsingHandler(data, [](uint32_t marker, uint32_t key) { return marker != VLdb && key != 9; });
   EXPECT_EQ(data.length(), 16u + 20u);
   EXPECT_EQ(stringForKey(data, 9), String(u"text"));
-  const auto all = [](uint32_t, uint32_t, void*) { return true; };
-  removeKeyedDataUsingHandler(data, all, nullptr);
-  EXPECT_TRUE(data.isEmpty());
 }
 
 }  // namespace

@@ -43,16 +43,6 @@ TEST(Links, FoundFromEachOfTheirUnits) {
   }
 }
 
-TEST(Links, InALine) {
-  const String text = u"d@e.org,http://a.org/b,www.c.org;http://f)http://g"_s;
-  const struct {
-    int64_t index;
-    Range link;
-  } cases[] = {{0, {0, 7}},        {7, kAbsentRange}, {8, {8, 14}},       {22, kAbsentRange}, {31, {23, 9}},
-               {32, kAbsentRange}, {33, {33, 8}},     {41, kAbsentRange}, {42, {42, 8}}};
-  for (const auto& c : cases) EXPECT_EQ(getLinkRangeAtIndex(text, c.index), c.link) << c.index;
-}
-
 // Whatever the text, a link contains the index it was found from, and all its units lead to the same link.
 TEST(Links, EveryUnitOfALinkAgrees) {
   static constexpr std::u16string_view kPieces[] = {u"http://", u"www.", u"a", u"@", u".de",

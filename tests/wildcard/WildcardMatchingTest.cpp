@@ -66,56 +66,20 @@ bool slowMatches(View text, View pattern, bool hasSets) {
   return t == text.size();
 }
 
+// What the short patterns below have no units for.
 TEST(WildcardMatching, Table) {
   const struct {
     View pattern, text;
     bool plain, withSets;
   } cases[] = {
-      {u"", u"", true, true},
-      {u"", u"a", false, false},
-      {u"*", u"", true, true},
-      {u"**", u"", true, true},
-      {u"*", u"abc", true, true},
-      {u"a*", u"a", true, true},
-      {u"*b", u"", false, false},
-      {u"a*b", u"ab", true, true},
-      {u"a*b", u"axxb", true, true},
-      {u"a*b", u"axxbc", false, false},
-      {u"a?c", u"ac", false, false},
-      {u"a?c", u"a?c", true, true},
-      {u"?*", u"", false, false},
-      {u"*a*b*c*", u"abcabc", true, true},
-      {u"*ab", u"abxab", true, true},
-      {u"*a?b", u"aabab", false, false},
-      {u"a**", u"a", true, true},
-      {u"\\*", u"\\x", true, true},
-      {u"[a-c]x", u"bx", false, true},
-      {u"[a-c]x", u"[a-c]x", true, false},
-      {u"[^a-c]x", u"bx", false, false},
-      {u"[^a-c]x", u"dx", false, true},
-      {u"[-z]", u"[", false, true},
-      {u"[-z]", u"a", false, true},
-      {u"[-z]", u"-", false, false},
-      {u"[a|b]", u"b", false, true},
-      {u"[a|b]", u"|", false, false},
-      {u"[]a", u"xa", false, false},
-      {u"[]a", u"a", false, false},
-      {u"[^]a", u"xa", false, true},
-      {u"a]", u"a]", true, true},
-      {u"^a", u"^a", true, true},
-      {u"[", u"[", true, false},
-      {u"[ab", u"b", false, true},
-      {u"[^ab", u"c", false, true},
-      {u"[^", u"c", false, true},
-      {u"[a-", u"a", false, true},
-      {u"[a-", u"-", false, false},
-      {u"[a^]", u"^", false, true},
-      {u"[[]", u"[", false, true},
-      {u"[a-]b]", u"ab]", false, true},
-      {u"[a-]b]", u"b", false, true},
-      {u"[*]", u"*", false, true},
-      {u"[*]", u"x", false, false},
-      {u"*[ab]*c", u"xxbyyc", false, true},
+      {u"[", u"[", true, false},           {u"[[]", u"[", false, true},         {u"[*]", u"*", false, true},
+      {u"a?c", u"ac", false, false},       {u"a?c", u"a?c", true, true},        {u"?*", u"", false, false},
+      {u"*a*b*c*", u"abcabc", true, true}, {u"*a?b", u"aabab", false, false},   {u"\\*", u"\\x", true, true},
+      {u"[a-c]x", u"bx", false, true},     {u"[a-c]x", u"[a-c]x", true, false}, {u"[^a-c]x", u"bx", false, false},
+      {u"[^a-c]x", u"dx", false, true},    {u"[-z]", u"[", false, true},        {u"[-z]", u"a", false, true},
+      {u"[-z]", u"-", false, false},       {u"[a|b]", u"b", false, true},       {u"[a|b]", u"|", false, false},
+      {u"[^]a", u"xa", false, true},       {u"^a", u"^a", true, true},          {u"[^ab", u"c", false, true},
+      {u"[^", u"c", false, true},          {u"[a^]", u"^", false, true},        {u"*[ab]*c", u"xxbyyc", false, true},
   };
   for (const auto& c : cases) {
     EXPECT_EQ(plain(c.text, c.pattern), c.plain) << String(c.pattern).toUTF8() << ' ' << String(c.text).toUTF8();
@@ -151,6 +115,7 @@ TEST(WildcardMatching, EqualsTheDefinitionForAllShortPatterns) {
 // Sets whose end depends on the text need at least seven units to matter behind a `*`.
 TEST(WildcardMatching, EqualsTheDefinitionForLongerPatterns) {
   const auto texts = allTexts(u"ab]", 4);
+  const View pieces[] = {u"*", u"?", u"a", u"b", u"ab", u"[ab]", u"[^a]", u"[a-]"};
   std::mt19937 random(3);
   for (int round = 0; round < 30000; ++round) {
     std::u16string pattern = round % 3 ? u"*[" : u"";
@@ -158,19 +123,11 @@ TEST(WildcardMatching, EqualsTheDefinitionForLongerPatterns) {
     while (pattern.size() < length) pattern += View(u"[]-*ab")[random() % 6];
     if (round % 2) pattern.replace(3 + random() % (length - 4), 2, u"-]");
     checkPattern(pattern, texts);
-  }
-}
-
-TEST(WildcardMatching, LongTextsWithStars) {
-  std::mt19937 random(4);
-  for (int round = 0; round < 3000; ++round) {
-    std::u16string text, pattern;
-    for (size_t length = random() % 40; text.size() < length;) text += View(u"aab")[random() % 3];
-    const View pieces[] = {u"*", u"?", u"a", u"b", u"ab", u"[ab]", u"[^a]", u"[a-]"};
-    for (size_t count = 1 + random() % 7; count > 0; --count) pattern += pieces[random() % std::size(pieces)];
-    const bool expected = slowMatches(text, pattern, true);
-    ASSERT_EQ(withSets(text, pattern), expected) << String(pattern).toUTF8() << ' ' << String(text).toUTF8();
-    ASSERT_EQ(simulated(text, pattern), expected) << String(pattern).toUTF8() << ' ' << String(text).toUTF8();
+    if (round % 10) continue;
+    std::u16string text, stars;
+    for (size_t left = random() % 40; left > 0; --left) text += View(u"aab")[random() % 3];
+    for (size_t count = 1 + random() % 7; count > 0; --count) stars += pieces[random() % std::size(pieces)];
+    checkPattern(stars, {text});
   }
 }
 

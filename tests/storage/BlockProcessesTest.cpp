@@ -164,6 +164,9 @@ int checkModes(const std::string& folder) {
       if (!openFor(access, String::fromUTF8(name))) return 1;
       struct stat information {};
       if (stat(name.c_str(), &information) != 0 || (information.st_mode & 0777) != (0666 & ~mask)) return 1;
+      for (const FileAccess again : kAccesses) {
+        if (!openFor(again, String::fromUTF8(name))) return 1;
+      }
     }
   }
   return 0;
@@ -171,6 +174,14 @@ int checkModes(const std::string& folder) {
 
 TEST_F(BlockProcessesTest, NewFilesHaveTheUsersPermissions) {
   EXPECT_EQ(resultOf(startChild([&] { return checkModes(folder + "/own"); })), 0);
+  if (geteuid() != 0) return;
+  // Root may open anything: an ordinary user must be able to open again what it made.
+  const std::string ordinary = folder + "/ordinary";
+  std::filesystem::create_directory(ordinary);
+  constexpr uid_t kNobody = 65534;
+  ASSERT_EQ(chmod(folder.c_str(), 0755) + chown(ordinary.c_str(), kNobody, kNobody), 0);
+  EXPECT_EQ(
+      resultOf(startChild([&] { return setgid(kNobody) == 0 && setuid(kNobody) == 0 ? checkModes(ordinary) : 2; })), 0);
 }
 
 TEST_F(BlockProcessesTest, OnlyRegularFilesAreOpened) {

@@ -95,6 +95,10 @@ std::optional<std::string> readFile(const std::string& path, std::string& why) {
 }
 
 bool replaceFile(const std::string& path, std::string_view bytes, std::string& why) {
+  if (path == "-") {
+    why = "standard input has no file to write to";
+    return false;
+  }
   std::error_code error;
   const auto resolved = std::filesystem::canonical(path, error);
   const std::string target = error ? path : resolved.string();

@@ -108,7 +108,7 @@ bool QueryEvaluator::holds(const QueryTerms& node, Range range) {
 
 bool QueryEvaluator::evaluate(const QueryTerms& node, const Relation& relation, Range range) {
   std::vector<Frame> frames;
-  frames.push_back({&node, relation, range, 0, false, nullptr});
+  frames.push_back({&node, relation, range, !relation.partner, 0, false, nullptr});
   bool result = false;
   while (!frames.empty()) {
     if (std::optional<Frame> first = step(frames.back(), result)) {
@@ -131,25 +131,27 @@ std::optional<QueryEvaluator::Frame> QueryEvaluator::step(Frame& frame, bool& re
 // and as the partner of the term behind it: it is remembered, or each level of nesting would evaluate all below twice.
 std::optional<QueryEvaluator::Frame> QueryEvaluator::stepGroup(Frame& frame, bool& result) {
   const auto& children = frame.node->children();
-  const bool isRelated = frame.relation.partner != nullptr;
   if (frame.next > 0) {
     const bool exclusive = frame.next > 1 && children[frame.next - 1]->queryOperator() == QueryOperator::Xor;
     frame.running = exclusive ? frame.running != result : result;
-  } else if (isRelated && frame.range.length <= 0) {
+  } else if (frame.relation.partner && frame.range.length <= 0) {
     result = false;  // negated or not
     return std::nullopt;
-  } else if (const auto found = _remembered.find({frame.node, frame.range}); !isRelated && found != _remembered.end()) {
-    result = found->second;
-    return std::nullopt;
+  } else if (frame.isAskedAgain) {
+    if (const auto found = _remembered.find({frame.node, frame.range}); found != _remembered.end()) {
+      result = found->second;
+      return std::nullopt;
+    }
   }
   while (frame.next < children.size()) {
     const size_t index = frame.next++;
     if (index > 0 && !decides(children[index]->queryOperator(), frame.running)) continue;
-    return Frame{
-        children[index].get(), relationOfChild(frame.relation, children, index), frame.range, 0, false, nullptr};
+    const Relation relation = relationOfChild(frame.relation, children, index);
+    const bool isPartner = index + 1 < children.size() && hasOwnRelation(*children[index + 1]);
+    return Frame{children[index].get(), relation, frame.range, isPartner && !relation.partner, 0, false, nullptr};
   }
   result = !children.empty() && frame.running != frame.node->queryNot();
-  if (!isRelated) _remembered[{frame.node, frame.range}] = result;
+  if (frame.isAskedAgain) _remembered[{frame.node, frame.range}] = result;
   return std::nullopt;
 }
 
@@ -168,7 +170,7 @@ std::optional<QueryEvaluator::Frame> QueryEvaluator::stepRelated(Frame& frame, b
     } else if (const Ranges* known = witnesses(partner)) {
       result = holdsWithin(*known, span);
     } else {
-      return Frame{&partner, {}, span, 0, false, nullptr};
+      return Frame{&partner, {}, span, true, 0, false, nullptr};
     }
   }
   return std::nullopt;

@@ -67,8 +67,8 @@ class RelationRanges {
   int64_t _pieceStart;
 };
 
-/// Evaluates any nodes of one tree on one text. Each leaf is searched once, and what a group without a relation gives
-/// in a range is remembered. Depth of the tree costs memory only.
+/// Evaluates any nodes of one tree on one text. Each leaf is searched once, and what a group that is a
+/// partner gives in a range is remembered. Depth of the tree costs memory only.
 class QueryEvaluator {
  public:
   /// `fuzzy` and the mapping of the units are taken from `comparison`.
@@ -91,6 +91,7 @@ class QueryEvaluator {
     const QueryTerms* node;
     Relation relation;
     Range range;
+    bool isAskedAgain = false;               // a group without a relation that is a partner too: worth remembering
     size_t next = 0;                         // of a group: the child to go on with
     bool running = false;                    // of a group: the result so far
     std::unique_ptr<RelationRanges> ranges;  // of a related leaf

@@ -141,7 +141,9 @@ class VELAN_EXPORT BlockStorage {
 
   /// `nextAvailableBlock`: the data of the next block, which may be compressed in the file. Deleted and empty blocks
   /// are skipped, damaged ones too, with a message. Absent at the end of the file, at an invalid header, at a truncated
-  /// block (the position stays there), and for a block that does not inflate (the position is behind it).
+  /// block (the position stays there), and for a block that does not inflate (the position is behind it). What a
+  /// compressed block inflates to has no limit here, up to about a thousand times its size in the file: for
+  /// files of unknown origin `enumerateStoredBlocks` tells where the payloads lie, to be inflated with a limit.
   Data nextAvailableBlock();
   /// `copyOfNextAvailableBlock`: the same as `nextAvailableBlock`.
   Data copyOfNextAvailableBlock();

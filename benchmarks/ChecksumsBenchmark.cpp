@@ -6,9 +6,9 @@
 
 #include <string>
 
-#include "velan/text/Checksums.h"
-#include "velan/text/MD5.h"
-#include "velan/text/SHA1.h"
+#include "velan/text/digest/Checksums.h"
+#include "velan/text/digest/MD5.h"
+#include "velan/text/digest/SHA1.h"
 
 namespace velan {
 namespace {

@@ -6,7 +6,7 @@
 #include <random>
 #include <string>
 
-#include "velan/query/FastWordEnumerator.h"
+#include "velan/query/words/FastWordEnumerator.h"
 #include "velan/text/CharacterSets.h"
 #include "velan/text/Separators.h"
 

@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "velan/query/FastWordEnumerator.h"
+#include "velan/query/words/FastWordEnumerator.h"
 #include "velan/query/QueryMatching.h"
 
 namespace {

@@ -4,10 +4,10 @@
 #include <cstring>
 #include <string>
 
-#include "velan/query/FastWordEnumerator.h"
-#include "velan/query/Hashtags.h"
-#include "velan/query/Links.h"
-#include "velan/query/WordSeparation.h"
+#include "velan/query/words/FastWordEnumerator.h"
+#include "velan/query/words/Hashtags.h"
+#include "velan/query/words/Links.h"
+#include "velan/query/words/WordSeparation.h"
 
 namespace {
 

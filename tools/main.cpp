@@ -5,7 +5,7 @@
 
 #include "tools/Commands.h"
 #include "tools/Console.h"
-#include "tools/TextCommands.h"
+#include "tools/search/TextCommands.h"
 
 namespace velan::tool {
 namespace {

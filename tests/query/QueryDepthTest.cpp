@@ -5,7 +5,7 @@
 
 #include <functional>
 
-#include "velan/query/FastWordEnumerator.h"
+#include "velan/query/words/FastWordEnumerator.h"
 #include "velan/query/QueryMatching.h"
 
 namespace velan {

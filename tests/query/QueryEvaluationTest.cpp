@@ -3,7 +3,7 @@
 #include <random>
 
 #include "QueryReference.h"
-#include "velan/query/FastWordEnumerator.h"
+#include "velan/query/words/FastWordEnumerator.h"
 #include "velan/query/QueryMatching.h"
 
 namespace velan {

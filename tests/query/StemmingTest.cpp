@@ -9,11 +9,11 @@
 #include <thread>
 #include <vector>
 
-#include "velan/platform/HunspellDictionaryInternal.h"
+#include "velan/platform/lemmas/HunspellDictionaryInternal.h"
 #include "velan/platform/LanguageDetection.h"
-#include "velan/platform/Lemmatizer.h"
+#include "velan/platform/lemmas/Lemmatizer.h"
 #include "velan/platform/Services.h"
-#include "velan/platform/WordNetInternal.h"
+#include "velan/platform/lemmas/WordNetInternal.h"
 #include "velan/query/Stemming.h"
 
 namespace velan {

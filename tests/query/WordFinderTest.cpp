@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "velan/query/FastWordEnumerator.h"
+#include "velan/query/words/FastWordEnumerator.h"
 #include "velan/query/QueryMatching.h"
 #include "velan/query/WordFinder.h"
 

@@ -3,7 +3,7 @@
 #include "tests/storage/SimulatedFiles.h"
 #include "velan/storage/BlockStorage.h"
 #include "velan/storage/Compression.h"
-#include "velan/text/Checksums.h"
+#include "velan/text/digest/Checksums.h"
 
 namespace velan {
 namespace {

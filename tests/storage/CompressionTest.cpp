@@ -4,7 +4,7 @@
 #include "velan/storage/Compression.h"
 #include "velan/storage/Digest.h"
 #include "velan/storage/Encryption.h"
-#include "velan/text/Hexadecimal.h"
+#include "velan/text/digest/Hexadecimal.h"
 
 namespace velan {
 namespace {

@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "velan/base/Log.h"
-#include "velan/platform/FileCallsInternal.h"
+#include "velan/platform/files/FileCallsInternal.h"
 
 namespace velan {
 

@@ -6,8 +6,8 @@
 #include "velan/base/UTF.h"
 #include "velan/keyed/KeyedReading.h"
 #include "velan/keyed/KeyedWriting.h"
-#include "velan/platform/File.h"
-#include "velan/platform/FileContents.h"
+#include "velan/platform/files/File.h"
+#include "velan/platform/files/FileContents.h"
 
 namespace velan {
 namespace {

@@ -6,7 +6,7 @@
 #include <span>
 #include <vector>
 
-#include "velan/query/FastWordEnumerator.h"
+#include "velan/query/words/FastWordEnumerator.h"
 #include "velan/query/QueryTerms.h"
 
 namespace velan {

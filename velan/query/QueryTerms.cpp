@@ -4,9 +4,9 @@
 #include <unordered_set>
 #include <utility>
 
-#include "velan/query/Components.h"
+#include "velan/query/words/Components.h"
 #include "velan/query/QueryWalkInternal.h"
-#include "velan/query/WordSeparation.h"
+#include "velan/query/words/WordSeparation.h"
 #include "velan/wildcard/WildcardPattern.h"
 
 namespace velan {

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "velan/base/Range.h"
-#include "velan/query/FastWordEnumerator.h"
+#include "velan/query/words/FastWordEnumerator.h"
 #include "velan/query/QueryComparison.h"
 
 namespace velan {

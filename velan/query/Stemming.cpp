@@ -2,7 +2,7 @@
 
 #include "velan/base/MutableString.h"
 #include "velan/platform/LanguageDetection.h"
-#include "velan/platform/Lemmatizer.h"
+#include "velan/platform/lemmas/Lemmatizer.h"
 #include "velan/platform/WordTokenizer.h"
 
 namespace velan {

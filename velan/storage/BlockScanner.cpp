@@ -1,7 +1,7 @@
 #include <algorithm>
 
 #include "velan/storage/BlockScannerInternal.h"
-#include "velan/text/ChecksumsInternal.h"
+#include "velan/text/digest/ChecksumsInternal.h"
 
 namespace velan {
 namespace {

@@ -14,7 +14,7 @@
 #include "velan/base/FunctionRef.h"
 #include "velan/base/MutableData.h"
 #include "velan/base/String.h"
-#include "velan/platform/File.h"
+#include "velan/platform/files/File.h"
 
 namespace velan {
 

@@ -2,7 +2,7 @@
 #include "velan/storage/BlockFormatInternal.h"
 #include "velan/storage/BlockStorage.h"
 #include "velan/storage/Compression.h"
-#include "velan/text/Checksums.h"
+#include "velan/text/digest/Checksums.h"
 
 namespace velan {
 namespace {

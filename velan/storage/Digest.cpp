@@ -1,8 +1,8 @@
 #include "velan/storage/Digest.h"
 
-#include "velan/text/Hexadecimal.h"
-#include "velan/text/MD5.h"
-#include "velan/text/SHA1.h"
+#include "velan/text/digest/Hexadecimal.h"
+#include "velan/text/digest/MD5.h"
+#include "velan/text/digest/SHA1.h"
 
 namespace velan {
 

@@ -4,7 +4,7 @@
 
 #include "velan/base/Log.h"
 #include "velan/platform/AESInternal.h"
-#include "velan/text/SaltedHash.h"
+#include "velan/text/digest/SaltedHash.h"
 
 namespace velan {
 namespace {

@@ -1,0 +1,281 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <list>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "velan/query/words/EastAsianWords.h"
+#include "velan/query/words/FastWordEnumerator.h"
+#include "velan/query/words/WordIndexInternal.h"
+#include "velan/query/words/WordSeparation.h"
+#include "velan/text/CharacterSets.h"
+#include "velan/text/ConversionTables.h"
+#include "velan/text/Separators.h"
+
+namespace velan {
+namespace {
+
+bool separates(unichar c) { return isMemberOfCharacterSetRep(defaultWordSeparators(), c); }
+
+std::string typesOf(const FastWordEnumerator& enumerator) {
+  std::string types;
+  for (int64_t i = 0; i < enumerator.length(); ++i) types += static_cast<char>('0' + enumerator.typeAtIndex(i));
+  return types;
+}
+
+std::vector<Range> wordsOf(const FastWordEnumerator& enumerator) {
+  std::vector<Range> words;
+  int64_t index = 0;
+  for (Range word; isPresent(word = enumerator.enumerateNextWordAtIndex(&index));) words.push_back(word);
+  return words;
+}
+
+// A word at a time, as one would say it: the independent check of the index.
+std::vector<Range> slowWords(std::u16string_view text) {
+  std::vector<Range> words;
+  for (size_t i = 0; i < text.size(); ++i) {
+    if (separates(text[i])) continue;
+    const size_t start = i;
+    while (i < text.size() && !separates(text[i])) ++i;
+    words.push_back({static_cast<int64_t>(start), static_cast<int64_t>(i - start)});
+  }
+  return words;
+}
+
+std::u16string randomText(std::mt19937& random, size_t length) {
+  static constexpr std::u16string_view alphabet(u"abcXYZäßıµÿđ÷., -\n#\u4E2D\xD83D\xDE00\0", 23);
+  std::u16string text(length, u' ');
+  const auto separatorsInTen = random() % 10;
+  for (auto& c : text) c = random() % 10 < separatorsInTen ? u' ' : alphabet[random() % alphabet.size()];
+  return text;
+}
+
+TEST(FastWordEnumerator, Types) {
+  const struct {
+    const char* why;
+    String text;
+    bool wildcard;
+    const char* types;
+    int64_t words;
+  } cases[] = {
+      {"start, end, separator", u"ab cd"_s, false, "24124", 2},
+      {"a pair of surrogates separates", u"a\U0001F600b"_s, false, "6116", 2},
+      {"a set belongs to its word", u"a[ ,]b c"_s, true, "20000416", 2},
+      {"an empty set is no set", u"a[] b"_s, true, "20416", 2},
+      {"an open set reaches to the end", u"a[b, c"_s, true, "200004", 1},
+      {"a bracket at the end", u"a b["_s, true, "6124", 2},
+      {"a pattern stays one word", u"*a?b* c"_s, true, "2000416", 2},
+  };
+  for (const auto& c : cases) {
+    const auto enumerator = FastWordEnumerator::enumeratorWithString(c.text, false, c.wildcard);
+    ASSERT_TRUE(enumerator) << c.why;
+    EXPECT_EQ(typesOf(*enumerator), c.types) << c.why;
+    EXPECT_EQ(enumerator->numberOfWords(), c.words) << c.why;
+  }
+}
+
+TEST(FastWordEnumerator, EqualsASlowClassification) {
+  std::mt19937 random(7);
+  for (size_t length = 1; length <= 9000; length += length < 70 ? 1 : 997) {  // beyond two blocks of the index
+    const std::u16string text = randomText(random, length);
+    const auto enumerator = FastWordEnumerator::enumeratorWithString(String(text), length % 2 == 1, false);
+    ASSERT_TRUE(enumerator);
+    const std::vector<Range> words = slowWords(text);
+    ASSERT_EQ(wordsOf(*enumerator), words) << length;
+    for (const int64_t minimum : {0, 1, 2, 5}) {
+      const auto isLong = [&](const Range& word) { return word.length >= minimum; };
+      EXPECT_EQ(enumerator->numberOfWords(minimum), std::ranges::count_if(words, isLong));
+    }
+    for (size_t i = 0; i < length; ++i) {
+      EXPECT_EQ(enumerator->isWordSeparatorAtIndex(static_cast<int64_t>(i)), separates(text[i]));
+      EXPECT_EQ(enumerator->characters()[i], length % 2 == 1 ? toUpper(text[i]) : text[i]);
+    }
+  }
+}
+
+// Heap buffers of exactly `length` at odd addresses: the address sanitizer sees a step too far.
+TEST(FastWordEnumerator, EverySeparatorKernelEqualsTheReference) {
+  std::mt19937 random(9);
+  for (size_t length = 0; length <= 140; ++length) {
+    for (unsigned range : {0x80u, 0x500u, 0x10000u}) {
+      std::vector<unichar> units(length);
+      for (auto& c : units) c = static_cast<unichar>(random() % range);
+      if (length > 3) units[random() % length] = 0xFFFF;
+      std::vector<uint8_t> expected(length);
+      for (size_t i = 0; i < length; ++i) expected[i] = separates(units[i]);
+      for (const auto& kernel : supportedSeparatorKernels()) {
+        const size_t shift = std::min<size_t>(length, 1);
+        std::vector<uint8_t> marks(length, 7);
+        kernel.mark(units.data() + shift, length - shift, defaultWordSeparators(), marks.data() + shift);
+        if (shift == 1) kernel.mark(units.data(), 1, defaultWordSeparators(), marks.data());
+        EXPECT_EQ(marks, expected) << kernel.name << ' ' << length << ' ' << range;
+      }
+    }
+  }
+}
+
+// Each query at each index against a walk over the list of words.
+TEST(FastWordEnumerator, QueriesEqualASlowWalk) {
+  std::mt19937 random(8);
+  for (size_t length : {1u, 2u, 7u, 8u, 9u, 40u}) {
+    const std::u16string text = randomText(random, length);
+    const auto n = static_cast<int64_t>(length);
+    const auto enumerator = FastWordEnumerator::initWithCharacters(text.data(), n, false);
+    ASSERT_TRUE(enumerator);
+    const std::vector<Range> words = slowWords(text);
+    for (int64_t index = -2; index <= n + 2; ++index) {
+      for (int64_t limit = -1; limit <= n + 2; ++limit) {
+        Range previous = kAbsentRange;
+        Range next = kAbsentRange;
+        const bool inside = index >= 0 && index < n;
+        for (const Range& word : words) {
+          if (inside && word.location <= index && word.location >= limit) previous = word;
+          if (inside && !isPresent(next) && word.location >= index && word.location < limit) next = word;
+        }
+        EXPECT_EQ(enumerator->rangeOfPreviousWordFromIndex(index, limit), previous) << index << ' ' << limit;
+        EXPECT_EQ(enumerator->rangeOfNextWordFromIndex(index, limit), next) << index << ' ' << limit;
+        EXPECT_EQ(enumerator->locationOfNextWordFromIndex(index, limit), next.location);
+        bool separator = false;
+        const Range range = clippedRange({index, limit}, n);
+        std::vector<Range> parts, enumerated;
+        for (const Range& word : words) {
+          const int64_t start = std::max(word.location, range.location);
+          if (start < std::min(endOf(word), endOf(range)))
+            parts.push_back({start, std::min(endOf(word), endOf(range)) - start});
+        }
+        const auto collect = [&](const FastWordEnumerator&, int64_t start, int64_t count) {
+          return enumerated.push_back({start, count}), false;
+        };
+        EXPECT_EQ(enumerator->enumerateWordsInRange({index, limit}, collect), std::ssize(parts));
+        EXPECT_EQ(enumerated, parts) << index << ' ' << limit;
+        for (int64_t i = range.location; i < endOf(range); ++i) separator |= separates(text[static_cast<size_t>(i)]);
+        EXPECT_EQ(enumerator->containsSeparatorInRange({index, limit}), separator);
+      }
+      Range around = kAbsentRange;
+      bool endBefore = false;
+      for (const Range& word : words) {
+        if (word.location <= index && index < endOf(word)) around = word;
+        endBefore |= endOf(word) == index;
+      }
+      EXPECT_EQ(enumerator->rangeOfWordAtIndex(index), around) << index;
+      EXPECT_EQ(getWordRangeAtIndex(text, index), around) << index;
+      EXPECT_EQ(enumerator->isWordEndBeforeIndex(index), endBefore) << index;
+    }
+  }
+}
+
+TEST(FastWordEnumerator, StopsEnumeratingWhenAsked) {
+  const auto enumerator = FastWordEnumerator::initWithString(u"one two, three"_s);
+  int calls = 0;
+  const auto stopAtSecond = [](const FastWordEnumerator&, int64_t, int64_t, void* context) {
+    return ++*static_cast<int*>(context) == 2;
+  };
+  EXPECT_EQ(enumerator->enumerateWordsInRange({0, 14}, stopAtSecond, &calls), 1);
+  EXPECT_EQ(calls, 2);
+  EXPECT_EQ(enumerator->enumerateWordsInRange({0, 14}, nullptr, nullptr), 0);
+  EXPECT_EQ(enumerator->enumerateWordsInRange({0, 14}, nullptr), 0);
+}
+
+TEST(FastWordEnumerator, SharesCopiesAndOwnsUnits) {
+  const String text = u"Straße Öl"_s;
+  const auto borrowing = FastWordEnumerator::enumeratorWithString(text);
+  EXPECT_EQ(borrowing->characters(), text.characters());
+  const auto upper = FastWordEnumerator::enumeratorWithString(text, true, false);
+  EXPECT_EQ(upper->substringWithRange({0, 9}), u"STRAßE ÖL"_s);
+  EXPECT_EQ(upper->lowercaseSubstringWithRange({4, 50}), u"ße öl"_s);
+  EXPECT_EQ(borrowing->uppercaseSubstringWithRange({7, 2}), u"ÖL"_s);
+  EXPECT_TRUE(upper->string().isSameObject(text));
+
+  // The address sanitizer sees units that are freed twice or never.
+  const auto unitsFromMalloc = [] {
+    auto* units = static_cast<unichar*>(std::malloc(2 * sizeof(unichar)));
+    return static_cast<unichar*>(std::memcpy(units, u"ab", 2 * sizeof(unichar)));
+  };
+  EXPECT_FALSE(FastWordEnumerator::initWithCharactersNoCopy(unitsFromMalloc(), 0, true));
+  const auto owning = FastWordEnumerator::initWithCharactersNoCopy(unitsFromMalloc(), 2, true);
+  EXPECT_EQ(owning->string(), u"ab"_s);
+  EXPECT_TRUE(owning->setCharacters(text.characters(), text.length(), false));
+  EXPECT_EQ(owning->numberOfWords(), 2);
+  EXPECT_TRUE(owning->setCharacters(unitsFromMalloc(), 2, true));
+  EXPECT_FALSE(owning->setCharacters(unitsFromMalloc(), -1, true));
+  EXPECT_EQ(owning->length(), 0);
+}
+
+TEST(FastWordEnumerator, IsNeutralWithoutText) {
+  EXPECT_FALSE(FastWordEnumerator::enumeratorWithString(u""_s));
+  EXPECT_FALSE(FastWordEnumerator::enumeratorWithString(String(), true, true));
+  EXPECT_FALSE(FastWordEnumerator::initWithCharacters(nullptr, 3, true));
+  const auto enumerator = FastWordEnumerator::initWithString(u"some words"_s);
+  enumerator->invalidate();
+  EXPECT_EQ(enumerator->characters(), nullptr);
+  EXPECT_TRUE(enumerator->string().isAbsent());
+  EXPECT_EQ(enumerator->numberOfWords() + enumerator->numberOfWords(3) + enumerator->typeAtIndex(0), 0);
+  EXPECT_FALSE(enumerator->containsSeparatorInRange({0, 10}) || enumerator->isWordEndBeforeIndex(4));
+  EXPECT_EQ(wordsOf(*enumerator).size(), 0u);
+  EXPECT_TRUE(enumerator->stringBySeparatingWords().isAbsent());
+}
+
+TEST(FastWordEnumerator, JoinsHyphenatedWords) {
+  const struct {
+    const char* why;
+    String text;
+    std::string joined;
+    bool hyphenated;
+  } cases[] = {
+      {"LF", u"a Donau-\ndampfer b"_s, "a Donaudampfer b ", true},
+      {"CR LF and indentation", u"Donau-\r\n\t dampfer"_s, "Donaudampfer ", true},
+      {"soft hyphen, twice", u"ex\u00AD\ntra\u00AD\u2028ordinary"_s, "extraordinary ", true},
+      {"inside a line", u"e-mail"_s, "e mail ", false},
+      {"a blank after the hyphen", u"Donau- \ndampfer"_s, "Donau dampfer ", false},
+      {"a dash stands alone", u"Donau -\ndampfer"_s, "Donau dampfer ", false},
+      {"the end of the text", u"Donau-\n"_s, "Donau ", false},
+  };
+  for (const auto& c : cases) {
+    const auto enumerator = FastWordEnumerator::initWithString(c.text);
+    std::list<String> words;
+    bool hyphenated = !c.hyphenated;
+    enumerator->addWordsTo(words, 1, &hyphenated);
+    std::string joined;
+    for (const String& word : words) joined += word.toUTF8() + ' ';
+    EXPECT_EQ(joined, c.joined) << c.why;
+    EXPECT_EQ(hyphenated, c.hyphenated) << c.why;
+  }
+  std::vector<String> words;
+  bool hyphenated = false;
+  const auto enumerator = FastWordEnumerator::initWithString(u"ab-\ncd e"_s);
+  enumerator->addWordsTo(words, 2, nullptr);
+  enumerator->addWordsTo(words, 4, &hyphenated);
+  EXPECT_EQ(words, (std::vector<String>{u"ab"_s, u"cd"_s, u"abcd"_s}));
+  EXPECT_EQ(enumerator->stringBySeparatingWords(), u"ab cd e"_s);
+}
+
+// What the words are is the tokenizer's judgement: only that there are several, and that they cover the runs.
+TEST(FastWordEnumerator, SplitsAsianWords) {
+  const String text = u"I read 吾輩は猫である。日本abc語 twice"_s;
+  const int64_t unsplit = FastWordEnumerator::initWithString(text)->numberOfWords();
+  EXPECT_EQ(unsplit, 5);
+  FastWordEnumerator::setSplitAsianWords(true);
+  const auto enumerator = FastWordEnumerator::initWithString(text);
+  FastWordEnumerator::setSplitAsianWords(false);
+  EXPECT_GT(enumerator->numberOfWords(), unsplit + 2);
+  const std::vector<Range> words = wordsOf(*enumerator);
+  EXPECT_EQ(enumerator->numberOfWords(), static_cast<int64_t>(words.size()));
+  int64_t covered = 0;
+  for (const Range& word : words) covered += word.length;
+  EXPECT_EQ(covered, text.length() - 4);  // three spaces and the full stop
+  for (int64_t i = 0; i < text.length(); ++i) {
+    EXPECT_NE(isPresent(enumerator->rangeOfWordAtIndex(i)), separates(text[i])) << i;
+  }
+
+  const String spaced = stringBySeparatingAsianWords(text);
+  EXPECT_EQ(FastWordEnumerator::initWithString(spaced)->numberOfWords(), enumerator->numberOfWords());
+  const String latin = u"no such words"_s;
+  EXPECT_TRUE(stringBySeparatingAsianWords(latin).isSameObject(latin));
+}
+
+}  // namespace
+}  // namespace velan

@@ -1,0 +1,129 @@
+// MD5 and SHA-1 against published digests, and what is built on them.
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <random>
+#include <span>
+
+#include "velan/platform/CPUInternal.h"
+#include "velan/platform/StringConversion.h"
+#include "velan/text/digest/Hexadecimal.h"
+#include "velan/text/digest/MD5.h"
+#include "velan/text/digest/SHA1.h"
+#include "velan/text/digest/SHA1Internal.h"
+#include "velan/text/digest/SaltedHash.h"
+
+namespace velan {
+namespace {
+
+// In two parts, so that bytes are held between the calls.
+std::string md5(std::string_view text) {
+  isc_md5_t context;
+  uint8_t digest[ISC_MD5_DIGESTLENGTH];
+  isc_md5_init(&context);
+  isc_md5_update(&context, text.data(), text.size() / 3);
+  isc_md5_update(&context, text.data() + text.size() / 3, text.size() - text.size() / 3);
+  isc_md5_final(&context, digest);
+  return hexadecimalString(digest).toUTF8();
+}
+
+std::string sha1(std::string_view text) {
+  isc_sha1_t context;
+  uint8_t digest[ISC_SHA1_DIGESTLENGTH];
+  isc_sha1_init(&context);
+  isc_sha1_update(&context, text.data(), text.size() / 3);
+  isc_sha1_update(&context, text.data() + text.size() / 3, text.size() - text.size() / 3);
+  isc_sha1_final(&context, digest);
+  return hexadecimalString(digest).toUTF8();
+}
+
+TEST(Hashing, PublishedDigests) {
+  const struct {
+    std::string text;
+    const char* md5;
+    const char* sha1;
+  } cases[] = {
+      {"", "d41d8cd98f00b204e9800998ecf8427e", "da39a3ee5e6b4b0d3255bfef95601890afd80709"},
+      {"abc", "900150983cd24fb0d6963f7d28e17f72", "a9993e364706816aba3e25717850c26c9cd0d89d"},
+      {"abcdbcdecdefdefgefghfghighijhijkijkljklmklmnlmnomnopnopq", "8215ef0796a20bcaaae116d3876c664a",
+       "84983e441c3bd26ebaae4aa1f95129e5e54670f1"},
+      {std::string(1000000, 'a'), "7707d6ae4e027c70eea2a935c2296f21", "34aa973cd4c4daa4f61eeb2bdbad27316534016f"},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(md5(c.text), c.md5) << c.text.size();
+    EXPECT_EQ(sha1(c.text), c.sha1) << c.text.size();
+  }
+}
+
+TEST(Hashing, ContextsAreClearedAndNullIsHarmless) {
+  isc_sha1_t context;
+  isc_sha1_init(&context);
+  isc_sha1_update(&context, "secret", 6);
+  isc_sha1_invalidate(&context);
+  for (const uint8_t byte : std::span(reinterpret_cast<const uint8_t*>(&context), sizeof context)) EXPECT_EQ(byte, 0);
+  isc_sha1_update(nullptr, "x", 1);
+  isc_md5_invalidate(nullptr);
+}
+
+TEST(Hashing, TheInstructionsEqualTheReference) {
+  if (!cpuFeatures().sha) GTEST_SKIP() << "no SHA instructions here";
+#ifdef __x86_64__
+  std::mt19937 random(3);
+  const auto blocks = std::make_unique<uint8_t[]>(64 * 5 + 1);
+  for (int round = 0; round < 50; ++round) {
+    uint32_t a[5], b[5];
+    for (int i = 0; i < 5; ++i) a[i] = b[i] = static_cast<uint32_t>(random());
+    for (int i = 0; i <= 320; ++i) blocks[i] = static_cast<uint8_t>(random());
+    sha1Scalar(a, blocks.get() + 1, round % 6);
+    sha1Instructions(b, blocks.get() + 1, round % 6);
+    EXPECT_TRUE(std::equal(a, a + 5, b)) << round;
+  }
+#endif
+}
+
+TEST(SaltedHash, AppendsTheSaltInEveryRound) {
+  const String once = saltedHash(u"a"_s, u"bc"_s, StringEncoding::UTF8);
+  EXPECT_EQ(once, u"a9993e364706816aba3e25717850c26c9cd0d89d"_s);
+  EXPECT_EQ(saltedHash(u"a"_s, u"bc"_s, StringEncoding::UTF8, 0), once);
+  EXPECT_EQ(saltedHash(u"a"_s, u"bc"_s, StringEncoding::UTF8, 2).toUTF8(), sha1(once.toUTF8() + "bc"));
+  EXPECT_EQ(saltedHash(u"abc"_s, String()), once);
+  EXPECT_EQ(saltedHash(u"x"_s).toUTF8(), "7ac59e66063e043cda1a9205b4d043d6371fbe2d");
+  EXPECT_EQ(saltedHash(u"a"_s, u"\u0161"_s, StringEncoding::Latin1).toUTF8(), sha1("")) << "does not convert";
+  EXPECT_EQ(saltedHash(u"a"_s, u"b"_s, StringEncoding::UTF16).toUTF8(), sha1({"\xFF\xFE"
+                                                                              "a\0b\0",
+                                                                              6}));
+  EXPECT_TRUE(saltedHash(u""_s).isAbsent());
+}
+
+TEST(StringConversion, EncodesOrRefuses) {
+  using namespace std::string_view_literals;
+  const struct {
+    StringEncoding encoding;
+    std::u16string_view text;
+    std::string_view bytes;  // "-": refused
+  } cases[] = {
+      {StringEncoding::UTF8, u"\u00E9\u20AC", "\xC3\xA9\xE2\x82\xAC"},
+      {StringEncoding::UTF8, u"\xD800", "-"},
+      {StringEncoding::ASCII, u"\u00E9", "-"},
+      {StringEncoding::Latin1, u"\u00E9", "\xE9"},
+      {StringEncoding::Latin1, u"\u20AC", "-"},
+      {StringEncoding::UTF16BigEndian, u"\xD800z", "\xD8\0\0z"sv},
+      {StringEncoding::UTF32, u"z", "\xFF\xFE\0\0z\0\0\0"sv},
+      {StringEncoding::WindowsLatin1, u"\u20AC", "\x80"},
+      {StringEncoding::WindowsCyrillic, u"\u0416", "\xC6"},
+      {StringEncoding::MacRoman, u"\u00E9", "\x8E"},
+      {StringEncoding::MacRoman, u"\u0416", "-"},
+      {StringEncoding::ShiftJIS, u"\u65E5", "\x93\xFA"},
+      {stringEncoding(0x505), u"\u05D0", "\xE0"},
+      {stringEncoding(0x08000100), u"\u00E9", "\xC3\xA9"},
+      {StringEncoding::Invalid, u"a", "-"},
+  };
+  for (const auto& c : cases) {
+    const Data data = dataUsingEncoding(c.text, c.encoding);
+    EXPECT_EQ(data ? data.view() : "-", c.bytes) << static_cast<uint32_t>(c.encoding);
+  }
+  EXPECT_TRUE(dataUsingEncoding(u"", StringEncoding::MacRoman)) << "empty is not absent";
+}
+
+}  // namespace
+}  // namespace velan

@@ -1,0 +1,236 @@
+#include "tools/keyed/KeyedText.h"
+
+#include <charconv>
+#include <limits>
+
+#include "tools/Json.h"
+#include "velan/base/Base64.h"
+#include "velan/base/CivilTime.h"
+#include "velan/keyed/KeyedReading.h"
+#include "velan/keyed/KeyedWriting.h"
+
+namespace velan::tool {
+namespace {
+
+std::string quoted(const Value& value) {
+  std::string json;
+  return appendJson(value, json) ? json : "(too large to show)";
+}
+
+// The words of JSON for numbers that it cannot write.
+double realFromJson(const Value& value) {
+  if (value.isNumber()) return value.doubleValue();
+  const std::string text = value.string().toUTF8();
+  if (text == "inf") return std::numeric_limits<double>::infinity();
+  if (text == "-inf") return -std::numeric_limits<double>::infinity();
+  return std::numeric_limits<double>::quiet_NaN();
+}
+
+bool isRealInJson(const Value& value) {
+  if (value.isNumber()) return true;
+  const std::string text = value.string().toUTF8();
+  return text == "inf" || text == "-inf" || text == "nan";
+}
+
+template <typename Number>
+bool fits(const Value& value) {
+  if (!value.isInteger()) return false;
+  if constexpr (std::signed_integral<Number>) return Value(static_cast<Number>(value.int64Value())) == value;
+  return Value(static_cast<Number>(value.uint64Value())) == value;
+}
+
+std::string descriptionOf(const Data& data, const KeyedRecord& record) {
+  const Value value = valueOfRecord(data, record);
+  if (value.isAbsent()) return "(cannot be decoded)";
+  if (record.marker == VLda) {
+    const String text = formatDate(value.date(), u"%Y-%m-%d %H:%M:%S.%F UTC");
+    return text ? text.toUTF8() : quoted(value);
+  }
+  if (record.marker == VLdt) return std::to_string(value.data().length()) + " bytes " + quoted(value);
+  return quoted(value);
+}
+
+void appendBytesMember(const Data& bytes, std::string& json) {
+  json += ",\"bytes\":\"";
+  appendBase64(bytes.span(), json);
+  json += '"';
+}
+
+std::string jsonOfRecord(const Data& data, const KeyedRecord& record) {
+  std::string value;
+  if (!appendJson(valueOfRecord(data, record), value)) value = "null";
+  const std::string key = textFromKey(record.key);
+  std::string json =
+      "{\"offset\":" + std::to_string(record.offset) + ",\"marker\":\"" + textFromKey(record.marker) + "\",\"key\":";
+  if (key.size() == 4 && key != std::to_string(record.key)) {
+    appendJsonString(String::fromUTF8(key), json);
+  } else {
+    json += std::to_string(record.key);
+  }
+  json += ",\"value\":" + value;
+  MutableData again;
+  const auto read = readJson(value);
+  const Data bytes = data.subdata({static_cast<int64_t>(record.offset), static_cast<int64_t>(record.length)});
+  if (!read || !addRecord(again, record.marker, record.key, *read) || again.view() != bytes.view()) {
+    appendBytesMember(bytes, json);
+  }
+  return json + "}";
+}
+
+// Appends what one element of the array describes.
+bool appendElement(const ValueDictionary& element, MutableData& data) {
+  if (element.find(u"bytes")) {
+    const Value& text = element[u"bytes"];
+    const Data bytes = text.string() ? dataFromBase64(text.string().toUTF8()) : Data();
+    data.appendData(bytes);
+    return !bytes.isAbsent();
+  }
+  const Value& key = element[u"key"];
+  const auto marker = keyFromText(element[u"marker"].string().toUTF8());
+  const auto number = key.kind() == ValueKind::String ? keyFromText(key.string().toUTF8())
+                      : fits<uint32_t>(key)           ? std::optional(static_cast<uint32_t>(key.uint64Value()))
+                                                      : std::nullopt;
+  return marker && number && addRecord(data, *marker, *number, element[u"value"]);
+}
+
+}  // namespace
+
+std::optional<uint32_t> keyFromText(std::string_view text) {
+  const bool hexadecimal = text.starts_with("0x") || text.starts_with("0X");
+  const std::string_view digits = text.substr(hexadecimal ? 2 : 0);
+  uint32_t number = 0;
+  const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), number, hexadecimal ? 16 : 10);
+  if (result.ec == std::errc() && result.ptr == digits.data() + digits.size()) return number;
+  if (text.size() != 4) return std::nullopt;
+  const char code[5] = {text[0], text[1], text[2], text[3], 0};
+  return fourCharacterCode(code);
+}
+
+std::string textFromKey(uint32_t key) {
+  std::string text;
+  for (int shift = 24; shift >= 0; shift -= 8) text.push_back(static_cast<char>(key >> shift));
+  for (const char c : text) {
+    if (c <= 0x20 || c >= 0x7F) return std::to_string(key);
+  }
+  // A code of digits alone would be taken for a number.
+  return keyFromText(text) == key ? text : std::to_string(key);
+}
+
+Value valueOfRecord(const Data& data, const KeyedRecord& record) {
+  const Data bytes = data.subdata({static_cast<int64_t>(record.offset), static_cast<int64_t>(record.length)});
+  const uint32_t key = record.key;
+  switch (record.marker) {
+    case VLbl:
+      return boolForKey(bytes, key);
+    case VLun:
+      return unsignedForKey(bytes, key);
+    case VLsi:
+      return signedForKey(bytes, key);
+    case VLul:
+      return unsignedLongLongForKey(bytes, key);
+    case VLsl:
+      return signedLongLongForKey(bytes, key);
+    case VLfl:
+      return floatForKey(bytes, key);
+    case VLdb:
+      return doubleForKey(bytes, key);
+    case VLda:
+      return Date(timeIntervalSinceReferenceDateForKey(bytes, key));
+    case VLst:
+      return stringForKey(bytes, key);
+    case VLdt:
+      return dataForKey(bytes, key);
+    case VLpl:
+      return plistForKey(bytes, key);
+    default:
+      return Value();
+  }
+}
+
+bool addRecord(MutableData& data, uint32_t marker, uint32_t key, const Value& value) {
+  const bool isReal = isRealInJson(value);
+  switch (marker) {
+    case VLbl:
+      return value.kind() == ValueKind::Boolean && (addBool(data, value.boolValue(), key), true);
+    case VLun:
+      return fits<uint32_t>(value) && (addUnsigned(data, static_cast<uint32_t>(value.uint64Value()), key), true);
+    case VLsi:
+      return fits<int32_t>(value) && (addSigned(data, static_cast<int32_t>(value.int64Value()), key), true);
+    case VLul:
+      return fits<uint64_t>(value) && (addUnsignedLongLong(data, value.uint64Value(), key), true);
+    case VLsl:
+      return fits<int64_t>(value) && (addSignedLongLong(data, value.int64Value(), key), true);
+    case VLfl:
+      return isReal && (addFloat(data, static_cast<float>(realFromJson(value)), key), true);
+    case VLdb:
+      return isReal && (addDouble(data, realFromJson(value), key), true);
+    case VLda:
+      return isReal && (addTimeIntervalSinceReferenceDate(data, realFromJson(value), key), true);
+    case VLst:
+      return addString(data, value.string(), key);
+    case VLdt:
+      return value.string() && addData(data, dataFromBase64(value.string().toUTF8()), key);
+    case VLpl:
+      return addPlist(data, value, key);
+    default:
+      return false;
+  }
+}
+
+std::string describeDamage(const Data& data, const KeyedInspection& inspection) {
+  const size_t rest = data.length() - inspection.damageOffset;
+  std::string where = "offset " + std::to_string(inspection.damageOffset) + ": ";
+  std::string marker;
+  appendJsonString(String::fromUTF8Lossy(data.view().substr(inspection.damageOffset, 4)), marker);
+  switch (inspection.damage) {
+    case KeyedDamage::None:
+      return "valid";
+    case KeyedDamage::UnknownMarker:
+      return where + "unknown marker " + marker;
+    case KeyedDamage::RecordTooLong:
+      return where + "the " + marker + " record is longer than the " + std::to_string(rest) + " bytes that remain";
+    case KeyedDamage::Fragment:
+      return where + std::to_string(rest) + " bytes, fewer than a header has";
+  }
+  return where;
+}
+
+std::string lineOfRecord(const Data& data, const KeyedRecord& record) {
+  return std::to_string(record.offset) + "\t" + textFromKey(record.marker) + "\t" + textFromKey(record.key) + "\t" +
+         descriptionOf(data, record);
+}
+
+std::string jsonOfRecords(const Data& data) {
+  const KeyedInspection inspection = inspectKeyedData(data);
+  std::string json = "[";
+  const char* separator = "\n";
+  for (const KeyedRecord& record : inspection.records) {
+    json += separator + jsonOfRecord(data, record);
+    separator = ",\n";
+  }
+  if (inspection.damage != KeyedDamage::None) {
+    json += separator;
+    json += "{\"offset\":" + std::to_string(inspection.damageOffset) + ",\"damage\":";
+    appendJsonString(String::fromUTF8(describeDamage(data, inspection)), json);
+    appendBytesMember(data.subdata({static_cast<int64_t>(inspection.damageOffset), INT64_MAX}), json);
+    json += "}";
+  }
+  return json + "\n]\n";
+}
+
+Data recordsFromJson(std::string_view json, std::string& why) {
+  const auto list = readJson(json);
+  if (!list || list->kind() != ValueKind::Array) {
+    why = "not a JSON array";
+    return Data();
+  }
+  MutableData data;
+  for (const Value& element : list->array()) {
+    if (appendElement(element.dictionary(), data)) continue;
+    why = "element " + std::to_string(&element - list->array().data()) + " is no record";
+    return Data();
+  }
+  return data.takeData();
+}
+
+}  // namespace velan::tool

@@ -1,0 +1,25 @@
+// A file's way from its path to its text.
+#ifndef VELAN_TOOLS_SEARCH_DOCUMENT_READING_H
+#define VELAN_TOOLS_SEARCH_DOCUMENT_READING_H
+
+#include <optional>
+#include <string>
+
+#include "tools/search/FileWalk.h"
+#include "tools/search/TextDecoding.h"
+
+namespace velan::tool {
+
+/// What to tell when a file gives no text.
+struct Complaint {
+  std::string text;
+  bool isTrouble = false;  // counts for the exit status
+};
+
+/// Nothing when the file cannot be read or is not text; `complaint` then has one line about it. Folders hold files that
+/// are not text as a matter of course, so those are trouble only when they were named.
+std::optional<Document> readDocument(const InputFile& file, Complaint& complaint);
+
+}  // namespace velan::tool
+
+#endif  // VELAN_TOOLS_SEARCH_DOCUMENT_READING_H

@@ -1,0 +1,61 @@
+// A query on one document: whether it matches, where the terms occur, and which lines show that.
+#ifndef VELAN_TOOLS_SEARCH_DOCUMENT_SEARCH_H
+#define VELAN_TOOLS_SEARCH_DOCUMENT_SEARCH_H
+
+#include <algorithm>
+#include <vector>
+
+#include "tools/search/Query.h"
+#include "tools/search/TextLines.h"
+#include "velan/query/QueryMatching.h"
+
+namespace velan::tool {
+
+/// What a query must match as a whole.
+enum class SearchUnit : uint8_t { kDocument, kParagraph, kLine };
+
+/// Consecutive lines, all with occurrences; several when an occurrence goes on over line ends.
+struct LineBlock {
+  size_t firstLine;
+  size_t lastLine;
+  size_t firstOccurrence;  // numbers in `DocumentHits::occurrences`
+  size_t endOccurrence;
+
+  size_t lineCount() const { return lastLine - firstLine + 1; }
+};
+
+struct DocumentHits {
+  std::vector<QueryOccurrence> occurrences;  // by location
+  /// By line, none overlapping. A unit that matches without an occurrence, such as by "NOT x", has a block without
+  /// occurrences: its first line with text.
+  std::vector<LineBlock> blocks;
+};
+
+/// Goes through the lines to print: `printBlock(block)` for each block and `printContext(line)` for up to `context`
+/// lines before and after it, each line once and in order.
+template <typename PrintBlock, typename PrintContext>
+void walkBlocks(const std::vector<LineBlock>& blocks, size_t lineCount, size_t context, PrintBlock printBlock,
+                PrintContext printContext) {
+  size_t next = 0;
+  for (size_t i = 0; i < blocks.size(); ++i) {
+    const LineBlock& block = blocks[i];
+    for (next = std::max(next, block.firstLine - std::min(block.firstLine, context)); next < block.firstLine; ++next) {
+      printContext(next);
+    }
+    printBlock(block);
+    next = block.lastLine + 1;
+    const size_t limit = i + 1 < blocks.size() ? blocks[i + 1].firstLine : lineCount;
+    const size_t end = next + std::min(limit - next, context);
+    for (; next < end; ++next) printContext(next);
+  }
+}
+
+/// Whether anything in `text` matches.
+bool matchesDocument(const String& text, const Query& query, SearchUnit unit);
+
+/// The hits in `text`, whose lines are `lines`; no blocks when nothing matches.
+DocumentHits searchDocument(const String& text, const TextLines& lines, const Query& query, SearchUnit unit);
+
+}  // namespace velan::tool
+
+#endif  // VELAN_TOOLS_SEARCH_DOCUMENT_SEARCH_H

@@ -1,0 +1,38 @@
+// Hits as JSON Lines: one JSON object a line, in an envelope of "begin", "match", "context", "end" and "summary".
+#ifndef VELAN_TOOLS_SEARCH_JSON_PRINTER_H
+#define VELAN_TOOLS_SEARCH_JSON_PRINTER_H
+
+#include <string>
+
+#include "tools/search/DocumentSearch.h"
+#include "tools/search/TextDecoding.h"
+
+namespace velan::tool {
+
+/// What a search counted, of one document or of all.
+struct SearchCounts {
+  size_t documents = 0;
+  size_t documentsWithMatch = 0;
+  size_t bytes = 0;
+  size_t lines = 0;  // with occurrences
+  size_t occurrences = 0;
+
+  SearchCounts& operator+=(const SearchCounts& other);
+};
+
+/// The objects of one document with hits, from "begin" to "end".
+///
+/// A "match" is a `LineBlock`. Its "lines" have their line ends; "line_number" and "absolute_offset" (in bytes of the
+/// file) are those of the first line. Each of its "submatches" has "start" and "end" in UTF-8 bytes of "lines", the
+/// "term" that was found, "primary" (whether it takes part in the match), "line" and "column" (from 1, in characters),
+/// and its place as "byte_offset" and "byte_length" in the file's bytes and as "utf16_offset" and "utf16_length" in
+/// code units of the text. The byte-order mark belongs to the bytes and not to the text.
+std::string printJson(const std::string& path, const Document& document, const TextLines& lines,
+                      const DocumentHits& hits, const SearchCounts& counts, size_t context);
+
+/// The last object.
+std::string printJsonSummary(const SearchCounts& counts);
+
+}  // namespace velan::tool
+
+#endif  // VELAN_TOOLS_SEARCH_JSON_PRINTER_H

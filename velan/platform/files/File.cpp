@@ -1,0 +1,261 @@
+#include "velan/platform/files/File.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <new>
+
+#include "velan/base/Log.h"
+#include "velan/platform/files/FileCallsInternal.h"
+#include "velan/platform/files/RetryInternal.h"
+
+namespace velan {
+namespace {
+
+constexpr size_t kMaximumReadAhead = 16384;
+constexpr size_t kZeroChunk = 2048;
+constexpr uint8_t kZeros[kZeroChunk] = {};
+
+iovec pieceOf(const uint8_t* bytes, size_t length) { return {const_cast<uint8_t*>(bytes), length}; }
+
+// The pieces of one write followed by zero bytes, of which `next` describes as much as one call takes.
+class Gather {
+ public:
+  Gather(File::Pieces pieces, uint64_t zeros) : _piece(pieces.begin()), _end(pieces.end()), _zeros(zeros) {}
+
+  // Fills `_vectors`; 0 when everything has been written.
+  int next() {
+    _count = 0;
+    size_t skip = _used;
+    for (const auto* piece = _piece; piece != _end; ++piece, skip = 0) {
+      if (piece->size() > skip) _vectors[_count++] = pieceOf(piece->data() + skip, piece->size() - skip);
+    }
+    for (uint64_t left = _zeros; left > 0 && _count < _vectors.size();) {
+      const size_t chunk = static_cast<size_t>(std::min<uint64_t>(left, kZeroChunk));
+      _vectors[_count++] = pieceOf(kZeros, chunk);
+      left -= chunk;
+    }
+    return static_cast<int>(_count);
+  }
+
+  const iovec* vectors() const { return _vectors.data(); }
+
+  void wrote(size_t count) {
+    while (_piece != _end && count >= _piece->size() - _used) {
+      count -= _piece->size() - _used;
+      ++_piece;
+      _used = 0;
+    }
+    if (_piece != _end) {
+      _used += count;
+    } else {
+      _zeros -= count;
+    }
+  }
+
+ private:
+  const std::span<const uint8_t>* _piece;
+  const std::span<const uint8_t>* _end;
+  uint64_t _zeros;
+  size_t _used = 0;  // bytes of the first piece that are written already
+  size_t _count = 0;
+  std::array<iovec, 16> _vectors;
+};
+
+uint64_t totalOf(File::Pieces pieces, uint64_t zeros) {
+  uint64_t total = zeros;
+  for (const auto& piece : pieces) total += piece.size();
+  return total;
+}
+
+}  // namespace
+
+File::File(int descriptor, FileAccess access, int64_t length, FileCalls& calls)
+    : _calls(&calls), _descriptor(descriptor), _access(access), _size(length), _buffer(kBufferSize) {
+  if (access == FileAccess::Appending) _position = length;
+}
+
+std::unique_ptr<File> File::withDescriptor(int descriptor, FileAccess access) {
+  const int64_t length = fileCalls().length(descriptor);
+  if (length < 0) return nullptr;
+  try {
+    return std::unique_ptr<File>(new File(descriptor, access, length, fileCalls()));
+  } catch (const std::bad_alloc&) {
+    errno = ENOMEM;
+    return nullptr;
+  }
+}
+
+File::~File() { close(); }
+
+bool File::lock(bool exclusive) {
+  return retried([&] { return _calls->lock(_descriptor, (exclusive ? LOCK_EX : LOCK_SH) | LOCK_NB); }) == 0;
+}
+
+bool File::seek(int64_t offset) {
+  if (offset < 0 || !flush()) return false;
+  _position = offset;
+  return true;
+}
+
+int64_t File::length() {
+  const int64_t length = _calls->length(_descriptor);
+  if (length >= 0) _size = length;
+  return length < 0 || !_pending ? length : std::max(length, _position);
+}
+
+bool File::reaches(int64_t end) { return end <= _size || end <= length(); }
+
+// Reads `count` bytes and, in the same call, up to `ahead` more into the buffer.
+bool File::readInto(int64_t offset, uint8_t* bytes, size_t count, size_t ahead, int64_t& got) {
+  size_t done = 0;
+  while (done < count) {
+    const iovec pieces[] = {{bytes + done, count - done}, {_buffer.data(), ahead}};
+    const int64_t at = offset + static_cast<int64_t>(done);
+    const ssize_t now = retried([&] { return _calls->read(_descriptor, pieces, ahead ? 2 : 1, at); });
+    if (now < 0) return false;
+    if (now == 0) break;
+    const size_t more = static_cast<size_t>(now);
+    if (more > count - done) {
+      _filled = more - (count - done);
+      _start = offset + static_cast<int64_t>(count);
+    }
+    done += std::min(more, count - done);
+  }
+  got = static_cast<int64_t>(done);
+  return true;
+}
+
+int64_t File::read(void* bytes, size_t count) {
+  if (!flush()) return -1;
+  auto* into = static_cast<uint8_t*>(bytes);
+  size_t buffered = 0;
+  if (_position >= _start && _position - _start < static_cast<int64_t>(_filled)) {
+    const auto from = static_cast<size_t>(_position - _start);
+    buffered = std::min(count, _filled - from);
+    std::memcpy(into, _buffer.data() + from, buffered);
+    _position += static_cast<int64_t>(buffered);
+    if (buffered == count) return static_cast<int64_t>(count);
+  }
+  _ahead = _position == _sequel ? std::min(_ahead * 2, kMaximumReadAhead) : kBufferSize;
+  if (_buffer.size() < _ahead) _buffer.resize(_ahead);
+  _filled = 0;
+  int64_t got = 0;
+  if (!readInto(_position, into + buffered, count - buffered, _ahead, got)) return -1;
+  _position += got;
+  _sequel = _position + static_cast<int64_t>(_filled);
+  return static_cast<int64_t>(buffered) + got;
+}
+
+int64_t File::readAt(int64_t offset, void* bytes, size_t count) {
+  int64_t got = 0;
+  if (!flush()) return -1;
+  return readInto(offset, static_cast<uint8_t*>(bytes), count, 0, got) ? got : -1;
+}
+
+bool File::putOut(int64_t offset, Pieces pieces, uint64_t zeros) {
+  Gather gather(pieces, zeros);
+  while (const int count = gather.next()) {
+    const ssize_t now = retried([&] { return _calls->write(_descriptor, gather.vectors(), count, offset); });
+    if (now == 0) errno = ENOSPC;
+    if (now <= 0) return false;
+    offset += now;
+    gather.wrote(static_cast<size_t>(now));
+  }
+  return true;
+}
+
+bool File::writeOut(int64_t offset, Pieces pieces, uint64_t zeros) {
+  const uint64_t total = totalOf(pieces, zeros);
+  if (_access == FileAccess::Reading || total > static_cast<uint64_t>(INT64_MAX - offset)) return false;
+  if (putOut(offset, pieces, zeros)) {
+    _size = std::max(_size, offset + static_cast<int64_t>(total));
+    return true;
+  }
+  const int why = errno;
+  const int64_t length = _calls->length(_descriptor);
+  if (length > _size) retried([&] { return _calls->truncate(_descriptor, _size); });
+  errno = why;
+  return false;
+}
+
+bool File::flush() {
+  if (!_pending) return true;
+  _pending = false;
+  const size_t count = _filled;
+  _filled = 0;
+  if (writeOut(_start, {{_buffer.data(), count}}, 0)) return true;
+  logFormat("ERROR: %zu bytes at %lld are lost (%d)", count, static_cast<long long>(_start), errno);
+  _position = _start;
+  _lost = true;
+  return false;
+}
+
+bool File::write(Pieces pieces, uint64_t zeros) {
+  const uint64_t total = totalOf(pieces, zeros);
+  if (_access == FileAccess::Reading) return false;
+  if (_pending && total > kBufferSize - _filled && !flush()) return false;
+  if (!_pending) {
+    _filled = 0;
+    if (_access == FileAccess::Appending) _position = _size;
+  }
+  if (total > kBufferSize) {
+    if (!writeOut(_position, pieces, zeros)) return false;
+  } else {
+    if (!_pending) _start = _position;
+    _pending = true;
+    for (const auto& piece : pieces) {
+      if (!piece.empty()) std::memcpy(_buffer.data() + _filled, piece.data(), piece.size());
+      _filled += piece.size();
+    }
+    std::memset(_buffer.data() + _filled, 0, static_cast<size_t>(zeros));
+    _filled += static_cast<size_t>(zeros);
+  }
+  _position += static_cast<int64_t>(total);
+  return true;
+}
+
+bool File::overwrite(int64_t offset, Pieces pieces, uint64_t zeros) {
+  if (_access != FileAccess::Updating || offset < 0 || !flush()) return false;
+  dropReadAhead();
+  return writeOut(offset, pieces, zeros);
+}
+
+bool File::truncate(int64_t offset) {
+  if (_access == FileAccess::Reading || offset < 0 || !flush()) return false;
+  dropReadAhead();
+  if (retried([&] { return _calls->truncate(_descriptor, offset); }) != 0) return false;
+  _size = _position = offset;
+  return true;
+}
+
+bool File::barrier() {
+  if (!_unreliable) _unreliable = retried([&] { return _calls->synchronize(_descriptor); }) != 0;
+  return !_unreliable;
+}
+
+bool File::synchronize() {
+  const bool written = flush() && !_lost;
+  _lost = false;
+  if (!written || !barrier()) return false;
+#ifdef POSIX_FADV_DONTNEED
+  // What is appended is seldom read soon; on the disk it need not stay in memory.
+  if (_access == FileAccess::Appending) posix_fadvise(_descriptor, 0, 0, POSIX_FADV_DONTNEED);
+#endif
+  return true;
+}
+
+bool File::close() {
+  if (_descriptor < 0) return true;
+  const bool written = flush();
+  _calls->lock(_descriptor, LOCK_UN);
+  _calls->close(_descriptor);
+  _descriptor = -1;
+  return written;
+}
+
+}  // namespace velan

@@ -1,0 +1,117 @@
+// A file over a descriptor: buffered in small, locked as a whole, honest about what reached the disk.
+#ifndef VELAN_PLATFORM_FILES_FILE_H
+#define VELAN_PLATFORM_FILES_FILE_H
+
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "velan/base/CTypes.h"
+
+namespace velan {
+
+class FileCalls;
+
+/// What a file is opened for. Appending writes at the end whatever the position, and cannot read.
+enum class FileAccess { Reading, Updating, Appending };
+
+/// Opens `path` (UTF-8); appending creates a missing file. Returns the descriptor, closed in child processes, or -1
+/// with `errno` set. Never waits, not even for a pipe's other end.
+VELAN_EXPORT int openFileDescriptor(const std::string& path, FileAccess access);
+
+/// Closes a descriptor that no `File` took over.
+VELAN_EXPORT void closeFileDescriptor(int descriptor);
+
+/// Creates an empty file with mode 0666 less the umask, and its missing parent folders, unless it is there. What was
+/// created is in its folder also after a power failure. False when the file is missing and cannot be created.
+VELAN_EXPORT bool createFileIfMissing(const std::string& path);
+
+/// The same, but false when the file is there already.
+VELAN_EXPORT bool createNewFile(const std::string& path);
+
+/// Copies the bytes of a file into a new one and synchronises it. False, without a trace, when `to` exists or when
+/// anything fails.
+VELAN_EXPORT bool copyFile(const std::string& from, const std::string& to);
+
+/// An open file with a position. Not to be used by two threads at once.
+///
+/// What is written is kept back while it fits into 1,024 bytes, in whole calls: one call's bytes are never kept back in
+/// part, and every operation that reads, moves the position or synchronises writes them out first. A write at the end
+/// that fails leaves the file as long as before, and bytes that could not be written are dropped: they are never
+/// written later.
+class VELAN_EXPORT File {
+ public:
+  /// The most that is kept back, in bytes.
+  static constexpr size_t kBufferSize = 1024;
+
+  /// Takes over the descriptor of a regular file, opened for `access`; the position is 0, or the end for appending.
+  /// Nothing, with `errno` set, when it is no regular file: the descriptor stays open then.
+  static std::unique_ptr<File> withDescriptor(int descriptor, FileAccess access);
+  /// Closes; what cannot be written then is reported to the log.
+  ~File();
+  File(const File&) = delete;
+  File& operator=(const File&) = delete;
+
+  FileAccess access() const { return _access; }
+  /// Takes the lock of the whole file, shared or exclusive, until it is closed. Never waits: false when it is taken.
+  bool lock(bool exclusive);
+
+  int64_t position() const { return _position; }
+  /// Moves the position, which may lie beyond the end. False for a negative offset, or when bytes kept back are lost.
+  bool seek(int64_t offset);
+  /// In bytes, with those kept back; -1 when the system does not tell.
+  int64_t length();
+  /// Whether the file reaches at least to `end`; asks the system only when it did not before.
+  bool reaches(int64_t end);
+
+  /// Reads up to `count` bytes at the position and moves it. Fewer only at the end of the file; -1 when reading fails.
+  int64_t read(void* bytes, size_t count);
+  /// As above at an offset, without moving the position.
+  int64_t readAt(int64_t offset, void* bytes, size_t count);
+
+  using Pieces = std::initializer_list<std::span<const uint8_t>>;
+  /// Writes the pieces, then `zeros` zero bytes, at the position (appending: at the end) and moves it.
+  bool write(Pieces pieces, uint64_t zeros);
+  /// Writes at an offset inside the file, at once, without moving the position. Not for appending.
+  bool overwrite(int64_t offset, Pieces pieces, uint64_t zeros);
+  /// Makes the file end at `offset`, where the position then is.
+  bool truncate(int64_t offset);
+  /// Writes out what is kept back.
+  bool flush();
+  /// True when everything written so far is on permanent storage. False once after bytes that were kept back got lost,
+  /// and for good after the system failed to synchronise: only opening again tells what the file then holds.
+  bool synchronize();
+  /// Waits until what `overwrite` wrote is on permanent storage, so that what is written next cannot get there first.
+  bool barrier();
+  /// Flushes, unlocks, closes. False when bytes kept back are lost. Afterwards only destruction is allowed.
+  bool close();
+
+ private:
+  File(int descriptor, FileAccess access, int64_t length, FileCalls& calls);
+  bool readInto(int64_t offset, uint8_t* bytes, size_t count, size_t ahead, int64_t& got);
+  bool writeOut(int64_t offset, Pieces pieces, uint64_t zeros);
+  bool putOut(int64_t offset, Pieces pieces, uint64_t zeros);
+  void dropReadAhead() { _filled = _pending ? _filled : 0; }
+
+  FileCalls* _calls;
+  int _descriptor;
+  FileAccess _access;
+  bool _pending = false;         // the buffer holds bytes to write, otherwise bytes read ahead
+  bool _lost = false;            // kept-back bytes were dropped since the last synchronisation
+  bool _unreliable = false;      // a synchronisation failed
+  int64_t _position = 0;         // behind the buffer while bytes are pending
+  int64_t _size;                 // as last seen; bytes kept back not counted
+  int64_t _start = 0;            // offset in the file of the buffer's first byte
+  size_t _filled = 0;            // bytes in the buffer
+  size_t _ahead = kBufferSize;   // how much to read ahead: grows while reading goes straight on
+  int64_t _sequel = -1;          // where reading would go straight on
+  std::vector<uint8_t> _buffer;  // at least kBufferSize
+};
+
+}  // namespace velan
+
+#endif  // VELAN_PLATFORM_FILES_FILE_H

@@ -1,0 +1,344 @@
+#include "velan/query/words/FastWordEnumerator.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cstdlib>
+#include <new>
+
+#include "velan/base/MutableString.h"
+#include "velan/platform/WordTokenizer.h"
+#include "velan/query/words/EastAsianWords.h"
+#include "velan/query/words/WordIndexInternal.h"
+#include "velan/text/CharacterSets.h"
+#include "velan/text/ConversionTables.h"
+#include "velan/text/Separators.h"
+
+namespace velan {
+
+namespace {
+
+std::atomic<bool> splitsAsianWords{false};
+
+bool isHyphen(unichar c) { return c == u'-' || c == u'\u00AD' || c == u'\u2010'; }
+
+// Room for `length` units from malloc, which is how owned units are freed; null when there is none.
+unichar* allocateUnits(int64_t length) {
+  return static_cast<size_t>(length) <= SIZE_MAX / sizeof(unichar)
+             ? static_cast<unichar*>(std::malloc(static_cast<size_t>(length) * sizeof(unichar)))
+             : nullptr;
+}
+
+// Each unit through the upper-case table; stretches of ASCII are calculated, which the compiler does by vectors.
+void upperCaseUnits(const unichar* units, size_t length, unichar* upper) {
+  const unichar* const table = initUpperCharsTable();
+  constexpr size_t kStretch = 16;
+  size_t i = 0;
+  for (; length - i >= kStretch; i += kStretch) {
+    unichar seen = 0;
+    for (size_t j = i; j < i + kStretch; ++j) seen |= units[j];
+    if (seen < 0x80) {
+      for (size_t j = i; j < i + kStretch; ++j) {
+        const unichar c = units[j];
+        upper[j] = static_cast<unichar>(c - (c >= u'a' && c <= u'z' ? 0x20 : 0));
+      }
+    } else {
+      for (size_t j = i; j < i + kStretch; ++j) upper[j] = table[units[j]];
+    }
+  }
+  for (; i < length; ++i) upper[i] = table[units[i]];
+}
+
+String mappedString(std::u16string_view units, const unichar* table) {
+  if (units.empty()) return String(u"");
+  return String::filled(static_cast<int64_t>(units.size()), [&](unichar* mapped) {
+    std::transform(units.begin(), units.end(), mapped, [table](unichar c) { return table[c]; });
+    return static_cast<int64_t>(units.size());
+  });
+}
+
+}  // namespace
+
+FastWordEnumerator::FastWordEnumerator(bool wildcard) : _wildcard(wildcard) {}
+FastWordEnumerator::~FastWordEnumerator() { invalidate(); }
+
+std::unique_ptr<FastWordEnumerator> FastWordEnumerator::create(const String& string, bool caseInsensitive,
+                                                               bool wildcard, bool splitAsianWords) {
+  if (string.isEmpty()) return nullptr;
+  std::unique_ptr<FastWordEnumerator> enumerator(new (std::nothrow) FastWordEnumerator(wildcard));
+  if (!enumerator) return nullptr;
+  enumerator->_string = string;
+  if (caseInsensitive) {
+    if (!enumerator->copyInUpperCase(string.characters(), string.length())) return nullptr;
+  } else {
+    enumerator->_characters = string.characters();
+    enumerator->_length = static_cast<uint64_t>(string.length());
+  }
+  return enumerator->initIndex(splitAsianWords) ? std::move(enumerator) : nullptr;
+}
+
+std::unique_ptr<FastWordEnumerator> FastWordEnumerator::enumeratorWithString(const String& string) {
+  return create(string, false, false, splitAsianWords());
+}
+
+std::unique_ptr<FastWordEnumerator> FastWordEnumerator::enumeratorWithString(const String& string, bool caseInsensitive,
+                                                                             bool wildcard) {
+  return create(string, caseInsensitive, wildcard, splitAsianWords());
+}
+
+std::unique_ptr<FastWordEnumerator> FastWordEnumerator::enumeratorSplittingAsianWords(const String& string) {
+  return create(string, false, false, true);
+}
+
+std::unique_ptr<FastWordEnumerator> FastWordEnumerator::initWithString(const String& string) {
+  return enumeratorWithString(string, false, false);
+}
+
+std::unique_ptr<FastWordEnumerator> FastWordEnumerator::initWithString(const String& string, bool caseInsensitive,
+                                                                       bool wildcard) {
+  return enumeratorWithString(string, caseInsensitive, wildcard);
+}
+
+std::unique_ptr<FastWordEnumerator> FastWordEnumerator::initWithCharacters(const unichar* characters, int64_t length,
+                                                                           bool caseInsensitive) {
+  if (!characters || length <= 0) return nullptr;
+  if (!caseInsensitive) return enumeratorWithString(String::withCharacters(characters, length));
+  std::unique_ptr<FastWordEnumerator> enumerator(new (std::nothrow) FastWordEnumerator(false));
+  const bool ready =
+      enumerator && enumerator->copyInUpperCase(characters, length) && enumerator->initIndex(splitAsianWords());
+  return ready ? std::move(enumerator) : nullptr;
+}
+
+std::unique_ptr<FastWordEnumerator> FastWordEnumerator::initWithCharactersNoCopy(const unichar* characters,
+                                                                                 int64_t length, bool freeWhenDone) {
+  std::unique_ptr<FastWordEnumerator> enumerator(new (std::nothrow) FastWordEnumerator(false));
+  if (enumerator) return enumerator->setCharacters(characters, length, freeWhenDone) ? std::move(enumerator) : nullptr;
+  if (freeWhenDone) std::free(const_cast<unichar*>(characters));
+  return nullptr;
+}
+
+bool FastWordEnumerator::setCharacters(const unichar* characters, int64_t length, bool freeWhenDone) {
+  releaseCharacters();
+  _characters = characters;
+  _freeCharacters = freeWhenDone;
+  _length = characters && length > 0 ? static_cast<uint64_t>(length) : 0;
+  if (_length > 0 && initIndex(splitAsianWords())) return true;
+  invalidate();
+  return false;
+}
+
+void FastWordEnumerator::releaseCharacters() {
+  if (_freeCharacters) std::free(const_cast<unichar*>(_characters));
+  _upperCase = false;
+  _freeCharacters = false;
+  _characters = nullptr;
+  _string = String();
+  _length = 0;
+  _numWords = 0;
+}
+
+void FastWordEnumerator::invalidate() {
+  releaseCharacters();
+  _index.reset();
+  _indexCapacity = 0;
+  _tokenizer.reset();
+}
+
+bool FastWordEnumerator::copyInUpperCase(const unichar* characters, int64_t length) {
+  unichar* const copy = allocateUnits(length);
+  if (!copy) return false;
+  upperCaseUnits(characters, static_cast<size_t>(length), copy);
+  _characters = copy;
+  _freeCharacters = true;
+  _length = static_cast<uint64_t>(length);
+  _upperCase = true;
+  return true;
+}
+
+bool FastWordEnumerator::initIndex(bool splitAsianWords) {
+  if (_indexCapacity < _length) {
+    _index.reset(new (std::nothrow) uint8_t[_length]);
+    _indexCapacity = _index ? _length : 0;
+    if (!_index) return false;
+  }
+  _numWords = _wildcard ? indexWildcardWords(_characters, _length, defaultWildcardSeparators(), _index.get())
+                        : indexWords(_characters, _length, defaultWordSeparators(), _index.get());
+  if (splitAsianWords) splitAsianRuns();
+  return true;
+}
+
+// Divides each run of word units that holds an East Asian unit, looking at every unit once.
+void FastWordEnumerator::splitAsianRuns() {
+  const unichar* const end = _characters + _length;
+  for (const unichar* found = _characters; (found = std::find_if(found, end, isEastAsianUnichar)) != end;) {
+    const Range run = rangeOfWordAtIndex(found - _characters);
+    if (isPresent(run)) initWordInRange(run);
+    found = isPresent(run) ? _characters + endOf(run) : found + 1;
+  }
+}
+
+// Divides a word where the tokens inside it meet; they cover it without gaps. The word itself was counted, and stays
+// one when there is no tokenizer.
+void FastWordEnumerator::initWordInRange(Range range) {
+  if (!_tokenizer) _tokenizer = WordTokenizer::create();
+  if (!_tokenizer) return;
+  const std::u16string_view run(_characters + range.location, static_cast<size_t>(range.length));
+  uint8_t* const types = _index.get();
+  _tokenizer->enumerateTokens(run, [&](const WordTokenizer::Token& token) {
+    const int64_t start = range.location + token.location;
+    if (token.location == 0) return;
+    types[start - 1] |= kWordEnd;
+    types[start] |= kWordBeginning;
+    ++_numWords;
+  });
+}
+
+bool FastWordEnumerator::splitAsianWords() { return splitsAsianWords.load(std::memory_order_relaxed); }
+
+void FastWordEnumerator::storeSplitAsianWords(bool split) { splitsAsianWords.store(split, std::memory_order_relaxed); }
+
+String FastWordEnumerator::locale() { return u"root"_s; }
+
+String FastWordEnumerator::string() const { return _string ? _string : substringWithRange({0, length()}); }
+
+int64_t FastWordEnumerator::numberOfWords(int64_t minLen) const {
+  if (minLen < 2) return numberOfWords();
+  int64_t count = 0;
+  int64_t index = 0;
+  for (Range word; isPresent(word = enumerateNextWordAtIndex(&index));) count += word.length >= minLen;
+  return count;
+}
+
+bool FastWordEnumerator::containsSeparatorInRange(Range range) const {
+  const Range clipped = clippedRange(range, length());
+  const auto end = static_cast<size_t>(endOf(clipped));
+  return findType(_index.get(), static_cast<size_t>(clipped.location), end, kSeparator) < end;
+}
+
+int64_t FastWordEnumerator::locationOfPreviousWordFromIndex(int64_t index, int64_t start) const {
+  start = std::max<int64_t>(start, 0);
+  if (index < start || index >= length()) return NSNotFound;
+  const auto end = static_cast<size_t>(index) + 1;
+  const size_t found = findTypeBackwards(_index.get(), static_cast<size_t>(start), end, kWordBeginning);
+  return found < end ? static_cast<int64_t>(found) : NSNotFound;
+}
+
+int64_t FastWordEnumerator::locationOfNextWordFromIndex(int64_t index, int64_t end) const {
+  end = std::min(end, length());
+  if (index < 0 || index >= end) return NSNotFound;
+  const auto limit = static_cast<size_t>(end);
+  const size_t found = findType(_index.get(), static_cast<size_t>(index), limit, kWordBeginning);
+  return found < limit ? static_cast<int64_t>(found) : NSNotFound;
+}
+
+// The last unit of the word that goes on at `index`.
+int64_t FastWordEnumerator::wordEndFromIndex(int64_t index) const {
+  return static_cast<int64_t>(findType(_index.get(), static_cast<size_t>(index), _length, kWordEnd));
+}
+
+Range FastWordEnumerator::rangeOfWordAtIndex(int64_t index) const {
+  if (isWordSeparatorAtIndex(index)) return kAbsentRange;
+  return rangeOfPreviousWordFromIndex(index, 0);
+}
+
+Range FastWordEnumerator::rangeOfPreviousWordFromIndex(int64_t index, int64_t start) const {
+  const int64_t location = locationOfPreviousWordFromIndex(index, start);
+  return location == NSNotFound ? kAbsentRange : Range{location, wordEndFromIndex(location) - location + 1};
+}
+
+Range FastWordEnumerator::rangeOfNextWordFromIndex(int64_t index, int64_t end) const {
+  const int64_t location = locationOfNextWordFromIndex(index, end);
+  return location == NSNotFound ? kAbsentRange : Range{location, wordEndFromIndex(location) - location + 1};
+}
+
+Range FastWordEnumerator::enumerateNextWordAtIndex(int64_t* index) const {
+  if (!index) return kAbsentRange;
+  const Range word = rangeOfNextWordFromIndex(std::max<int64_t>(*index, 0), length());
+  *index = isPresent(word) ? endOf(word) : length();
+  return word;
+}
+
+String FastWordEnumerator::substringWithRange(Range range) const {
+  if (!_characters) return String();
+  const Range clipped = clippedRange(range, length());
+  return String::withCharacters(_characters + clipped.location, clipped.length);
+}
+
+String FastWordEnumerator::lowercaseSubstringWithRange(Range range) const {
+  if (!_characters) return String();
+  const Range clipped = clippedRange(range, length());
+  return mappedString({_characters + clipped.location, static_cast<size_t>(clipped.length)}, initLowerCharsTable());
+}
+
+String FastWordEnumerator::uppercaseSubstringWithRange(Range range) const {
+  if (!_characters) return String();
+  const Range clipped = clippedRange(range, length());
+  return mappedString({_characters + clipped.location, static_cast<size_t>(clipped.length)}, initUpperCharsTable());
+}
+
+int64_t FastWordEnumerator::enumerateWordsInRange(Range range, WordHandler handler, void* context) const {
+  return _enumerateWordsUsingBlock(nullptr, handler, context, range);
+}
+
+int64_t FastWordEnumerator::enumerateWordsInRange(Range range, WordBlock block) const {
+  return _enumerateWordsUsingBlock(block, nullptr, nullptr, range);
+}
+
+int64_t FastWordEnumerator::_enumerateWordsUsingBlock(WordBlock block, WordHandler handler, void* context,
+                                                      Range range) const {
+  if (!block && !handler) return 0;
+  const Range clipped = clippedRange(range, length());
+  const auto end = static_cast<size_t>(endOf(clipped));
+  int64_t count = 0;
+  for (auto start = static_cast<size_t>(clipped.location); start < end;) {
+    const size_t stop = findType(_index.get(), start, end, kSeparator | kWordEnd);
+    const size_t wordEnd = stop < end && (_index[stop] & kWordEnd) ? stop + 1 : stop;
+    if (wordEnd > start) {
+      const auto location = static_cast<int64_t>(start);
+      const auto wordLength = static_cast<int64_t>(wordEnd - start);
+      if (block ? block(*this, location, wordLength) : handler(*this, location, wordLength, context)) break;
+      ++count;
+    }
+    start = stop + 1;
+  }
+  return count;
+}
+
+// Where the word goes on whose last unit is before `wordEnd`, when a hyphen and a line end follow; else NSNotFound.
+int64_t FastWordEnumerator::continuationAfterHyphen(int64_t wordEnd) const {
+  if (wordEnd + 1 >= length() || !isHyphen(_characters[wordEnd])) return NSNotFound;
+  int64_t index = wordEnd + 1;
+  if (!isMemberOfCharacterSetRep(defaultLineSeparators(), _characters[index])) return NSNotFound;
+  const bool carriageReturn = _characters[index++] == u'\r';
+  if (carriageReturn && index < length() && _characters[index] == u'\n') ++index;
+  while (index < length() && isMemberOfCharacterSetRep(spaceCharacterSetRep(), _characters[index])) ++index;
+  return isWordBeginningAtIndex(index) ? index : NSNotFound;
+}
+
+// The next word from `*index`, which moves behind it; absent when there is none or when it is too short.
+String FastWordEnumerator::nextWordString(int64_t* index, int64_t minLen, bool* hyphenated) const {
+  const Range word = enumerateNextWordAtIndex(index);
+  if (!isPresent(word)) return String();
+  int64_t next = hyphenated ? continuationAfterHyphen(*index) : NSNotFound;
+  if (next == NSNotFound) return word.length >= minLen ? substringWithRange(word) : String();
+  *hyphenated = true;
+  MutableString joined(std::u16string_view(_characters + word.location, static_cast<size_t>(word.length)));
+  for (; next != NSNotFound; next = continuationAfterHyphen(*index)) {
+    *index = wordEndFromIndex(next) + 1;
+    joined.appendCharacters(_characters + next, *index - next);
+  }
+  return joined.length() >= minLen ? joined.string() : String();
+}
+
+String FastWordEnumerator::stringBySeparatingWords() const {
+  if (!_characters) return String();
+  MutableString joined;
+  joined.reserve(length());
+  int64_t index = 0;
+  for (Range word; isPresent(word = enumerateNextWordAtIndex(&index));) {
+    if (!joined.isEmpty()) joined.appendCharacter(u' ');
+    joined.appendCharacters(_characters + word.location, word.length);
+  }
+  return joined;
+}
+
+}  // namespace velan

@@ -1,0 +1,181 @@
+// Indexes a text once, so that word boundaries are known at every unit and walking from word to word never scans twice.
+#ifndef VELAN_QUERY_WORDS_FAST_WORD_ENUMERATOR_H
+#define VELAN_QUERY_WORDS_FAST_WORD_ENUMERATOR_H
+
+#include <concepts>
+#include <cstddef>
+#include <memory>
+
+#include "velan/base/FunctionRef.h"
+#include "velan/base/String.h"
+
+namespace velan {
+
+class WordTokenizer;
+
+/// `FastWordEnumerator`: the units of a text with a type for each: separator, start of a word, end of a word.
+///
+/// A word is a longest run of units that are no word separators (`defaultWordSeparators`). Indexes and lengths are in
+/// code units; an index outside the text, a negative one too, gives the neutral result, and ranges are clipped to the
+/// text. The queries allocate nothing and may be called from several threads at once; creation, `setCharacters` and
+/// `invalidate` need the enumerator for themselves.
+class VELAN_EXPORT FastWordEnumerator {
+ public:
+  /// The bits of a type. Units inside a word have none; a word of one unit has both `kWordBeginning` and `kWordEnd`.
+  enum Type : uint8_t { kSeparator = 1, kWordBeginning = 2, kWordEnd = 4 };
+
+  /// Receives one word and returns true to stop.
+  using WordHandler = bool (*)(const FastWordEnumerator& enumerator, int64_t start, int64_t length, void* context);
+  using WordBlock = FunctionRef<bool(const FastWordEnumerator& enumerator, int64_t start, int64_t length)>;
+
+  // Creation: null for an empty or absent text, or when memory for the index or for a copy cannot be had.
+
+  /// `enumeratorWithString:`: over the units of `string`, which it keeps alive.
+  static std::unique_ptr<FastWordEnumerator> enumeratorWithString(const String& string);
+  /// `enumeratorWithString:caseInsensitive:wildcard:`: with `caseInsensitive` over a copy of the units, each replaced
+  /// by its entry in the upper-case table. With `wildcard` the text is a pattern: "*", "?", "[" and "]" are word units,
+  /// and a set between brackets belongs to its word, separators included (their type is then 0).
+  static std::unique_ptr<FastWordEnumerator> enumeratorWithString(const String& string, bool caseInsensitive,
+                                                                  bool wildcard);
+  /// Over the units of `string`, dividing runs with ideographs or kana whatever `splitAsianWords` says.
+  static std::unique_ptr<FastWordEnumerator> enumeratorSplittingAsianWords(const String& string);
+  /// `initWithString:`: like `enumeratorWithString:`.
+  static std::unique_ptr<FastWordEnumerator> initWithString(const String& string);
+  /// `initWithString:caseInsensitive:wildcard:`: like `enumeratorWithString:caseInsensitive:wildcard:`.
+  static std::unique_ptr<FastWordEnumerator> initWithString(const String& string, bool caseInsensitive, bool wildcard);
+  /// `initWithCharacters:length:caseInsensitive:`: over a copy of `length` units.
+  static std::unique_ptr<FastWordEnumerator> initWithCharacters(const unichar* characters, int64_t length,
+                                                                bool caseInsensitive);
+  /// `initWithCharactersNoCopy:length:freeWhenDone:`: over `length` units in place, which must stay as they are while
+  /// the enumerator uses them. With `freeWhenDone` it owns them and calls `free()`, at once when creation fails.
+  static std::unique_ptr<FastWordEnumerator> initWithCharactersNoCopy(const unichar* characters, int64_t length,
+                                                                      bool freeWhenDone);
+  ~FastWordEnumerator();
+  FastWordEnumerator(const FastWordEnumerator&) = delete;
+  FastWordEnumerator& operator=(const FastWordEnumerator&) = delete;
+
+  /// `setCharacters:length:freeWhenDone:`: goes over to other units, used in place and owned as above, with the
+  /// separators it was created with; memory for the index is used again. The units it had go first, so `characters`
+  /// must not be its own. False, and everything is as after `invalidate`, where creation would fail.
+  bool setCharacters(const unichar* characters, int64_t length, bool freeWhenDone);
+  /// `invalidate`: gives up the units, the index and the tokenizer; every query is neutral from now on.
+  void invalidate();
+
+  /// `splitAsianWords`: whether enumerators created from now on divide runs with ideographs or kana into words by
+  /// dictionary, in the whole process; false at first.
+  static bool splitAsianWords();
+  /// `setSplitAsianWords:`: see `splitAsianWords`. May be called from any thread.
+  static void setSplitAsianWords(std::same_as<bool> auto split) { storeSplitAsianWords(split); }
+  /// `locale`: the locale of the tokenizer. Always "root": the dictionaries are chosen by script.
+  static String locale();
+
+  /// `string`: the string it was created with. If that were units: a copy of `characters`, made on each call. Absent
+  /// after `invalidate`.
+  String string() const;
+  /// `characters`: the units that are indexed, in upper case if created to ignore case. Valid until the enumerator
+  /// changes or goes; null after `invalidate`.
+  const unichar* characters() const { return _characters; }
+  /// Whether the units are a copy in upper case.
+  bool isCaseInsensitive() const { return _upperCase; }
+  /// `length`: the number of units.
+  int64_t length() const { return static_cast<int64_t>(_length); }
+  /// `numberOfWords`: counted when the text was indexed.
+  int64_t numberOfWords() const { return static_cast<int64_t>(_numWords); }
+  /// `numberOfWords:`: how many words have at least `minLen` units. Walks the index when `minLen` is above 1.
+  int64_t numberOfWords(int64_t minLen) const;
+
+  /// `typeAtIndex:`: the bits of `Type`; 0 beyond the end.
+  uint8_t typeAtIndex(int64_t index) const {
+    return static_cast<uint64_t>(index) < _length ? _index[static_cast<uint64_t>(index)] : 0;
+  }
+  /// `isWordSeparatorAtIndex:`
+  bool isWordSeparatorAtIndex(int64_t index) const { return (typeAtIndex(index) & kSeparator) != 0; }
+  /// `isWordBeginningAtIndex:`
+  bool isWordBeginningAtIndex(int64_t index) const { return (typeAtIndex(index) & kWordBeginning) != 0; }
+  /// `isWordEndAtIndex:`: whether the unit is the last one of a word.
+  bool isWordEndAtIndex(int64_t index) const { return (typeAtIndex(index) & kWordEnd) != 0; }
+  /// `isWordAnchoredAtIndex:`: whether the unit is the first or the last one of a word.
+  bool isWordAnchoredAtIndex(int64_t index) const { return (typeAtIndex(index) & (kWordBeginning | kWordEnd)) != 0; }
+  /// `isWordEndBeforeIndex:`: whether the unit before `index` ends a word. False at 0; `index` may equal the length.
+  bool isWordEndBeforeIndex(int64_t index) const { return index > 0 && isWordEndAtIndex(index - 1); }
+  /// `containsSeparatorInRange:`: false for an empty range.
+  bool containsSeparatorInRange(Range range) const;
+
+  /// `locationOfPreviousWordFromIndex:start:`: the nearest word start at or before `index`, not before `start`;
+  /// `NSNotFound` when there is none.
+  int64_t locationOfPreviousWordFromIndex(int64_t index, int64_t start) const;
+  /// `locationOfNextWordFromIndex:end:`: the nearest word start at or after `index`, before `end`; `NSNotFound` when
+  /// there is none.
+  int64_t locationOfNextWordFromIndex(int64_t index, int64_t end) const;
+  /// `rangeOfWordAtIndex:`: the word that the unit belongs to; absent for a separator.
+  Range rangeOfWordAtIndex(int64_t index) const;
+  /// `rangeOfPreviousWordFromIndex:start:`: the whole word that `locationOfPreviousWordFromIndex:start:` finds, or
+  /// absent.
+  Range rangeOfPreviousWordFromIndex(int64_t index, int64_t start) const;
+  /// `rangeOfNextWordFromIndex:end:`: the whole word that `locationOfNextWordFromIndex:end:` finds, even where it goes
+  /// on beyond `end`, or absent.
+  Range rangeOfNextWordFromIndex(int64_t index, int64_t end) const;
+  /// `enumerateNextWordAtIndex:`: the next word that begins at or after `*index`, which moves to the unit after it.
+  /// Absent, and `*index` is the length, when there is none. Begin with 0 and call until the result is absent.
+  Range enumerateNextWordAtIndex(int64_t* index) const;
+
+  /// `substringWithRange:`: a copy of the units; absent after `invalidate`.
+  String substringWithRange(Range range) const;
+  /// `lowercaseSubstringWithRange:`: the same, unit by unit through the lower-case table.
+  String lowercaseSubstringWithRange(Range range) const;
+  /// `uppercaseSubstringWithRange:`: the same, unit by unit through the upper-case table.
+  String uppercaseSubstringWithRange(Range range) const;
+
+  /// `enumerateWordsInRange:handler:context:`: hands over the words of `range` in order and returns how many it handed
+  /// over before `handler` asked to stop. A word is cut off where the range begins or ends inside it.
+  int64_t enumerateWordsInRange(Range range, WordHandler handler, void* context) const;
+  /// `enumerateWordsInRange:block:`: the same with a closure.
+  int64_t enumerateWordsInRange(Range range, WordBlock block) const;
+
+  /// `addWordsTo:minLen:hyphenated:`: appends each word of at least `minLen` units to `list` (anything that inserts a
+  /// `String` at its end) as a new string. Unless `hyphenated` is null, a word that ends at a hyphen directly followed
+  /// by a line end is joined with the first word of the next line, and the flag tells whether that happened. The hyphen
+  /// (U+002D, U+00AD or U+2010) falls away, the next line may be indented, and `minLen` counts the joined word.
+  template <class List>
+  void addWordsTo(List& list, int64_t minLen, bool* hyphenated) const {
+    if (hyphenated) *hyphenated = false;
+    for (int64_t index = 0; index < length();) {
+      String word = nextWordString(&index, minLen, hyphenated);
+      if (word) list.insert(list.end(), std::move(word));
+    }
+  }
+  /// `stringBySeparatingWords`: all words with one space between them; empty when there is none, absent after
+  /// `invalidate`.
+  String stringBySeparatingWords() const;
+
+ private:
+  explicit FastWordEnumerator(bool wildcard);
+
+  static std::unique_ptr<FastWordEnumerator> create(const String& string, bool caseInsensitive, bool wildcard,
+                                                    bool splitAsianWords);
+  static void storeSplitAsianWords(bool split);
+  bool copyInUpperCase(const unichar* characters, int64_t length);
+  bool initIndex(bool splitAsianWords);
+  void releaseCharacters();
+  void splitAsianRuns();
+  void initWordInRange(Range range);
+  int64_t wordEndFromIndex(int64_t index) const;
+  int64_t continuationAfterHyphen(int64_t wordEnd) const;
+  String nextWordString(int64_t* index, int64_t minLen, bool* hyphenated) const;
+  int64_t _enumerateWordsUsingBlock(WordBlock block, WordHandler handler, void* context, Range range) const;
+
+  String _string;                        // absent when made from units
+  const unichar* _characters = nullptr;  // into _string, the caller's, or owned
+  bool _freeCharacters = false;          // _characters are owned
+  bool _upperCase = false;               // _characters are a copy in upper case
+  uint64_t _length = 0;                  // 0 while invalid: every query then fails its bounds check
+  std::unique_ptr<uint8_t[]> _index;     // a type per unit
+  uint64_t _indexCapacity = 0;           // in units
+  uint64_t _numWords = 0;
+  std::unique_ptr<WordTokenizer> _tokenizer;  // made when first needed
+  bool _wildcard = false;
+};
+
+}  // namespace velan
+
+#endif  // VELAN_QUERY_WORDS_FAST_WORD_ENUMERATOR_H

@@ -1,0 +1,123 @@
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
+#include "velan/platform/CPUInternal.h"
+#include "velan/query/words/WordIndexInternal.h"
+#include "velan/text/CharacterSets.h"
+
+namespace velan {
+
+namespace {
+
+// Small enough for the first-level cache, beside the part of the bitmap that a text uses.
+constexpr size_t kBlock = 4096;
+
+// Turns marks into types: a word unit begins a word when the unit before it separates and ends one when the unit
+// after it does. `marks` has `length` + 2 entries: it begins with the mark of the unit before and ends with that of the
+// unit after. Returns the number of words that begin. Without branches, so that the compiler makes vectors of it.
+size_t typesFromMarks(const uint8_t* marks, size_t length, uint8_t* types) {
+  unsigned words = 0;
+  for (size_t i = 0; i < length; ++i) {
+    const unsigned mark = marks[i + 1];
+    const unsigned begins = marks[i] & (mark ^ 1u);
+    const unsigned ends = marks[i + 2] & (mark ^ 1u);
+    types[i] = static_cast<uint8_t>(mark | begins << 1 | ends << 2);
+    words += begins;
+  }
+  return words;
+}
+
+// `mark(first, count, marks)` gives the marks of a stretch of the text. Each block has one mark on either side; beyond
+// the text lie separators. The types of a block are written after the marks of the unit behind it are known, so that
+// the marks may come from the place of the types.
+template <class Mark>
+size_t indexBlocks(size_t length, uint8_t* types, Mark mark) {
+  uint8_t marks[1 + kBlock + 1];
+  size_t words = 0;
+  marks[0] = 1;
+  for (size_t first = 0; first < length; first += kBlock) {
+    const size_t count = std::min(kBlock, length - first);
+    const size_t withNext = std::min(count + 1, length - first);
+    mark(first, withNext, marks + 1);
+    if (withNext == count) marks[count + 1] = 1;
+    words += typesFromMarks(marks, count, types + first);
+    marks[0] = marks[count];
+  }
+  return words;
+}
+
+// The same byte eight times.
+constexpr uint64_t repeated(uint8_t byte) { return byte * uint64_t{0x0101010101010101}; }
+
+uint64_t eightTypes(const uint8_t* types) {
+  uint64_t eight;
+  std::memcpy(&eight, types, sizeof eight);
+  return eight;
+}
+
+// Which of eight bytes in memory order is the first or the last that is not zero; `bytes` is not zero.
+size_t firstByte(uint64_t bytes) {
+  return static_cast<size_t>(std::endian::native == std::endian::little ? std::countr_zero(bytes)
+                                                                        : std::countl_zero(bytes)) /
+         8;
+}
+size_t lastByte(uint64_t bytes) {
+  return 7 - static_cast<size_t>(std::endian::native == std::endian::little ? std::countl_zero(bytes)
+                                                                            : std::countr_zero(bytes)) /
+                 8;
+}
+
+}  // namespace
+
+void markSeparatorsScalar(const unichar* units, size_t length, const uint8_t* separators, uint8_t* marks) {
+  for (size_t i = 0; i < length; ++i) marks[i] = isMemberOfCharacterSetRep(separators, units[i]);
+}
+
+std::span<const SeparatorKernel> supportedSeparatorKernels() {
+#ifdef __x86_64__
+  static constexpr SeparatorKernel kernels[] = {{"scalar", markSeparatorsScalar}, {"avx2", markSeparatorsAvx2}};
+  return {kernels, cpuFeatures().avx2 ? 2u : 1u};
+#else
+  static constexpr SeparatorKernel kernels[] = {{"scalar", markSeparatorsScalar}};
+  return kernels;
+#endif
+}
+
+size_t indexWords(const unichar* units, size_t length, const uint8_t* separators, uint8_t* types) {
+  static const auto markSeparators = supportedSeparatorKernels().back().mark;
+  return indexBlocks(length, types, [&](size_t first, size_t count, uint8_t* marks) {
+    markSeparators(units + first, count, separators, marks);
+  });
+}
+
+size_t indexWildcardWords(const unichar* units, size_t length, const uint8_t* separators, uint8_t* types) {
+  markSeparatorsScalar(units, length, separators, types);  // patterns are short
+  for (size_t i = 0; i + 1 < length; ++i) {
+    if (units[i] != '[' || units[i + 1] == ']') continue;
+    const size_t start = i;
+    while (i < length && units[i] != ']') ++i;
+    std::memset(types + start, 0, std::min(i + 1, length) - start);
+  }
+  return indexBlocks(length, types,
+                     [&](size_t first, size_t count, uint8_t* marks) { std::memcpy(marks, types + first, count); });
+}
+
+size_t findType(const uint8_t* types, size_t from, size_t end, uint8_t mask) {
+  for (; from < end && end - from >= 8; from += 8) {
+    if (const uint64_t hits = eightTypes(types + from) & repeated(mask)) return from + firstByte(hits);
+  }
+  while (from < end && !(types[from] & mask)) ++from;
+  return from < end ? from : end;
+}
+
+size_t findTypeBackwards(const uint8_t* types, size_t start, size_t end, uint8_t mask) {
+  size_t after = end;
+  for (; after > start && after - start >= 8; after -= 8) {
+    if (const uint64_t hits = eightTypes(types + after - 8) & repeated(mask)) return after - 8 + lastByte(hits);
+  }
+  while (after > start && !(types[after - 1] & mask)) --after;
+  return after > start ? after - 1 : end;
+}
+
+}  // namespace velan

@@ -1,0 +1,52 @@
+// The CRC kernels, and checksums of data that arrives in pieces.
+#ifndef VELAN_TEXT_DIGEST_CHECKSUMS_INTERNAL_H
+#define VELAN_TEXT_DIGEST_CHECKSUMS_INTERNAL_H
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+#include "velan/base/CTypes.h"
+
+namespace velan {
+
+/// One implementation: both functions continue from the register `crc`.
+struct Crc32Kernel {
+  const char* name;
+  uint32_t (*bytes)(uint32_t crc, const uint8_t* bytes, size_t length);
+  uint32_t (*units)(uint32_t crc, const unichar* units, size_t length);
+};
+
+/// The reference first, the one in use last. Tests and benchmarks walk this list.
+std::span<const Crc32Kernel> supportedCrc32Kernels();
+
+/// `CRC32` of a text whose first part has the checksum `crc`, and whose rest is `bytes`.
+uint32_t crc32Continued(uint32_t crc, const void* bytes, size_t length);
+
+/// The checksum of a part with the checksum `crc` after `zeros` further zero bytes. So the checksum of B alone follows
+/// from those of A and of A and B together: `crc32(AB) ^ crc32WithZeros(crc32(A), length of B)`.
+uint32_t crc32WithZeros(uint32_t crc, uint64_t zeros);
+
+/// The step of the reference, for kernels' tails.
+uint32_t crc32Scalar(uint32_t crc, const uint8_t* bytes, size_t length);
+uint32_t crc32UnitsScalar(uint32_t crc, const unichar* units, size_t length);
+
+/// x^n modulo the polynomial, in the bit order of the register, one place up as the carry-less multiplication of
+/// reflected numbers wants it. Found with n single steps from x^0.
+constexpr int64_t crc32Power(int n) {
+  uint32_t value = 0x80000000;
+  for (int i = 0; i < n; ++i) value = (value & 1) ? (value >> 1) ^ 0xEDB88320 : value >> 1;
+  return static_cast<int64_t>(static_cast<uint64_t>(value) << 1);
+}
+
+/// Carry-less multiplication; both take any length. Only where the CPU has PCLMULQDQ and SSSE3.
+uint32_t crc32Clmul(uint32_t crc, const uint8_t* bytes, size_t length);
+uint32_t crc32UnitsClmul(uint32_t crc, const unichar* units, size_t length);
+
+/// The same on 512 bits at once. Only where the CPU has VPCLMULQDQ and AVX-512 F, BW and VL.
+uint32_t crc32WideClmul(uint32_t crc, const uint8_t* bytes, size_t length);
+uint32_t crc32UnitsWideClmul(uint32_t crc, const unichar* units, size_t length);
+
+}  // namespace velan
+
+#endif  // VELAN_TEXT_DIGEST_CHECKSUMS_INTERNAL_H

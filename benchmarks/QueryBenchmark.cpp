@@ -5,8 +5,8 @@
 #include <random>
 #include <string>
 
-#include "velan/query/words/FastWordEnumerator.h"
 #include "velan/query/QueryMatching.h"
+#include "velan/query/words/FastWordEnumerator.h"
 
 namespace velan {
 namespace {
@@ -68,8 +68,7 @@ void BM_BooleanRE2(benchmark::State& state) {
   runRE2(state, {"(?i)\\blighthouse\\b", "(?i)\\bkeeper\\b"}, "(?i)\\bsubmarine\\b");
 }
 void BM_NearRE2(benchmark::State& state) {
-  runRE2(state,
-         {"(?i)\\blighthouse\\b(?:\\W+\\w+){0,9}\\W+keeper\\b|\\bkeeper\\b(?:\\W+\\w+){0,9}\\W+lighthouse\\b"},
+  runRE2(state, {"(?i)\\blighthouse\\b(?:\\W+\\w+){0,9}\\W+keeper\\b|\\bkeeper\\b(?:\\W+\\w+){0,9}\\W+lighthouse\\b"},
          "\\bsubmarine\\b\\bnever\\b");
 }
 

@@ -3,8 +3,8 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "velan/query/words/FastWordEnumerator.h"
 #include "velan/query/QueryMatching.h"
+#include "velan/query/words/FastWordEnumerator.h"
 
 namespace {
 

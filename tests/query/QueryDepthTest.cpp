@@ -5,8 +5,8 @@
 
 #include <functional>
 
-#include "velan/query/words/FastWordEnumerator.h"
 #include "velan/query/QueryMatching.h"
+#include "velan/query/words/FastWordEnumerator.h"
 
 namespace velan {
 namespace {

@@ -3,8 +3,8 @@
 #include <random>
 
 #include "QueryReference.h"
-#include "velan/query/words/FastWordEnumerator.h"
 #include "velan/query/QueryMatching.h"
+#include "velan/query/words/FastWordEnumerator.h"
 
 namespace velan {
 namespace {

@@ -9,10 +9,10 @@
 #include <thread>
 #include <vector>
 
-#include "velan/platform/lemmas/HunspellDictionaryInternal.h"
 #include "velan/platform/LanguageDetection.h"
-#include "velan/platform/lemmas/Lemmatizer.h"
 #include "velan/platform/Services.h"
+#include "velan/platform/lemmas/HunspellDictionaryInternal.h"
+#include "velan/platform/lemmas/Lemmatizer.h"
 #include "velan/platform/lemmas/WordNetInternal.h"
 #include "velan/query/Stemming.h"
 

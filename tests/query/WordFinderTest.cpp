@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "velan/query/words/FastWordEnumerator.h"
 #include "velan/query/QueryMatching.h"
 #include "velan/query/WordFinder.h"
+#include "velan/query/words/FastWordEnumerator.h"
 
 namespace velan {
 namespace {

@@ -6,8 +6,8 @@
 #include <optional>
 #include <string>
 
-#include "velan/query/words/FastWordEnumerator.h"
 #include "velan/query/QueryTerms.h"
+#include "velan/query/words/FastWordEnumerator.h"
 
 namespace velan::tool {
 

@@ -6,8 +6,8 @@
 #include <span>
 #include <vector>
 
-#include "velan/query/words/FastWordEnumerator.h"
 #include "velan/query/QueryTerms.h"
+#include "velan/query/words/FastWordEnumerator.h"
 
 namespace velan {
 

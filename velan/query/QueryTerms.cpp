@@ -4,8 +4,8 @@
 #include <unordered_set>
 #include <utility>
 
-#include "velan/query/words/Components.h"
 #include "velan/query/QueryWalkInternal.h"
+#include "velan/query/words/Components.h"
 #include "velan/query/words/WordSeparation.h"
 #include "velan/wildcard/WildcardPattern.h"
 

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "velan/base/Range.h"
-#include "velan/query/words/FastWordEnumerator.h"
 #include "velan/query/QueryComparison.h"
+#include "velan/query/words/FastWordEnumerator.h"
 
 namespace velan {
 

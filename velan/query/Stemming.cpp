@@ -2,8 +2,8 @@
 
 #include "velan/base/MutableString.h"
 #include "velan/platform/LanguageDetection.h"
-#include "velan/platform/lemmas/Lemmatizer.h"
 #include "velan/platform/WordTokenizer.h"
+#include "velan/platform/lemmas/Lemmatizer.h"
 
 namespace velan {
 

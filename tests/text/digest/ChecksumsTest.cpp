@@ -3,9 +3,9 @@
 #include <memory>
 #include <random>
 
+#include "velan/text/ConversionTables.h"
 #include "velan/text/digest/Checksums.h"
 #include "velan/text/digest/ChecksumsInternal.h"
-#include "velan/text/ConversionTables.h"
 
 namespace velan {
 namespace {

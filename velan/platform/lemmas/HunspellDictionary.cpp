@@ -7,8 +7,8 @@
 #include <optional>
 #include <utility>
 
-#include "velan/platform/lemmas/HunspellDictionaryInternal.h"
 #include "velan/platform/ServicesInternal.h"
+#include "velan/platform/lemmas/HunspellDictionaryInternal.h"
 
 namespace velan {
 

@@ -1,6 +1,6 @@
 // The build without Hunspell: there is no dictionary to open.
-#include "velan/platform/lemmas/HunspellDictionaryInternal.h"
 #include "velan/platform/ServicesInternal.h"
+#include "velan/platform/lemmas/HunspellDictionaryInternal.h"
 
 namespace velan {
 

@@ -4,8 +4,8 @@
 #include <set>
 #include <sstream>
 
-#include "velan/platform/lemmas/LemmaFilesInternal.h"
 #include "velan/platform/ServicesInternal.h"
+#include "velan/platform/lemmas/LemmaFilesInternal.h"
 
 namespace velan {
 

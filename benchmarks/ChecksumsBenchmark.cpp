@@ -1,4 +1,5 @@
-// CRC-32 of bytes and of code units beside zlib and libdeflate; SHA-1 and MD5 of short texts beside OpenSSL.
+// CRC-32 of bytes and of code units beside zlib and libdeflate; SHA-1 and MD5 of short texts beside OpenSSL. Every
+// kernel that runs here, alone.
 #include <benchmark/benchmark.h>
 #include <libdeflate.h>
 #include <openssl/evp.h>
@@ -7,8 +8,10 @@
 #include <string>
 
 #include "velan/text/digest/Checksums.h"
+#include "velan/text/digest/ChecksumsInternal.h"
 #include "velan/text/digest/MD5.h"
 #include "velan/text/digest/SHA1.h"
+#include "velan/text/digest/SHA1Internal.h"
 
 namespace velan {
 namespace {
@@ -37,11 +40,13 @@ void BM_Crc32Libdeflate(benchmark::State& state) {
   measure(state, [](const std::string& bytes) { return libdeflate_crc32(0, bytes.data(), bytes.size()); });
 }
 
-#define VELAN_CRC_SIZES Arg(64)->Arg(4096)->Arg(8 << 20)
-BENCHMARK(BM_Crc32Bytes)->VELAN_CRC_SIZES;
-BENCHMARK(BM_Crc32Units)->VELAN_CRC_SIZES;
-BENCHMARK(BM_Crc32Libdeflate)->VELAN_CRC_SIZES;
-BENCHMARK(BM_Crc32Zlib)->VELAN_CRC_SIZES;
+void sizes(benchmark::internal::Benchmark* benchmark) {
+  for (const int64_t bytes : {64, 4096, 8 << 20}) benchmark->Arg(bytes);
+}
+BENCHMARK(BM_Crc32Bytes)->Apply(sizes);
+BENCHMARK(BM_Crc32Units)->Apply(sizes);
+BENCHMARK(BM_Crc32Libdeflate)->Apply(sizes);
+BENCHMARK(BM_Crc32Zlib)->Apply(sizes);
 
 void BM_SHA1(benchmark::State& state) {
   measure(state, [](const std::string& bytes) {
@@ -81,6 +86,34 @@ void BM_SHA1OpenSSL(benchmark::State& state) {
 BENCHMARK(BM_SHA1)->Arg(60)->Arg(4096);
 BENCHMARK(BM_SHA1OpenSSL)->Arg(60)->Arg(4096);
 BENCHMARK(BM_MD5)->Arg(60)->Arg(4096);
+
+[[maybe_unused]] const bool kKernelsRegistered = [] {
+  for (const auto& kernel : crc32Kernels()) {
+    const auto bytes = [run = kernel.run](benchmark::State& state) {
+      measure(state, [run](const std::string& text) {
+        return run.bytes(0, reinterpret_cast<const uint8_t*>(text.data()), text.size());
+      });
+    };
+    const auto units = [run = kernel.run](benchmark::State& state) {
+      measure(state, [run](const std::string& text) {
+        return run.units(0, reinterpret_cast<const unichar*>(text.data()), text.size() / sizeof(unichar));
+      });
+    };
+    benchmark::RegisterBenchmark((std::string("Crc32Bytes/") + kernel.name).c_str(), bytes)->Apply(sizes);
+    benchmark::RegisterBenchmark((std::string("Crc32Units/") + kernel.name).c_str(), units)->Apply(sizes);
+  }
+  for (const auto& kernel : sha1Kernels()) {
+    const auto blocks = [run = kernel.run](benchmark::State& state) {
+      measure(state, [run](const std::string& text) {
+        uint32_t words[5] = {};
+        run(words, reinterpret_cast<const uint8_t*>(text.data()), text.size() / 64);
+        return words[0];
+      });
+    };
+    benchmark::RegisterBenchmark((std::string("SHA1/") + kernel.name).c_str(), blocks)->Arg(4096);
+  }
+  return true;
+}();
 
 }  // namespace
 }  // namespace velan

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "velan/query/words/FastWordEnumerator.h"
+#include "velan/query/words/WordIndexInternal.h"
 #include "velan/text/CharacterSets.h"
 #include "velan/text/Separators.h"
 
@@ -135,5 +136,25 @@ BENCHMARK(BM_PlainLoop)->Apply(sizes);
 BENCHMARK(BM_ICUWordIterator)->Apply(sizes);
 BENCHMARK(BM_WalkWords)->Apply(sizes);
 BENCHMARK(BM_SplitJapanese)->Arg(64 << 10);
+
+// Each kernel alone, on text that stays in the cache.
+[[maybe_unused]] const bool kKernelsRegistered = [] {
+  for (const auto& kernel : velan::separatorKernels()) {
+    for (const bool onlyASCII : {false, true}) {
+      const std::string name = std::string("MarkSeparators/") + kernel.name + (onlyASCII ? "/ASCII" : "/Mixed");
+      benchmark::RegisterBenchmark(name.c_str(), [run = kernel.run, onlyASCII](benchmark::State& state) {
+        const String text = textOfWords(state.range(0), onlyASCII);
+        std::string marks(static_cast<size_t>(text.length()), '\0');
+        for (auto _ : state) {
+          run(text.characters(), marks.size(), velan::defaultWordSeparators(),
+              reinterpret_cast<uint8_t*>(marks.data()));
+          benchmark::DoNotOptimize(marks.data());
+        }
+        finish(state);
+      })->Arg(64 << 10);
+    }
+  }
+  return true;
+}();
 
 }  // namespace

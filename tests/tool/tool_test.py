@@ -250,7 +250,10 @@ class Usage(unittest.TestCase):
             self.assertEqual((status, errors), (0, ""), command)
             self.assertGreaterEqual(output.split("Examples:")[1].count("  velan "), 2, command)
         self.assertRegex(velan("--version")[1], r"^velan \d+\.\d+\.\d+\n$")
-        self.assertRegex(velan("--version", "--verbose")[1], r"(?s)^velan .*\nICU \d+.*\nzlib \d+")
+        for level, expected, complaint in (("scalar", r"sets: none.*", ""), ("best", r"sets: .*", "WARNING: .*best\n")):
+            _, output, errors = velan("--version", "--verbose", environment={"VELAN_CPU": level})
+            self.assertRegex(output, r"(?s)^velan .*\nICU \d+.*\nzlib \d+.*" + expected)
+            self.assertRegex(errors, f"^{complaint}$")
 
     def test_queries_of_any_kind(self):
         for query, status in (("-missing", 0), ("(lamp", 0), (")lamp AND", 0), ("[a", 1), ("", 1), ("()", 1)):

@@ -30,6 +30,8 @@ void printVersion(bool verbose) {
     print(fmt::format("{} {}: {}\n", service.name, service.version.empty() ? "(not in this build)" : service.version,
                       service.purpose));
   }
+  const std::string sets = instructionSets();
+  print(fmt::format("Instruction sets: {}\n", sets.empty() ? "none beyond the plain ones" : sets));
   const auto sources = lemmaSources();
   print(fmt::format("\nBase forms of words:{}\n", sources.empty() ? " no data found" : ""));
   for (const LemmaSource& source : sources) {

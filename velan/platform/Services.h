@@ -22,6 +22,11 @@ VELAN_EXPORT std::vector<Service> services();
 /// The version of the Unicode Standard that all character data come from, such as "15.0".
 VELAN_EXPORT std::string unicodeVersion();
 
+/// The instruction sets of this processor that the library uses, such as "SSE4.1, PCLMUL, SHA"; empty when it uses
+/// none. The environment variable `VELAN_CPU` limits them to a level (`scalar`, `sse4`, `avx2`, `avx512`; on Arm
+/// `neon`), which is read once: results are the same at every level.
+VELAN_EXPORT std::string instructionSets();
+
 /// Data for the lemmas of one language.
 struct LemmaSource {
   std::string language;  // as its file has it: "en", "de_DE"

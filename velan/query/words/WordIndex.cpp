@@ -2,7 +2,6 @@
 #include <bit>
 #include <cstring>
 
-#include "velan/platform/CPUInternal.h"
 #include "velan/query/words/WordIndexInternal.h"
 #include "velan/text/CharacterSets.h"
 
@@ -74,18 +73,19 @@ void markSeparatorsScalar(const unichar* units, size_t length, const uint8_t* se
   for (size_t i = 0; i < length; ++i) marks[i] = isMemberOfCharacterSetRep(separators, units[i]);
 }
 
-std::span<const SeparatorKernel> supportedSeparatorKernels() {
+const Kernels<MarkSeparatorsRun>& separatorKernels() {
+  using enum CPUFeatures;
+  static const Kernels<MarkSeparatorsRun> kernels({
+      {"scalar", None, markSeparatorsScalar},
 #ifdef __x86_64__
-  static constexpr SeparatorKernel kernels[] = {{"scalar", markSeparatorsScalar}, {"avx2", markSeparatorsAvx2}};
-  return {kernels, cpuFeatures().avx2 ? 2u : 1u};
-#else
-  static constexpr SeparatorKernel kernels[] = {{"scalar", markSeparatorsScalar}};
-  return kernels;
+      {"avx2", AVX2, markSeparatorsAvx2},
 #endif
+  });
+  return kernels;
 }
 
 size_t indexWords(const unichar* units, size_t length, const uint8_t* separators, uint8_t* types) {
-  static const auto markSeparators = supportedSeparatorKernels().back().mark;
+  static const auto markSeparators = separatorKernels().best();
   return indexBlocks(length, types, [&](size_t first, size_t count, uint8_t* marks) {
     markSeparators(units + first, count, separators, marks);
   });

@@ -3,9 +3,9 @@
 #define VELAN_QUERY_WORDS_WORD_INDEX_INTERNAL_H
 
 #include <cstddef>
-#include <span>
 
 #include "velan/base/CTypes.h"
+#include "velan/platform/KernelsInternal.h"
 
 namespace velan {
 
@@ -16,16 +16,11 @@ size_t indexWords(const unichar* units, size_t length, const uint8_t* separators
 /// units belong to the word.
 size_t indexWildcardWords(const unichar* units, size_t length, const uint8_t* separators, uint8_t* types);
 
-/// One way to write 1 for each unit that is in `separators` and 0 for the others.
-struct SeparatorKernel {
-  const char* name;
-  void (*mark)(const unichar* units, size_t length, const uint8_t* separators, uint8_t* marks);
-};
+/// Writes 1 for each unit that is in `separators` and 0 for the others.
+using MarkSeparatorsRun = void (*)(const unichar* units, size_t length, const uint8_t* separators, uint8_t* marks);
+const Kernels<MarkSeparatorsRun>& separatorKernels();
 
-/// The reference first, the one in use last. Tests and benchmarks walk this list.
-std::span<const SeparatorKernel> supportedSeparatorKernels();
-
-/// The reference, for kernels' tails.
+/// The reference, also for kernels' tails.
 void markSeparatorsScalar(const unichar* units, size_t length, const uint8_t* separators, uint8_t* marks);
 /// 32 units at a time. Only where the CPU has AVX2.
 void markSeparatorsAvx2(const unichar* units, size_t length, const uint8_t* separators, uint8_t* marks);

@@ -4,21 +4,18 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <span>
 
 #include "velan/base/CTypes.h"
+#include "velan/platform/KernelsInternal.h"
 
 namespace velan {
 
-/// One implementation: both functions continue from the register `crc`.
-struct Crc32Kernel {
-  const char* name;
+/// Both continue from the register `crc`.
+struct Crc32Run {
   uint32_t (*bytes)(uint32_t crc, const uint8_t* bytes, size_t length);
   uint32_t (*units)(uint32_t crc, const unichar* units, size_t length);
 };
-
-/// The reference first, the one in use last. Tests and benchmarks walk this list.
-std::span<const Crc32Kernel> supportedCrc32Kernels();
+const Kernels<Crc32Run>& crc32Kernels();
 
 /// `CRC32` of a text whose first part has the checksum `crc`, and whose rest is `bytes`.
 uint32_t crc32Continued(uint32_t crc, const void* bytes, size_t length);
@@ -27,7 +24,7 @@ uint32_t crc32Continued(uint32_t crc, const void* bytes, size_t length);
 /// from those of A and of A and B together: `crc32(AB) ^ crc32WithZeros(crc32(A), length of B)`.
 uint32_t crc32WithZeros(uint32_t crc, uint64_t zeros);
 
-/// The step of the reference, for kernels' tails.
+/// The reference, also for kernels' tails.
 uint32_t crc32Scalar(uint32_t crc, const uint8_t* bytes, size_t length);
 uint32_t crc32UnitsScalar(uint32_t crc, const unichar* units, size_t length);
 

@@ -1,7 +1,6 @@
 // The CRC-32 itself: the reference, the choice of a kernel, and arithmetic on checksums.
 #include <array>
 
-#include "velan/platform/CPUInternal.h"
 #include "velan/text/digest/Checksums.h"
 #include "velan/text/digest/ChecksumsInternal.h"
 
@@ -63,20 +62,20 @@ uint32_t crc32UnitsScalar(uint32_t crc, const unichar* units, size_t length) {
   return crc;
 }
 
-std::span<const Crc32Kernel> supportedCrc32Kernels() {
-  static const Crc32Kernel kernels[] = {
-      {"scalar", crc32Scalar, crc32UnitsScalar},
+const Kernels<Crc32Run>& crc32Kernels() {
+  using enum CPUFeatures;
+  static const Kernels<Crc32Run> kernels({
+      {"scalar", None, {crc32Scalar, crc32UnitsScalar}},
 #ifdef __x86_64__
-      {"clmul", crc32Clmul, crc32UnitsClmul},
-      {"wide clmul", crc32WideClmul, crc32UnitsWideClmul},
+      {"clmul", SSE41 | PCLMUL, {crc32Clmul, crc32UnitsClmul}},
+      {"wide clmul", SSE41 | PCLMUL | VPCLMUL | AVX512, {crc32WideClmul, crc32UnitsWideClmul}},
 #endif
-  };
-  const std::span<const Crc32Kernel> all(kernels);  // on other processors one, and no features
-  return cpuFeatures().vpclmul ? all : all.first(cpuFeatures().pclmul ? 2 : 1);
+  });
+  return kernels;
 }
 
 uint32_t crc32Continued(uint32_t crc, const void* bytes, size_t length) {
-  static const auto kernel = supportedCrc32Kernels().back().bytes;
+  static const auto kernel = crc32Kernels().best().bytes;
   return bytes ? kernel(crc, static_cast<const uint8_t*>(bytes), length) : crc;
 }
 
@@ -90,13 +89,13 @@ uint32_t crc32WithZeros(uint32_t crc, uint64_t zeros) {
 uint32_t CRC32(const void* bytes, size_t length) { return crc32Continued(0, bytes, length); }
 
 uint32_t CRC32UniChars(const unichar* chars, size_t length) {
-  static const auto kernel = supportedCrc32Kernels().back().units;
+  static const auto kernel = crc32Kernels().best().units;
   return chars ? kernel(0, chars, length) : 0;
 }
 
 uint32_t CRC32UniCharsUsingConversionTable(const unichar* chars, size_t length, const unichar* table) {
   if (!chars || !table) return CRC32UniChars(chars, length);
-  static const auto kernel = supportedCrc32Kernels().back().units;
+  static const auto kernel = crc32Kernels().best().units;
   uint32_t crc = 0;
   unichar mapped[256];
   while (length > 0) {

@@ -2,7 +2,6 @@
 
 #include <bit>
 
-#include "velan/platform/CPUInternal.h"
 #include "velan/text/digest/BlockDigestInternal.h"
 #include "velan/text/digest/SHA1Internal.h"
 
@@ -27,13 +26,9 @@ uint32_t mix(int step, uint32_t b, uint32_t c, uint32_t d) {
   return value + kRound[step / 20];
 }
 
-SHA1Transform transform() {
-#ifdef __x86_64__
-  static const SHA1Transform best = cpuFeatures().sha ? sha1Instructions : sha1Scalar;
+SHA1Run transform() {
+  static const SHA1Run best = sha1Kernels().best();
   return best;
-#else
-  return sha1Scalar;
-#endif
 }
 
 }  // namespace
@@ -61,6 +56,17 @@ void sha1Scalar(uint32_t* state, const uint8_t* blocks, size_t count) {
     state[3] += d;
     state[4] += e;
   }
+}
+
+const Kernels<SHA1Run>& sha1Kernels() {
+  using enum CPUFeatures;
+  static const Kernels<SHA1Run> kernels({
+      {"scalar", None, sha1Scalar},
+#ifdef __x86_64__
+      {"instructions", SSE41 | SHA, sha1Instructions},
+#endif
+  });
+  return kernels;
 }
 
 void isc_sha1_init(isc_sha1_t* context) {

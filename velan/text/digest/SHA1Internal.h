@@ -5,9 +5,12 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "velan/platform/KernelsInternal.h"
+
 namespace velan {
 
-using SHA1Transform = void (*)(uint32_t* state, const uint8_t* blocks, size_t count);
+using SHA1Run = void (*)(uint32_t* state, const uint8_t* blocks, size_t count);
+const Kernels<SHA1Run>& sha1Kernels();
 
 /// The reference.
 void sha1Scalar(uint32_t* state, const uint8_t* blocks, size_t count);

@@ -6,8 +6,8 @@
 
 #include "tools/Commands.h"
 #include "tools/Console.h"
-#include "tools/Json.h"
 #include "tools/keyed/KeyedText.h"
+#include "velan/base/JSON.h"
 #include "velan/keyed/KeyedReading.h"
 #include "velan/keyed/KeyedValues.h"
 #include "velan/keyed/KeyedWriting.h"
@@ -96,7 +96,7 @@ bool printValue(const Value& value) {
   std::string text;
   if (value.kind() == ValueKind::String) {
     text = value.string().toUTF8();
-  } else if (value.isAbsent() || !appendJson(value, text)) {
+  } else if (value.isAbsent() || !appendJSON(value, text)) {
     return false;
   }
   print(text + "\n");
@@ -121,7 +121,7 @@ int get(const Arguments& arguments) {
 
 // The value on the command line: JSON, or plain text where the type is one of text.
 std::optional<Value> valueFromText(const std::string& type, const std::string& text) {
-  if (type != "string" && type != "data") return readJson(text);
+  if (type != "string" && type != "data") return readJSON(text);
   const String string = String::fromUTF8(text);
   if (string) return Value(string);
   return std::nullopt;

@@ -3,9 +3,9 @@
 #include <charconv>
 #include <limits>
 
-#include "tools/Json.h"
 #include "velan/base/Base64.h"
 #include "velan/base/CivilTime.h"
+#include "velan/base/JSON.h"
 #include "velan/keyed/KeyedReading.h"
 #include "velan/keyed/KeyedWriting.h"
 
@@ -14,7 +14,7 @@ namespace {
 
 std::string quoted(const Value& value) {
   std::string json;
-  return appendJson(value, json) ? json : "(too large to show)";
+  return appendJSON(value, json) ? json : "(too large to show)";
 }
 
 // The words of JSON for numbers that it cannot write.
@@ -58,18 +58,18 @@ void appendBytesMember(const Data& bytes, std::string& json) {
 
 std::string jsonOfRecord(const Data& data, const KeyedRecord& record) {
   std::string value;
-  if (!appendJson(valueOfRecord(data, record), value)) value = "null";
+  if (!appendJSON(valueOfRecord(data, record), value)) value = "null";
   const std::string key = textFromKey(record.key);
   std::string json =
       "{\"offset\":" + std::to_string(record.offset) + ",\"marker\":\"" + textFromKey(record.marker) + "\",\"key\":";
   if (key.size() == 4 && key != std::to_string(record.key)) {
-    appendJsonString(String::fromUTF8(key), json);
+    appendJSONString(String::fromUTF8(key), json);
   } else {
     json += std::to_string(record.key);
   }
   json += ",\"value\":" + value;
   MutableData again;
-  const auto read = readJson(value);
+  const auto read = readJSON(value);
   const Data bytes = data.subdata({static_cast<int64_t>(record.offset), static_cast<int64_t>(record.length)});
   if (!read || !addRecord(again, record.marker, record.key, *read) || again.view() != bytes.view()) {
     appendBytesMember(bytes, json);
@@ -181,7 +181,7 @@ std::string describeDamage(const Data& data, const KeyedInspection& inspection) 
   const size_t rest = data.length() - inspection.damageOffset;
   std::string where = "offset " + std::to_string(inspection.damageOffset) + ": ";
   std::string marker;
-  appendJsonString(String::fromUTF8Lossy(data.view().substr(inspection.damageOffset, 4)), marker);
+  appendJSONString(String::fromUTF8Lossy(data.view().substr(inspection.damageOffset, 4)), marker);
   switch (inspection.damage) {
     case KeyedDamage::None:
       return "valid";
@@ -211,7 +211,7 @@ std::string jsonOfRecords(const Data& data) {
   if (inspection.damage != KeyedDamage::None) {
     json += separator;
     json += "{\"offset\":" + std::to_string(inspection.damageOffset) + ",\"damage\":";
-    appendJsonString(String::fromUTF8(describeDamage(data, inspection)), json);
+    appendJSONString(String::fromUTF8(describeDamage(data, inspection)), json);
     appendBytesMember(data.subdata({static_cast<int64_t>(inspection.damageOffset), INT64_MAX}), json);
     json += "}";
   }
@@ -219,7 +219,7 @@ std::string jsonOfRecords(const Data& data) {
 }
 
 Data recordsFromJson(std::string_view json, std::string& why) {
-  const auto list = readJson(json);
+  const auto list = readJSON(json);
   if (!list || list->kind() != ValueKind::Array) {
     why = "not a JSON array";
     return Data();

@@ -4,16 +4,16 @@
 
 #include <iterator>
 
-#include "tools/Json.h"
 #include "tools/search/TextOffsets.h"
 #include "velan/base/Base64.h"
+#include "velan/base/JSON.h"
 
 namespace velan::tool {
 namespace {
 
 std::string jsonString(const String& text) {
   std::string json;
-  appendJsonString(text, json);
+  appendJSONString(text, json);
   return json;
 }
 

@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "velan/keyed/KeyedInspection.h"
 #include "velan/keyed/KeyedReading.h"
 #include "velan/keyed/KeyedValues.h"
 #include "velan/keyed/KeyedWriting.h"
@@ -71,6 +72,7 @@ inline bool applyEveryOperation(std::string_view bytes) {
         data, [](uint32_t, uint32_t, const void*) { return true; }, marker, true, true);
   }
   getKeyedValues(data), getKeys(data), getValues(data);
+  for (const KeyedRecord& record : inspectKeyedData(data).records) valueOfRecord(data, record);
   for (const KeyedKeyBuffer key : {KeyedKeyBuffer{"pair", 4}, KeyedKeyBuffer{"k", 1}}) {
     containsValueForKeyBuffer(data, key), copyValueForKeyBuffer(data, key), boolValueForKeyBuffer(data, key);
     longLongValueForKeyBuffer(data, key), doubleValueForKeyBuffer(data, key);

@@ -2,6 +2,7 @@
 
 #include "tests/keyed/KeyedSample.h"
 #include "velan/base/Log.h"
+#include "velan/keyed/KeyedInspection.h"
 #include "velan/keyed/KeyedReading.h"
 #include "velan/keyed/KeyedWriting.h"
 
@@ -36,6 +37,14 @@ TEST(KeyedWriting, AppendsTheBytesOfTheFormatAndReadsThem) {
   EXPECT_EQ(dateForKey(data, 7), Date(100));
   EXPECT_EQ(stringForKey(data, 7), String(u"\u00E9"));
   EXPECT_EQ(dataForKey(data, 7).view(), "abc");
+
+  EXPECT_TRUE(addPlist(data, ValueArray{1}, 7));
+  MutableData again;
+  for (const KeyedRecord& each : inspectKeyedData(data).records) {
+    EXPECT_TRUE(addRecord(again, each.marker, each.key, valueOfRecord(data, each))) << each.offset;
+  }
+  EXPECT_EQ(again.view(), data.view());
+  EXPECT_TRUE(valueOfRecord(data, {data.length() - 15, 16, VLun, 7}).isAbsent());
 }
 
 TEST(KeyedWriting, WhatHasNoRecordIsRefused) {
@@ -51,6 +60,15 @@ TEST(KeyedWriting, WhatHasNoRecordIsRefused) {
       addBytes(data, nullptr, 5, 1),
       addBytes(data, "x", size_t{1} << 32, 1),
       addPlist(data, ValueArray{Value()}, 1),
+      addRecord(data, VLbl, 1, 1),
+      addRecord(data, VLun, 1, -1),
+      addRecord(data, VLsi, 1, 0x80000000),
+      addRecord(data, VLul, 1, 1.0),
+      addRecord(data, VLsl, 1, uint64_t{1} << 63),
+      addRecord(data, VLfl, 1, 1e40),
+      addRecord(data, VLdb, 1, u"1"),
+      addRecord(data, VLda, 1, 1.0),
+      addRecord(data, fourCharacterCode("VLxx"), 1, 1),
   };
   setLogSink(nullptr, nullptr);
   for (const bool result : results) EXPECT_FALSE(result);

@@ -127,13 +127,6 @@ std::optional<Value> valueFromText(const std::string& type, const std::string& t
   return std::nullopt;
 }
 
-// A number or text with the kind that the type has in a pair.
-Value pairValue(uint32_t marker, const Value& value) {
-  MutableData record;
-  if (!addRecord(record, marker, 0, value)) return Value();
-  return valueOfRecord(record.data(), {0, record.length(), marker, 0});
-}
-
 // Fixed sizes are overwritten where they stand, the others move to the end.
 void setRecord(MutableData& data, uint32_t marker, uint32_t key, const MutableData& record) {
   for (const KeyedRecord& old : inspectKeyedData(data).records) {
@@ -160,14 +153,14 @@ int set(const Arguments& arguments) {
   MutableData record;
   const auto key = arguments.pair ? kKeyedPairValue : keyFromText(arguments.key);
   if (!key) return trouble("a key is a number or four characters: " + arguments.key);
-  if (!value || !addRecord(record, marker, *key, *value)) {
+  if (!value || !addRecord(record, marker, *key, valueFromJson(marker, *value))) {
     return trouble("no " + arguments.type + ": " + arguments.value);
   }
   if (!arguments.pair) {
     setRecord(*data, marker, *key, record);
   } else {
     const String name = String::fromUTF8(arguments.key);
-    setValue(*data, pairValue(marker, *value), name);
+    setValue(*data, valueOfRecord(record, {0, record.length(), marker, *key}), name);
     if (!containsValueForKey(*data, name)) return trouble("no key: " + arguments.key);
   }
   return store(arguments.file, *data);

@@ -6,7 +6,6 @@
 #include "velan/base/Base64.h"
 #include "velan/base/CivilTime.h"
 #include "velan/base/JSON.h"
-#include "velan/keyed/KeyedReading.h"
 #include "velan/keyed/KeyedWriting.h"
 
 namespace velan::tool {
@@ -17,26 +16,13 @@ std::string quoted(const Value& value) {
   return appendJSON(value, json) ? json : "(too large to show)";
 }
 
-// The words of JSON for numbers that it cannot write.
-double realFromJson(const Value& value) {
-  if (value.isNumber()) return value.doubleValue();
+// JSON has no numbers for these: they are written as words.
+Value realFromJson(const Value& value) {
+  if (value.isNumber()) return value;
   const std::string text = value.string().toUTF8();
   if (text == "inf") return std::numeric_limits<double>::infinity();
   if (text == "-inf") return -std::numeric_limits<double>::infinity();
-  return std::numeric_limits<double>::quiet_NaN();
-}
-
-bool isRealInJson(const Value& value) {
-  if (value.isNumber()) return true;
-  const std::string text = value.string().toUTF8();
-  return text == "inf" || text == "-inf" || text == "nan";
-}
-
-template <typename Number>
-bool fits(const Value& value) {
-  if (!value.isInteger()) return false;
-  if constexpr (std::signed_integral<Number>) return Value(static_cast<Number>(value.int64Value())) == value;
-  return Value(static_cast<Number>(value.uint64Value())) == value;
+  return text == "nan" ? Value(std::numeric_limits<double>::quiet_NaN()) : Value();
 }
 
 std::string descriptionOf(const Data& data, const KeyedRecord& record) {
@@ -71,10 +57,17 @@ std::string jsonOfRecord(const Data& data, const KeyedRecord& record) {
   MutableData again;
   const auto read = readJSON(value);
   const Data bytes = data.subdata({static_cast<int64_t>(record.offset), static_cast<int64_t>(record.length)});
-  if (!read || !addRecord(again, record.marker, record.key, *read) || again.view() != bytes.view()) {
+  if (!read || !addRecord(again, record.marker, record.key, valueFromJson(record.marker, *read)) ||
+      again.view() != bytes.view()) {
     appendBytesMember(bytes, json);
   }
   return json + "}";
+}
+
+std::optional<uint32_t> keyFromJson(const Value& key) {
+  if (key.kind() == ValueKind::String) return keyFromText(key.string().toUTF8());
+  const auto number = static_cast<uint32_t>(key.uint64Value());
+  return key.isInteger() && Value(number) == key ? std::optional(number) : std::nullopt;
 }
 
 // Appends what one element of the array describes.
@@ -85,12 +78,9 @@ bool appendElement(const ValueDictionary& element, MutableData& data) {
     data.appendData(bytes);
     return !bytes.isAbsent();
   }
-  const Value& key = element[u"key"];
   const auto marker = keyFromText(element[u"marker"].string().toUTF8());
-  const auto number = key.kind() == ValueKind::String ? keyFromText(key.string().toUTF8())
-                      : fits<uint32_t>(key)           ? std::optional(static_cast<uint32_t>(key.uint64Value()))
-                                                      : std::nullopt;
-  return marker && number && addRecord(data, *marker, *number, element[u"value"]);
+  const auto number = keyFromJson(element[u"key"]);
+  return marker && number && addRecord(data, *marker, *number, valueFromJson(*marker, element[u"value"]));
 }
 
 }  // namespace
@@ -116,64 +106,17 @@ std::string textFromKey(uint32_t key) {
   return keyFromText(text) == key ? text : std::to_string(key);
 }
 
-Value valueOfRecord(const Data& data, const KeyedRecord& record) {
-  const Data bytes = data.subdata({static_cast<int64_t>(record.offset), static_cast<int64_t>(record.length)});
-  const uint32_t key = record.key;
-  switch (record.marker) {
-    case VLbl:
-      return boolForKey(bytes, key);
-    case VLun:
-      return unsignedForKey(bytes, key);
-    case VLsi:
-      return signedForKey(bytes, key);
-    case VLul:
-      return unsignedLongLongForKey(bytes, key);
-    case VLsl:
-      return signedLongLongForKey(bytes, key);
-    case VLfl:
-      return floatForKey(bytes, key);
-    case VLdb:
-      return doubleForKey(bytes, key);
-    case VLda:
-      return Date(timeIntervalSinceReferenceDateForKey(bytes, key));
-    case VLst:
-      return stringForKey(bytes, key);
-    case VLdt:
-      return dataForKey(bytes, key);
-    case VLpl:
-      return plistForKey(bytes, key);
-    default:
-      return Value();
-  }
-}
-
-bool addRecord(MutableData& data, uint32_t marker, uint32_t key, const Value& value) {
-  const bool isReal = isRealInJson(value);
+Value valueFromJson(uint32_t marker, const Value& value) {
   switch (marker) {
-    case VLbl:
-      return value.kind() == ValueKind::Boolean && (addBool(data, value.boolValue(), key), true);
-    case VLun:
-      return fits<uint32_t>(value) && (addUnsigned(data, static_cast<uint32_t>(value.uint64Value()), key), true);
-    case VLsi:
-      return fits<int32_t>(value) && (addSigned(data, static_cast<int32_t>(value.int64Value()), key), true);
-    case VLul:
-      return fits<uint64_t>(value) && (addUnsignedLongLong(data, value.uint64Value(), key), true);
-    case VLsl:
-      return fits<int64_t>(value) && (addSignedLongLong(data, value.int64Value(), key), true);
     case VLfl:
-      return isReal && (addFloat(data, static_cast<float>(realFromJson(value)), key), true);
     case VLdb:
-      return isReal && (addDouble(data, realFromJson(value), key), true);
+      return realFromJson(value);
     case VLda:
-      return isReal && (addTimeIntervalSinceReferenceDate(data, realFromJson(value), key), true);
-    case VLst:
-      return addString(data, value.string(), key);
+      return realFromJson(value).isNumber() ? Value(Date(realFromJson(value).doubleValue())) : Value();
     case VLdt:
-      return value.string() && addData(data, dataFromBase64(value.string().toUTF8()), key);
-    case VLpl:
-      return addPlist(data, value, key);
+      return dataFromBase64(value.string().toUTF8());
     default:
-      return false;
+      return value;
   }
 }
 

@@ -18,11 +18,9 @@ std::optional<uint32_t> keyFromText(std::string_view text);
 /// Four characters when all of them are printable, otherwise the decimal number.
 std::string textFromKey(uint32_t key);
 
-/// The value of a record, absent when it cannot be decoded.
-Value valueOfRecord(const Data& data, const KeyedRecord& record);
-/// Appends a record of this type with a value that was read from text; what does not fit the type is converted. False
-/// when there is no such record.
-bool addRecord(MutableData& data, uint32_t marker, uint32_t key, const Value& value);
+/// The value that a record with this marker holds, from one that was read as JSON: dates are numbers there, data is
+/// Base64, and numbers that JSON has no word for are strings. What has no such meaning stays as it is.
+Value valueFromJson(uint32_t marker, const Value& value);
 
 /// Why and where a buffer is not valid, in words.
 std::string describeDamage(const Data& data, const KeyedInspection& inspection);

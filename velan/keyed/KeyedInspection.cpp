@@ -1,8 +1,45 @@
 #include "velan/keyed/KeyedInspection.h"
 
+#include "velan/base/PropertyList.h"
 #include "velan/keyed/KeyedWalkInternal.h"
 
 namespace velan {
+namespace keyed {
+namespace {
+
+Value valueWithPayload(uint32_t marker, std::span<const uint8_t> payload) {
+  if (marker == VLst) return String::fromUTF8(asText(payload));
+  if (marker == VLdt) return Data::withBytes(payload.data(), payload.size());
+  return readPropertyList(payload);
+}
+
+}  // namespace
+
+Value valueWithHeaderAndLength(const Record& record) {
+  const auto payload = record.payload();
+  switch (record.marker()) {
+    case VLbl:
+      return record.value<uint8_t>() != 0;
+    case VLun:
+      return record.value<uint32_t>();
+    case VLsi:
+      return record.value<int32_t>();
+    case VLul:
+      return record.value<uint64_t>();
+    case VLsl:
+      return record.value<int64_t>();
+    case VLfl:
+      return record.value<float>();
+    case VLdb:
+      return record.value<double>();
+    case VLda:
+      return Date(record.value<double>());
+    default:
+      return payload ? valueWithPayload(record.marker(), *payload) : Value();
+  }
+}
+
+}  // namespace keyed
 
 KeyedInspection inspectKeyedData(KeyedBytes bytes) {
   KeyedInspection result;
@@ -21,6 +58,13 @@ KeyedInspection inspectKeyedData(KeyedBytes bytes) {
     result.damage = KeyedDamage::Fragment;
   }
   return result;
+}
+
+Value valueOfRecord(KeyedBytes bytes, const KeyedRecord& record) {
+  const std::span<const uint8_t> all = bytes.span();
+  if (record.offset > all.size() || all.size() - record.offset < kKeyedHeaderSize) return Value();
+  const keyed::Record found(all.data() + record.offset, all.size() - record.offset);
+  return keyed::isKnownMarker(found.marker()) ? keyed::valueWithHeaderAndLength(found) : Value();
 }
 
 }  // namespace velan

@@ -4,6 +4,7 @@
 
 #include <vector>
 
+#include "velan/base/Value.h"
 #include "velan/keyed/KeyedRecords.h"
 
 namespace velan {
@@ -32,6 +33,10 @@ struct KeyedInspection {
 };
 
 VELAN_EXPORT KeyedInspection inspectKeyedData(KeyedBytes bytes);
+
+/// The value of a record of `bytes`, of the kind that belongs to its marker: what `addRecord` appends it from. Absent
+/// when the record does not lie in `bytes`, its text is not UTF-8 or its property list is malformed.
+VELAN_EXPORT Value valueOfRecord(KeyedBytes bytes, const KeyedRecord& record);
 
 }  // namespace velan
 

@@ -17,6 +17,7 @@ namespace {
 using keyed::asText;
 using keyed::Record;
 using keyed::RecordWalk;
+using keyed::valueWithHeaderAndLength;
 
 constexpr size_t kInlineUTF8 = 512;
 constexpr size_t kFirstCapacity = 16;
@@ -46,36 +47,6 @@ std::optional<Pair> getKeyedValueHeaderForKey(std::span<const uint8_t> bytes, st
     if (pair->keyText == key) return pair;
   }
   return std::nullopt;
-}
-
-Value valueWithPayload(uint32_t marker, std::span<const uint8_t> payload) {
-  if (marker == VLst) return String::fromUTF8(asText(payload));
-  if (marker == VLdt) return Data::withBytes(payload.data(), payload.size());
-  return readPropertyList(payload);
-}
-
-Value valueWithHeaderAndLength(const Record& record) {
-  const auto payload = record.payload();
-  switch (record.marker()) {
-    case VLbl:
-      return record.value<uint8_t>() != 0;
-    case VLun:
-      return record.value<uint32_t>();
-    case VLsi:
-      return record.value<int32_t>();
-    case VLul:
-      return record.value<uint64_t>();
-    case VLsl:
-      return record.value<int64_t>();
-    case VLfl:
-      return record.value<float>();
-    case VLdb:
-      return record.value<double>();
-    case VLda:
-      return Date(record.value<double>());
-    default:
-      return payload ? valueWithPayload(record.marker(), *payload) : Value();
-  }
 }
 
 // Hands over each pair whose value is whole, with its key (absent when it is not UTF-8) and its value where they are

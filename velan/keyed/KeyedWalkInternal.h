@@ -9,6 +9,7 @@
 #include <span>
 #include <string_view>
 
+#include "velan/base/Value.h"
 #include "velan/keyed/KeyedRecords.h"
 
 namespace velan::keyed {
@@ -92,6 +93,9 @@ class Record {
   const uint8_t* _start;
   size_t _available;
 };
+
+/// The value of a record whose marker is known; absent when its payload reaches beyond the buffer or cannot be decoded.
+Value valueWithHeaderAndLength(const Record& record);
 
 inline std::string_view asText(std::span<const uint8_t> bytes) {
   return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};

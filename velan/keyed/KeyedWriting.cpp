@@ -1,6 +1,8 @@
 #include "velan/keyed/KeyedWriting.h"
 
+#include <cmath>
 #include <functional>
+#include <limits>
 #include <new>
 
 #include "velan/base/Log.h"
@@ -32,12 +34,27 @@ void storeValue(uint8_t* area, int64_t value) { storeValue(area, static_cast<uin
 void storeValue(uint8_t* area, float value) { storeValue(area, std::bit_cast<uint32_t>(value)); }
 void storeValue(uint8_t* area, double value) { storeValue(area, std::bit_cast<uint64_t>(value)); }
 
+bool isFloat(const Value& value) {
+  const double number = value.doubleValue();
+  return value.isNumber() && !(std::isfinite(number) && std::abs(number) > std::numeric_limits<float>::max());
+}
+
 template <typename Number>
 void addFixed(MutableData& data, uint32_t marker, Number value, uint32_t key) {
   uint8_t record[kKeyedHeaderSize] = {};
   writeHeader(record, marker, key);
   storeValue(record + kValueOffset, value);
   data.appendBytes(record, sizeof record);
+}
+
+// An integer that fits the type; others become another value on the way.
+template <typename Number>
+bool addInteger(MutableData& data, uint32_t marker, const Value& value, uint32_t key) {
+  const auto number = static_cast<Number>(std::signed_integral<Number> ? value.int64Value()
+                                                                       : static_cast<int64_t>(value.uint64Value()));
+  if (!value.isInteger() || Value(number) != value) return false;
+  addFixed(data, marker, number, key);
+  return true;
 }
 
 template <typename Number>
@@ -159,6 +176,35 @@ bool addURL(MutableData& data, const URL& url, uint32_t key) { return addString(
 
 void addURLs(MutableData& data, const std::vector<URL>& urls, uint32_t key) {
   for (const URL& url : urls) addURL(data, url, key);
+}
+
+bool addRecord(MutableData& data, uint32_t marker, uint32_t key, const Value& value) {
+  switch (marker) {
+    case VLbl:
+      return value.kind() == ValueKind::Boolean && (addBool(data, value.boolValue(), key), true);
+    case VLun:
+      return addInteger<uint32_t>(data, marker, value, key);
+    case VLsi:
+      return addInteger<int32_t>(data, marker, value, key);
+    case VLul:
+      return addInteger<uint64_t>(data, marker, value, key);
+    case VLsl:
+      return addInteger<int64_t>(data, marker, value, key);
+    case VLfl:
+      return isFloat(value) && (addFloat(data, static_cast<float>(value.doubleValue()), key), true);
+    case VLdb:
+      return value.isNumber() && (addDouble(data, value.doubleValue(), key), true);
+    case VLda:
+      return value.kind() == ValueKind::Date && (addDate(data, value.date(), key), true);
+    case VLst:
+      return addString(data, value.string(), key);
+    case VLdt:
+      return addData(data, value.data(), key);
+    case VLpl:
+      return addPlist(data, value, key);
+    default:
+      return false;
+  }
 }
 
 bool setBool(MutableData& data, bool value, uint32_t key) { return setFixed(data, VLbl, value, key); }

@@ -60,6 +60,12 @@ VELAN_EXPORT bool addURL(MutableData& data, const URL& url, uint32_t key);
 /// `addURLs:forKey`: `addURL` for each URL of the list in its order.
 VELAN_EXPORT void addURLs(MutableData& data, const std::vector<URL>& urls, uint32_t key);
 
+/// Appends a record with any of the eleven markers and a value of the kind that belongs to it: a boolean for `VLbl`, an
+/// integer that fits for `VLun` to `VLsl`, a number for `VLfl` (not a finite one beyond the greatest float) and `VLdb`,
+/// a date, a string, data, or a property list. NO, and nothing appended, for any other value or marker and where
+/// `addString`, `addData` and `addPlist` answer so. The way back is `valueOfRecord`.
+VELAN_EXPORT bool addRecord(MutableData& data, uint32_t marker, uint32_t key, const Value& value);
+
 /// `setBool:forKey`: overwrites the value of the first `VLbl` record with `key`, or appends one. Always YES.
 VELAN_EXPORT bool setBool(MutableData& data, bool value, uint32_t key);
 template <typename T>

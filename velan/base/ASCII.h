@@ -21,6 +21,8 @@ constexpr bool isASCIILowerCase(CharacterLike auto c) { return c >= 'a' && c <= 
 constexpr bool isASCIIUpperCase(CharacterLike auto c) { return c >= 'A' && c <= 'Z'; }
 constexpr bool isASCIILetter(CharacterLike auto c) { return isASCIILowerCase(c) || isASCIIUpperCase(c); }
 constexpr bool isASCIIAlphanumeric(CharacterLike auto c) { return isASCIILetter(c) || isASCIIDigit(c); }
+/// The space and U+0009 to U+000D.
+constexpr bool isASCIIWhiteSpace(CharacterLike auto c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
 /// The same letter in the other case; anything but an ASCII letter stays.
 template <CharacterLike T>

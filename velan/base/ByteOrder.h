@@ -32,6 +32,13 @@ T loadLittleEndian(const void* bytes) {
   return std::endian::native == std::endian::little ? value : byteSwapped(value);
 }
 
+/// The number that `size` bytes, at most 8, make.
+constexpr uint64_t loadBigEndian(const uint8_t* bytes, size_t size) {
+  uint64_t value = 0;
+  for (size_t i = 0; i < size; ++i) value = value << 8 | bytes[i];
+  return value;
+}
+
 /// Writes the `sizeof(T)` bytes of `value` to `bytes`.
 template <std::unsigned_integral T>
 void storeBigEndian(void* bytes, T value) {
@@ -42,6 +49,11 @@ template <std::unsigned_integral T>
 void storeLittleEndian(void* bytes, T value) {
   if (std::endian::native != std::endian::little) value = byteSwapped(value);
   std::memcpy(bytes, &value, sizeof value);
+}
+
+/// Writes the lowest `size` bytes of `value`, at most 8.
+constexpr void storeBigEndian(uint8_t* bytes, uint64_t value, size_t size) {
+  for (size_t i = size; i > 0; --i, value >>= 8) bytes[i - 1] = static_cast<uint8_t>(value);
 }
 
 }  // namespace velan

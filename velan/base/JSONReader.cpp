@@ -1,32 +1,13 @@
-#include <algorithm>
 #include <charconv>
-#include <cmath>
 #include <new>
 #include <utility>
 
 #include "velan/base/JSON.h"
 #include "velan/base/JSONScannerInternal.h"
+#include "velan/base/TextNumbers.h"
 
 namespace velan {
 namespace {
-
-// The value of a number too large or too small for a double: the power of ten of its first digit tells which.
-double outOfRangeValue(std::string_view number) {
-  const bool negative = number.starts_with('-');
-  if (negative) number.remove_prefix(1);
-  const size_t exponentAt = std::min(number.find_first_of("eE"), number.size());
-  const std::string_view mantissa = number.substr(0, exponentAt);
-  std::string_view digits = number.substr(exponentAt).empty() ? "0" : number.substr(exponentAt + 1);
-  if (digits.starts_with('+')) digits.remove_prefix(1);
-  int64_t exponent = 0;
-  const bool fits = std::from_chars(digits.data(), digits.data() + digits.size(), exponent).ec == std::errc();
-  constexpr int64_t kMost = int64_t{1} << 60;  // beyond the length of any mantissa
-  exponent = fits ? std::clamp(exponent, -kMost, kMost) : digits.starts_with('-') ? -kMost : kMost;
-  const auto point = static_cast<int64_t>(std::min(mantissa.find('.'), mantissa.size()));
-  const auto first = static_cast<int64_t>(std::min(mantissa.find_first_not_of("0."), mantissa.size()));
-  const bool large = point - first + exponent > 0;
-  return !large ? 0.0 : negative ? -HUGE_VAL : HUGE_VAL;
-}
 
 Value numberValue(std::string_view number) {
   const char* end = number.data() + number.size();
@@ -36,8 +17,7 @@ Value numberValue(std::string_view number) {
     if (std::from_chars(number.data(), end, integer).ec == std::errc()) return integer;
     if (!number.starts_with('-') && std::from_chars(number.data(), end, large).ec == std::errc()) return large;
   }
-  double real = 0;
-  return std::from_chars(number.data(), end, real).ec == std::errc() ? real : outOfRangeValue(number);
+  return doubleFromText(number).value_or(0);
 }
 
 class JSONReader {

@@ -1,10 +1,11 @@
 #include <charconv>
-#include <cmath>
 #include <optional>
 
 #include "velan/base/Base64.h"
-#include "velan/base/CivilTime.h"
+#include "velan/base/ByteOrder.h"
+#include "velan/base/ISODate.h"
 #include "velan/base/PropertyListInternal.h"
+#include "velan/base/TextNumbers.h"
 #include "velan/base/UTF.h"
 
 namespace velan::plist {
@@ -38,37 +39,13 @@ Value integerFromText(std::string_view text) {
   return magnitude < kTwoTo63 ? Value(static_cast<int64_t>(magnitude)) : Value(magnitude);
 }
 
-// Includes "inf", "infinity" and "nan" in any case, with a sign.
 Value realFromText(std::string_view text) {
-  text = trimmed(text);
-  if (text.starts_with('+') && !text.starts_with("+-")) text.remove_prefix(1);
-  double number = 0;
-  const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
-  return result.ec == std::errc() && result.ptr == text.data() + text.size() ? Value(number) : Value();
+  const auto number = doubleFromText(trimmed(text));
+  return number ? Value(*number) : Value();
 }
 
-// 2001-01-31T23:59:59Z
 Value dateFromText(std::string_view text) {
-  text = trimmed(text);
-  constexpr std::string_view kPattern = "0000-00-00T00:00:00Z";
-  if (text.size() != kPattern.size()) return Value();
-  for (size_t i = 0; i < text.size(); ++i) {
-    const bool isDigit = text[i] >= '0' && text[i] <= '9';
-    if (kPattern[i] == '0' ? !isDigit : text[i] != kPattern[i]) return Value();
-  }
-  const auto field = [text](size_t at, size_t size) {
-    int number = 0;
-    parseWhole(text.substr(at, size), number, 10);
-    return number;
-  };
-  CivilTime time;
-  time.year = field(0, 4);
-  time.month = field(5, 2);
-  time.day = field(8, 2);
-  time.hour = field(11, 2);
-  time.minute = field(14, 2);
-  time.second = field(17, 2);
-  const auto date = dateFromCivilTime(time);
+  const auto date = dateFromISOText(trimmed(text), ISODateForm::UniversalSeconds);
   return date ? Value(*date) : Value();
 }
 
@@ -82,7 +59,7 @@ std::optional<std::string_view> utf8Document(std::span<const uint8_t> bytes, std
   std::u16string units;
   units.reserve(bytes.size() / 2);
   for (size_t i = 2; i < bytes.size(); i += 2) {
-    units.push_back(static_cast<unichar>(bytes[i] << (bigEndian ? 8 : 0) | bytes[i + 1] << (bigEndian ? 0 : 8)));
+    units.push_back(bigEndian ? loadBigEndian<uint16_t>(&bytes[i]) : loadLittleEndian<uint16_t>(&bytes[i]));
   }
   auto converted = utf8FromUTF16(units);
   if (!converted) return std::nullopt;

@@ -6,10 +6,10 @@
 #include "velan/base/Log.h"
 #include "velan/base/PropertyList.h"
 #include "velan/base/ScratchBuffer.h"
+#include "velan/base/TextNumbers.h"
 #include "velan/base/UTF.h"
 #include "velan/keyed/KeyedWalkInternal.h"
 #include "velan/keyed/KeyedWriting.h"
-#include "velan/keyed/TextNumbersInternal.h"
 
 namespace velan {
 namespace {
@@ -104,7 +104,7 @@ int64_t integerFromRecord(const Record& record) {
     case VLda:
       return saturatedInt64(record.value<double>());
     case VLst:
-      return keyed::leadingInteger(textOf(record));
+      return leadingInteger(textOf(record));
     default:
       return 0;
   }
@@ -113,7 +113,7 @@ int64_t integerFromRecord(const Record& record) {
 double doubleFromRecord(const Record& record) {
   switch (record.marker()) {
     case VLst:
-      return keyed::leadingDouble(textOf(record));
+      return leadingDouble(textOf(record));
     case VLda:
       return record.value<double>();
     default:
@@ -214,7 +214,7 @@ Value getValueForKeyBuffer(KeyedBytes bytes, KeyedKeyBuffer key) { return copyVa
 bool boolValueForKeyBuffer(KeyedBytes bytes, KeyedKeyBuffer key) {
   const auto record = valueRecord(bytes, key);
   if (!record) return false;
-  if (record->marker() == VLst) return keyed::booleanReading(textOf(*record));
+  if (record->marker() == VLst) return booleanReading(textOf(*record));
   return static_cast<uint8_t>(integerFromRecord(*record)) != 0;
 }
 

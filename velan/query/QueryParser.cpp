@@ -5,6 +5,8 @@
 #include <utility>
 #include <vector>
 
+#include "velan/base/ASCII.h"
+#include "velan/base/TextNumbers.h"
 #include "velan/query/QueryTerms.h"
 #include "velan/text/CharacterSets.h"
 
@@ -13,34 +15,10 @@ namespace {
 
 constexpr bool isQuotationMark(unichar c) { return c == u'"' || (c >= 0x201C && c <= 0x201F); }
 
-constexpr unichar upperASCII(unichar c) { return c >= u'a' && c <= u'z' ? static_cast<unichar>(c - 32) : c; }
-
-bool equalsKeyword(std::u16string_view text, std::u16string_view keyword) {
-  if (text.size() != keyword.size()) return false;
-  for (size_t i = 0; i < text.size(); ++i) {
-    if (upperASCII(text[i]) != keyword[i]) return false;
-  }
-  return true;
-}
-
 std::u16string_view trimmed(std::u16string_view text, std::u16string_view units) {
   const size_t first = text.find_first_not_of(units);
   if (first == std::u16string_view::npos) return {};
   return text.substr(first, text.find_last_not_of(units) - first + 1);
-}
-
-// The integer that the text begins with, 0 if there is none; too large a number saturates.
-int64_t leadingInteger(std::u16string_view text) {
-  size_t i = 0;
-  const bool negative = !text.empty() && text[0] == u'-';
-  if (!text.empty() && (text[0] == u'-' || text[0] == u'+')) ++i;
-  int64_t value = 0;
-  for (; i < text.size() && text[i] >= u'0' && text[i] <= u'9'; ++i) {
-    const int digit = text[i] - u'0';
-    if (value > (INT64_MAX - digit) / 10) return negative ? -INT64_MAX : INT64_MAX;
-    value = value * 10 + digit;
-  }
-  return negative ? -value : value;
 }
 
 struct ProximityKeyword {
@@ -162,12 +140,12 @@ class QueryParser {
 
   // A keyword changes what is pending for the next term, anything else is that term.
   void addPart(std::u16string_view token) {
-    if (equalsKeyword(token, u"NOT")) {
+    if (equalsIgnoringASCIICase(token, std::u16string_view(u"NOT"))) {
       _not = !_not;
       return;
     }
     for (const auto& keyword : kOperatorKeywords) {
-      if (equalsKeyword(token, keyword.word)) {
+      if (equalsIgnoringASCIICase(token, keyword.word)) {
         _operator = keyword.queryOperator;
         return;
       }
@@ -184,7 +162,7 @@ class QueryParser {
   bool takeProximity(std::u16string_view token) {
     for (const auto& keyword : kProximityKeywords) {
       const size_t length = keyword.word.size();
-      if (!equalsKeyword(token.substr(0, length), keyword.word)) continue;
+      if (!equalsIgnoringASCIICase(token.substr(0, length), keyword.word)) continue;
       if (token.size() == length) {
         if (keyword.queryOperator == QueryOperator::Next) _distance = 1;
       } else if (token.size() >= length + 2 && token[length] == u'/') {

@@ -3,6 +3,7 @@
 
 #include "velan/query/SearchedTextInternal.h"
 #include "velan/text/ConversionTables.h"
+#include "velan/text/UnitMappingInternal.h"
 #include "velan/text/UnitSearchInternal.h"
 #include "velan/wildcard/WildcardPattern.h"
 
@@ -17,10 +18,6 @@ uint32_t comparisonFlags(const FastWordEnumerator& enumerator, QueryComparison c
 // Counting so many words by walking costs less than finding all words of the text first.
 constexpr int64_t kWalkedWords = 64;
 
-void mapUnits(unichar* units, size_t count, const unichar* table) {
-  for (size_t i = 0; i < count; ++i) units[i] = table[units[i]];
-}
-
 }  // namespace
 
 SearchedText::SearchedText(const FastWordEnumerator& enumerator, QueryComparison comparison, Mapping mapping)
@@ -31,8 +28,8 @@ SearchedText::SearchedText(const FastWordEnumerator& enumerator, QueryComparison
       _units(enumerator.characters()) {
   if (enumerator.isCaseInsensitive() && _table == initUpperCharsTable()) _table = nullptr;
   if (_table && mapping == Mapping::InAdvance) {
-    _mapped.assign(_units, static_cast<size_t>(_length));
-    mapUnits(_mapped.data(), _mapped.size(), _table);
+    _mapped.resize(static_cast<size_t>(_length));
+    mapUnits(_units, _mapped.size(), _table, _mapped.data());
     _units = _mapped.data();
     _table = nullptr;
   }
@@ -102,7 +99,7 @@ int64_t SearchedText::wordEndAfter(int64_t location, int64_t count, int64_t end)
 
 std::u16string SearchedText::mapped(std::u16string_view text) const {
   std::u16string result(text);
-  if (_patternTable) mapUnits(result.data(), result.size(), _patternTable);
+  if (_patternTable) mapUnits(result.data(), result.size(), _patternTable, result.data());
   return result;
 }
 

@@ -6,6 +6,7 @@
 #include "velan/base/ScratchBuffer.h"
 #include "velan/base/String.h"
 #include "velan/text/ConversionTables.h"
+#include "velan/text/UnitMappingInternal.h"
 
 namespace velan {
 
@@ -153,8 +154,7 @@ const unichar* unicharTableForWildcardComparison(uint32_t flags) {
 }
 
 void prepareWildcardUsingUnicharTable(unichar* start, unichar* end, const unichar* table) {
-  if (!table) return;
-  for (unichar* p = start; p < end; ++p) *p = table[*p];
+  if (table && start < end) mapUnits(start, static_cast<size_t>(end - start), table, start);
 }
 
 double minWildcardFuzzyAnalogy() {

@@ -12,6 +12,7 @@
 #include "velan/text/CharacterSets.h"
 #include "velan/text/ConversionTables.h"
 #include "velan/text/Separators.h"
+#include "velan/text/UnitMappingInternal.h"
 
 namespace velan {
 
@@ -26,34 +27,6 @@ unichar* allocateUnits(int64_t length) {
   return static_cast<size_t>(length) <= SIZE_MAX / sizeof(unichar)
              ? static_cast<unichar*>(std::malloc(static_cast<size_t>(length) * sizeof(unichar)))
              : nullptr;
-}
-
-// Each unit through the upper-case table; stretches of ASCII are calculated, which the compiler does by vectors.
-void upperCaseUnits(const unichar* units, size_t length, unichar* upper) {
-  const unichar* const table = initUpperCharsTable();
-  constexpr size_t kStretch = 16;
-  size_t i = 0;
-  for (; length - i >= kStretch; i += kStretch) {
-    unichar seen = 0;
-    for (size_t j = i; j < i + kStretch; ++j) seen |= units[j];
-    if (seen < 0x80) {
-      for (size_t j = i; j < i + kStretch; ++j) {
-        const unichar c = units[j];
-        upper[j] = static_cast<unichar>(c - (c >= u'a' && c <= u'z' ? 0x20 : 0));
-      }
-    } else {
-      for (size_t j = i; j < i + kStretch; ++j) upper[j] = table[units[j]];
-    }
-  }
-  for (; i < length; ++i) upper[i] = table[units[i]];
-}
-
-String mappedString(std::u16string_view units, const unichar* table) {
-  if (units.empty()) return String(u"");
-  return String::filled(static_cast<int64_t>(units.size()), [&](unichar* mapped) {
-    std::transform(units.begin(), units.end(), mapped, [table](unichar c) { return table[c]; });
-    return static_cast<int64_t>(units.size());
-  });
 }
 
 }  // namespace
@@ -146,7 +119,7 @@ void FastWordEnumerator::invalidate() {
 bool FastWordEnumerator::copyInUpperCase(const unichar* characters, int64_t length) {
   unichar* const copy = allocateUnits(length);
   if (!copy) return false;
-  upperCaseUnits(characters, static_cast<size_t>(length), copy);
+  mapUnits(characters, static_cast<size_t>(length), initUpperCharsTable(), copy);
   _characters = copy;
   _freeCharacters = true;
   _length = static_cast<uint64_t>(length);

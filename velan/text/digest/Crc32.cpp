@@ -1,6 +1,7 @@
 // The CRC-32 itself: the reference, the choice of a kernel, and arithmetic on checksums.
 #include <array>
 
+#include "velan/text/UnitMappingInternal.h"
 #include "velan/text/digest/Checksums.h"
 #include "velan/text/digest/ChecksumsInternal.h"
 
@@ -100,7 +101,7 @@ uint32_t CRC32UniCharsUsingConversionTable(const unichar* chars, size_t length, 
   unichar mapped[256];
   while (length > 0) {
     const size_t count = length < 256 ? length : 256;
-    for (size_t i = 0; i < count; ++i) mapped[i] = table[chars[i]];
+    mapUnits(chars, count, table, mapped);
     crc = kernel(crc, mapped, count);
     chars += count;
     length -= count;

@@ -18,6 +18,11 @@ constexpr bool isPresent(const Range& range) { return range.location != NSNotFou
 /// One past the last position. Only for ranges that lie inside a buffer.
 constexpr int64_t endOf(const Range& range) { return range.location + range.length; }
 
+/// The order of places in a text: by location, the longer first.
+constexpr bool rangePrecedes(const Range& a, const Range& b) {
+  return a.location != b.location ? a.location < b.location : a.length > b.length;
+}
+
 /// The part of `range` inside `[0, length)`: a negative location counts as 0 (the length is kept), what lies beyond
 /// `length` is cut off. A range that starts at or beyond `length`, or an absent one, becomes `{length, 0}`.
 constexpr Range clippedRange(const Range& range, int64_t length) {

@@ -160,9 +160,7 @@ Range findNextQueryTerm(const String& string, const QueryTerms& terms, bool, Ran
       [anchored](const Range& place, const Range& searched) {
         return !anchored || place.location == searched.location;
       },
-      [](const Range& a, const Range& b) {
-        return a.location != b.location ? a.location < b.location : a.length > b.length;
-      });
+      rangePrecedes);
 }
 
 Range findPreviousQueryTerm(const String& string, const QueryTerms& terms, bool, Range range, bool caseSensitive,

@@ -19,9 +19,7 @@ struct QueryOccurrence {
 };
 
 /// The order in which occurrences are reported: by location, the longer first.
-inline bool precedes(const QueryOccurrence& a, const QueryOccurrence& b) {
-  return a.range.location != b.range.location ? a.range.location < b.range.location : a.range.length > b.range.length;
-}
+inline bool precedes(const QueryOccurrence& a, const QueryOccurrence& b) { return rangePrecedes(a.range, b.range); }
 
 // The functions on an enumerator serve callers that index a text once and ask several queries. The enumerator must have
 // been created without `wildcard`; for `IgnoreCase` it is best created to ignore case, which saves mapping its units

@@ -38,9 +38,7 @@ Ranges smallestOf(const Ranges& a, const Ranges& b) {
 }  // namespace
 
 Ranges largestRanges(Ranges ranges) {
-  std::sort(ranges.begin(), ranges.end(), [](const Range& a, const Range& b) {
-    return a.location != b.location ? a.location < b.location : a.length > b.length;
-  });
+  std::sort(ranges.begin(), ranges.end(), rangePrecedes);
   int64_t reached = -1;
   std::erase_if(ranges, [&reached](const Range& range) {
     if (endOf(range) <= reached) return true;

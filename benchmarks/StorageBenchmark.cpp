@@ -10,6 +10,7 @@
 #include <random>
 #include <string>
 
+#include "velan/base/ByteOrder.h"
 #include "velan/storage/BlockStorage.h"
 
 namespace velan {
@@ -78,7 +79,7 @@ struct LevelDB {
   bool put(const std::string& text, bool sync) {
     leveldb::WriteOptions options;
     options.sync = sync;
-    const uint64_t key = __builtin_bswap64(count++);
+    const uint64_t key = velan::byteSwapped(count++);
     return database->Put(options, leveldb::Slice(reinterpret_cast<const char*>(&key), sizeof key), text).ok();
   }
   bool append(const std::string& text) { return put(text, false); }
@@ -113,7 +114,7 @@ struct LMDB {
   bool append(const std::string& text) {
     MDB_txn* transaction = nullptr;
     MDB_dbi table = 0;
-    uint64_t key = __builtin_bswap64(count++);
+    uint64_t key = velan::byteSwapped(count++);
     MDB_val name{sizeof key, &key};
     MDB_val value{text.size(), const_cast<char*>(text.data())};
     return mdb_txn_begin(environment, nullptr, 0, &transaction) == 0 &&

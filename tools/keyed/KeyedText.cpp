@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "velan/base/Base64.h"
+#include "velan/base/ByteOrder.h"
 #include "velan/base/CivilTime.h"
 #include "velan/base/JSON.h"
 #include "velan/keyed/KeyedWriting.h"
@@ -97,8 +98,8 @@ std::optional<uint32_t> keyFromText(std::string_view text) {
 }
 
 std::string textFromKey(uint32_t key) {
-  std::string text;
-  for (int shift = 24; shift >= 0; shift -= 8) text.push_back(static_cast<char>(key >> shift));
+  std::string text(sizeof key, '\0');
+  storeBigEndian(text.data(), key);
   for (const char c : text) {
     if (c <= 0x20 || c >= 0x7F) return std::to_string(key);
   }

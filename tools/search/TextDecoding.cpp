@@ -3,6 +3,7 @@
 #include <string_view>
 #include <utility>
 
+#include "velan/base/ByteOrder.h"
 #include "velan/base/UTF.h"
 
 namespace velan::tool {
@@ -43,12 +44,10 @@ void replaceLoneSurrogates(unichar* units, size_t length) {
 String textOfUTF16(std::string_view bytes, bool bigEndian) {
   const size_t pairs = bytes.size() / 2;
   const size_t length = pairs + bytes.size() % 2;
-  if (length == 0) return String(u"");
   return String::filled(static_cast<int64_t>(length), [&](unichar* units) {
     for (size_t i = 0; i < pairs; ++i) {
-      const auto first = static_cast<unsigned char>(bytes[2 * i]);
-      const auto second = static_cast<unsigned char>(bytes[2 * i + 1]);
-      units[i] = static_cast<unichar>(bigEndian ? first << 8 | second : second << 8 | first);
+      const char* unit = &bytes[2 * i];
+      units[i] = bigEndian ? loadBigEndian<uint16_t>(unit) : loadLittleEndian<uint16_t>(unit);
     }
     if (length > pairs) units[pairs] = kReplacement;
     replaceLoneSurrogates(units, length);

@@ -1,6 +1,7 @@
 #include <bit>
 #include <optional>
 
+#include "velan/base/ByteOrder.h"
 #include "velan/base/PropertyListInternal.h"
 
 namespace velan::plist {
@@ -44,11 +45,7 @@ class BinaryReader {
     uint64_t count;
   };
 
-  uint64_t number(uint64_t offset, size_t size) const {
-    uint64_t value = 0;
-    for (size_t i = 0; i < size; ++i) value = (value << 8) | _bytes[offset + i];
-    return value;
-  }
+  uint64_t number(uint64_t offset, size_t size) const { return loadBigEndian(&_bytes[offset], size); }
 
   bool readTrailer() {
     if (_bytes.size() < kBinaryHeaderSize + kBinaryTrailerSize) return false;
@@ -205,7 +202,6 @@ class BinaryReader {
   Value asciiString(const Head& head) const {
     const uint8_t* bytes = _bytes.data() + head.contents;
     const auto count = static_cast<int64_t>(head.count);
-    if (count == 0) return u"";
     return String::filled(count, [bytes, count](unichar* units) {
       uint8_t all = 0;
       for (int64_t i = 0; i < count; ++i) all |= bytes[i];
@@ -218,9 +214,8 @@ class BinaryReader {
     if (head.count > _unclaimed / 2 || !claim(head.contents, head.count * 2)) return Value();
     const uint8_t* bytes = _bytes.data() + head.contents;
     const auto count = static_cast<int64_t>(head.count);
-    if (count == 0) return u"";
     return String::filled(count, [bytes, count](unichar* units) {
-      for (int64_t i = 0; i < count; ++i) units[i] = static_cast<unichar>(bytes[2 * i] << 8 | bytes[2 * i + 1]);
+      for (int64_t i = 0; i < count; ++i) units[i] = loadBigEndian<uint16_t>(bytes + 2 * i);
       return count;
     });
   }

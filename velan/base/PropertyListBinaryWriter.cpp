@@ -1,6 +1,7 @@
 #include <bit>
 #include <unordered_map>
 
+#include "velan/base/ByteOrder.h"
 #include "velan/base/PropertyListInternal.h"
 
 namespace velan::plist {
@@ -195,7 +196,8 @@ class BinaryWriter {
     _out.setLength(start + numbers.size() * size);
     uint8_t* bytes = _out.mutableBytes() + start;
     for (const uint64_t number : numbers) {
-      for (size_t shift = size * 8; shift > 0; shift -= 8) *bytes++ = static_cast<uint8_t>(number >> (shift - 8));
+      storeBigEndian(bytes, number, size);
+      bytes += size;
     }
   }
 
@@ -251,8 +253,9 @@ class BinaryWriter {
     _out.setLength(start + (isASCII ? units.size() : units.size() * 2));
     uint8_t* bytes = _out.mutableBytes() + start;
     for (const unichar unit : units) {
-      if (!isASCII) *bytes++ = static_cast<uint8_t>(unit >> 8);
-      *bytes++ = static_cast<uint8_t>(unit);
+      const size_t width = isASCII ? 1 : 2;
+      storeBigEndian(bytes, unit, width);
+      bytes += width;
     }
   }
 

@@ -51,7 +51,7 @@ class VELAN_EXPORT String {
   /// Refers to `length` units without copying them; they must outlive the string and every string that shares them.
   /// With `freeWhenDone` the string owns them and calls `free()` when the last copy goes, also when creation fails.
   static String withCharactersNoCopy(unichar* characters, int64_t length, bool freeWhenDone);
-  /// A string of `length` units (positive) that `fill(units)` writes; it returns how many of them remain, at most
+  /// A string of `length` units (not negative) that `fill(units)` writes; it returns how many of them remain, at most
   /// `length`, or a negative number to give up (the result is then absent).
   template <std::invocable<unichar*> Fill>
   static String filled(int64_t length, Fill&& fill) {

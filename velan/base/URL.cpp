@@ -2,23 +2,16 @@
 
 #include <string>
 
+#include "velan/base/ASCII.h"
 #include "velan/base/UTF.h"
 
 namespace velan {
 namespace {
 
 constexpr std::u16string_view kFileScheme = u"file:";
-constexpr std::string_view kHexDigits = "0123456789ABCDEF";
-
-// The value of a hexadecimal digit, or -1.
-int hexDigitValue(unichar c) {
-  if (c >= u'0' && c <= u'9') return c - u'0';
-  const int letter = (c | 0x20) - u'a';
-  return c < 0x80 && letter >= 0 && letter < 6 ? letter + 10 : -1;
-}
 
 bool isEscape(std::u16string_view text, size_t at) {
-  return text.size() - at > 2 && hexDigitValue(text[at + 1]) >= 0 && hexDigitValue(text[at + 2]) >= 0;
+  return text.size() - at > 2 && hexadecimalDigitValue(text[at + 1]) >= 0 && hexadecimalDigitValue(text[at + 2]) >= 0;
 }
 
 bool mayStandInURL(unichar c) {
@@ -27,7 +20,7 @@ bool mayStandInURL(unichar c) {
 
 // What a path segment may hold as it is (RFC 3986, pchar), and the slashes between segments.
 bool mayStandInPath(unsigned char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
+  return isASCIIAlphanumeric(c) ||
          std::string_view("/-._~!$&'()*+,;=:@").find(static_cast<char>(c)) != std::string_view::npos;
 }
 
@@ -35,7 +28,7 @@ std::string bytesOfEscapedText(std::u16string_view text) {
   std::string bytes;
   for (size_t i = 0; i < text.size(); ++i) {
     if (text[i] == u'%' && isEscape(text, i)) {
-      bytes.push_back(static_cast<char>(hexDigitValue(text[i + 1]) * 16 + hexDigitValue(text[i + 2])));
+      bytes.push_back(static_cast<char>(hexadecimalDigitValue(text[i + 1]) * 16 + hexadecimalDigitValue(text[i + 2])));
       i += 2;
     } else {
       bytes.push_back(static_cast<char>(text[i]));
@@ -63,19 +56,16 @@ URL URL::fileURLWithPath(const String& path) {
     if (mayStandInPath(byte)) {
       escaped.push_back(byte);
     } else {
-      escaped += {u'%', static_cast<unichar>(kHexDigits[byte >> 4]), static_cast<unichar>(kHexDigits[byte & 15])};
+      for (const char digit : {'%', upperHexadecimalDigit(byte >> 4), upperHexadecimalDigit(byte)}) {
+        escaped.push_back(static_cast<unichar>(digit));
+      }
     }
   }
   return URL(String(escaped));
 }
 
 bool URL::isFileURL() const {
-  const std::u16string_view text = _string.view();
-  if (text.size() < kFileScheme.size()) return false;
-  for (size_t i = 0; i < kFileScheme.size(); ++i) {
-    if (text[i] != kFileScheme[i] && (text[i] | 0x20) != kFileScheme[i]) return false;
-  }
-  return true;
+  return equalsIgnoringASCIICase(_string.view().substr(0, kFileScheme.size()), kFileScheme);
 }
 
 String URL::path() const {

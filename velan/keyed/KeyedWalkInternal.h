@@ -3,37 +3,15 @@
 #define VELAN_KEYED_KEYED_WALK_INTERNAL_H
 
 #include <bit>
-#include <concepts>
-#include <cstring>
 #include <optional>
 #include <span>
 #include <string_view>
 
+#include "velan/base/ByteOrder.h"
 #include "velan/base/Value.h"
 #include "velan/keyed/KeyedRecords.h"
 
 namespace velan::keyed {
-
-template <std::unsigned_integral Number>
-Number hostOrder(Number bigEndian) {
-  if constexpr (std::endian::native == std::endian::big) return bigEndian;
-  if constexpr (sizeof(Number) == 8) return __builtin_bswap64(bigEndian);
-  if constexpr (sizeof(Number) == 4) return __builtin_bswap32(bigEndian);
-  return bigEndian;
-}
-
-template <std::unsigned_integral Number>
-Number loadBigEndian(const uint8_t* bytes) {
-  Number number;
-  std::memcpy(&number, bytes, sizeof number);
-  return hostOrder(number);
-}
-
-template <std::unsigned_integral Number>
-void storeBigEndian(uint8_t* bytes, Number number) {
-  number = hostOrder(number);
-  std::memcpy(bytes, &number, sizeof number);
-}
 
 constexpr bool isVariableSize(uint32_t marker) { return marker == VLst || marker == VLdt || marker == VLpl; }
 

@@ -22,13 +22,13 @@ constexpr size_t kValueOffset = 8;
 constexpr size_t kInlineUTF8 = 512;
 
 void writeHeader(uint8_t* header, uint32_t marker, uint32_t key) {
-  keyed::storeBigEndian(header, marker);
-  keyed::storeBigEndian(header + 4, key);
+  storeBigEndian(header, marker);
+  storeBigEndian(header + 4, key);
 }
 
 void storeValue(uint8_t* area, bool value) { *area = value; }
-void storeValue(uint8_t* area, uint32_t value) { keyed::storeBigEndian(area, value); }
-void storeValue(uint8_t* area, uint64_t value) { keyed::storeBigEndian(area, value); }
+void storeValue(uint8_t* area, uint32_t value) { storeBigEndian(area, value); }
+void storeValue(uint8_t* area, uint64_t value) { storeBigEndian(area, value); }
 void storeValue(uint8_t* area, int32_t value) { storeValue(area, static_cast<uint32_t>(value)); }
 void storeValue(uint8_t* area, int64_t value) { storeValue(area, static_cast<uint64_t>(value)); }
 void storeValue(uint8_t* area, float value) { storeValue(area, std::bit_cast<uint32_t>(value)); }
@@ -82,7 +82,7 @@ bool addVariable(MutableData& data, uint32_t marker, const void* bytes, size_t l
   }
   uint8_t* record = data.mutableBytes() + start;
   writeHeader(record, marker, key);
-  keyed::storeBigEndian(record + kValueOffset, static_cast<uint32_t>(length));
+  storeBigEndian(record + kValueOffset, static_cast<uint32_t>(length));
   std::memcpy(record + kKeyedHeaderSize, isInside ? data.bytes() + inside : source, length);
   return true;
 }

@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 
+#include "velan/base/ByteOrder.h"
 #include "velan/base/MutableData.h"
 #include "velan/base/UTF.h"
 
@@ -123,11 +124,9 @@ Data unitBytes(std::u16string_view text, bool bigEndian, bool mark) {
   MutableData bytes;
   bytes.setLength(2 * (text.size() + (mark ? 1 : 0)));
   uint8_t* next = bytes.mutableBytes();
-  const auto put = [&next, bigEndian](unichar c) {
-    const auto high = static_cast<uint8_t>(c >> 8);
-    const auto low = static_cast<uint8_t>(c & 0xFF);
-    *next++ = bigEndian ? high : low;
-    *next++ = bigEndian ? low : high;
+  const auto put = [&next, bigEndian](uint16_t c) {
+    bigEndian ? storeBigEndian(next, c) : storeLittleEndian(next, c);
+    next += sizeof c;
   };
   if (mark) put(0xFEFF);
   for (const unichar c : text) put(c);

@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "velan/base/ByteOrder.h"
+
 namespace velan {
 
 inline constexpr uint32_t kPlainMarker = 0x31415926;
@@ -22,18 +24,16 @@ struct BlockHeader {
   uint32_t crc;      // of the payload as stored
 
   static BlockHeader fromBytes(const HeaderBytes& bytes) {
-    const auto field = [&bytes](std::size_t at) {
-      return static_cast<uint32_t>(bytes[at]) << 24 | static_cast<uint32_t>(bytes[at + 1]) << 16 |
-             static_cast<uint32_t>(bytes[at + 2]) << 8 | bytes[at + 3];
-    };
+    const auto field = [&bytes](std::size_t at) { return loadBigEndian<uint32_t>(&bytes[at]); };
     return {field(0), field(4), field(8), field(12)};
   }
 
   HeaderBytes bytes() const {
     HeaderBytes result{};
-    std::size_t at = 0;
+    uint8_t* at = result.data();
     for (const uint32_t field : {marker, length, padding, crc}) {
-      for (int shift = 24; shift >= 0; shift -= 8) result[at++] = static_cast<uint8_t>(field >> shift);
+      storeBigEndian(at, field);
+      at += sizeof field;
     }
     return result;
   }

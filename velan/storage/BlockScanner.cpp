@@ -10,11 +10,7 @@ constexpr int64_t kStride = 4096;
 constexpr size_t kChunk = 65536;
 constexpr int64_t kMostSearches = 16;  // of one byte, for hidden blocks
 
-bool isMarker(const uint8_t* at) {
-  const uint32_t marker = static_cast<uint32_t>(at[0]) << 24 | static_cast<uint32_t>(at[1]) << 16 |
-                          static_cast<uint32_t>(at[2]) << 8 | at[3];
-  return BlockHeader{marker, 0, 0, 0}.hasKnownMarker();
-}
+bool isMarker(const uint8_t* at) { return BlockHeader{loadBigEndian<uint32_t>(at), 0, 0, 0}.hasKnownMarker(); }
 
 }  // namespace
 

@@ -3,6 +3,7 @@
 #include <bit>
 #include <mutex>
 
+#include "velan/base/ASCII.h"
 #include "velan/platform/CharacterDataInternal.h"
 #include "velan/text/CharacterSets.h"
 
@@ -52,10 +53,7 @@ void fillCombined(unichar* entries, const unichar* first, const unichar* second)
   for (size_t c = 0; c < VelanTableLength; ++c) entries[c] = second[first[c]];
 }
 
-// Without the C library's functions, which depend on the locale.
-unichar asciiOrSpace(unichar c) { return c < 0x80 ? c : 0x20; }
-unichar asciiUpper(unichar c) { return c >= 'a' && c <= 'z' ? static_cast<unichar>(c - 0x20) : c; }
-unichar asciiLower(unichar c) { return c >= 'A' && c <= 'Z' ? static_cast<unichar>(c + 0x20) : c; }
+unichar asciiOrSpace(unichar c) { return c < 0x80 ? c : u' '; }
 
 }  // namespace
 
@@ -90,8 +88,8 @@ unichar umlautsToAscii(unichar c) { return initUmlautsCharsTable()[c]; }
 unichar umlautsToUpperAscii(unichar c) { return initUpperUmlautsCharsTable()[c]; }
 unichar umlautsToLowerAscii(unichar c) { return initLowerUmlautsCharsTable()[c]; }
 unichar toAscii(unichar c) { return asciiOrSpace(umlautsToAscii(c)); }
-unichar toUpperAscii(unichar c) { return asciiUpper(toAscii(c)); }
-unichar toLowerAscii(unichar c) { return asciiLower(toAscii(c)); }
+unichar toUpperAscii(unichar c) { return toASCIIUpper(toAscii(c)); }
+unichar toLowerAscii(unichar c) { return toASCIILower(toAscii(c)); }
 
 bool isUnicharTablePartOfConversionTable(const unichar* table, const unichar* conversionTable) {
   if (!table || !conversionTable) return false;

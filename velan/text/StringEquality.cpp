@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include "velan/base/ASCII.h"
 #include "velan/base/UTF.h"
 #include "velan/platform/CharacterDataInternal.h"
 #include "velan/text/Comparison.h"
@@ -24,15 +25,11 @@ bool equalNonUmlauted(std::u16string_view a, std::u16string_view b) {
 
 bool isAscii(unichar c) { return c < 0x80; }
 
-bool differIgnoringAsciiCase(unichar a, unichar b) {
-  return a != b && !((a ^ b) == 0x20 && static_cast<uint16_t>((a | 0x20) - 'a') < 26);
-}
-
 // Folding goes by characters, so what folds alike at the start can be left out; only the rest is worth the full
 // folding.
 bool equalNoCase(std::u16string_view a, std::u16string_view b) {
   size_t start = firstDifference(a.data(), b.data(), a.size(), equalBlocksIgnoringAsciiCase,
-                                 [=](size_t i) { return differIgnoringAsciiCase(a[i], b[i]); });
+                                 [=](size_t i) { return toASCIILower(a[i]) != toASCIILower(b[i]); });
   if (start == a.size()) return true;
   if (isAscii(a[start]) && isAscii(b[start])) return false;
   if (start > 0 && isHighSurrogate(a[start - 1])) --start;  // never cut a character

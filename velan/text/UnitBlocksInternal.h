@@ -5,6 +5,7 @@
 
 #include <cstring>
 
+#include "velan/base/ASCII.h"
 #include "velan/base/CTypes.h"
 
 namespace velan {
@@ -24,8 +25,7 @@ inline bool equalBlocks(const unichar* a, const unichar* b) {
 inline bool equalBlocksIgnoringAsciiCase(const unichar* a, const unichar* b) {
   uint16_t different = 0;
   for (size_t i = 0; i < kBlock; ++i) {
-    const bool isLetter = static_cast<uint16_t>((a[i] | 0x20) - 'a') < 26;
-    const auto counted = static_cast<uint16_t>(isLetter ? 0xFFDF : 0xFFFF);
+    const auto counted = static_cast<uint16_t>(isASCIILetter(a[i]) ? 0xFFDF : 0xFFFF);
     different = static_cast<uint16_t>(different | ((a[i] ^ b[i]) & counted));
   }
   return different == 0;

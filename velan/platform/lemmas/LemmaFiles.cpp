@@ -4,6 +4,7 @@
 #include <set>
 #include <sstream>
 
+#include "velan/base/ASCII.h"
 #include "velan/platform/ServicesInternal.h"
 #include "velan/platform/lemmas/LemmaFilesInternal.h"
 
@@ -78,8 +79,7 @@ std::vector<DictionaryFiles> dictionaryFiles() {
 std::string dictionaryPath(const std::string& language) {
   std::string home = language + "_" + language;
   std::transform(home.begin() + static_cast<ptrdiff_t>(language.size()), home.end(),
-                 home.begin() + static_cast<ptrdiff_t>(language.size()),
-                 [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; });
+                 home.begin() + static_cast<ptrdiff_t>(language.size()), toASCIIUpper<char>);
   const std::vector<DictionaryFiles> dictionaries = dictionaryFiles();
   const auto rank = [&](const DictionaryFiles& files) {
     return files.name == language ? 0 : files.name == home ? 1 : files.name.starts_with(language + "_") ? 2 : 3;

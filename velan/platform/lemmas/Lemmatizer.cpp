@@ -7,6 +7,7 @@
 #include <mutex>
 #include <utility>
 
+#include "velan/base/ASCII.h"
 #include "velan/platform/lemmas/HunspellDictionaryInternal.h"
 #include "velan/platform/lemmas/LemmaFilesInternal.h"
 #include "velan/platform/lemmas/WordNetInternal.h"
@@ -26,7 +27,7 @@ std::string lowerCaseASCII(std::u16string_view word) {
   if (word.size() > kLongestEnglishWord) return lower;
   for (const unichar c : word) {
     if (c > 0x7F) return {};
-    lower += static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
+    lower += static_cast<char>(toASCIILower(c));
   }
   return lower;
 }
@@ -47,9 +48,9 @@ const std::u16string& bestStem(const std::vector<std::u16string>& stems, std::u1
 
 std::string languageOf(std::string_view code) {
   std::string language(code.substr(0, code.find_first_of("-_")));
-  for (char& c : language) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+  for (char& c : language) c = toASCIILower(c);
   const bool isCode = (language.size() == 2 || language.size() == 3) &&
-                      std::all_of(language.begin(), language.end(), [](char c) { return c >= 'a' && c <= 'z'; });
+                      std::all_of(language.begin(), language.end(), isASCIILowerCase<char>);
   return isCode ? language : std::string();
 }
 

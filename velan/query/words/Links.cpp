@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "velan/base/ASCII.h"
 #include "velan/query/words/SeparationInternal.h"
 
 namespace velan {
@@ -11,11 +12,8 @@ namespace {
 
 constexpr size_t kNone = std::u16string_view::npos;
 
-bool isASCIILetter(unichar c) { return (c | 0x20) >= u'a' && (c | 0x20) <= u'z'; }
 bool isLetterOrNumber(unichar c) { return isMemberOfCharacterSetRep(alphaNumCharacterSetRep(), c); }
-bool isSchemeUnit(unichar c) {
-  return isASCIILetter(c) || (c >= u'0' && c <= u'9') || c == u'+' || c == u'-' || c == u'.';
-}
+bool isSchemeUnit(unichar c) { return isASCIIAlphanumeric(c) || c == u'+' || c == u'-' || c == u'.'; }
 bool isHostUnit(unichar c) { return isLetterOrNumber(c) || c == u'-' || c == u'.'; }
 bool isMailNameUnit(unichar c) { return isHostUnit(c) || c == u'_' || c == u'+' || c == u'%'; }
 
@@ -29,18 +27,12 @@ bool endsAddress(unichar c) {
          isAnyOf(c, u"\uFF01\uFF08\uFF09\uFF0C\uFF1A\uFF1B\uFF1F\uFF3B\uFF3D\uFF5B\uFF5D\uFF61\uFF62\uFF63\uFF64");
 }
 
-std::u16string lowerCaseASCII(std::u16string_view text) {
-  std::u16string lower(text);
-  for (unichar& c : lower) c = isASCIILetter(c) ? static_cast<unichar>(c | 0x20) : c;
-  return lower;
-}
-
 // A scheme that needs no "//" after it.
 bool isOpaqueScheme(std::u16string_view name) {
   static constexpr std::u16string_view kSchemes[] = {u"mailto", u"tel", u"sms",    u"sip",  u"sips",
                                                      u"xmpp",   u"urn", u"magnet", u"news", u"geo"};
-  return name.size() <= 6 &&
-         std::find(std::begin(kSchemes), std::end(kSchemes), lowerCaseASCII(name)) != std::end(kSchemes);
+  return std::any_of(std::begin(kSchemes), std::end(kSchemes),
+                     [name](std::u16string_view scheme) { return equalsIgnoringASCIICase(name, scheme); });
 }
 
 // Where an address begins, and where that begins which makes it one: the unit after "://", "mailto:" or "www.".
@@ -66,10 +58,10 @@ Start schemeBefore(std::u16string_view text, size_t from, size_t colon) {
 }
 
 bool isWorldWideWeb(std::u16string_view text, size_t at, size_t from) {
-  constexpr size_t length = 4;
-  if (text.size() - at <= length || lowerCaseASCII(text.substr(at, length)) != u"www.") return false;
+  constexpr std::u16string_view kName = u"www.";
+  if (text.size() - at <= kName.size() || !equalsIgnoringASCIICase(text.substr(at, kName.size()), kName)) return false;
   const bool beginsHost = at == from || !(isHostUnit(text[at - 1]) || isAnyOf(text[at - 1], u"@/_"));
-  return beginsHost && isLetterOrNumber(text[at + length]);
+  return beginsHost && isLetterOrNumber(text[at + kName.size()]);
 }
 
 // The first start at or after `from`.
@@ -77,7 +69,7 @@ Start nextStart(std::u16string_view text, size_t from) {
   for (size_t i = from; i < text.size(); ++i) {
     if (text[i] == u':') {
       if (const Start start = schemeBefore(text, from, i); start.location != kNone) return start;
-    } else if ((text[i] | 0x20) == u'w' && isWorldWideWeb(text, i, from)) {
+    } else if (toASCIILower(text[i]) == u'w' && isWorldWideWeb(text, i, from)) {
       return {i, i + 4};
     }
   }

@@ -2,6 +2,7 @@
 
 #include <bit>
 
+#include "velan/base/ByteOrder.h"
 #include "velan/text/digest/BlockDigestInternal.h"
 
 namespace velan {
@@ -19,17 +20,6 @@ constexpr uint32_t kSines[64] = {
     0x6fa87e4f, 0xfe2ce6e0, 0xa3014314, 0x4e0811a1, 0xf7537e82, 0xbd3af235, 0x2ad7d2bb, 0xeb86d391};
 
 constexpr int kShifts[4][4] = {{7, 12, 17, 22}, {5, 9, 14, 20}, {4, 11, 16, 23}, {6, 10, 15, 21}};
-
-// Byte by byte: the same on machines of either byte order, and compilers make one load of it.
-uint32_t load(const uint8_t* at) {
-  return at[0] | static_cast<uint32_t>(at[1]) << 8 | static_cast<uint32_t>(at[2]) << 16 |
-         static_cast<uint32_t>(at[3]) << 24;
-}
-
-template <typename Integer>
-void store(uint8_t* at, Integer value) {
-  for (size_t i = 0; i < sizeof value; ++i) at[i] = static_cast<uint8_t>(value >> (8 * i));
-}
 
 uint32_t mix(int round, uint32_t b, uint32_t c, uint32_t d) {
   switch (round) {
@@ -58,7 +48,8 @@ void transform(uint32_t* state, const uint8_t* block, size_t count) {
     for (int round = 0; round < 4; ++round) {
 #pragma GCC unroll 16
       for (int i = 0; i < 16; ++i) {
-        const uint32_t sum = a + mix(round, b, c, d) + kSines[16 * round + i] + load(block + 4 * wordOf(round, i));
+        const uint32_t sum =
+            a + mix(round, b, c, d) + kSines[16 * round + i] + loadLittleEndian<uint32_t>(block + 4 * wordOf(round, i));
         a = d;
         d = c;
         c = b;
@@ -84,8 +75,8 @@ void isc_md5_update(isc_md5_t* context, const void* bytes, size_t length) {
 
 void isc_md5_final(isc_md5_t* context, uint8_t* digest) {
   if (!context || !digest) return;
-  padDigest(*context, transform, store<uint64_t>);
-  for (size_t i = 0; i < 4; ++i) store(digest + 4 * i, context->state[i]);
+  padDigest(*context, transform, storeLittleEndian<uint64_t>);
+  for (size_t i = 0; i < 4; ++i) storeLittleEndian(digest + 4 * i, context->state[i]);
   clearDigest(*context);
 }
 

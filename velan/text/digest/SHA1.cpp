@@ -2,21 +2,12 @@
 
 #include <bit>
 
+#include "velan/base/ByteOrder.h"
 #include "velan/text/digest/BlockDigestInternal.h"
 #include "velan/text/digest/SHA1Internal.h"
 
 namespace velan {
 namespace {
-
-uint32_t load(const uint8_t* at) {
-  return static_cast<uint32_t>(at[0]) << 24 | static_cast<uint32_t>(at[1]) << 16 | static_cast<uint32_t>(at[2]) << 8 |
-         at[3];
-}
-
-template <typename Integer>
-void store(uint8_t* at, Integer value) {
-  for (size_t i = 0; i < sizeof value; ++i) at[i] = static_cast<uint8_t>(value >> (8 * (sizeof value - 1 - i)));
-}
 
 uint32_t mix(int step, uint32_t b, uint32_t c, uint32_t d) {
   constexpr uint32_t kRound[] = {0x5a827999, 0x6ed9eba1, 0x8f1bbcdc, 0xca62c1d6};
@@ -36,7 +27,7 @@ SHA1Run transform() {
 void sha1Scalar(uint32_t* state, const uint8_t* blocks, size_t count) {
   for (; count > 0; --count, blocks += 64) {
     uint32_t words[80];
-    for (size_t i = 0; i < 16; ++i) words[i] = load(blocks + 4 * i);
+    for (size_t i = 0; i < 16; ++i) words[i] = loadBigEndian<uint32_t>(blocks + 4 * i);
     for (int i = 16; i < 80; ++i) {
       words[i] = std::rotl(words[i - 3] ^ words[i - 8] ^ words[i - 14] ^ words[i - 16], 1);
     }
@@ -79,8 +70,8 @@ void isc_sha1_update(isc_sha1_t* context, const void* bytes, size_t length) {
 
 void isc_sha1_final(isc_sha1_t* context, uint8_t* digest) {
   if (!context || !digest) return;
-  padDigest(*context, transform(), store<uint64_t>);
-  for (size_t i = 0; i < 5; ++i) store(digest + 4 * i, context->state[i]);
+  padDigest(*context, transform(), storeBigEndian<uint64_t>);
+  for (size_t i = 0; i < 5; ++i) storeBigEndian(digest + 4 * i, context->state[i]);
   clearDigest(*context);
 }
 

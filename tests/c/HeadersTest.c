@@ -1,6 +1,7 @@
 // Each C header is included and called from C11, so that C callers stay possible: its functions link and answer.
 #include <stdio.h>
 
+#include "velan/markup/Entities.h"
 #include "velan/text/CharacterSets.h"
 #include "velan/text/Comparison.h"
 #include "velan/text/Containment.h"
@@ -51,9 +52,16 @@ static void checkHashing(void) {
   CHECK(CRC32("abc", 3) == 0xCA6598D0 && CRC32UniChars(u"a", 1) == 0x3AB551CE);
 }
 
+static void checkMarkup(void) {
+  unichar text[] = {u'&', u'a', u'm', u'p', u';', u'l', u't', u';'};
+  CHECK(convertEntities2Characters(text, text, 0, 8, true, false, false) == 4);
+  CHECK(convertStdEntities2Characters(text, 4) == 1 && text[0] == u'<');
+}
+
 int main(void) {
   checkText();
   checkWildcards();
   checkHashing();
+  checkMarkup();
   return failures == 0 ? 0 : 1;
 }

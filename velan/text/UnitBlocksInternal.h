@@ -40,6 +40,15 @@ inline bool blockHolds(const unichar* starts, const unichar* ends, unichar first
   return found != 0;
 }
 
+/// The least `i` below `length` with `units[i] == c`, or `length`.
+inline size_t positionOfUnit(const unichar* units, size_t length, unichar c) {
+  size_t i = 0;
+  for (; length - i >= kBlock && !blockHolds(units + i, units + i, c, c); i += kBlock) {
+  }
+  while (i < length && units[i] != c) ++i;
+  return i;
+}
+
 /// The least `i` below `length` where `differ(i)` holds, or `length`; asks only in blocks that `equal` rejects.
 template <typename Equal, typename Differ>
 size_t firstDifference(const unichar* a, const unichar* b, size_t length, Equal equal, Differ differ) {

@@ -31,6 +31,9 @@ TEST(WildcardPattern, NormalFormTypeAndRange) {
     EXPECT_EQ(range, c.range) << shown.toUTF8();
     EXPECT_EQ(units.substr(0, c.normal.size()), c.normal) << shown.toUTF8();
     EXPECT_EQ(wildcardType(shown), c.pattern.empty() ? 0 : c.type) << shown.toUTF8();
+    const String normal = normalWildcard(shown);
+    EXPECT_EQ(normal.isAbsent(), c.type == 10) << shown.toUTF8();
+    EXPECT_TRUE(normal.isAbsent() || normal == c.normal) << shown.toUTF8();
   }
 }
 

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "velan/query/QueryTerms.h"
-#include "velan/query/WordPatternInternal.h"
+#include "velan/wildcard/WildcardPattern.h"
 
 namespace velan {
 namespace {
@@ -149,14 +149,8 @@ class QueryWriter {
 
   // An unusable pattern stays as it was typed.
   void writeNormalForm(std::u16string_view word) {
-    std::u16string pattern(word);
-    Range range{};
-    const uint32_t type = optimizeWildcard(pattern.data(), pattern.data() + pattern.size(), &range, 1);
-    if (type == WildcardTypeUnusable) {
-      _text.appendString(word);
-    } else {
-      _text.appendString(std::u16string_view(pattern).substr(0, static_cast<size_t>(normalFormLength(type, range))));
-    }
+    const String normal = normalWildcard(word);
+    _text.appendString(normal ? normal.view() : word);
   }
 
   void writeGroup(const QueryTerms& group, bool isRoot) {

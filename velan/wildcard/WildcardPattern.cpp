@@ -129,6 +129,11 @@ uint32_t optimizeWildcard(unichar* start, unichar* end, Range* range, uint64_t m
   return type;
 }
 
+int64_t normalWildcardLen(uint32_t type, Range range) {
+  const bool endsWithStar = type == WildcardTypePrefix || type == WildcardTypeContains || type == WildcardTypeSetPrefix;
+  return endOf(range) + (endsWithStar ? 1 : 0);
+}
+
 int64_t minWildcardLen(const unichar* start, const unichar* end) {
   bool hasStar = false;
   return countElements(start, end, hasStar);
@@ -174,6 +179,16 @@ uint32_t wildcardType(const String& pattern) {
   if (!copy) return WildcardTypeExact;
   std::copy(units.begin(), units.end(), copy.data());
   return optimizeWildcard(copy.data(), copy.data() + units.size(), nullptr, 1);
+}
+
+String normalWildcard(const String& pattern) {
+  if (pattern.isEmpty()) return String();
+  return String::filled(pattern.length(), [&pattern](unichar* units) {
+    std::copy(pattern.begin(), pattern.end(), units);
+    Range range{};
+    const uint32_t type = optimizeWildcard(units, units + pattern.length(), &range, 1);
+    return type == WildcardTypeUnusable ? -1 : normalWildcardLen(type, range);
+  });
 }
 
 int64_t wildcardLength(const String& pattern) { return minWildcardLen(pattern.begin(), pattern.end()); }

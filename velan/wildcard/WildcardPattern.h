@@ -38,6 +38,9 @@ enum {
 /// became clear.
 VELAN_EXPORT uint32_t optimizeWildcard(unichar* start, unichar* end, Range* range, uint64_t minCharacters);
 
+/// The length of the normal form that `optimizeWildcard` left, from the type and the range it gave for a usable pattern.
+VELAN_EXPORT int64_t normalWildcardLen(uint32_t type, Range range);
+
 /// `minWildcardLen`: the least number of units that the pattern matches. A set that is not closed ends with the
 /// pattern.
 VELAN_EXPORT int64_t minWildcardLen(const unichar* start, const unichar* end);
@@ -69,6 +72,9 @@ class String;
 
 /// `wildcardType`: the type that `optimizeWildcard` gives with at least 1 literal, but 0 for an empty or absent string.
 VELAN_EXPORT uint32_t wildcardType(const String& pattern);
+
+/// The normal form of the pattern, as `optimizeWildcard` makes it with at least 1 literal; absent for an unusable one.
+VELAN_EXPORT String normalWildcard(const String& pattern);
 
 /// `wildcardLength`: `minWildcardLen` of the string as it stands.
 VELAN_EXPORT int64_t wildcardLength(const String& pattern);

@@ -3,7 +3,7 @@
 #include <random>
 
 #include "QueryReference.h"
-#include "velan/query/QueryMatching.h"
+#include "velan/query/PreparedQuery.h"
 #include "velan/query/words/FastWordEnumerator.h"
 
 namespace velan {
@@ -166,6 +166,28 @@ const Family kFamilies[] = {
      {QueryComparison::Exact, kIgnoreCase, kIgnoreDiacritics, kIgnoreCase | kIgnoreDiacritics}},
 };
 
+// One matcher for all that can be asked of a text, part by part.
+void expectEqualsReference(QueryMatcher&& matcher, const ReferenceText& reference, const ReferenceTerm& query,
+                           Range range) {
+  const bool plain = ReferenceText::hasPlainRelations(query);
+  ASSERT_EQ(matcher.contains(), reference.contains(query));
+  for (const Range& part : {range, reference.wholeRange(), {range.location, 2}}) {
+    const Range clipped = clippedRange(part, endOf(reference.wholeRange()));
+    ASSERT_EQ(matcher.matches(part), reference.matches(query, clipped));
+    ASSERT_EQ(dumpOf(matcher.occurrences(part), plain), dumpOf(reference.occurrences(query, clipped), plain));
+  }
+  for (const ExplainedTerm& each : matcher.explanation(SIZE_MAX)) {
+    const ReferenceTerm term = referenceOf(*each.term);
+    if (each.holds && !each.partner) {
+      ASSERT_EQ(*each.holds, reference.matches(term, reference.wholeRange()));
+    }
+    if (each.term->isWord()) {
+      ASSERT_EQ(each.places, reference.placesOf(term, reference.wholeRange()));
+    }
+  }
+  ASSERT_FALSE(matcher.ranOutOfMemory());
+}
+
 void expectEqualsReference(const Family& family) {
   QueryGenerator generator(family, static_cast<unsigned>(&family - kFamilies) + 1);
   int matched = 0;
@@ -202,6 +224,8 @@ void expectEqualsReference(const Family& family) {
     const bool plain = ReferenceText::hasPlainRelations(expected);
     ASSERT_EQ(dumpOf(queryOccurrences(*enumerator, *terms, range, comparison, family.wildcard), plain),
               dumpOf(reference.occurrences(expected, range), plain));
+    const auto prepared = PreparedQuery::queryWithTerms(parse(query), comparison, family.wildcard);
+    expectEqualsReference(QueryMatcher(*prepared, *enumerator), reference, expected, range);
   }
   EXPECT_GT(matched, cases / 10);  // neither outcome is rare
   EXPECT_LT(matched, cases - cases / 10);

@@ -42,6 +42,7 @@ class ReferenceText {
 
   bool matches(const ReferenceTerm& node, Range range) const { return holds(node, nullptr, node, range); }
   bool contains(const ReferenceTerm& node) const;
+  Range wholeRange() const { return {0, static_cast<int64_t>(_text.size())}; }
 
   /// Where the leaf is found, negated or not, from left to right; places may overlap.
   std::vector<Range> placesOf(const ReferenceTerm& leaf, Range range) const;

@@ -1,6 +1,9 @@
 #include <algorithm>
 
 #include "velan/query/LeafSearchInternal.h"
+#include "velan/query/QueryWalkInternal.h"
+#include "velan/text/CharacterSets.h"
+#include "velan/text/Separators.h"
 
 namespace velan {
 namespace {
@@ -16,17 +19,47 @@ std::u16string_view plainWord(const QueryTerms& leaf) {
 
 }  // namespace
 
-LeafSearch::LeafSearch(const SearchedText& text, const QueryTerms& leaf, LeafKind kind, bool fuzzy)
-    : _text(text),
-      _literal(kind == LeafKind::Plain || (kind == LeafKind::Tolerant && !leaf.queryPhrase())),
+LeafPattern::LeafPattern(const QueryTerms& leaf, LeafKind kind, QueryComparison comparison)
+    : _literal(kind == LeafKind::Plain || (kind == LeafKind::Tolerant && !leaf.queryPhrase())),
       _whole(!leaf.querySubstring()) {
+  const unichar* table = comparisonTable(comparison);
   if (_literal) {
-    _word = text.mapped(plainWord(leaf));
+    _word = mappedUnits(plainWord(leaf), table);
   } else if (kind == LeafKind::Tolerant) {
-    _pattern = WordPattern::withPhrase(text, leaf.word().view());
+    _pattern = WordPattern::withPhrase(leaf.word().view(), table);
   } else {
-    _pattern = WordPattern::withWildcard(text, leaf.word().view(), true, leaf.queryPhrase(), fuzzy);
+    const bool fuzzy = contains(comparison, QueryComparison::Fuzzy);
+    _pattern = WordPattern::withWildcard(leaf.word().view(), true, leaf.queryPhrase(), fuzzy, table);
   }
+}
+
+// A literal that begins and ends where words do holds a word unit at both ends.
+LeafMeaning LeafPattern::meaning() const {
+  if (!_literal)
+    return isWholeRange() ? LeafMeaning::WholeRange : _pattern.isFound() ? LeafMeaning::Words : LeafMeaning::Nothing;
+  const auto separates = [](unichar c) { return isMemberOfCharacterSetRep(defaultWordSeparators(), c); };
+  const bool never = _word.empty() || (_whole && (separates(_word.front()) || separates(_word.back())));
+  return never ? LeafMeaning::Nothing : LeafMeaning::Literal;
+}
+
+Range LeafPattern::firstIn(const SearchedText& text, Range range) const {
+  return _literal ? text.findWord(_word, range, _whole) : _pattern.firstIn(text, range);
+}
+
+LeafPatterns::LeafPatterns(const QueryTerms& root, LeafKind kind, QueryComparison comparison) {
+  walkQuery(root, [&](const QueryTerms& node) {
+    if (node.isWord()) _patterns.try_emplace(&node, node, kind, comparison);
+    return true;
+  });
+}
+
+const LeafPattern* LeafPatterns::find(const QueryTerms& leaf) const {
+  const auto found = _patterns.find(&leaf);
+  return found != _patterns.end() ? &found->second : nullptr;
+}
+
+std::vector<ExplainedPiece> explainedPieces(const QueryTerms& leaf, QueryComparison comparison) {
+  return WordPattern::explained(leaf.word().view(), leaf.queryPhrase(), contains(comparison, QueryComparison::Fuzzy));
 }
 
 Range LeafSearch::firstIn(Range range) {
@@ -38,7 +71,7 @@ Range LeafSearch::firstIn(Range range) {
 const Range* LeafSearch::at(size_t number) {
   while (number >= _found.size() && _frontier < _text.length()) {
     const Range rest{_frontier, _text.length() - _frontier};
-    const Range next = _literal ? _text.findWord(_word, rest, _whole) : _pattern.firstIn(_text, rest);
+    const Range next = _pattern.firstIn(_text, rest);
     if (isPresent(next)) _found.push_back(next);
     _frontier = isPresent(next) ? next.location + 1 : _text.length();
   }

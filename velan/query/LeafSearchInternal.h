@@ -2,9 +2,12 @@
 #ifndef VELAN_QUERY_LEAF_SEARCH_INTERNAL_H
 #define VELAN_QUERY_LEAF_SEARCH_INTERNAL_H
 
+#include <memory>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
+#include "velan/query/QueryExplanation.h"
 #include "velan/query/QueryTerms.h"
 #include "velan/query/WordPatternInternal.h"
 
@@ -17,14 +20,52 @@ enum class LeafKind : uint8_t {
   Wildcard   // wildcard patterns
 };
 
+constexpr LeafKind leafKind(bool wildcard) { return wildcard ? LeafKind::Wildcard : LeafKind::Plain; }
+
+/// What a leaf looks for, prepared for a comparison. Never changes, so any number of searches may use it at once.
+class LeafPattern {
+ public:
+  LeafPattern(const QueryTerms& leaf, LeafKind kind, QueryComparison comparison);
+
+  /// `Words` for every leaf that is found by a pattern of words.
+  LeafMeaning meaning() const;
+  /// Whether the leaf is a lone `*`: found as the whole of any range that is not empty, and nowhere else.
+  bool isWholeRange() const { return _pattern.isWholeRange(); }
+  /// The first place that lies wholly in `range`; absent if there is none.
+  Range firstIn(const SearchedText& text, Range range) const;
+
+ private:
+  bool _literal;         // found by its units rather than by a pattern
+  bool _whole;           // a literal that begins and ends where words do
+  std::u16string _word;  // of a literal, mapped
+  WordPattern _pattern;  // of any other
+};
+
+/// The patterns of all leaves of a tree.
+class LeafPatterns {
+ public:
+  LeafPatterns(const QueryTerms& root, LeafKind kind, QueryComparison comparison);
+  /// Null for a leaf of another tree.
+  const LeafPattern* find(const QueryTerms& leaf) const;
+
+ private:
+  std::unordered_map<const QueryTerms*, LeafPattern> _patterns;
+};
+
+/// The pieces of a leaf that is a wildcard pattern.
+std::vector<ExplainedPiece> explainedPieces(const QueryTerms& leaf, QueryComparison comparison);
+
 /// Searches only as far as it is asked to and remembers what it found, in the order of the text. Both the beginnings
 /// and the ends of the places grow, so the first place at or after a location is the only one to look at when one that
 /// lies wholly in a range is wanted.
 class LeafSearch {
  public:
-  LeafSearch(const SearchedText& text, const QueryTerms& leaf, LeafKind kind, bool fuzzy);
+  /// Borrows a pattern that was prepared for the units of `text`.
+  LeafSearch(const SearchedText& text, const LeafPattern& pattern) : _text(text), _pattern(pattern) {}
+  /// With a pattern of its own.
+  LeafSearch(const SearchedText& text, std::unique_ptr<const LeafPattern> pattern)
+      : _text(text), _own(std::move(pattern)), _pattern(*_own) {}
 
-  /// Whether the leaf is a lone `*`: found as the whole of any range that is not empty, and nowhere else.
   bool isWholeRange() const { return _pattern.isWholeRange(); }
   /// The first place that lies wholly in `range`; absent if there is none.
   Range firstIn(Range range);
@@ -35,10 +76,8 @@ class LeafSearch {
 
  private:
   const SearchedText& _text;
-  const bool _literal;  // found by its units rather than by a pattern
-  const bool _whole;
-  std::u16string _word;  // of a literal leaf, mapped like the text
-  WordPattern _pattern;  // of any other
+  const std::unique_ptr<const LeafPattern> _own;
+  const LeafPattern& _pattern;
   std::vector<Range> _found;
   int64_t _frontier = 0;  // everything that begins before is found
 };

@@ -2,6 +2,7 @@
 #include <utility>
 
 #include "velan/query/QueryEvaluatorInternal.h"
+#include "velan/query/QueryWalkInternal.h"
 
 namespace velan {
 namespace {
@@ -74,15 +75,48 @@ Range RelationRanges::nextPiece() {
   return kAbsentRange;
 }
 
-QueryEvaluator::QueryEvaluator(const FastWordEnumerator& enumerator, QueryComparison comparison, LeafKind kind)
+QueryEvaluator::QueryEvaluator(const FastWordEnumerator& enumerator, QueryComparison comparison, LeafKind kind,
+                               const LeafPatterns* prepared)
     : _text(enumerator, comparison, SearchedText::Mapping::InAdvance),
+      _comparison(comparisonOn(enumerator, comparison)),
       _kind(kind),
-      _fuzzy(velan::contains(comparison, QueryComparison::Fuzzy)) {}
+      _prepared(prepared) {}
 
 LeafSearch& QueryEvaluator::search(const QueryTerms& leaf) {
   auto& search = _searches[&leaf];
-  if (!search) search = std::make_unique<LeafSearch>(_text, leaf, _kind, _fuzzy);
+  if (search) return *search;
+  if (const LeafPattern* prepared = _prepared ? _prepared->find(leaf) : nullptr) {
+    search = std::make_unique<LeafSearch>(_text, *prepared);
+  } else {
+    search = std::make_unique<LeafSearch>(_text, std::make_unique<const LeafPattern>(leaf, _kind, _comparison));
+  }
   return *search;
+}
+
+Ranges QueryEvaluator::places(const QueryTerms& leaf, Range range) {
+  LeafSearch& found = search(leaf);
+  if (found.isWholeRange()) return range.length > 0 ? Ranges{range} : Ranges();
+  Ranges all;
+  size_t number = found.numberFrom(range.location);
+  for (const Range* place = found.at(number); place && endOf(*place) <= endOf(range); place = found.at(++number)) {
+    all.push_back(*place);
+  }
+  return all;
+}
+
+bool QueryEvaluator::containsAny(const QueryTerms& node) {
+  bool found = false;
+  walkQuery(node, [&](const QueryTerms& each) {
+    if (found || each.queryNot()) return false;
+    if (each.isWord()) found = isPresent(search(each).firstIn({0, _text.length()}));
+    return !found;
+  });
+  return found;
+}
+
+void QueryEvaluator::forgetOtherRanges(Range range) {
+  if (!(range == _evaluated)) _remembered.clear();
+  _evaluated = range;
 }
 
 RelationRanges QueryEvaluator::relationRanges(const QueryTerms& leaf, const Relation& relation, Range range) {
@@ -205,23 +239,17 @@ const Ranges* QueryEvaluator::witnesses(const QueryTerms& node) {
   return entry->second ? &*entry->second : nullptr;
 }
 
-Ranges QueryEvaluator::placesOf(const QueryTerms& leaf) {
-  LeafSearch& places = search(leaf);
-  Ranges all;
-  for (size_t number = 0; const Range* place = places.at(number); ++number) all.push_back(*place);
-  return all;
-}
-
 // The same fold as that of `stepGroup`, of witnesses instead of results.
 Ranges QueryEvaluator::findWitnesses(const QueryTerms& node, const Relation& relation) {
   if (node.isWord()) {
-    Ranges places = placesOf(node);
-    if (!relation.partner) return places;
+    const Range all{0, _text.length()};
+    Ranges found = places(node, all);
+    if (!relation.partner) return found;
     Ranges spans;
-    RelationRanges ranges = relationRanges(node, relation, {0, _text.length()});
+    RelationRanges ranges = relationRanges(node, relation, all);
     for (Range span = ranges.next(); isPresent(span); span = ranges.next()) spans.push_back(span);
     const QueryTerms& partner = *relation.partner;
-    return witnessesOfRelation(places, spans, partner.isWord() ? placesOf(partner) : *witnesses(partner));
+    return witnessesOfRelation(found, spans, partner.isWord() ? places(partner, all) : *witnesses(partner));
   }
   Ranges running;
   const auto& children = node.children();

@@ -71,11 +71,20 @@ class RelationRanges {
 /// partner gives in a range is remembered. Depth of the tree costs memory only.
 class QueryEvaluator {
  public:
-  /// `fuzzy` and the mapping of the units are taken from `comparison`.
-  QueryEvaluator(const FastWordEnumerator& enumerator, QueryComparison comparison, LeafKind kind);
+  /// `prepared` may have patterns of leaves, for this kind and for the comparison on the enumerator; others are made
+  /// when they are needed. Null for none. Borrows both.
+  QueryEvaluator(const FastWordEnumerator& enumerator, QueryComparison comparison, LeafKind kind,
+                 const LeafPatterns* prepared = nullptr);
 
   const SearchedText& text() const { return _text; }
   LeafSearch& search(const QueryTerms& leaf);
+  /// Where the leaf is found in `range`, negated or not.
+  Ranges places(const QueryTerms& leaf, Range range);
+  /// Whether the text holds any leaf that is neither negated nor below a negated group.
+  bool containsAny(const QueryTerms& node);
+  /// To be called before nodes are evaluated in one part of the text after the other: what was remembered for another
+  /// part goes.
+  void forgetOtherRanges(Range range);
   bool evaluate(const QueryTerms& node, const Relation& relation, Range range);
   /// `evaluate` without a relation, by witnesses where there are any.
   bool holds(const QueryTerms& node, Range range);
@@ -111,11 +120,12 @@ class QueryEvaluator {
   bool holdsLeaf(const QueryTerms& leaf, Range range);
   bool hasWitnesses(const QueryTerms& node);
   Ranges findWitnesses(const QueryTerms& node, const Relation& relation);
-  Ranges placesOf(const QueryTerms& leaf);
 
   const SearchedText _text;
+  const QueryComparison _comparison;
   const LeafKind _kind;
-  const bool _fuzzy;
+  const LeafPatterns* const _prepared;
+  Range _evaluated{0, 0};
   std::unordered_map<const QueryTerms*, std::unique_ptr<LeafSearch>> _searches;
   std::unordered_map<Place, bool, PlaceHash> _remembered;
   std::unordered_map<const QueryTerms*, std::optional<Ranges>> _witnesses;

@@ -11,45 +11,25 @@
 namespace velan {
 namespace {
 
-constexpr LeafKind kindOf(bool wildcard) { return wildcard ? LeafKind::Wildcard : LeafKind::Plain; }
-
 constexpr QueryComparison plainComparison(bool caseSensitive) {
   return caseSensitive ? QueryComparison::Exact : QueryComparison::IgnoreCase;
 }
 
-// The index of `string` for a comparison; null for an empty string.
-std::unique_ptr<FastWordEnumerator> indexOf(const String& string, QueryComparison comparison) {
-  const bool upperCase =
-      contains(comparison, QueryComparison::IgnoreCase) && !contains(comparison, QueryComparison::IgnoreDiacritics);
-  return FastWordEnumerator::enumeratorWithString(string, upperCase, false);
-}
-
 bool matches(const QueryTerms& terms, const String& string, QueryComparison comparison, LeafKind kind) {
-  const auto enumerator = indexOf(string, comparison);
+  const auto enumerator = enumeratorForComparison(string, comparison);
   if (!enumerator) return false;
   return QueryEvaluator(*enumerator, comparison, kind).evaluate(terms, {}, {0, string.length()});
 }
 
-bool containsAny(QueryEvaluator& evaluator, const QueryTerms& terms) {
-  bool found = false;
-  walkQuery(terms, [&](const QueryTerms& node) {
-    if (found || node.queryNot()) return false;
-    if (node.isWord()) found = isPresent(evaluator.search(node).firstIn({0, evaluator.text().length()}));
-    return !found;
-  });
-  return found;
-}
-
 bool containsAny(const QueryTerms& terms, const String& string, QueryComparison comparison, LeafKind kind) {
-  const auto enumerator = indexOf(string, comparison);
+  const auto enumerator = enumeratorForComparison(string, comparison);
   if (!enumerator) return false;
-  QueryEvaluator evaluator(*enumerator, comparison, kind);
-  return containsAny(evaluator, terms);
+  return QueryEvaluator(*enumerator, comparison, kind).containsAny(terms);
 }
 
 int64_t enumerate(const QueryTerms& terms, const String& string, Range range, QueryComparison comparison, bool wildcard,
                   QueryOccurrenceHandler handler) {
-  const auto enumerator = indexOf(string, comparison);
+  const auto enumerator = enumeratorForComparison(string, comparison);
   return enumerator ? enumerateOccurrences(*enumerator, terms, range, comparison, wildcard, handler) : 0;
 }
 
@@ -58,7 +38,7 @@ template <typename IsAllowed, typename IsBetter>
 Range bestPlace(const String& string, const QueryTerms& terms, Range range, bool caseSensitive, bool exactPhrase,
                 IsAllowed isAllowed, IsBetter isBetter) {
   const QueryComparison comparison = plainComparison(caseSensitive);
-  const auto enumerator = indexOf(string, comparison);
+  const auto enumerator = enumeratorForComparison(string, comparison);
   if (!enumerator) return kAbsentRange;
   const Range searched = clippedRange(range, string.length());
   QueryEvaluator evaluator(*enumerator, comparison, exactPhrase ? LeafKind::Plain : LeafKind::Tolerant);
@@ -79,20 +59,19 @@ Range bestPlace(const String& string, const QueryTerms& terms, Range range, bool
 bool matchesString(const FastWordEnumerator& enumerator, const QueryTerms& node, const QueryTerms* partner,
                    QueryOperator queryOperator, int64_t distance, int64_t start, int64_t length,
                    QueryComparison comparison, bool wildcard) {
-  QueryEvaluator evaluator(enumerator, comparison, kindOf(wildcard));
+  QueryEvaluator evaluator(enumerator, comparison, leafKind(wildcard));
   return evaluator.evaluate(node, {partner, queryOperator, distance},
                             clippedRange({start, length}, enumerator.length()));
 }
 
 bool containsString(const FastWordEnumerator& enumerator, const QueryTerms& node, QueryComparison comparison,
                     bool wildcard) {
-  QueryEvaluator evaluator(enumerator, comparison, kindOf(wildcard));
-  return containsAny(evaluator, node);
+  return QueryEvaluator(enumerator, comparison, leafKind(wildcard)).containsAny(node);
 }
 
 std::vector<QueryOccurrence> queryOccurrences(const FastWordEnumerator& enumerator, const QueryTerms& node, Range range,
                                               QueryComparison comparison, bool wildcard) {
-  QueryEvaluator evaluator(enumerator, comparison, kindOf(wildcard));
+  QueryEvaluator evaluator(enumerator, comparison, leafKind(wildcard));
   return occurrencesOfQuery(evaluator, node, clippedRange(range, enumerator.length()));
 }
 

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <string>
 
 #include "velan/query/SearchedTextInternal.h"
 #include "velan/text/ConversionTables.h"
@@ -10,20 +9,35 @@
 namespace velan {
 namespace {
 
-// A text in upper case can only be searched ignoring case.
-uint32_t comparisonFlags(const FastWordEnumerator& enumerator, QueryComparison comparison) {
-  return static_cast<uint32_t>(enumerator.isCaseInsensitive() ? comparison | QueryComparison::IgnoreCase : comparison);
-}
-
 // Counting so many words by walking costs less than finding all words of the text first.
 constexpr int64_t kWalkedWords = 64;
 
 }  // namespace
 
+QueryComparison comparisonOn(const FastWordEnumerator& enumerator, QueryComparison comparison) {
+  return enumerator.isCaseInsensitive() ? comparison | QueryComparison::IgnoreCase : comparison;
+}
+
+std::unique_ptr<FastWordEnumerator> enumeratorForComparison(const String& text, QueryComparison comparison) {
+  const bool upperCase =
+      contains(comparison, QueryComparison::IgnoreCase) && !contains(comparison, QueryComparison::IgnoreDiacritics);
+  return FastWordEnumerator::enumeratorWithString(text, upperCase, false);
+}
+
+const unichar* comparisonTable(QueryComparison comparison) {
+  return unicharTableForWildcardComparison(static_cast<uint32_t>(comparison));
+}
+
+std::u16string mappedUnits(std::u16string_view units, const unichar* table) {
+  std::u16string mapped(units);
+  if (table) mapUnits(units.data(), units.size(), table, mapped.data());
+  return mapped;
+}
+
 SearchedText::SearchedText(const FastWordEnumerator& enumerator, QueryComparison comparison, Mapping mapping)
     : _words(enumerator),
       _length(static_cast<int64_t>(enumerator.length())),
-      _patternTable(unicharTableForWildcardComparison(comparisonFlags(enumerator, comparison))),
+      _patternTable(comparisonTable(comparisonOn(enumerator, comparison))),
       _table(_patternTable),
       _units(enumerator.characters()) {
   if (enumerator.isCaseInsensitive() && _table == initUpperCharsTable()) _table = nullptr;
@@ -95,12 +109,6 @@ int64_t SearchedText::wordEndAfter(int64_t location, int64_t count, int64_t end)
   indexWords();
   const auto after = _wordEnds.end() - std::upper_bound(_wordEnds.begin(), _wordEnds.end(), location);
   return after < count ? end : std::min(end, *(_wordEnds.end() - after + count - 1));
-}
-
-std::u16string SearchedText::mapped(std::u16string_view text) const {
-  std::u16string result(text);
-  if (_patternTable) mapUnits(result.data(), result.size(), _patternTable, result.data());
-  return result;
 }
 
 void SearchedText::indexWords() const {

@@ -2,6 +2,8 @@
 #ifndef VELAN_QUERY_SEARCHED_TEXT_INTERNAL_H
 #define VELAN_QUERY_SEARCHED_TEXT_INTERNAL_H
 
+#include <memory>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -10,6 +12,17 @@
 #include "velan/query/words/FastWordEnumerator.h"
 
 namespace velan {
+
+/// The comparison of a text that is indexed like this: one in upper case can only be searched ignoring case.
+QueryComparison comparisonOn(const FastWordEnumerator& enumerator, QueryComparison comparison);
+
+/// The index of `text` that suits the comparison best; null for an empty or absent text, or when memory runs out. Units
+/// in upper case save mapping them later, but not on the way to units without diacritics.
+std::unique_ptr<FastWordEnumerator> enumeratorForComparison(const String& text, QueryComparison comparison);
+
+/// What both sides are mapped through; null for nothing.
+const unichar* comparisonTable(QueryComparison comparison);
+std::u16string mappedUnits(std::u16string_view units, const unichar* table);
 
 /// Borrows the enumerator. Positions and lengths are in code units of its text.
 class SearchedText {
@@ -26,6 +39,8 @@ class SearchedText {
   /// The units to compare with; still to be mapped through `table()` unless that is null.
   const unichar* units() const { return _units; }
   const unichar* table() const { return _table; }
+  /// What patterns are to be mapped through; may be null.
+  const unichar* patternTable() const { return _patternTable; }
   const FastWordEnumerator& words() const { return _words; }
 
   bool wordBeginsAt(int64_t index) const { return _words.isWordBeginningAtIndex(index); }
@@ -47,16 +62,13 @@ class SearchedText {
   /// The position after `count` (at least 1) word ends from `location` on, not after `end`.
   int64_t wordEndAfter(int64_t location, int64_t count, int64_t end) const;
 
-  /// `text` mapped like the units.
-  std::u16string mapped(std::u16string_view text) const;
-
  private:
   void indexWords() const;
 
   const FastWordEnumerator& _words;
   const int64_t _length;
-  const unichar* _patternTable;  // what patterns are mapped through
-  const unichar* _table;         // what the units still have to be mapped through
+  const unichar* _patternTable;
+  const unichar* _table;  // what the units still have to be mapped through
   const unichar* _units;
   std::u16string _mapped;
   // Where words start and end (one past the last unit), for counting words from any place; made when first needed.

@@ -14,14 +14,14 @@ std::u16string_view unitsOf(const unichar* units, int64_t length) {
 int64_t FindWordInString(const FastWordEnumerator& enumerator, int64_t start, int64_t length, const unichar* word,
                          int64_t wordLength, QueryComparison comparison, bool wholeWord) {
   const SearchedText text(enumerator, comparison, SearchedText::Mapping::OnTheFly);
-  const std::u16string literal = text.mapped(unitsOf(word, wordLength));
+  const std::u16string literal = mappedUnits(unitsOf(word, wordLength), text.patternTable());
   return text.findWord(literal, clippedRange({start, length}, text.length()), wholeWord).location;
 }
 
 Range FindNonExactPhraseInString(const FastWordEnumerator& enumerator, int64_t start, int64_t length,
                                  const unichar* phrase, int64_t phraseLength, QueryComparison comparison) {
   const SearchedText text(enumerator, comparison, SearchedText::Mapping::OnTheFly);
-  return WordPattern::withPhrase(text, unitsOf(phrase, phraseLength))
+  return WordPattern::withPhrase(unitsOf(phrase, phraseLength), text.patternTable())
       .firstIn(text, clippedRange({start, length}, text.length()));
 }
 
@@ -37,7 +37,8 @@ Range FindWildcardInCharacters(const FastWordEnumerator& enumerator, Range range
                                bool acceptsWholeRange, bool allowsFuzzy) {
   const SearchedText text(enumerator, comparison, SearchedText::Mapping::OnTheFly);
   const bool fuzzy = allowsFuzzy && contains(comparison, QueryComparison::Fuzzy);
-  const auto prepared = WordPattern::withWildcard(text, unitsOf(pattern, patternLength), splitsPhrases, false, fuzzy);
+  const auto prepared =
+      WordPattern::withWildcard(unitsOf(pattern, patternLength), splitsPhrases, false, fuzzy, text.patternTable());
   if (prepared.isWholeRange() && !acceptsWholeRange) return kAbsentRange;
   return prepared.firstIn(text, clippedRange(range, text.length()));
 }

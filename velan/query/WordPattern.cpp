@@ -35,8 +35,21 @@ std::optional<std::u16string> normalFormWithoutLiteral(std::u16string_view patte
   Range range{};
   const uint32_t type = optimizeWildcard(units.data(), units.data() + units.size(), &range, 1);
   if (type == WildcardTypeUnusable) return std::nullopt;
-  units.resize(static_cast<size_t>(normalFormLength(type, range) - 1));
+  units.resize(static_cast<size_t>(normalWildcardLen(type, range) - 1));
   return units;
+}
+
+struct SplitPattern {
+  std::vector<std::u16string> pieces;
+  bool holdsSeparators;
+  bool anyWord;  // a piece without a literal stands for any word
+};
+
+SplitPattern splitPattern(std::u16string_view pattern, bool phrase) {
+  SplitPattern parts{wordsOf(pattern, true), false, false};
+  parts.holdsSeparators = parts.pieces.size() != 1 || parts.pieces.front().size() != pattern.size();
+  parts.anyWord = parts.holdsSeparators || phrase;
+  return parts;
 }
 
 }  // namespace
@@ -47,7 +60,7 @@ WordPattern::Piece WordPattern::wildcardPiece(std::u16string pattern, bool anyWo
   unichar* start = piece.units.data();
   piece.type = optimizeWildcard(start, start + piece.units.size(), &piece.literal, 1);
   if (piece.type != WildcardTypeUnusable) {
-    piece.units.resize(static_cast<size_t>(normalFormLength(piece.type, piece.literal)));
+    piece.units.resize(static_cast<size_t>(normalWildcardLen(piece.type, piece.literal)));
   } else if (withoutLiteral) {
     piece.units = *withoutLiteral;
     piece.type = WildcardTypeGeneral;
@@ -65,18 +78,17 @@ WordPattern::Piece WordPattern::literalPiece(std::u16string word) {
   return {std::move(word), WildcardTypeExact, {0, length}, length, length, false};
 }
 
-WordPattern WordPattern::withWildcard(const SearchedText& text, std::u16string_view pattern, bool split, bool phrase,
-                                      bool fuzzy) {
+WordPattern WordPattern::withWildcard(std::u16string_view pattern, bool split, bool phrase, bool fuzzy,
+                                      const unichar* table) {
   WordPattern result;
   if (normalFormWithoutLiteral(pattern) == u"*") {
     result._wholeRange = true;
     return result;
   }
-  const auto pieces = wordsOf(pattern, true);
-  const bool holdsSeparators = pieces.size() != 1 || pieces.front().size() != pattern.size();
-  if (holdsSeparators && !split) return result;
-  for (const std::u16string& piece : pieces) {
-    result._pieces.push_back(wildcardPiece(text.mapped(piece), holdsSeparators || phrase, fuzzy));
+  const SplitPattern parts = splitPattern(pattern, phrase);
+  if (parts.holdsSeparators && !split) return result;
+  for (const std::u16string& piece : parts.pieces) {
+    result._pieces.push_back(wildcardPiece(mappedUnits(piece, table), parts.anyWord, fuzzy));
     if (result._pieces.back().type == WildcardTypeUnusable) {
       result._pieces.clear();
       break;
@@ -85,10 +97,23 @@ WordPattern WordPattern::withWildcard(const SearchedText& text, std::u16string_v
   return result;
 }
 
-WordPattern WordPattern::withPhrase(const SearchedText& text, std::u16string_view phrase) {
+std::vector<ExplainedPiece> WordPattern::explained(std::u16string_view pattern, bool phrase, bool fuzzy) {
+  std::vector<ExplainedPiece> explained;
+  const SplitPattern parts = splitPattern(pattern, phrase);
+  for (const std::u16string& units : parts.pieces) {
+    const Piece piece = wildcardPiece(units, parts.anyWord, fuzzy);
+    const bool isUsable = piece.type != WildcardTypeUnusable;
+    const uint32_t type = wildcardType(units);
+    explained.push_back({units, type, isUsable ? String(piece.units) : String(), isUsable && type != piece.type,
+                         fuzzy && type == WildcardTypeExact});
+  }
+  return explained;
+}
+
+WordPattern WordPattern::withPhrase(std::u16string_view phrase, const unichar* table) {
   WordPattern result;
   for (const std::u16string& word : wordsOf(phrase, false)) {
-    result._pieces.push_back(literalPiece(text.mapped(word)));
+    result._pieces.push_back(literalPiece(mappedUnits(word, table)));
   }
   return result;
 }

@@ -6,29 +6,28 @@
 #include <vector>
 
 #include "velan/base/Range.h"
+#include "velan/query/QueryExplanation.h"
 #include "velan/query/SearchedTextInternal.h"
-#include "velan/wildcard/WildcardPattern.h"
 
 namespace velan {
 
-/// The length of the normal form that `optimizeWildcard` left, from its results.
-constexpr int64_t normalFormLength(uint32_t type, Range range) {
-  const bool endsWithStar = type == WildcardTypePrefix || type == WildcardTypeContains || type == WildcardTypeSetPrefix;
-  return endOf(range) + (endsWithStar ? 1 : 0);
-}
-
 /// A wildcard pattern, split at the separators outside its sets into one piece for each of several consecutive words;
-/// or the words of a phrase. Pieces are kept in normal form, mapped like the text that they are searched in.
+/// or the words of a phrase. Pieces are kept in normal form, mapped like the texts that they are searched in.
 class WordPattern {
  public:
   /// The pieces of a wildcard pattern; one that holds separators is never found without `split`. Where it does, and in
   /// a `phrase`, a piece without a literal stands for any word of fitting length. With `fuzzy` pieces without wildcards
-  /// accept similar words.
-  static WordPattern withWildcard(const SearchedText& text, std::u16string_view pattern, bool split, bool phrase,
-                                  bool fuzzy);
+  /// accept similar words. `table` maps the units of the texts; null for none.
+  static WordPattern withWildcard(std::u16string_view pattern, bool split, bool phrase, bool fuzzy,
+                                  const unichar* table);
   /// The words of a phrase as they are, by the word separators.
-  static WordPattern withPhrase(const SearchedText& text, std::u16string_view phrase);
+  static WordPattern withPhrase(std::u16string_view phrase, const unichar* table);
 
+  /// What a wildcard pattern that may be split is split into.
+  static std::vector<ExplainedPiece> explained(std::u16string_view pattern, bool phrase, bool fuzzy);
+
+  /// False for a pattern that is found nowhere.
+  bool isFound() const { return _wholeRange || !_pieces.empty(); }
   /// Whether the pattern is a lone `*`, which stands for whatever range is searched.
   bool isWholeRange() const { return _wholeRange; }
   /// The first place in `range` where the pieces match consecutive words, from the first word's start to the last one's

@@ -1,0 +1,82 @@
+#include "velan/query/PreparedQuery.h"
+
+#include <new>
+#include <utility>
+
+#include "velan/query/QueryEvaluatorInternal.h"
+#include "velan/query/QueryOccurrencesInternal.h"
+
+namespace velan {
+
+PreparedQuery::PreparedQuery(std::shared_ptr<const QueryTerms> terms, QueryComparison comparison, bool wildcard)
+    : _terms(std::move(terms)),
+      _comparison(comparison),
+      _wildcard(wildcard),
+      _patterns(std::make_unique<LeafPatterns>(*_terms, leafKind(wildcard), comparison)) {}
+
+PreparedQuery::~PreparedQuery() = default;
+
+std::unique_ptr<const PreparedQuery> PreparedQuery::queryWithTerms(std::shared_ptr<const QueryTerms> terms,
+                                                                   QueryComparison comparison, bool wildcard) {
+  if (!terms) return nullptr;
+  try {
+    return std::unique_ptr<const PreparedQuery>(new PreparedQuery(std::move(terms), comparison, wildcard));
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
+
+std::unique_ptr<FastWordEnumerator> PreparedQuery::enumeratorWithString(const String& text) const {
+  return enumeratorForComparison(text, _comparison);
+}
+
+QueryMatcher::QueryMatcher(const PreparedQuery& query, const FastWordEnumerator& enumerator)
+    : _query(query), _enumerator(enumerator) {}
+
+QueryMatcher::~QueryMatcher() = default;
+
+QueryEvaluator& QueryMatcher::evaluator() {
+  if (!_evaluator) {
+    const bool fits = comparisonOn(_enumerator, _query._comparison) == _query._comparison;
+    _evaluator = std::make_unique<QueryEvaluator>(_enumerator, _query._comparison, leafKind(_query._wildcard),
+                                                  fits ? _query._patterns.get() : nullptr);
+  }
+  return *_evaluator;
+}
+
+// An evaluator that an allocation failed in is of no more use.
+template <typename Ask>
+bool QueryMatcher::answer(Ask ask) {
+  try {
+    return ask(evaluator());
+  } catch (const std::bad_alloc&) {
+    _evaluator.reset();
+    _ranOutOfMemory = true;
+    return false;
+  }
+}
+
+bool QueryMatcher::matches(Range range) {
+  const Range clipped = clippedRange(range, _enumerator.length());
+  return answer([&](QueryEvaluator& evaluator) {
+    evaluator.forgetOtherRanges(clipped);
+    return evaluator.evaluate(*_query._terms, {}, clipped);
+  });
+}
+
+bool QueryMatcher::contains() {
+  return answer([this](QueryEvaluator& evaluator) { return evaluator.containsAny(*_query._terms); });
+}
+
+std::vector<QueryOccurrence> QueryMatcher::occurrences(Range range) {
+  const Range clipped = clippedRange(range, _enumerator.length());
+  try {
+    evaluator().forgetOtherRanges(clipped);
+    return occurrencesOfQuery(evaluator(), *_query._terms, clipped);
+  } catch (...) {
+    _evaluator.reset();
+    throw;
+  }
+}
+
+}  // namespace velan

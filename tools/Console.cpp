@@ -1,14 +1,10 @@
 #include "tools/Console.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
-#include <filesystem>
 #include <memory>
 
 #include "tools/Commands.h"
@@ -21,32 +17,6 @@ int outputError = 0;  // the first one of standard output
 bool checkOutput(bool success) {
   if (!success && outputError == 0) outputError = errno;
   return outputError == 0;
-}
-
-// What the file at `path` has, or what a new one gets.
-mode_t permissionsOf(const std::string& path) {
-  struct stat information {};
-  if (stat(path.c_str(), &information) == 0) return information.st_mode & 07777;
-  const mode_t mask = umask(0);
-  umask(mask);
-  return 0666 & ~mask;
-}
-
-bool writeAll(int file, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t count = write(file, bytes.data(), bytes.size());
-    if (count < 0 && errno == EINTR) continue;
-    if (count <= 0) return false;
-    bytes.remove_prefix(static_cast<size_t>(count));
-  }
-  return fsync(file) == 0;
-}
-
-void synchronizeFolder(const std::filesystem::path& folder) {
-  const int file = open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_CLOEXEC);
-  if (file < 0) return;
-  fsync(file);
-  close(file);
 }
 
 }  // namespace
@@ -92,31 +62,6 @@ std::optional<std::string> readFile(const std::string& path, std::string& why) {
     return std::nullopt;
   }
   return bytes;
-}
-
-bool replaceFile(const std::string& path, std::string_view bytes, std::string& why) {
-  if (path == "-") {
-    why = "standard input has no file to write to";
-    return false;
-  }
-  std::error_code error;
-  const auto resolved = std::filesystem::canonical(path, error);
-  const std::string target = error ? path : resolved.string();
-  std::string temporary = target + ".XXXXXX";
-  const int file = mkstemp(temporary.data());
-  if (file < 0) {
-    why = std::strerror(errno);
-    return false;
-  }
-  const bool written = fchmod(file, permissionsOf(target)) == 0 && writeAll(file, bytes);
-  const bool done = close(file) == 0 && written && std::rename(temporary.c_str(), target.c_str()) == 0;
-  if (!done) {
-    why = std::strerror(errno);
-    std::remove(temporary.c_str());
-    return false;
-  }
-  synchronizeFolder(std::filesystem::path(target).parent_path());
-  return true;
 }
 
 }  // namespace velan::tool

@@ -23,11 +23,6 @@ int finishOutput(int status);
 /// All bytes of the file, or of standard input for "-". Otherwise nothing, and `why` says in a few words what failed.
 std::optional<std::string> readFile(const std::string& path, std::string& why);
 
-/// Puts a file with these bytes in the place of the one at `path`, whose permissions it takes over; a symbolic link
-/// stays. Whoever reads sees the old file or the new one, also after a crash. When false `why` says in a few words what
-/// failed.
-bool replaceFile(const std::string& path, std::string_view bytes, std::string& why);
-
 }  // namespace velan::tool
 
 #endif  // VELAN_TOOLS_CONSOLE_H

@@ -64,7 +64,20 @@ class SimulatedFiles : public FileCalls {
   }
   int close(int) override { return 0; }
   int lock(int, int) override { return 0; }
-  int64_t length(int file) override { return static_cast<int64_t>(image(file).size()); }
+  int status(int file, struct stat& status) override { return describe(image(file), status); }
+  int statusOfPath(const char* path, bool, struct stat& status) override {
+    const auto found = images.find(path);
+    return found == images.end() ? failed(ENOENT) : describe(found->second, status);
+  }
+  char* resolve(const char* path) override { return strdup(path); }
+  int reserve(int, int64_t) override { return 0; }
+  int copyAttributes(int, int) override { return 0; }
+  int rename(const char* from, const char* to, bool replacing) override {
+    if (!replacing && images.contains(to)) return failed(EEXIST);
+    images[to] = std::move(images[from]);
+    return remove(from);
+  }
+  int remove(const char* path) override { return images.erase(path) ? 0 : failed(ENOENT); }
 
   ssize_t read(int file, const iovec* pieces, int count, int64_t offset) override {
     size_t left = 0;
@@ -114,6 +127,14 @@ class SimulatedFiles : public FileCalls {
   static int failed(int error) {
     errno = error;
     return -1;
+  }
+  static int describe(const std::string& image, struct stat& status) {
+    status = {};
+    status.st_mode = S_IFREG | 0644;
+    status.st_nlink = 1;
+    status.st_ino = reinterpret_cast<uintptr_t>(&image);
+    status.st_size = static_cast<off_t>(image.size());
+    return 0;
   }
   std::string& image(int file) { return *_open[static_cast<size_t>(file) - 1]; }
 

@@ -11,6 +11,7 @@
 #include "velan/keyed/KeyedReading.h"
 #include "velan/keyed/KeyedValues.h"
 #include "velan/keyed/KeyedWriting.h"
+#include "velan/platform/files/FileReplacement.h"
 
 namespace velan::tool {
 namespace {
@@ -52,9 +53,9 @@ std::optional<Data> load(const std::string& path) {
 }
 
 int store(const std::string& path, const MutableData& data) {
-  std::string why;
-  if (replaceFile(path, data.view(), why)) return kSomething;
-  return trouble(path + ": " + why);
+  if (path == "-") return trouble("-: standard input has no file to write to");
+  const FileError error = replaceFile(String::fromUTF8(path), data);
+  return error ? trouble(path + ": " + error.description().toUTF8()) : kSomething;
 }
 
 // A file to be edited must be whole: what is set behind damage would never be found.

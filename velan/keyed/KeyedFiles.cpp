@@ -1,9 +1,7 @@
 #include "velan/keyed/KeyedFiles.h"
 
 #include <memory>
-#include <optional>
 
-#include "velan/base/UTF.h"
 #include "velan/keyed/KeyedReading.h"
 #include "velan/keyed/KeyedWriting.h"
 #include "velan/platform/files/File.h"
@@ -16,12 +14,8 @@ constexpr size_t kStagingSize = 1048576;
 
 // The file, created when it is missing and then empty. Null when that fails.
 std::unique_ptr<File> openForRewriting(const String& path) {
-  const auto name = path ? utf8FromUTF16(path.view()) : std::nullopt;
-  if (!name || name->find('\0') != std::string::npos || !createFileIfMissing(*name)) return nullptr;
-  const int descriptor = openFileDescriptor(*name, FileAccess::Updating);
-  if (descriptor < 0) return nullptr;
-  auto file = File::withDescriptor(descriptor, FileAccess::Updating);
-  if (!file) closeFileDescriptor(descriptor);
+  if (createFileIfMissing(path)) return nullptr;
+  auto file = File::open(path, FileAccess::Updating);
   return file && file->truncate(0) ? std::move(file) : nullptr;
 }
 

@@ -1,6 +1,8 @@
 // Compaction into a new file.
 #include <algorithm>
+#include <utility>
 
+#include "velan/platform/files/FileReplacementInternal.h"
 #include "velan/storage/BlockStorage.h"
 #include "velan/text/ConversionTables.h"
 
@@ -41,11 +43,14 @@ bool BlockStorage::copyBlocks(BlockStorage& target, bool skipErrors, BlockStorag
 
 bool BlockStorage::optimizeToPath(const String& path, bool skipErrors, BlockStorageHandler* handler) {
   if (path.isEmpty() || !isReadable() || equalIgnoringCase(path, _path)) return false;
-  const auto target = blockStorageForAppendingAtPath(path);
-  if (!target || !target->truncateFileAtOffset(0)) return false;
+  FileError error;
+  const auto replacement = FileReplacement::begin(path, {.createsFolders = true, .like = _file.get()}, error);
+  auto file = replacement ? replacement->createSuccessor(error) : nullptr;
+  if (!file) return false;
+  const auto target = initWithFile(std::move(file), path, true);
   target->_blockSize = _blockSize;
   const bool copied = copyBlocks(*target, skipErrors, handler) && target->synchronizeFile();
-  return target->closeFile() && copied;
+  return target->closeFile() && copied && !replacement->commit();
 }
 
 }  // namespace velan

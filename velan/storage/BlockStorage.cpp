@@ -1,44 +1,27 @@
 // Opening, closing, positions. Reading, writing, compaction and verification have files of their own.
 #include "velan/storage/BlockStorage.h"
 
-#include <cerrno>
 #include <utility>
 
 #include "velan/base/Log.h"
-#include "velan/base/UTF.h"
 #include "velan/storage/BlockFormatInternal.h"
-#include "velan/storage/BlockPathInternal.h"
 
 namespace velan {
 
-std::optional<std::string> fileSystemRepresentation(const String& path) {
-  auto representation = utf8FromUTF16(path.view());
-  const bool cut = representation && representation->find('\0') != std::string::npos;
-  if (representation && !cut) return representation;
-  logFormat("getFileSystemRepresentation '%s':\n%s\n%s", path.toUTF8().c_str(), "InvalidPath",
-            cut ? "it holds U+0000" : "it holds half a surrogate pair");
-  return std::nullopt;
-}
-
-std::unique_ptr<File> BlockStorage::openFile(const String& path, FileAccess access) {
-  if (path.isEmpty()) return nullptr;
-  const auto name = fileSystemRepresentation(path);
-  if (!name) return nullptr;
-  if (access != FileAccess::Reading && !createFileIfMissing(*name)) return nullptr;
-  const int descriptor = openFileDescriptor(*name, access);
-  if (descriptor < 0) return nullptr;
-  auto file = File::withDescriptor(descriptor, access);
-  if (!file) {
-    logFormat("Failed fdopen: %s %d", name->c_str(), errno);
-    closeFileDescriptor(descriptor);
-    return nullptr;
+std::unique_ptr<File> BlockStorage::openFile(const String& path, FileAccess access, FileError& error) {
+  std::unique_ptr<File> file;
+  error = access == FileAccess::Reading ? FileError() : createFileIfMissing(path);
+  if (!error) file = File::openLocked(path, access, &error);
+  if (error.isAboutKind()) logFormat("Failed fdopen: %s %d", path.toUTF8().c_str(), error.number());
+  if ((error.reason() == FileReason::NameNotText && path) || error.reason() == FileReason::NameHoldsNull) {
+    logFormat("getFileSystemRepresentation '%s':\n%s\n%s", path.toUTF8().c_str(), "InvalidPath", error.words());
   }
-  if (!file->lock(access != FileAccess::Reading)) return nullptr;
   return file;
 }
 
 std::unique_ptr<BlockStorage> BlockStorage::opened(const String& path, FileAccess access) {
-  auto file = openFile(path, access);
+  FileError error;
+  auto file = openFile(path, access, error);
   if (!file) return nullptr;
   return initWithFile(std::move(file), path, access == FileAccess::Appending);
 }
@@ -84,7 +67,8 @@ bool BlockStorage::openFile(std::unique_ptr<File> file, bool append) {
 
 bool BlockStorage::reopen(FileAccess access) {
   closeFile();
-  return openFile(openFile(_path, access), access == FileAccess::Appending);
+  FileError error;
+  return openFile(openFile(_path, access, error), access == FileAccess::Appending);
 }
 
 bool BlockStorage::openFileForReading() { return reopen(FileAccess::Reading); }
@@ -120,10 +104,7 @@ bool BlockStorage::truncateFileAtOffset(int64_t offset) {
 bool BlockStorage::synchronizeFile() { return _file && _file->synchronize(); }
 
 bool BlockStorage::backupToPath(const String& path) {
-  if (path.isEmpty() || !synchronizeFile()) return false;
-  const auto from = fileSystemRepresentation(_path);
-  const auto to = fileSystemRepresentation(path);
-  return from && to && copyFile(*from, *to);
+  return !path.isEmpty() && synchronizeFile() && !copyFile(_path, path);
 }
 
 }  // namespace velan

@@ -211,7 +211,7 @@ class VELAN_EXPORT BlockStorage {
 
   BlockStorage() = default;
   static std::unique_ptr<BlockStorage> opened(const String& path, FileAccess access);
-  static std::unique_ptr<File> openFile(const String& path, FileAccess access);
+  static std::unique_ptr<File> openFile(const String& path, FileAccess access, FileError& error);
   bool reopen(FileAccess access);
   bool isUpdating() const { return _file && _file->access() == FileAccess::Updating; }
   bool isReadable() const { return _file && _file->access() != FileAccess::Appending; }

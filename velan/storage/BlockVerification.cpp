@@ -1,9 +1,10 @@
 // Verifying, recovering the tail, and repairing into a new file.
 #include <algorithm>
 #include <cstdlib>
+#include <utility>
 
 #include "velan/base/Log.h"
-#include "velan/storage/BlockPathInternal.h"
+#include "velan/platform/files/FileReplacementInternal.h"
 #include "velan/storage/BlockScannerInternal.h"
 #include "velan/storage/CompressionInternal.h"
 
@@ -113,10 +114,12 @@ std::optional<BlockSurvey> BlockStorage::repairToPath(const String& path) { retu
 
 std::optional<BlockSurvey> BlockStorage::repairToPath(const String& path, Progress progress) {
   const int64_t total = isReadable() ? _file->length() : -1;
-  const auto name = total >= 0 && !path.isEmpty() ? fileSystemRepresentation(path) : std::nullopt;
-  if (!name || !createNewFile(*name)) return std::nullopt;
-  const auto target = blockStorageForAppendingAtPath(path);
-  if (!target) return std::nullopt;
+  FileError error;
+  const FileReplacement::Options options{.mustBeNew = true, .createsFolders = true, .like = _file.get()};
+  const auto replacement = total >= 0 ? FileReplacement::begin(path, options, error) : nullptr;
+  auto file = replacement ? replacement->createSuccessor(error) : nullptr;
+  if (!file) return std::nullopt;
+  const auto target = initWithFile(std::move(file), path, true);
   target->_blockSize = _blockSize;
   BlockSurvey survey;
   const auto found = [&](const StoredBlock& block) {
@@ -128,7 +131,8 @@ std::optional<BlockSurvey> BlockStorage::repairToPath(const String& path, Progre
     return false;
   };
   const bool copied = enumerateStoredBlocks(found, damaged) && target->synchronizeFile();
-  return target->closeFile() && copied ? std::optional(survey) : std::nullopt;
+  const bool done = target->closeFile() && copied && !replacement->commit();
+  return done ? std::optional(survey) : std::nullopt;
 }
 
 }  // namespace velan

@@ -7,10 +7,11 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
-#include <new>
 
 #include "velan/base/Log.h"
 #include "velan/platform/files/FileCallsInternal.h"
+#include "velan/platform/files/FileErrorInternal.h"
+#include "velan/platform/files/FileLockInternal.h"
 #include "velan/platform/files/RetryInternal.h"
 
 namespace velan {
@@ -75,25 +76,23 @@ uint64_t totalOf(File::Pieces pieces, uint64_t zeros) {
 }  // namespace
 
 File::File(int descriptor, FileAccess access, int64_t length, FileCalls& calls)
-    : _calls(&calls), _descriptor(descriptor), _access(access), _size(length), _buffer(kBufferSize) {
+    : _calls(&calls), _descriptor(descriptor), _access(access), _size(length), _buffer(kMaximumReadAhead) {
   if (access == FileAccess::Appending) _position = length;
 }
 
-std::unique_ptr<File> File::withDescriptor(int descriptor, FileAccess access) {
-  const int64_t length = fileCalls().length(descriptor);
-  if (length < 0) return nullptr;
-  try {
-    return std::unique_ptr<File>(new File(descriptor, access, length, fileCalls()));
-  } catch (const std::bad_alloc&) {
-    errno = ENOMEM;
-    return nullptr;
-  }
+// A failure that the system explained.
+bool File::failed() {
+  _error = lastSystemError();
+  return false;
 }
 
 File::~File() { close(); }
 
 bool File::lock(bool exclusive) {
-  return retried([&] { return _calls->lock(_descriptor, (exclusive ? LOCK_EX : LOCK_SH) | LOCK_NB); }) == 0;
+  if (retried([&] { return _calls->lock(_descriptor, (exclusive ? LOCK_EX : LOCK_SH) | LOCK_NB); }) == 0) return true;
+  failed();
+  if (_error.reason() == FileReason::Locked) _error = FileError::lockedBy(lockHolder(_descriptor));
+  return false;
 }
 
 bool File::seek(int64_t offset) {
@@ -103,9 +102,10 @@ bool File::seek(int64_t offset) {
 }
 
 int64_t File::length() {
-  const int64_t length = _calls->length(_descriptor);
-  if (length >= 0) _size = length;
-  return length < 0 || !_pending ? length : std::max(length, _position);
+  struct stat status {};
+  if (_calls->status(_descriptor, status) != 0) return failed() - 1;
+  _size = status.st_size;
+  return _pending ? std::max(_size, _position) : _size;
 }
 
 bool File::reaches(int64_t end) { return end <= _size || end <= length(); }
@@ -117,7 +117,7 @@ bool File::readInto(int64_t offset, uint8_t* bytes, size_t count, size_t ahead, 
     const iovec pieces[] = {{bytes + done, count - done}, {_buffer.data(), ahead}};
     const int64_t at = offset + static_cast<int64_t>(done);
     const ssize_t now = retried([&] { return _calls->read(_descriptor, pieces, ahead ? 2 : 1, at); });
-    if (now < 0) return false;
+    if (now < 0) return failed();
     if (now == 0) break;
     const size_t more = static_cast<size_t>(now);
     if (more > count - done) {
@@ -142,7 +142,6 @@ int64_t File::read(void* bytes, size_t count) {
     if (buffered == count) return static_cast<int64_t>(count);
   }
   _ahead = _position == _sequel ? std::min(_ahead * 2, kMaximumReadAhead) : kBufferSize;
-  if (_buffer.size() < _ahead) _buffer.resize(_ahead);
   _filled = 0;
   int64_t got = 0;
   if (!readInto(_position, into + buffered, count - buffered, _ahead, got)) return -1;
@@ -162,7 +161,7 @@ bool File::putOut(int64_t offset, Pieces pieces, uint64_t zeros) {
   while (const int count = gather.next()) {
     const ssize_t now = retried([&] { return _calls->write(_descriptor, gather.vectors(), count, offset); });
     if (now == 0) errno = ENOSPC;
-    if (now <= 0) return false;
+    if (now <= 0) return failed();
     offset += now;
     gather.wrote(static_cast<size_t>(now));
   }
@@ -176,10 +175,10 @@ bool File::writeOut(int64_t offset, Pieces pieces, uint64_t zeros) {
     _size = std::max(_size, offset + static_cast<int64_t>(total));
     return true;
   }
-  const int why = errno;
-  const int64_t length = _calls->length(_descriptor);
-  if (length > _size) retried([&] { return _calls->truncate(_descriptor, _size); });
-  errno = why;
+  struct stat status {};
+  if (_calls->status(_descriptor, status) == 0 && status.st_size > _size) {
+    retried([&] { return _calls->truncate(_descriptor, _size); });
+  }
   return false;
 }
 
@@ -189,7 +188,7 @@ bool File::flush() {
   const size_t count = _filled;
   _filled = 0;
   if (writeOut(_start, {{_buffer.data(), count}}, 0)) return true;
-  logFormat("ERROR: %zu bytes at %lld are lost (%d)", count, static_cast<long long>(_start), errno);
+  logFormat("ERROR: %zu bytes at %lld are lost (%d)", count, static_cast<long long>(_start), _error.number());
   _position = _start;
   _lost = true;
   return false;
@@ -228,14 +227,15 @@ bool File::overwrite(int64_t offset, Pieces pieces, uint64_t zeros) {
 bool File::truncate(int64_t offset) {
   if (_access == FileAccess::Reading || offset < 0 || !flush()) return false;
   dropReadAhead();
-  if (retried([&] { return _calls->truncate(_descriptor, offset); }) != 0) return false;
+  if (retried([&] { return _calls->truncate(_descriptor, offset); }) != 0) return failed();
   _size = _position = offset;
   return true;
 }
 
 bool File::barrier() {
-  if (!_unreliable) _unreliable = retried([&] { return _calls->synchronize(_descriptor); }) != 0;
-  return !_unreliable;
+  if (_unreliable) return false;
+  _unreliable = retried([&] { return _calls->synchronize(_descriptor); }) != 0;
+  return !_unreliable || failed();
 }
 
 bool File::synchronize() {
@@ -253,9 +253,10 @@ bool File::close() {
   if (_descriptor < 0) return true;
   const bool written = flush();
   _calls->lock(_descriptor, LOCK_UN);
-  _calls->close(_descriptor);
+  // An interrupted close has closed, and what was written is where it would be.
+  const bool closed = _calls->close(_descriptor) == 0 || errno == EINTR || failed();
   _descriptor = -1;
-  return written;
+  return written && closed;
 }
 
 }  // namespace velan

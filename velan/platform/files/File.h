@@ -1,4 +1,4 @@
-// A file over a descriptor: buffered in small, locked as a whole, honest about what reached the disk.
+// An open file: buffered in small, locked as a whole, honest about what reached the disk.
 #ifndef VELAN_PLATFORM_FILES_FILE_H
 #define VELAN_PLATFORM_FILES_FILE_H
 
@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "velan/base/CTypes.h"
+#include "velan/platform/files/FileError.h"
 
 namespace velan {
 
@@ -19,23 +20,13 @@ class FileCalls;
 /// What a file is opened for. Appending writes at the end whatever the position, and cannot read.
 enum class FileAccess { Reading, Updating, Appending };
 
-/// Opens `path` (UTF-8); appending creates a missing file. Returns the descriptor, closed in child processes, or -1
-/// with `errno` set. Never waits, not even for a pipe's other end.
-VELAN_EXPORT int openFileDescriptor(const std::string& path, FileAccess access);
-
-/// Closes a descriptor that no `File` took over.
-VELAN_EXPORT void closeFileDescriptor(int descriptor);
-
 /// Creates an empty file with mode 0666 less the umask, and its missing parent folders, unless it is there. What was
-/// created is in its folder also after a power failure. False when the file is missing and cannot be created.
-VELAN_EXPORT bool createFileIfMissing(const std::string& path);
+/// created is in its folder also after a power failure. Answers why the file is missing and cannot be created.
+VELAN_EXPORT FileError createFileIfMissing(const String& path);
 
-/// The same, but false when the file is there already.
-VELAN_EXPORT bool createNewFile(const std::string& path);
-
-/// Copies the bytes of a file into a new one and synchronises it. False, without a trace, when `to` exists or when
-/// anything fails.
-VELAN_EXPORT bool copyFile(const std::string& from, const std::string& to);
+/// Copies the bytes that `from` leads to into a new file with its permissions, less the umask, and synchronises it.
+/// Leaves nothing behind when `to` exists or anything else fails.
+VELAN_EXPORT FileError copyFile(const String& from, const String& to);
 
 /// An open file with a position. Not to be used by two threads at once.
 ///
@@ -48,9 +39,14 @@ class VELAN_EXPORT File {
   /// The most that is kept back, in bytes.
   static constexpr size_t kBufferSize = 1024;
 
-  /// Takes over the descriptor of a regular file, opened for `access`; the position is 0, or the end for appending.
-  /// Nothing, with `errno` set, when it is no regular file: the descriptor stays open then.
-  static std::unique_ptr<File> withDescriptor(int descriptor, FileAccess access);
+  /// Opens the regular file at `path`; the position is 0, or the end for appending, which creates a missing file.
+  /// Never waits, and touches nothing that is no regular file. Null when it fails; `error`, which may be null, tells
+  /// why.
+  static std::unique_ptr<File> open(const String& path, FileAccess access);
+  static std::unique_ptr<File> open(const String& path, FileAccess access, FileError* error);
+  /// The same with the file's lock, shared for reading, else exclusive: what is at `path` then is the file that is
+  /// locked, not one that it has replaced.
+  static std::unique_ptr<File> openLocked(const String& path, FileAccess access, FileError* error);
   /// Closes; what cannot be written then is reported to the log.
   ~File();
   File(const File&) = delete;
@@ -59,6 +55,8 @@ class VELAN_EXPORT File {
   FileAccess access() const { return _access; }
   /// Takes the lock of the whole file, shared or exclusive, until it is closed. Never waits: false when it is taken.
   bool lock(bool exclusive);
+  /// Why the last operation that failed did.
+  const FileError& error() const { return _error; }
 
   int64_t position() const { return _position; }
   /// Moves the position, which may lie beyond the end. False for a negative offset, or when bytes kept back are lost.
@@ -87,11 +85,17 @@ class VELAN_EXPORT File {
   bool synchronize();
   /// Waits until what `overwrite` wrote is on permanent storage, so that what is written next cannot get there first.
   bool barrier();
-  /// Flushes, unlocks, closes. False when bytes kept back are lost. Afterwards only destruction is allowed.
+  /// Flushes, unlocks, closes. False when bytes are lost. Afterwards only destruction is allowed.
   bool close();
 
  private:
+  friend class FileReplacement;
+
   File(int descriptor, FileAccess access, int64_t length, FileCalls& calls);
+  static std::unique_ptr<File> opened(const std::string& path, FileAccess access, int flags, unsigned mode,
+                                      FileError& error);
+  static std::unique_ptr<File> openedAndLocked(const std::string& path, FileAccess access, FileError& error);
+  bool failed();
   bool readInto(int64_t offset, uint8_t* bytes, size_t count, size_t ahead, int64_t& got);
   bool writeOut(int64_t offset, Pieces pieces, uint64_t zeros);
   bool putOut(int64_t offset, Pieces pieces, uint64_t zeros);
@@ -100,9 +104,10 @@ class VELAN_EXPORT File {
   FileCalls* _calls;
   int _descriptor;
   FileAccess _access;
-  bool _pending = false;         // the buffer holds bytes to write, otherwise bytes read ahead
-  bool _lost = false;            // kept-back bytes were dropped since the last synchronisation
-  bool _unreliable = false;      // a synchronisation failed
+  bool _pending = false;     // the buffer holds bytes to write, otherwise bytes read ahead
+  bool _lost = false;        // kept-back bytes were dropped since the last synchronisation
+  bool _unreliable = false;  // a synchronisation failed
+  FileError _error;
   int64_t _position = 0;         // behind the buffer while bytes are pending
   int64_t _size;                 // as last seen; bytes kept back not counted
   int64_t _start = 0;            // offset in the file of the buffer's first byte

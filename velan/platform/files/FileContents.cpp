@@ -2,33 +2,31 @@
 
 #include <fcntl.h>
 #include <sys/mman.h>
-#include <sys/stat.h>
-#include <unistd.h>
 #ifdef __linux__
 #include <sys/statfs.h>
 #endif
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdlib>
 #include <memory>
 
-#include "velan/base/UTF.h"
+#include "velan/platform/files/FileCallsInternal.h"
+#include "velan/platform/files/FileErrorInternal.h"
+#include "velan/platform/files/FilePathInternal.h"
+#include "velan/platform/files/RetryInternal.h"
 
 namespace velan {
 namespace {
 
 constexpr size_t kShortestMapping = size_t{64} << 10;
 
+// Waits where the system does: for the other end of a pipe.
 class Descriptor {
  public:
-  explicit Descriptor(const char* path) {
-    do {
-      _number = open(path, O_RDONLY | O_CLOEXEC);
-    } while (_number < 0 && errno == EINTR);
-  }
+  explicit Descriptor(const char* path)
+      : _number(retried([&] { return fileCalls().open(path, O_RDONLY | O_CLOEXEC, 0); })) {}
   ~Descriptor() {
-    if (_number >= 0) close(_number);
+    if (_number >= 0) fileCalls().close(_number);
   }
   Descriptor(const Descriptor&) = delete;
   Descriptor& operator=(const Descriptor&) = delete;
@@ -58,44 +56,59 @@ Data mapped(int file, size_t length) {
 }
 
 // Reads on until the end, whatever the size was said to be: special files have none, others may grow.
-Data readToEnd(int file, size_t expected) {
+Data readToEnd(int file, size_t expected, FileError& error) {
   size_t capacity = expected + 1;
   size_t length = 0;
   auto* bytes = static_cast<char*>(std::malloc(capacity));
   while (bytes) {
-    const ssize_t count = read(file, bytes + length, capacity - length);
-    if (count < 0 && errno == EINTR) continue;
-    if (count <= 0) {
-      if (count == 0) return Data::withBytesNoCopy(bytes, length, true);
-      break;
+    const iovec piece{bytes + length, capacity - length};
+    const ssize_t count = retried([&] { return fileCalls().read(file, &piece, 1, -1); });
+    if (count == 0) {
+      Data contents = Data::withBytesNoCopy(bytes, length, true);
+      if (!contents) error = FileReason::NoMemory;
+      return contents;
+    }
+    if (count < 0) {
+      error = lastSystemError();
+      std::free(bytes);
+      return Data();
     }
     length += static_cast<size_t>(count);
     if (length < capacity) continue;
     capacity = std::max<size_t>(capacity * 2, 4096);
     void* larger = std::realloc(bytes, capacity);
-    if (!larger) break;
+    if (!larger) std::free(bytes);
     bytes = static_cast<char*>(larger);
   }
-  std::free(bytes);
+  error = FileReason::NoMemory;
   return Data();
+}
+
+Data contentsAt(const String& path, FileReading reading, FileError& error) {
+  const auto name = fileSystemPath(path, error);
+  if (!name) return Data();
+  const Descriptor file(name->c_str());
+  struct stat status {};
+  if (file.number() < 0 || fileCalls().status(file.number(), status) != 0) return error = lastSystemError(), Data();
+  const size_t size = S_ISREG(status.st_mode) ? static_cast<size_t>(status.st_size) : 0;
+  if (reading == FileReading::Mapped && size >= kShortestMapping && isLocal(file.number())) {
+    if (Data contents = mapped(file.number(), size)) return contents;
+  }
+  Data contents = readToEnd(file.number(), size, error);
+#ifdef POSIX_FADV_DONTNEED
+  if (reading == FileReading::Uncached) posix_fadvise(file.number(), 0, 0, POSIX_FADV_DONTNEED);
+#endif
+  return contents;
 }
 
 }  // namespace
 
-Data readFileContents(const String& path, FileReading reading) {
-  const auto name = path ? utf8FromUTF16(path.view()) : std::nullopt;
-  if (!name || name->find('\0') != std::string::npos) return Data();
-  const Descriptor file(name->c_str());
-  struct stat information {};
-  if (file.number() < 0 || fstat(file.number(), &information) != 0) return Data();
-  const size_t size = S_ISREG(information.st_mode) ? static_cast<size_t>(information.st_size) : 0;
-  if (reading == FileReading::Mapped && size >= kShortestMapping && isLocal(file.number())) {
-    if (Data contents = mapped(file.number(), size)) return contents;
-  }
-  Data contents = readToEnd(file.number(), size);
-#ifdef POSIX_FADV_DONTNEED
-  if (reading == FileReading::Uncached) posix_fadvise(file.number(), 0, 0, POSIX_FADV_DONTNEED);
-#endif
+Data readFileContents(const String& path, FileReading reading) { return readFileContents(path, reading, nullptr); }
+
+Data readFileContents(const String& path, FileReading reading, FileError* error) {
+  FileError why;
+  Data contents = unlessMemoryRunsOut(why, Data(), [&] { return contentsAt(path, reading, why); });
+  if (error) *error = why;
   return contents;
 }
 

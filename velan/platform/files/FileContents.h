@@ -4,6 +4,7 @@
 
 #include "velan/base/Data.h"
 #include "velan/base/String.h"
+#include "velan/platform/files/FileError.h"
 
 namespace velan {
 
@@ -19,6 +20,8 @@ enum class FileReading {
 /// what was cut off ends the process with SIGBUS. Changes that others make in place may show up or not. Files that
 /// replace this one under its name do no harm.
 VELAN_EXPORT Data readFileContents(const String& path, FileReading reading);
+/// The same; `error`, which may be null, tells why nothing could be read.
+VELAN_EXPORT Data readFileContents(const String& path, FileReading reading, FileError* error);
 
 }  // namespace velan
 

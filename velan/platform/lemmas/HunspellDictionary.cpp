@@ -1,13 +1,13 @@
 #include <unicode/ucnv.h>
 #include <unicode/ucnv_err.h>
 
-#include <fstream>
 #include <hunspell/hunspell.hxx>
 #include <mutex>
 #include <optional>
 #include <utility>
 
 #include "velan/platform/ServicesInternal.h"
+#include "velan/platform/files/File.h"
 #include "velan/platform/lemmas/HunspellDictionaryInternal.h"
 
 namespace velan {
@@ -17,7 +17,7 @@ namespace {
 // Longer ones are no words of any dictionary; Hunspell itself stops at 100 characters.
 constexpr size_t kLongestWord = 100;
 
-bool isReadable(const std::string& path) { return std::ifstream(path).good(); }
+bool isReadable(const std::string& path) { return File::open(String::fromUTF8(path), FileAccess::Reading) != nullptr; }
 
 // A converter that stops at what it cannot express, instead of writing something else.
 UConverter* openConverter(const std::string& encoding) {

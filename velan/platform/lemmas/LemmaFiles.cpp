@@ -6,6 +6,7 @@
 
 #include "velan/base/ASCII.h"
 #include "velan/platform/ServicesInternal.h"
+#include "velan/platform/files/FolderListing.h"
 #include "velan/platform/lemmas/LemmaFilesInternal.h"
 
 namespace velan {
@@ -19,10 +20,7 @@ std::string environment(const char* name) {
   return value ? value : "";
 }
 
-bool isFile(const fs::path& path) {
-  std::error_code error;
-  return fs::is_regular_file(path, error);
-}
+bool isFile(const fs::path& path) { return isRegularFile(String::fromUTF8(path.string())); }
 
 std::vector<std::string> dictionaryFolders() {
   std::vector<std::string> folders;
@@ -39,13 +37,13 @@ std::vector<std::string> dictionaryFolders() {
 
 void appendDictionaries(const fs::path& folder, std::vector<DictionaryFiles>& dictionaries) {
   const size_t first = dictionaries.size();
-  std::error_code error;
-  for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
-    const fs::path affixes = entry->path();
+  const auto names = namesInFolder(String::fromUTF8(folder.string()), nullptr);
+  for (const String& name : names.value_or(std::vector<String>())) {
+    const fs::path affixes = folder / name.toUTF8();
     if (affixes.extension() != ".aff" || !isFile(affixes)) continue;
-    std::error_code resolving;
-    const fs::path target = fs::canonical(affixes, resolving);
-    if (resolving || !isFile(fs::path(target).replace_extension(".dic"))) continue;
+    const String resolved = pathWithoutLinks(String::fromUTF8(affixes.string()));
+    const fs::path target = resolved.toUTF8();
+    if (!resolved || !isFile(fs::path(target).replace_extension(".dic"))) continue;
     dictionaries.push_back({affixes.stem().string(), fs::path(target).replace_extension().string()});
   }
   std::sort(dictionaries.begin() + static_cast<ptrdiff_t>(first), dictionaries.end(),

@@ -1,7 +1,7 @@
 #include <algorithm>
-#include <fstream>
 #include <iterator>
 
+#include "velan/platform/files/FileContents.h"
 #include "velan/platform/lemmas/WordNetInternal.h"
 
 namespace velan {
@@ -32,13 +32,7 @@ constexpr struct {
 // Pronouns and other small words that WordNet does not list, but that a rule would take for forms of listed ones.
 constexpr std::string_view kSmallWords[] = {"his", "hers", "its", "ours", "this", "thus", "us", "yes", "yours"};
 
-std::string readFile(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  std::string bytes;
-  char block[1 << 16];
-  while (file.read(block, sizeof block) || file.gcount() > 0) bytes.append(block, static_cast<size_t>(file.gcount()));
-  return bytes;
-}
+Data contentsOf(const std::string& path) { return readFileContents(String::fromUTF8(path), FileReading::Plain); }
 
 std::string_view wordAt(std::string_view line, size_t from) { return line.substr(from, line.find(' ', from) - from); }
 
@@ -67,7 +61,7 @@ std::unique_ptr<WordNet> WordNet::load(const std::string& folder) {
 
 // A line: the form, then its base forms, separated by spaces. Terms of several words have "_" in them.
 void WordNet::readExceptions(const std::string& path) {
-  forEachLine(readFile(path), [this](std::string_view line) {
+  forEachLine(contentsOf(path).view(), [this](std::string_view line) {
     const std::string_view form = wordAt(line, 0);
     if (!isSingleWord(form) || form.size() + 1 >= line.size()) return;
     _exceptions.emplace(form, wordAt(line, form.size() + 1));
@@ -76,7 +70,7 @@ void WordNet::readExceptions(const std::string& path) {
 
 // A line begins with the lemma; those of the licence begin with spaces.
 void WordNet::readLemmas(const std::string& path, uint8_t kind) {
-  forEachLine(readFile(path), [this, kind](std::string_view line) {
+  forEachLine(contentsOf(path).view(), [this, kind](std::string_view line) {
     const std::string_view lemma = wordAt(line, 0);
     if (isSingleWord(lemma)) _kindsOfLemma[std::string(lemma)] |= kind;
   });

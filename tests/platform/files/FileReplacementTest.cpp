@@ -1,0 +1,222 @@
+// Replacing files: the old contents or the new ones, whoever owns them, whatever fails.
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+#include <thread>
+
+#include "tests/platform/files/InterceptedCalls.h"
+#include "tests/platform/files/TemporaryFolder.h"
+#include "velan/base/Log.h"
+#include "velan/platform/files/File.h"
+#include "velan/platform/files/FileReplacement.h"
+
+namespace velan {
+namespace {
+
+const Data kNew = Data::withBytes("new contents");
+
+struct stat statusOf(const std::string& path) {
+  struct stat status {};
+  EXPECT_EQ(lstat(path.c_str(), &status), 0) << path;
+  return status;
+}
+
+mode_t modeOf(const std::string& path) { return statusOf(path).st_mode & 07777; }
+
+// Runs `body` in a child process: what it changes there, its user or its mask, stays there.
+template <typename Body>
+int inChild(Body body) {
+  const pid_t child = fork();
+  if (child == 0) _exit(body());
+  int status = 0;
+  waitpid(child, &status, 0);
+  return WIFSIGNALED(status) ? -WTERMSIG(status) : WEXITSTATUS(status);
+}
+
+TEST(FileReplacement, KeepsWhatBelongsToTheFile) {
+  const TemporaryFolder folder;
+  folder.write("file", "old");
+  ASSERT_EQ(chmod((folder / "file").c_str(), 0640), 0);
+  const bool hasAttributes = setxattr((folder / "file").c_str(), "user.note", "kept", 4, 0) == 0;
+  if (geteuid() == 0) {
+    ASSERT_EQ(chown((folder / "file").c_str(), 65534, 65534), 0);
+  }
+  const struct stat before = statusOf(folder / "file");
+  std::filesystem::create_symlink("file", folder / "link");
+  EXPECT_FALSE(replaceFile(folder.path("link"), kNew));
+  EXPECT_TRUE(std::filesystem::is_symlink(folder / "link"));
+  EXPECT_EQ(folder.read("file"), "new contents");
+  const struct stat after = statusOf(folder / "file");
+  EXPECT_NE(after.st_ino, before.st_ino) << "written beside, not in place";
+  EXPECT_EQ(after.st_mode, before.st_mode);
+  EXPECT_EQ(after.st_uid, before.st_uid);
+  EXPECT_EQ(after.st_gid, before.st_gid);
+  char value[8] = {};
+  EXPECT_EQ(getxattr((folder / "file").c_str(), "user.note", value, sizeof value), hasAttributes ? 4 : -1);
+
+  std::filesystem::create_hard_link(folder / "file", folder / "second");
+  EXPECT_FALSE(replaceFile(folder.path("file"), Data::withBytes("shorter")));
+  EXPECT_EQ(folder.read("second"), "shorter") << "a file of two names is one file";
+  EXPECT_EQ(statusOf(folder / "second").st_ino, after.st_ino);
+  EXPECT_EQ(folder.count(), 3u);
+}
+
+TEST(FileReplacement, NewFilesGetWhatTheMaskLeaves) {
+  for (const mode_t mask : {000, 022, 077}) {
+    const TemporaryFolder folder;
+    EXPECT_EQ(inChild([&] {
+                umask(mask);
+                return replaceFile(folder.path("new"), kNew) ? 1 : 0;
+              }),
+              0);
+    EXPECT_EQ(modeOf(folder / "new"), 0666 & ~mask);
+  }
+}
+
+TEST(FileReplacement, RefusesWhatItWouldDestroy) {
+  const TemporaryFolder folder;
+  folder.write("read-only", "old");
+  ASSERT_EQ(chmod((folder / "read-only").c_str(), 0444), 0);
+  ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
+  std::filesystem::create_symlink("nowhere", folder / "dangling");
+  std::filesystem::create_directory(folder / "folder");
+  const size_t before = folder.count();
+  for (const char* name : {"pipe", "dangling", "folder", "missing/file", "read-only", "read-only/x"}) {
+    const mode_t mode = statusOf(folder / (strchr(name, '/') ? "pipe" : name)).st_mode;
+    EXPECT_TRUE(replaceFile(folder.path(name), kNew)) << name;
+    if (!strchr(name, '/')) {
+      EXPECT_EQ(statusOf(folder / name).st_mode, mode) << name;
+    }
+  }
+  EXPECT_EQ(replaceFile(u"/dev/null", kNew).reason(), FileReason::IsDevice);
+  EXPECT_EQ(folder.read("read-only"), "old");
+  EXPECT_EQ(folder.count(), before);
+}
+
+// Whoever may write a file without owning it writes it in place; who may create nothing beside it is refused.
+TEST(FileReplacement, AnotherUserChangesNeitherOwnerNorMode) {
+  if (geteuid() != 0) GTEST_SKIP() << "needs a second user";
+  const TemporaryFolder folder;
+  folder.write("shared", "old");
+  ASSERT_EQ(chmod((folder / "shared").c_str(), 0666) + chmod((folder / "").c_str(), 0777), 0);
+  const auto replaceAsNobody = [&] {
+    return inChild([&] {
+      if (setgid(65534) + setuid(65534) != 0) return 99;
+      return static_cast<int>(replaceFile(folder.path("shared"), kNew).reason());
+    });
+  };
+  EXPECT_EQ(replaceAsNobody(), 0);
+  EXPECT_EQ(folder.read("shared"), "new contents");
+  EXPECT_EQ(statusOf(folder / "shared").st_uid, 0u);
+  EXPECT_EQ(modeOf(folder / "shared"), 0666u);
+  ASSERT_EQ(chmod((folder / "").c_str(), 0755), 0);
+  EXPECT_EQ(replaceAsNobody(), static_cast<int>(FileReason::FolderNotPermitted));
+  ASSERT_EQ(chmod((folder / "shared").c_str(), 0644), 0);
+  EXPECT_EQ(replaceAsNobody(), static_cast<int>(FileReason::NotPermitted));
+  EXPECT_EQ(folder.count(), 1u);
+}
+
+TEST(FileReplacement, ParallelUpdatesLoseNothing) {
+  const TemporaryFolder folder;
+  for (const bool links : {false, true}) {
+    if (links) std::filesystem::create_hard_link(folder / "file", folder / "second");
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 8; ++i) {
+      threads.emplace_back([&] {
+        for (int n = 0; n < 10; ++n) {
+          EXPECT_FALSE(updateFile(folder.path("file"), [](const Data& contents) {
+            return Data::withBytes(std::string(contents.view()) + "x");
+          }));
+        }
+      });
+    }
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(folder.read("file"), std::string(links ? 160 : 80, 'x'));
+  }
+}
+
+TEST(FileReplacement, AnEditThatAnswersNothingChangesNothing) {
+  const TemporaryFolder folder;
+  EXPECT_FALSE(updateFile(folder.path("new"), [](const Data& contents) {
+    EXPECT_TRUE(contents.isAbsent());
+    return Data();
+  }));
+  EXPECT_EQ(folder.count(), 0u);
+}
+
+class FailingReplacement : public testing::TestWithParam<const char*> {
+ protected:
+  void SetUp() override {
+    setLogSink([](std::string_view, void*) {}, nullptr);
+  }
+  void TearDown() override { setLogSink(nullptr, nullptr); }
+  bool hasLinks() const { return std::string_view(GetParam()) == "of two names"; }
+  bool exists() const { return std::string_view(GetParam()) != "missing"; }
+
+  std::string prepared(const TemporaryFolder& folder) const {
+    const std::string old(70000, 'o');
+    if (exists()) folder.write("file", old);
+    if (hasLinks()) std::filesystem::create_hard_link(folder / "file", folder / "second");
+    return exists() ? old : "";
+  }
+  // The new contents, complete, in a file beside the one that is being written.
+  bool isSavedBeside(const TemporaryFolder& folder) const {
+    for (const auto& entry : std::filesystem::directory_iterator(folder / "")) {
+      const std::string name = entry.path().filename();
+      if (name.starts_with("file.velan-") && folder.read(name) == changed) return true;
+    }
+    return false;
+  }
+
+  const std::string changed = std::string(140000, 'n');
+};
+
+TEST_P(FailingReplacement, ClaimsNothingThatIsNotSo) {
+  bool happened = true;
+  for (int64_t n = 0; happened && !HasFailure(); ++n) {
+    const TemporaryFolder folder;
+    const std::string old = prepared(folder);
+    const size_t files = folder.count();
+    bool kept = false, failed = false;
+    {
+      const InterceptedCalls calls(n, ENOSPC);
+      failed =
+          static_cast<bool>(updateFile(folder.path("file"), [&](const Data&) { return Data::withBytes(changed); }));
+      happened = calls.happened();
+      kept = calls.keptFile;
+    }
+    const std::string now = folder.read("file");
+    EXPECT_TRUE(now == changed || (failed && (now == old || (hasLinks() && isSavedBeside(folder))))) << n;
+    EXPECT_TRUE(kept || folder.count() == files + (exists() || now.empty() ? 0 : 1) || isSavedBeside(folder)) << n;
+    if (exists()) {
+      EXPECT_NE(modeOf(folder / "file"), 0u);
+    }
+  }
+}
+
+TEST_P(FailingReplacement, KilledAtAnyCallLosesNothing) {
+  int result = -SIGKILL;
+  for (int64_t n = 0; result == -SIGKILL && !HasFailure(); ++n) {
+    const TemporaryFolder folder;
+    const std::string old = prepared(folder);
+    const mode_t mode = exists() ? modeOf(folder / "file") : 0;
+    result = inChild([&] {
+      const InterceptedCalls calls(n, 0);
+      return replaceFile(folder.path("file"), Data::withBytes(changed)) ? 1 : 0;
+    });
+    const std::string now = folder.read("file");
+    EXPECT_TRUE(now == changed || (result < 0 && (now == old || (hasLinks() && isSavedBeside(folder))))) << n;
+    if (exists()) {
+      EXPECT_EQ(modeOf(folder / "file"), mode) << n;
+    }
+  }
+  EXPECT_EQ(result, 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Files, FailingReplacement, testing::Values("ordinary", "missing", "of two names"));
+
+}  // namespace
+}  // namespace velan

@@ -11,6 +11,7 @@
 #include "velan/text/digest/Checksums.h"
 #include "velan/text/digest/MD5.h"
 #include "velan/text/digest/SHA1.h"
+#include "velan/text/encoding/UnicodeConverters.h"
 #include "velan/wildcard/WildcardMatching.h"
 #include "velan/wildcard/WildcardPattern.h"
 
@@ -58,10 +59,21 @@ static void checkMarkup(void) {
   CHECK(convertStdEntities2Characters(text, 4) == 1 && text[0] == u'<');
 }
 
+static void checkEncodings(void) {
+  unichar units[2] = {0};
+  char bytes[2] = {0};
+  size_t length = 0;
+  initUnicodeConverters();
+  CHECK(convertUTF8ToUnicode("\xC3\xA9", 2, units, 2) == ConverterSuccess && units[0] == 0xE9);
+  CHECK(convertUnicodeToUTF8(units, 1, bytes, 2) == ConverterSuccess && bytes[0] == '\xC3');
+  CHECK(convertEncodingToUnicode("\x80", 1, 0x500, units, 2, &length) == 1 && length == 1 && units[0] == 0x20AC);
+}
+
 int main(void) {
   checkText();
   checkWildcards();
   checkHashing();
   checkMarkup();
+  checkEncodings();
   return failures == 0 ? 0 : 1;
 }

@@ -4,11 +4,15 @@
 
 #include <cstdint>
 
+#include "velan/base/CTypes.h"
+#include "velan/base/TextEncoding.h"
+
 namespace velan {
 
 /// A string encoding by its number. A few have small numbers; any other is 0x80000000 plus the number of the converter
 /// (base, variant and format), which `stringEncoding` makes. Another space of numbers than that of the converters.
 enum class StringEncoding : uint32_t {
+  Detect = 0,  // where a file or data is read: find out; so does every number from 0xFFFFFFF0 up
   ASCII = 1,
   NeXTSTEP = 2,
   EUCJapanese = 3,
@@ -34,9 +38,16 @@ enum class StringEncoding : uint32_t {
   Invalid = 0xFFFFFFFF,
 };
 
-/// The encoding with the converter number `converter`, where it has no small number of its own.
-constexpr StringEncoding stringEncoding(uint32_t converter) {
-  return static_cast<StringEncoding>(0x80000000u | converter);
+/// The number of a string encoding for a converter's: the small one where it has one. `Invalid` for `Invalid`.
+VELAN_EXPORT StringEncoding stringEncoding(TextEncoding encoding);
+
+/// The converter's number; `Invalid` for a number that names no encoding. Whether there is a converter is not asked.
+VELAN_EXPORT TextEncoding textEncoding(StringEncoding encoding);
+
+/// Whether reading with this number means to find the encoding out.
+constexpr bool asksForDetection(StringEncoding encoding) {
+  const auto number = static_cast<uint32_t>(encoding);
+  return number == 0 || number >= 0xFFFFFFF0u;
 }
 
 }  // namespace velan

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "velan/base/UTFInternal.h"
+
 namespace velan {
 namespace {
 
@@ -32,45 +34,6 @@ size_t narrowASCII(const unichar* units, size_t length, char* bytes) {
   }
   for (; i < length && units[i] < 0x80; ++i) bytes[i] = static_cast<char>(units[i]);
   return i;
-}
-
-// One sequence that does not begin with an ASCII byte. `length` is the length of the sequence when `valid`, else of the
-// maximal malformed part.
-struct Sequence {
-  uint32_t codePoint;
-  uint8_t length;
-  bool valid;
-};
-
-Sequence decodeSequence(const uint8_t* bytes, size_t available) {
-  const uint8_t lead = bytes[0];
-  if (lead < 0xC2 || lead > 0xF4) return {0, 1, false};
-  const uint8_t count = lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
-  // The second byte's limits exclude overlong forms, surrogates and values above U+10FFFF.
-  uint8_t low = 0x80;
-  uint8_t high = 0xBF;
-  if (lead == 0xE0) low = 0xA0;
-  if (lead == 0xED) high = 0x9F;
-  if (lead == 0xF0) low = 0x90;
-  if (lead == 0xF4) high = 0x8F;
-  uint32_t codePoint = lead & (0xFFu >> (count + 1));
-  for (uint8_t i = 1; i < count; ++i) {
-    if (i >= available || bytes[i] < low || bytes[i] > high) return {0, i, false};
-    codePoint = (codePoint << 6) | (bytes[i] & 0x3Fu);
-    low = 0x80;
-    high = 0xBF;
-  }
-  return {codePoint, count, true};
-}
-
-size_t putUTF16(uint32_t codePoint, unichar* units) {
-  if (codePoint < 0x10000) {
-    units[0] = static_cast<unichar>(codePoint);
-    return 1;
-  }
-  units[0] = static_cast<unichar>(0xD7C0 + (codePoint >> 10));
-  units[1] = static_cast<unichar>(0xDC00 + (codePoint & 0x3FF));
-  return 2;
 }
 
 size_t putUTF8(uint32_t codePoint, char* bytes) {
@@ -105,7 +68,7 @@ Transcoded toUTF16(std::string_view utf8, unichar* units) {
     in += ascii;
     out += ascii;
     while (in < length && bytes[in] >= 0x80) {
-      const Sequence sequence = decodeSequence(bytes + in, length - in);
+      const UTF8Sequence sequence = decodeUTF8Sequence(bytes + in, length - in);
       if (!sequence.valid && !lossy) return {in, out};
       out += sequence.valid ? putUTF16(sequence.codePoint, units + out) : putUTF16(0xFFFD, units + out);
       in += sequence.length;

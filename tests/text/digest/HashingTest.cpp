@@ -5,7 +5,6 @@
 #include <random>
 #include <span>
 
-#include "velan/platform/StringConversion.h"
 #include "velan/text/digest/Hexadecimal.h"
 #include "velan/text/digest/MD5.h"
 #include "velan/text/digest/SHA1.h"
@@ -91,36 +90,6 @@ TEST(SaltedHash, AppendsTheSaltInEveryRound) {
                                                                               "a\0b\0",
                                                                               6}));
   EXPECT_TRUE(saltedHash(u""_s).isAbsent());
-}
-
-TEST(StringConversion, EncodesOrRefuses) {
-  using namespace std::string_view_literals;
-  const struct {
-    StringEncoding encoding;
-    std::u16string_view text;
-    std::string_view bytes;  // "-": refused
-  } cases[] = {
-      {StringEncoding::UTF8, u"\u00E9\u20AC", "\xC3\xA9\xE2\x82\xAC"},
-      {StringEncoding::UTF8, u"\xD800", "-"},
-      {StringEncoding::ASCII, u"\u00E9", "-"},
-      {StringEncoding::Latin1, u"\u00E9", "\xE9"},
-      {StringEncoding::Latin1, u"\u20AC", "-"},
-      {StringEncoding::UTF16BigEndian, u"\xD800z", "\xD8\0\0z"sv},
-      {StringEncoding::UTF32, u"z", "\xFF\xFE\0\0z\0\0\0"sv},
-      {StringEncoding::WindowsLatin1, u"\u20AC", "\x80"},
-      {StringEncoding::WindowsCyrillic, u"\u0416", "\xC6"},
-      {StringEncoding::MacRoman, u"\u00E9", "\x8E"},
-      {StringEncoding::MacRoman, u"\u0416", "-"},
-      {StringEncoding::ShiftJIS, u"\u65E5", "\x93\xFA"},
-      {stringEncoding(0x505), u"\u05D0", "\xE0"},
-      {stringEncoding(0x08000100), u"\u00E9", "\xC3\xA9"},
-      {StringEncoding::Invalid, u"a", "-"},
-  };
-  for (const auto& c : cases) {
-    const Data data = dataUsingEncoding(c.text, c.encoding);
-    EXPECT_EQ(data ? data.view() : "-", c.bytes) << static_cast<uint32_t>(c.encoding);
-  }
-  EXPECT_TRUE(dataUsingEncoding(u"", StringEncoding::MacRoman)) << "empty is not absent";
 }
 
 }  // namespace

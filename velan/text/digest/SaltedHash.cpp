@@ -3,7 +3,7 @@
 #include <string>
 
 #include "velan/base/Data.h"
-#include "velan/platform/StringConversion.h"
+#include "velan/text/encoding/StringConversion.h"
 #include "velan/text/digest/Hexadecimal.h"
 #include "velan/text/digest/SHA1.h"
 

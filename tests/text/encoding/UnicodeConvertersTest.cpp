@@ -1,0 +1,133 @@
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "velan/text/encoding/UnicodeConverters.h"
+
+namespace velan {
+namespace {
+
+struct Converted {
+  int32_t status;
+  std::u16string units;
+};
+
+// Into a heap buffer of exactly `capacity` units, from one of exactly the bytes: the address sanitizer sees one too
+// far. What is written shows because the buffer is filled before.
+Converted converted(std::string_view utf8, size_t capacity) {
+  const auto bytes = std::make_unique<char[]>(utf8.size());
+  utf8.copy(bytes.get(), utf8.size());
+  const auto units = std::make_unique<unichar[]>(capacity);
+  std::fill_n(units.get(), capacity, u'#');
+  const int32_t status = convertUTF8ToUnicode(bytes.get(), utf8.size(), units.get(), capacity);
+  const std::u16string_view all(units.get(), capacity);
+  return {status, std::u16string(all.substr(0, all.find(u'#')))};
+}
+
+TEST(UnicodeConverters, UTF8Statuses) {
+  const struct {
+    const char* why;
+    std::string utf8;
+    size_t capacity;
+    int32_t status;
+    std::u16string units;
+  } cases[] = {
+      {"all of it", "a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80", 5, ConverterSuccess, u"a\u00E9\u20AC\U0001F600"},
+      {"nothing", "", 0, ConverterSuccess, u""},
+      {"a mark is kept", "\xEF\xBB\xBFz", 9, ConverterSuccess, u"\uFEFFz"},
+      {"no room", "a", 0, ConverterOutputFull, u""},
+      {"no room for the last", "\xE2\x82\xAC\xE2\x82\xACz", 2, ConverterOutputFull, u"\u20AC\u20AC"},
+      {"half a pair is not written", "a\xF0\x9F\x98\x80", 2, ConverterOutputFull, u"a"},
+      {"malformed", "ab\xFFz", 9, ConverterMalformedInput, u"ab"},
+      {"overlong", "a\xC0\x80", 9, ConverterMalformedInput, u"a"},
+      {"overlong, three", "a\xE0\x9F\xBF", 9, ConverterMalformedInput, u"a"},
+      {"overlong, four", "a\xF0\x8F\xBF\xBF", 9, ConverterMalformedInput, u"a"},
+      {"a surrogate", "a\xED\xA0\x80", 9, ConverterMalformedInput, u"a"},
+      {"too large", "a\xF4\x90\x80\x80", 9, ConverterMalformedInput, u"a"},
+      {"cut off", "a\xF0\x9F\x98", 9, ConverterPartialCharacter, u"a"},
+      {"cut off after a lead byte", "a\xC3", 2, ConverterPartialCharacter, u"a"},
+      {"malformed before it is cut off", "a\xE0\x80", 9, ConverterMalformedInput, u"a"},
+      {"malformed where room ends", "\xE2\x82\xAC\xFF", 1, ConverterMalformedInput, u"\u20AC"},
+  };
+  for (const auto& c : cases) {
+    const Converted result = converted(c.utf8, c.capacity);
+    EXPECT_EQ(result.status, c.status) << c.why;
+    EXPECT_EQ(result.units, c.units) << c.why;
+  }
+  EXPECT_EQ(convertUTF8ToUnicode(nullptr, 3, nullptr, 3), ConverterSuccess);
+}
+
+TEST(UnicodeConverters, EveryCapacityCutsBetweenCharacters) {
+  const std::string utf8 = "a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80z\xF0\x9F\x98\x80\xE2\x82\xAC";
+  const std::u16string_view utf16 = u"a\u00E9\u20AC\U0001F600z\U0001F600\u20AC";
+  for (size_t capacity = 0; capacity <= utf16.size(); ++capacity) {
+    const Converted result = converted(utf8, capacity);
+    EXPECT_EQ(result.status, capacity == utf16.size() ? ConverterSuccess : ConverterOutputFull) << capacity;
+    EXPECT_TRUE(utf16.starts_with(result.units)) << capacity;
+    EXPECT_GE(result.units.size() + 1, capacity) << capacity;
+  }
+  for (size_t capacity = 0; capacity <= utf8.size(); ++capacity) {
+    const auto bytes = std::make_unique<char[]>(capacity);
+    std::fill_n(bytes.get(), capacity, '#');
+    const int32_t status = convertUnicodeToUTF8(utf16.data(), utf16.size(), bytes.get(), capacity);
+    EXPECT_EQ(status, capacity == utf8.size() ? ConverterSuccess : ConverterOutputFull) << capacity;
+    const std::string_view all(bytes.get(), capacity);
+    EXPECT_TRUE(utf8.starts_with(all.substr(0, all.find('#')))) << capacity;
+    EXPECT_GE(std::min(all.find('#'), capacity) + 3, capacity) << capacity;
+  }
+}
+
+TEST(UnicodeConverters, SurrogatesWithoutPartners) {
+  const struct {
+    std::u16string utf16;
+    int32_t status;
+    std::string utf8;
+  } cases[] = {
+      {{u'a', 0xD800}, ConverterPartialCharacter, "a"},
+      {{u'a', 0xD800, u'b'}, ConverterMalformedInput, "a"},
+      {{u'a', 0xDC00}, ConverterMalformedInput, "a"},
+      {{0xD800, 0xD800, 0xDC00}, ConverterMalformedInput, ""},
+  };
+  for (const auto& c : cases) {
+    char bytes[16] = {};
+    EXPECT_EQ(convertUnicodeToUTF8(c.utf16.data(), c.utf16.size(), bytes, sizeof bytes), c.status);
+    EXPECT_STREQ(bytes, c.utf8.c_str());
+  }
+}
+
+TEST(UnicodeConverters, AnyEncodingHasThreeKindsOfResults) {
+  using namespace std::string_view_literals;
+  const struct {
+    const char* why;
+    uint32_t encoding;
+    std::string_view bytes;
+    size_t capacity;
+    int32_t result;
+    std::u16string units;
+  } cases[] = {
+      {"success", 0x500, "\x80", 1, 1, u"\u20AC"},
+      {"unassigned goes on", 0x207, "\xAEz", 2, 1, u"\uFFFDz"},
+      {"malformed stops", 0x420, "z\x81 z", 9, 0, u"z"},
+      {"cut off", 0x420, "z\x81", 9, 0, u"z"},
+      {"full", 0x500, "ab", 1, 0, u"a"},
+      {"a mark is kept", 0x08000100, "\xEF\xBB\xBFz", 9, 1, u"\uFEFFz"},
+      {"or used up", 0x100, "\xFE\xFF\0z"sv, 9, 1, u"z"},
+      {"a surrogate alone", 0x10000100, "\0z\xDC\0"sv, 9, 0, u"z"},
+      {"unknown", 1, "z", 9, ConverterUnknownEncoding, u""},
+      {"unknown variant", 0x10500, "z", 9, ConverterUnknownEncoding, u""},
+  };
+  for (const auto& c : cases) {
+    const auto units = std::make_unique<unichar[]>(c.capacity);
+    size_t length = 77;
+    EXPECT_EQ(convertEncodingToUnicode(c.bytes.data(), c.bytes.size(), static_cast<TextEncoding>(c.encoding),
+                                       units.get(), c.capacity, &length),
+              c.result)
+        << c.why;
+    EXPECT_EQ(std::u16string(units.get(), length), c.units) << c.why;
+  }
+}
+
+}  // namespace
+}  // namespace velan

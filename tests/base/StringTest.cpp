@@ -103,6 +103,39 @@ TEST(MutableString, EditsAreClippedToTheText) {
   text.appendString(none);
   EXPECT_EQ(text.view(), u"bye");
   EXPECT_TRUE(MutableString(none).isEmpty());
+  text.appendCharacter(u'-', 3);
+  text.insertCharacter(u'x', 7);
+  text.insertCharacter(u'<', 0);
+  text.removeCharacterAtIndex(7);
+  text.removeCharacterAtIndex(4);
+  EXPECT_EQ(text.view(), u"<bye--");
+}
+
+TEST(MutableString, TakesPartsOfItself) {
+  MutableString text(u"0123456789abcdef");  // as long as the first room: growing moves it
+  text.insertString(text.view().substr(2, 3), 1);
+  text.appendString(text.view());
+  text.replaceCharactersInRange({0, 16}, text.view().substr(36));
+  EXPECT_EQ(text.view(), u"efdef0234123456789abcdef");
+}
+
+TEST(MutableString, HandsItsUnitsOver) {
+  for (const int64_t room : {100000, 100010}) {
+    MutableString text;
+    text.reserve(room);
+    text.appendCharacter(u'x', 100000);
+    const unichar* const units = text.characters();
+    const String taken = text.takeString();
+    if (room == 100000) {
+      EXPECT_EQ(taken.characters(), units);
+    }
+    EXPECT_EQ(taken, String(std::u16string(100000, u'x')));
+    EXPECT_EQ(taken.substring({1000, 99000}).characters(), taken.characters() + 1000) << "large parts share it";
+    EXPECT_EQ(text.takeString(), u""_s);
+    text.appendString(u"again");
+    MutableString moved = std::move(text);
+    EXPECT_EQ(moved.takeString(), u"again"_s);
+  }
 }
 
 }  // namespace

@@ -1,22 +1,13 @@
 #include "velan/base/String.h"
 
-#include <atomic>
 #include <cstdlib>
 #include <cstring>
 #include <new>
 
+#include "velan/base/StringStorageInternal.h"
 #include "velan/base/UTF.h"
 
 namespace velan {
-
-// One allocation: this header, directly followed by the units when the storage holds them itself. A slice refers to
-// another storage's units and keeps it alive; slices of slices refer to the outermost storage.
-struct String::Storage : Header {
-  std::atomic<uint32_t> references{1};
-  bool freesCharacters = false;
-  Header* parent = nullptr;
-  int64_t capacity = 0;  // units of the storage that the characters lie in
-};
 
 namespace {
 
@@ -34,35 +25,26 @@ String::String(const unichar* text) : String() {
 }
 
 unichar* String::allocate(int64_t length) {
-  constexpr auto kLongest = static_cast<int64_t>((SIZE_MAX / 2 - sizeof(Storage)) / sizeof(unichar));
-  if (length < 0 || length > kLongest) return nullptr;
-  void* memory = std::malloc(sizeof(Storage) + static_cast<size_t>(length) * sizeof(unichar));
-  if (!memory) return nullptr;
-  auto* storage = new (memory) Storage;
-  auto* units = reinterpret_cast<unichar*>(static_cast<char*>(memory) + sizeof(Storage));
-  storage->length = length;
-  storage->characters = units;
-  storage->capacity = length;
+  if (length < 0 || length > Storage::kLongest) return nullptr;
+  unichar* units = Storage::reallocateUnits(nullptr, length);
+  if (!units) return nullptr;
   release();
-  _storage = storage;
+  adopt(units, length);
   return units;
+}
+
+void String::adopt(unichar* units, int64_t length) {
+  auto* storage = new (Storage::blockOf(units)) Storage;
+  storage->length = storage->capacity = length;
+  storage->characters = units;
+  _storage = storage;
 }
 
 bool String::truncate(int64_t length) {
   if (length < 0) return false;
-  auto* storage = static_cast<Storage*>(_storage);
-  if (length < storage->length) {
-    // Gives back what was reserved for the worst case of a conversion; the units stay valid if that fails.
-    storage->length = length;
-    const size_t size = sizeof(Storage) + static_cast<size_t>(length) * sizeof(unichar);
-    if (storage->capacity - length > 64) {
-      if (void* memory = std::realloc(static_cast<void*>(storage), size)) {
-        storage = static_cast<Storage*>(memory);
-        storage->characters = reinterpret_cast<unichar*>(static_cast<char*>(memory) + sizeof(Storage));
-        _storage = storage;
-      }
-    }
-    storage->capacity = length;
+  // Gives back what was reserved for the worst case of a conversion.
+  if (length < _storage->length) {
+    adopt(Storage::fittedUnits(const_cast<unichar*>(_storage->characters), _storage->length, length), length);
   }
   return true;
 }

@@ -110,6 +110,7 @@ class VELAN_EXPORT String {
 
   explicit String(Header* storage) noexcept : _storage(storage) {}
   unichar* allocate(int64_t length);
+  void adopt(unichar* units, int64_t length);
   bool truncate(int64_t length);
   void retain() const noexcept;
   void release() noexcept;

@@ -155,7 +155,7 @@ class QueryParser {
     MutableString word(_substring && !wrapped ? u"*" : u"");
     word.appendString(token);
     if (_substring && !wrapped) word.appendCharacter(u'*');
-    addTerm(word, _substring, false);
+    addTerm(word.takeString(), _substring, false);
   }
 
   // "NEAR", or "NEAR/" and a distance; "NEAR/" alone and "NEARBY" are words.

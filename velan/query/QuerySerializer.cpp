@@ -181,19 +181,19 @@ void queryTerm(MutableString& text, const QueryTerms& node, QueryStyle style, co
 String QueryTerms::standardizedQueryTerm() const {
   MutableString text;
   queryTerm(text, *this, QueryStyle::Standardized, nullptr);
-  return text;
+  return text.takeString();
 }
 
 String QueryTerms::normalizedQueryTerm() const {
   MutableString text;
   queryTerm(text, *this, QueryStyle::Normalized, nullptr);
-  return text;
+  return text.takeString();
 }
 
 String QueryTerms::queryTermsForOperators(QueryStyle style, const QueryOperatorNames& dictionary) const {
   MutableString text;
   queryTerm(text, *this, style, &dictionary);
-  return text;
+  return text.takeString();
 }
 
 String standardizedQueryTerm(const String& query) { return QueryTerms::initWithString(query)->standardizedQueryTerm(); }

@@ -120,7 +120,7 @@ String QueryTerms::plusString() const {
     if (!joined.isEmpty()) joined.appendCharacter(u' ');
     joined.appendString(term);
   }
-  return joined;
+  return joined.takeString();
 }
 
 std::vector<String> QueryTerms::plusParts() const {
@@ -146,7 +146,7 @@ std::vector<String> QueryTerms::extendedPlusWildcards() const {
     if (pattern.view().front() != u'*') extended.appendCharacter(u'*');
     extended.appendString(pattern);
     if (pattern.view().back() != u'*') extended.appendCharacter(u'*');
-    pattern = extended;
+    pattern = extended.takeString();
   }
   return withoutRepetitions(std::move(patterns));
 }

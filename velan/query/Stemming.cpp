@@ -23,7 +23,7 @@ String stringByStemmingWords(const String& string) {
     stemmed.appendString(lemma ? lemma.view() : word);
     copied = token.location + token.length;
   });
-  return stemmed;
+  return stemmed.takeString();
 }
 
 }  // namespace velan

@@ -22,7 +22,7 @@ String stringBySeparatingAsianWords(const String& string) {
   }
   if (copied == 0) return string;
   spaced.appendCharacters(string.characters() + copied, string.length() - copied);
-  return spaced;
+  return spaced.takeString();
 }
 
 }  // namespace velan

@@ -299,7 +299,7 @@ String FastWordEnumerator::nextWordString(int64_t* index, int64_t minLen, bool* 
     *index = wordEndFromIndex(next) + 1;
     joined.appendCharacters(_characters + next, *index - next);
   }
-  return joined.length() >= minLen ? joined.string() : String();
+  return joined.length() >= minLen ? joined.takeString() : String();
 }
 
 String FastWordEnumerator::stringBySeparatingWords() const {
@@ -311,7 +311,7 @@ String FastWordEnumerator::stringBySeparatingWords() const {
     if (!joined.isEmpty()) joined.appendCharacter(u' ');
     joined.appendCharacters(_characters + word.location, word.length);
   }
-  return joined;
+  return joined.takeString();
 }
 
 }  // namespace velan

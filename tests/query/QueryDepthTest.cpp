@@ -132,6 +132,8 @@ TEST(QueryDepth, OccurrencesInLongTexts) {
       {u"zz NEAR/3 b"_s, 100'001, 4},  // the b before it, and those in whose span it lies
       {u"((a NEAR/2 b) NEAR/2 a) NEAR/2 b"_s, 200'000, -1},
       {u"a* OR *b OR a"_s, 200'000, 200'000},
+      {u"((NOT missing NEAR/1000 a) NEAR/1000 b) NEAR/1000 a"_s, 200'000, 200'000},
+      {u"((b NOT NEAR/3 zz) NEAR/1000 a) NEAR/1000 b"_s, 200'000, 200'000},
   };
   for (const auto& c : cases) {
     int64_t primaries = 0;

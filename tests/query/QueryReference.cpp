@@ -1,7 +1,6 @@
 #include "QueryReference.h"
 
 #include <algorithm>
-#include <map>
 
 #include "velan/text/CharacterSets.h"
 #include "velan/text/ConversionTables.h"
@@ -31,22 +30,6 @@ std::vector<std::u16string_view> piecesOf(std::u16string_view pattern) {
 
 bool isInside(const Range& inner, const Range& outer) {
   return inner.location >= outer.location && endOf(inner) <= endOf(outer);
-}
-
-bool hasLeaf(const ReferenceTerm& node, const ReferenceTerm* leaf) {
-  return &node == leaf ||
-         std::ranges::any_of(node.children, [&](const ReferenceTerm& child) { return hasLeaf(child, leaf); });
-}
-
-bool isPlainInRelation(const ReferenceTerm& node) {
-  if (node.children.empty()) return node.word != u"*";
-  if (node.negated) return false;
-  for (size_t i = 0; i < node.children.size(); ++i) {
-    const ReferenceTerm& child = node.children[i];
-    if (i > 0 && (child.isProximity() || child.op == QueryOperator::Optional)) return false;
-    if (!isPlainInRelation(child)) return false;
-  }
-  return true;
 }
 
 void collectLeaves(const ReferenceTerm& node, std::vector<const ReferenceTerm*>& leaves) {
@@ -98,11 +81,11 @@ std::string dumpOf(const ReferenceTerm& root) {
 
 std::string dumpOf(const QueryTerms& root) { return dumpOf(referenceOf(root)); }
 
-std::string dumpOf(const std::vector<QueryOccurrence>& occurrences, bool withPrimary) {
+std::string dumpOf(const std::vector<QueryOccurrence>& occurrences) {
   std::string lines;
   for (const QueryOccurrence& o : occurrences) {
     lines += std::to_string(o.range.location) + '+' + std::to_string(o.range.length) + ' ' + o.term.toUTF8();
-    lines += withPrimary && o.primary ? " primary\n" : "\n";
+    lines += o.primary ? " primary\n" : "\n";
   }
   return lines;
 }
@@ -139,10 +122,15 @@ bool ReferenceText::wordIsLike(std::u16string_view pattern, const Range& word) c
          stringMatchesUnixWildcardFuzzy(pattern.data(), pattern.size(), units.data(), units.size()) >= 0.75;
 }
 
+// Found as the whole of what is searched.
+bool ReferenceText::isAnything(std::u16string_view word) const {
+  return _wildcard && word.find_first_not_of('*') == word.npos;
+}
+
 std::vector<Range> ReferenceText::placesOf(const ReferenceTerm& leaf, Range range) const {
   std::vector<Range> places;
   const std::u16string word = folded(leaf.word);
-  if (_wildcard && word.find_first_not_of('*') == word.npos) {
+  if (isAnything(word)) {
     if (range.length > 0) places.push_back(range);
     return places;
   }
@@ -234,47 +222,44 @@ bool ReferenceText::contains(const ReferenceTerm& node) const {
   return std::ranges::any_of(leaves, [&](const ReferenceTerm* leaf) { return !placesOf(*leaf, all).empty(); });
 }
 
-void ReferenceText::collectRelations(const ReferenceTerm& node, const ReferenceTerm* partner,
-                                     const ReferenceTerm& relation, Range range,
-                                     std::vector<Relation>& relations) const {
-  if (node.children.empty() && partner) {
-    relations.push_back({&node, partner, satisfiedPieces(node, *partner, relation, range)});
+// A child that the next one is related to takes part through that relation only; nothing below a negated group does,
+// but its partner does where the group holds.
+void ReferenceText::collectParts(const ReferenceTerm& node, const ReferenceTerm* partner, const ReferenceTerm& relation,
+                                 Range range, Parts& parts) const {
+  if (node.children.empty()) {
+    std::vector<Range> satisfied{range};
+    if (partner) satisfied = satisfiedPieces(node, *partner, relation, range);
+    for (const Range& piece : satisfied) {
+      if (!node.negated) parts[&node].push_back(piece);
+      if (partner) collectParts(*partner, nullptr, *partner, piece, parts);
+    }
+    return;
+  }
+  if (node.negated) {
+    if (partner && holds(node, partner, relation, range)) collectParts(*partner, nullptr, *partner, range, parts);
+    return;
   }
   for (size_t i = 0; i < node.children.size(); ++i) {
     const ReferenceTerm& child = node.children[i];
     const bool related = i > 0 && child.isProximity();
-    collectRelations(child, related ? &node.children[i - 1] : partner, related ? child : relation, range, relations);
+    const bool isPartner = i + 1 < node.children.size() && node.children[i + 1].isProximity();
+    if (isPartner && !related && !partner) continue;
+    collectParts(child, related ? &node.children[i - 1] : partner, related ? child : relation, range, parts);
   }
-}
-
-bool ReferenceText::hasPlainRelations(const ReferenceTerm& root) {
-  for (size_t i = 0; i < root.children.size(); ++i) {
-    const ReferenceTerm& child = root.children[i];
-    if (!hasPlainRelations(child)) return false;
-    if (i > 0 && child.isProximity() && !(isPlainInRelation(child) && isPlainInRelation(root.children[i - 1]))) {
-      return false;
-    }
-  }
-  return true;
 }
 
 std::vector<QueryOccurrence> ReferenceText::occurrences(const ReferenceTerm& root, Range range) const {
-  std::vector<Relation> relations;
-  collectRelations(root, nullptr, root, range, relations);
+  Parts parts;
+  collectParts(root, nullptr, root, range, parts);
   std::vector<const ReferenceTerm*> leaves;
   collectLeaves(root, leaves);
   std::map<std::pair<int64_t, int64_t>, QueryOccurrence> found;
   for (const ReferenceTerm* leaf : leaves) {
     for (const Range& place : placesOf(*leaf, range)) {
-      bool related = false;
-      bool satisfies = false;
-      for (const Relation& relation : relations) {
-        if (relation.leaf != leaf && !hasLeaf(*relation.partner, leaf)) continue;
-        related = true;
-        satisfies |= std::ranges::any_of(relation.satisfied, [&](const Range& s) { return isInside(place, s); });
-      }
+      const bool primary = std::ranges::any_of(
+          parts[leaf], [&](const Range& part) { return isAnything(leaf->word) || isInside(place, part); });
       auto& occurrence = found.try_emplace({place.location, -place.length}, place, leaf->word, false).first->second;
-      occurrence.primary |= satisfies || !related;
+      occurrence.primary |= primary;
     }
   }
   std::vector<QueryOccurrence> occurrences;

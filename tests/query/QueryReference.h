@@ -3,6 +3,7 @@
 #ifndef VELAN_TESTS_QUERY_QUERY_REFERENCE_H
 #define VELAN_TESTS_QUERY_QUERY_REFERENCE_H
 
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,7 +34,7 @@ std::string dumpOf(const ReferenceTerm& root);
 std::string dumpOf(const QueryTerms& root);
 
 /// One line for each occurrence.
-std::string dumpOf(const std::vector<QueryOccurrence>& occurrences, bool withPrimary);
+std::string dumpOf(const std::vector<QueryOccurrence>& occurrences);
 
 /// A text of ASCII, Latin-1 letters and ASCII separators with its words.
 class ReferenceText {
@@ -47,16 +48,9 @@ class ReferenceText {
   /// Where the leaf is found, negated or not, from left to right; places may overlap.
   std::vector<Range> placesOf(const ReferenceTerm& leaf, Range range) const;
   std::vector<QueryOccurrence> occurrences(const ReferenceTerm& root, Range range) const;
-  /// Whether it is plain what satisfies the query: not where a lone `*`, negated or optional groups, or groups with a
-  /// relation of their own, stand in a relation.
-  static bool hasPlainRelations(const ReferenceTerm& root);
 
  private:
-  struct Relation {
-    const ReferenceTerm* leaf;
-    const ReferenceTerm* partner;
-    std::vector<Range> satisfied;  // the spans or pieces in which the partner holds
-  };
+  using Parts = std::map<const ReferenceTerm*, std::vector<Range>>;  // the ranges in which a leaf takes part
 
   bool holds(const ReferenceTerm& node, const ReferenceTerm* partner, const ReferenceTerm& relation, Range range) const;
   bool foldOf(const ReferenceTerm& group, const ReferenceTerm* partner, const ReferenceTerm& relation,
@@ -64,8 +58,9 @@ class ReferenceText {
   Range spanAround(Range place, const ReferenceTerm& relation, Range range) const;
   std::vector<Range> satisfiedPieces(const ReferenceTerm& leaf, const ReferenceTerm& partner,
                                      const ReferenceTerm& relation, Range range) const;
-  void collectRelations(const ReferenceTerm& node, const ReferenceTerm* partner, const ReferenceTerm& relation,
-                        Range range, std::vector<Relation>& relations) const;
+  void collectParts(const ReferenceTerm& node, const ReferenceTerm* partner, const ReferenceTerm& relation, Range range,
+                    Parts& parts) const;
+  bool isAnything(std::u16string_view word) const;
   std::u16string folded(std::u16string_view text) const;
   bool wordIsLike(std::u16string_view pattern, const Range& word) const;
 

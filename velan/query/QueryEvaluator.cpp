@@ -1,14 +1,12 @@
 #include <algorithm>
 #include <utility>
 
+#include "velan/query/EndSearchInternal.h"
 #include "velan/query/QueryEvaluatorInternal.h"
 #include "velan/query/QueryWalkInternal.h"
 
 namespace velan {
 namespace {
-
-// Groups nested deeper are evaluated without witnesses.
-constexpr int kDeepestWitnesses = 64;
 
 // Whether a child joined by `queryOperator` can change what its group has come to so far.
 bool decides(QueryOperator queryOperator, bool running) {
@@ -37,13 +35,22 @@ Relation relationOfChild(const Relation& inherited, const QueryTerms::Children& 
   return {children[index - 1].get(), child.queryOperator(), child.proximityDistance()};
 }
 
+Range spanAround(const SearchedText& text, const Relation& relation, Range place, Range range) {
+  const QueryOperator queryOperator = relation.queryOperator;
+  const bool reachesBack = queryOperator != QueryOperator::After;
+  const bool reachesOn = queryOperator == QueryOperator::Near || queryOperator == QueryOperator::After;
+  const int64_t start =
+      reachesBack ? text.wordStartBefore(place.location, relation.distance, range.location) : place.location;
+  const int64_t end = reachesOn ? text.wordEndAfter(endOf(place), relation.distance, endOf(range)) : endOf(place);
+  return {start, end - start};
+}
+
 RelationRanges::RelationRanges(const SearchedText& text, LeafSearch& leaf, bool negated, const Relation& relation,
                                Range range)
     : _text(text),
       _leaf(leaf),
       _negated(negated),
-      _operator(relation.queryOperator),
-      _distance(relation.distance),
+      _relation(relation),
       _range(range),
       _number(leaf.isWholeRange() ? 0 : leaf.numberFrom(range.location)),
       _pieceStart(range.location) {}
@@ -56,12 +63,7 @@ Range RelationRanges::nextSpan() {
   const Range* place = _leaf.at(_number);
   if (!place || endOf(*place) > end) return kAbsentRange;
   ++_number;
-  const bool reachesBack = _operator != QueryOperator::After;
-  const bool reachesOn = _operator == QueryOperator::Near || _operator == QueryOperator::After;
-  const int64_t spanStart =
-      reachesBack ? _text.wordStartBefore(place->location, _distance, _range.location) : place->location;
-  const int64_t spanEnd = reachesOn ? _text.wordEndAfter(endOf(*place), _distance, end) : endOf(*place);
-  return {spanStart, spanEnd - spanStart};
+  return spanAround(_text, _relation, *place, _range);
 }
 
 Range RelationRanges::nextPiece() {
@@ -80,7 +82,10 @@ QueryEvaluator::QueryEvaluator(const FastWordEnumerator& enumerator, QueryCompar
     : _text(enumerator, comparison, SearchedText::Mapping::InAdvance),
       _comparison(comparisonOn(enumerator, comparison)),
       _kind(kind),
-      _prepared(prepared) {}
+      _prepared(prepared),
+      _ends(std::make_unique<EndSearch>(*this)) {}
+
+QueryEvaluator::~QueryEvaluator() = default;
 
 LeafSearch& QueryEvaluator::search(const QueryTerms& leaf) {
   auto& search = _searches[&leaf];
@@ -134,10 +139,10 @@ bool QueryEvaluator::holdsLeaf(const QueryTerms& leaf, Range range) {
   return isPresent(search(leaf).firstIn(range)) != leaf.queryNot();
 }
 
-bool QueryEvaluator::holds(const QueryTerms& node, Range range) {
-  if (node.isWord()) return holdsLeaf(node, range);
-  if (const Ranges* known = witnesses(node)) return holdsWithin(*known, range);
-  return evaluate(node, {}, range);
+bool QueryEvaluator::holds(const QueryTerms& node, const Relation& relation, Range range) {
+  if (node.isWord() && !relation.partner) return holdsLeaf(node, range);
+  const bool isReached = _ends->reaches(node) && (!relation.partner || _ends->reaches(*relation.partner));
+  return isReached ? _ends->holds(node, relation, range) : evaluate(node, relation, range);
 }
 
 bool QueryEvaluator::evaluate(const QueryTerms& node, const Relation& relation, Range range) {
@@ -201,69 +206,13 @@ std::optional<QueryEvaluator::Frame> QueryEvaluator::stepRelated(Frame& frame, b
     if (!isPresent(span)) break;
     if (partner.isWord()) {
       result = holdsLeaf(partner, span);
-    } else if (const Ranges* known = witnesses(partner)) {
-      result = holdsWithin(*known, span);
+    } else if (_ends->reaches(partner)) {
+      result = _ends->holds(partner, {}, span);
     } else {
       return Frame{&partner, {}, span, true, 0, false, nullptr};
     }
   }
   return std::nullopt;
-}
-
-bool QueryEvaluator::hasWitnesses(const QueryTerms& node) {
-  struct Level {
-    const QueryTerms* node;
-    int depth;
-  };
-  std::vector<Level> pending{{&node, 0}};
-  while (!pending.empty()) {
-    const Level level = pending.back();
-    pending.pop_back();
-    if (level.node->queryNot() || level.depth > kDeepestWitnesses) return false;
-    if (level.node->isWord() && search(*level.node).isWholeRange()) return false;
-    const auto& children = level.node->children();
-    for (size_t i = 0; i < children.size(); ++i) {
-      if (i > 0 && children[i]->queryOperator() == QueryOperator::Xor) return false;
-      pending.push_back({children[i].get(), level.depth + 1});
-    }
-  }
-  return true;
-}
-
-const Ranges* QueryEvaluator::witnesses(const QueryTerms& node) {
-  const auto [entry, isNew] = _witnesses.try_emplace(&node);
-  if (isNew && hasWitnesses(node)) {
-    Ranges found = findWitnesses(node, {});
-    return &_witnesses[&node].emplace(std::move(found));  // finding others may have moved the entry
-  }
-  return entry->second ? &*entry->second : nullptr;
-}
-
-// The same fold as that of `stepGroup`, of witnesses instead of results.
-Ranges QueryEvaluator::findWitnesses(const QueryTerms& node, const Relation& relation) {
-  if (node.isWord()) {
-    const Range all{0, _text.length()};
-    Ranges found = places(node, all);
-    if (!relation.partner) return found;
-    Ranges spans;
-    RelationRanges ranges = relationRanges(node, relation, all);
-    for (Range span = ranges.next(); isPresent(span); span = ranges.next()) spans.push_back(span);
-    const QueryTerms& partner = *relation.partner;
-    return witnessesOfRelation(found, spans, partner.isWord() ? places(partner, all) : *witnesses(partner));
-  }
-  Ranges running;
-  const auto& children = node.children();
-  for (size_t i = 0; i < children.size(); ++i) {
-    const QueryOperator queryOperator = children[i]->queryOperator();
-    if (i > 0 && (queryOperator == QueryOperator::Optional || queryOperator == QueryOperator::Mixed)) continue;
-    Ranges next = findWitnesses(*children[i], relationOfChild(relation, children, i));
-    if (i == 0) {
-      running = std::move(next);
-    } else {
-      running = queryOperator == QueryOperator::Or ? witnessesOfEither(running, next) : witnessesOfBoth(running, next);
-    }
-  }
-  return running;
 }
 
 }  // namespace velan

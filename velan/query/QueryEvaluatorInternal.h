@@ -16,6 +16,9 @@
 //  - A group N hands partner, operator, distance and range to its children joined by and, or, exclusive or, so that
 //    "a NEAR (b OR c)" relates a to b or to c; a negated group N inverts its whole result.
 // A distance of zero or less relates like and. An empty tree matches nothing.
+//
+// The same meaning stands in three places, which change together: here for one range; in EndSearch for all ranges with
+// one beginning, which relations ask about; and in QueryOccurrences, for the places that take part in a match.
 #ifndef VELAN_QUERY_QUERY_EVALUATOR_INTERNAL_H
 #define VELAN_QUERY_QUERY_EVALUATOR_INTERNAL_H
 
@@ -25,9 +28,10 @@
 #include <vector>
 
 #include "velan/query/LeafSearchInternal.h"
-#include "velan/query/WitnessesInternal.h"
 
 namespace velan {
+
+using Ranges = std::vector<Range>;
 
 /// What a proximity operator relates a node to; without a partner there is no relation.
 struct Relation {
@@ -42,6 +46,9 @@ bool hasOwnRelation(const QueryTerms& node);
 /// The relation of child `index` of a group whose own relation is `inherited`.
 Relation relationOfChild(const Relation& inherited, const QueryTerms::Children& children, size_t index);
 
+/// The span of a leaf's `place` in a relation, clipped to `range`.
+Range spanAround(const SearchedText& text, const Relation& relation, Range place, Range range);
+
 /// The ranges in which the partner of a leaf has to hold: the spans of the leaf's occurrences or, when it is negated,
 /// the pieces outside all spans. Both beginnings and ends grow.
 class RelationRanges {
@@ -50,8 +57,6 @@ class RelationRanges {
 
   /// The next range, absent when there is none.
   Range next();
-  /// The number of the occurrence that the last span belongs to.
-  size_t occurrence() const { return _number - 1; }
 
  private:
   Range nextSpan();
@@ -60,21 +65,24 @@ class RelationRanges {
   const SearchedText& _text;
   LeafSearch& _leaf;
   const bool _negated;
-  const QueryOperator _operator;
-  const int64_t _distance;
+  const Relation _relation;
   const Range _range;
   size_t _number;
   int64_t _pieceStart;
 };
 
-/// Evaluates any nodes of one tree on one text. Each leaf is searched once, and what a group that is a
-/// partner gives in a range is remembered. Depth of the tree costs memory only.
+class EndSearch;
+
+/// Evaluates any nodes of one tree on one text. Each leaf is searched once. In relations the ends of ranges are
+/// searched (EndSearchInternal.h); where a partner nests too deep for that, it is evaluated in each range, and what it
+/// gives there is remembered. Depth of the tree costs memory only.
 class QueryEvaluator {
  public:
   /// `prepared` may have patterns of leaves, for this kind and for the comparison on the enumerator; others are made
   /// when they are needed. Null for none. Borrows both.
   QueryEvaluator(const FastWordEnumerator& enumerator, QueryComparison comparison, LeafKind kind,
                  const LeafPatterns* prepared = nullptr);
+  ~QueryEvaluator();
 
   const SearchedText& text() const { return _text; }
   LeafSearch& search(const QueryTerms& leaf);
@@ -86,12 +94,9 @@ class QueryEvaluator {
   /// part goes.
   void forgetOtherRanges(Range range);
   bool evaluate(const QueryTerms& node, const Relation& relation, Range range);
-  /// `evaluate` without a relation, by witnesses where there are any.
-  bool holds(const QueryTerms& node, Range range);
-  RelationRanges relationRanges(const QueryTerms& leaf, const Relation& relation, Range range);
-  /// The witnesses of `node` without a relation in the whole text; null where there are none to be had: with a
-  /// negation, an exclusive or or a lone `*` at or below the node, or when it nests deeper than is worth a recursion.
-  const Ranges* witnesses(const QueryTerms& node);
+  /// `evaluate` in a range that is not empty, for callers that ask about many ranges.
+  bool holds(const QueryTerms& node, const Relation& relation, Range range);
+  EndSearch& ends() { return *_ends; }
 
  private:
   // A node that is being evaluated. `step` either names the node that must be evaluated before it goes on, or gives the
@@ -118,8 +123,7 @@ class QueryEvaluator {
   std::optional<Frame> stepGroup(Frame& frame, bool& result);
   std::optional<Frame> stepRelated(Frame& frame, bool& result);
   bool holdsLeaf(const QueryTerms& leaf, Range range);
-  bool hasWitnesses(const QueryTerms& node);
-  Ranges findWitnesses(const QueryTerms& node, const Relation& relation);
+  RelationRanges relationRanges(const QueryTerms& leaf, const Relation& relation, Range range);
 
   const SearchedText _text;
   const QueryComparison _comparison;
@@ -128,7 +132,7 @@ class QueryEvaluator {
   Range _evaluated{0, 0};
   std::unordered_map<const QueryTerms*, std::unique_ptr<LeafSearch>> _searches;
   std::unordered_map<Place, bool, PlaceHash> _remembered;
-  std::unordered_map<const QueryTerms*, std::optional<Ranges>> _witnesses;
+  std::unique_ptr<EndSearch> _ends;
 };
 
 }  // namespace velan

@@ -1,38 +1,143 @@
 #include <algorithm>
 #include <memory>
+#include <numeric>
+#include <optional>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 
+#include "velan/query/EndSearchInternal.h"
 #include "velan/query/QueryOccurrencesInternal.h"
 #include "velan/query/QueryWalkInternal.h"
 
 namespace velan {
 namespace {
 
-Ranges distinctRanges(Ranges ranges) {
-  std::sort(ranges.begin(), ranges.end(), [](const Range& a, const Range& b) {
-    return a.location != b.location ? a.location < b.location : a.length < b.length;
+// The ranges in order, without those that another one contains.
+Ranges largestRanges(Ranges ranges) {
+  std::sort(ranges.begin(), ranges.end(), rangePrecedes);
+  int64_t reached = -1;
+  std::erase_if(ranges, [&reached](const Range& range) {
+    if (endOf(range) <= reached) return true;
+    reached = endOf(range);
+    return false;
   });
-  ranges.erase(std::unique(ranges.begin(), ranges.end()), ranges.end());
   return ranges;
 }
 
-// In ranges none of which contains another: the index of the first one that ends at or after `end`, or begins at or
-// after `start`.
-size_t firstEndingFrom(const Ranges& ranges, int64_t end) {
-  const auto before = [end](const Range& range) { return endOf(range) < end; };
-  return static_cast<size_t>(std::partition_point(ranges.begin(), ranges.end(), before) - ranges.begin());
+bool hasExclusiveChild(const QueryTerms& node) {
+  const auto& children = node.children();
+  return !children.empty() && std::any_of(children.begin() + 1, children.end(), [](const auto& child) {
+    return child->queryOperator() == QueryOperator::Xor;
+  });
 }
 
-size_t firstBeginningFrom(const Ranges& ranges, int64_t start) {
-  const auto before = [start](const Range& range) { return range.location < start; };
-  return static_cast<size_t>(std::partition_point(ranges.begin(), ranges.end(), before) - ranges.begin());
+// The leaves at or below `root` that can make it false by occurring: negated ones, and all below a negated group or an
+// exclusive or, with the partners of these.
+std::vector<const QueryTerms*> turningLeaves(const QueryTerms& root) {
+  std::vector<const QueryTerms*> nodes;  // parents first
+  walkQuery(root, [&nodes](const QueryTerms& node) {
+    nodes.push_back(&node);
+    return true;
+  });
+  std::unordered_set<const QueryTerms*> turning;  // first those with a negation or exclusive or at or below them
+  for (auto node = nodes.rbegin(); node != nodes.rend(); ++node) {
+    const auto& children = (*node)->children();
+    const auto isTurning = [&turning](const auto& child) { return turning.contains(child.get()); };
+    if ((*node)->queryNot() || hasExclusiveChild(**node) || std::any_of(children.begin(), children.end(), isTurning)) {
+      turning.insert(*node);
+    }
+  }
+  std::unordered_set<const QueryTerms*> turned;
+  std::vector<const QueryTerms*> leaves;
+  for (const QueryTerms* node : nodes) {
+    const auto& children = node->children();
+    const bool isTurned = node->queryNot() || hasExclusiveChild(*node) || turned.contains(node);
+    if (isTurned && node->isWord()) leaves.push_back(node);
+    for (size_t i = 0; i < children.size(); ++i) {
+      const QueryTerms* next = i + 1 < children.size() ? children[i + 1].get() : nullptr;
+      const bool turnsWithNext = next && hasOwnRelation(*next) && !next->isWord() && turning.contains(next);
+      if (isTurned || turnsWithNext) turned.insert(children[i].get());
+    }
+  }
+  return leaves;
 }
+
+// Ranges that hold the same places of all turning leaves of a node: where the node holds in one of them, it holds in
+// each longer one, and what takes part in the one takes part in the longer. So of such ranges the largest are enough.
+class Contents {
+ public:
+  void add(Range place) {
+    _starts.push_back(place.location);
+    _ends.push_back(endOf(place));
+  }
+  void sort() {
+    std::sort(_starts.begin(), _starts.end());
+    std::sort(_ends.begin(), _ends.end());
+  }
+
+  // Ranges that end before this hold fewer places than one that ends at `end`; 0 when there are none.
+  int64_t previousEnd(int64_t end) const {
+    const size_t count = endsBy(end);
+    return count > 0 ? _ends[count - 1] : 0;
+  }
+  // Ranges that begin from here on hold fewer places than one that begins at `start`.
+  int64_t nextStart(int64_t start) const {
+    const size_t count = startsBefore(start);
+    return count < _starts.size() ? _starts[count] + 1 : NSNotFound;
+  }
+
+  // Of the ranges that hold the same places, those that no other one contains.
+  Ranges largestOfEach(Ranges ranges) const {
+    if (_starts.empty()) return largestRanges(std::move(ranges));
+    std::vector<std::pair<std::pair<size_t, size_t>, Range>> keyed;
+    for (const Range& range : ranges) {
+      keyed.push_back({{startsBefore(range.location), endsBy(endOf(range))}, range});
+    }
+    std::sort(keyed.begin(), keyed.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+    Ranges result;
+    for (auto begin = keyed.begin(); begin != keyed.end();) {
+      Ranges same;
+      const auto key = begin->first;
+      for (; begin != keyed.end() && begin->first == key; ++begin) same.push_back(begin->second);
+      same = largestRanges(std::move(same));
+      result.insert(result.end(), same.begin(), same.end());
+    }
+    return result;
+  }
+
+ private:
+  size_t startsBefore(int64_t start) const {
+    return static_cast<size_t>(std::lower_bound(_starts.begin(), _starts.end(), start) - _starts.begin());
+  }
+  size_t endsBy(int64_t end) const {
+    return static_cast<size_t>(std::upper_bound(_ends.begin(), _ends.end(), end) - _ends.begin());
+  }
+
+  std::vector<int64_t> _starts;
+  std::vector<int64_t> _ends;
+};
+
+// Numbers to take, each once.
+class Untaken {
+ public:
+  explicit Untaken(size_t count) : _next(count + 1) { std::iota(_next.begin(), _next.end(), size_t{0}); }
+
+  size_t firstFrom(size_t number) {
+    while (_next[number] != number) number = _next[number] = _next[_next[number]];
+    return number;
+  }
+  void take(size_t number) { _next[number] = number + 1; }
+
+ private:
+  std::vector<size_t> _next;  // a way to the first one that is not taken
+};
 
 // Walks the tree from the root and marks the places that take part in the match.
 class PrimaryPlaces {
  public:
-  PrimaryPlaces(QueryEvaluator& evaluator, const QueryTerms& root, Range range) : _evaluator(evaluator) {
+  PrimaryPlaces(QueryEvaluator& evaluator, const QueryTerms& root, Range range)
+      : _evaluator(evaluator), _root(root), _range(range) {
     add(root, {}, {range});
     while (!_pending.empty()) {
       const Task task = std::move(_pending.back());
@@ -81,7 +186,7 @@ class PrimaryPlaces {
   Ranges rangesOfGroup(const Task& task) {
     Ranges ranges;
     for (const Range& range : *task.ranges) {
-      if (_evaluator.evaluate(*task.node, task.relation, range)) ranges.push_back(range);
+      if (_evaluator.holds(*task.node, task.relation, range)) ranges.push_back(range);
     }
     return ranges;
   }
@@ -97,58 +202,85 @@ class PrimaryPlaces {
   void visitRelated(const Task& task) {
     const QueryTerms& leaf = *task.node;
     const QueryTerms& partner = *task.relation.partner;
-    // Where the partner holds in every range around one in which it holds, the largest ranges are enough.
-    const bool grows = partner.isWord() ? !partner.queryNot() : _evaluator.witnesses(partner) != nullptr;
+    const Contents contents = contentsOf(partner);
     Ranges satisfied;
-    if (grows && !leaf.queryNot() && !_evaluator.search(leaf).isWholeRange() && task.ranges->size() > 1) {
-      satisfied = satisfiedSpans(task);
+    const auto addIfSatisfied = [&](int64_t start, int64_t end) {
+      if (start < end && _evaluator.holds(partner, {}, {start, end - start})) satisfied.push_back({start, end - start});
+    };
+    if (_evaluator.search(leaf).isWholeRange()) {
+      for (const Range& range : *task.ranges) {
+        if (!leaf.queryNot()) addIfSatisfied(range.location, endOf(range));
+      }
     } else {
-      for (const Range& range : *task.ranges) addSatisfied(task, range, satisfied);
-    }
-    if (satisfied.empty()) return;
-    if (!leaf.queryNot()) markWithin(leaf, satisfied);
-    add(partner, {}, grows ? largestRanges(std::move(satisfied)) : distinctRanges(std::move(satisfied)));
-  }
-
-  // Appends the spans or pieces within `range` that satisfy the relation.
-  void addSatisfied(const Task& task, Range range, Ranges& satisfied) {
-    RelationRanges ranges = _evaluator.relationRanges(*task.node, task.relation, range);
-    for (Range each = ranges.next(); isPresent(each); each = ranges.next()) {
-      if (_evaluator.holds(*task.relation.partner, each)) satisfied.push_back(each);
-    }
-  }
-
-  // The same for all ranges at once, each occurrence being looked at once. Its span is clipped to each range that the
-  // occurrence lies in. Of the ranges that the span's beginning cuts, the last one leaves most; of those that its end
-  // cuts, the first one; those inside the span stay whole, and each of them is added once.
-  Ranges satisfiedSpans(const Task& task) {
-    const QueryTerms& partner = *task.relation.partner;
-    const Ranges ranges = largestRanges(*task.ranges);
-    std::vector<size_t> holding{0};  // how many of the first ranges the partner holds in
-    for (const Range& range : ranges) holding.push_back(holding.back() + (_evaluator.holds(partner, range) ? 1 : 0));
-    LeafSearch& search = _evaluator.search(*task.node);
-    RelationRanges spans = _evaluator.relationRanges(*task.node, task.relation, {0, _evaluator.text().length()});
-    Ranges satisfied;
-    size_t added = 0;  // the ranges before this one have been added
-    for (Range span = spans.next(); isPresent(span); span = spans.next()) {
-      const Range place = *search.at(spans.occurrence());
-      const size_t first = firstEndingFrom(ranges, endOf(place));          // the ranges around the place begin here
-      const size_t last = firstBeginningFrom(ranges, place.location + 1);  // and end before
-      const size_t inside = std::max(first, firstBeginningFrom(ranges, span.location));
-      const size_t insideEnd = std::min(last, firstEndingFrom(ranges, endOf(span) + 1));
-      const auto addClipped = [&](size_t index) {
-        const int64_t start = std::max(span.location, ranges[index].location);
-        const Range clipped{start, std::min(endOf(span), endOf(ranges[index])) - start};
-        if (_evaluator.holds(partner, clipped)) satisfied.push_back(clipped);
-      };
-      if (inside > first && inside - 1 < last) addClipped(inside - 1);
-      if (insideEnd < last && insideEnd >= first) addClipped(insideEnd);
-      if (inside >= insideEnd || holding[insideEnd] == holding[inside]) continue;
-      for (added = std::max(added, inside); added < insideEnd; ++added) {
-        if (holding[added + 1] > holding[added]) satisfied.push_back(ranges[added]);
+      LeafSearch& search = _evaluator.search(leaf);
+      PlacedSpans placed(search.numberFrom(_range.location));
+      placed.find(_evaluator.text(), search, task.relation, endOf(_range));
+      Untaken untaken(placed.size());
+      for (const Range& range : *task.ranges) {
+        if (leaf.queryNot()) {
+          addPieces(placed, range, untaken, addIfSatisfied);
+        } else {
+          addSpans(placed, range, contents, untaken, addIfSatisfied);
+        }
       }
     }
-    return satisfied;
+    if (satisfied.empty()) return;
+    satisfied = contents.largestOfEach(std::move(satisfied));
+    if (!leaf.queryNot()) markWithin(leaf, satisfied);
+    add(partner, {}, std::move(satisfied));
+  }
+
+  // The spans of the places in `range`, clipped to it. Those that lie in it wholly are the same for all ranges. Of
+  // those that its beginning or end cuts only the largest that hold the same turning places can add anything.
+  void addSpans(const PlacedSpans& placed, Range range, const Contents& contents, Untaken& untaken, auto add) {
+    const int64_t start = range.location;
+    const int64_t end = endOf(range);
+    const size_t first = placed.firstPlaceFrom(start);
+    const size_t past = placed.countEndingBy(end);
+    if (first >= past) return;
+    const size_t firstBegun = std::clamp(placed.firstSpanFrom(start), first, past);
+    const size_t firstCut = std::clamp(placed.firstSpanReaching(end + 1), first, past);
+    for (size_t i = untaken.firstFrom(firstBegun); i < firstCut; i = untaken.firstFrom(i)) {
+      add(placed[i].span.location, endOf(placed[i].span));
+      untaken.take(i);
+    }
+    if (firstCut < firstBegun) add(start, end);
+    for (size_t count = std::min(firstBegun, firstCut); count > first;) {
+      const int64_t spanEnd = endOf(placed[count - 1].span);
+      add(start, spanEnd);
+      count = std::min(count - 1, placed.firstSpanReaching(contents.previousEnd(spanEnd)));
+    }
+    for (size_t i = std::max(firstBegun, firstCut); i < past;) {
+      const int64_t spanStart = placed[i].span.location;
+      add(spanStart, end);
+      i = std::max(i + 1, placed.firstSpanFrom(contents.nextStart(spanStart)));
+    }
+  }
+
+  // The pieces of `range` outside the spans of the places in it.
+  void addPieces(const PlacedSpans& placed, Range range, Untaken& untaken, auto add) {
+    const size_t first = placed.firstPlaceFrom(range.location);
+    const size_t past = placed.countEndingBy(endOf(range));
+    if (first >= past) return add(range.location, endOf(range));
+    add(range.location, placed[first].span.location);
+    add(endOf(placed[past - 1].span), endOf(range));
+    for (size_t i = untaken.firstFrom(first); i + 1 < past; i = untaken.firstFrom(i)) {
+      add(endOf(placed[i].span), placed[i + 1].span.location);
+      untaken.take(i);
+    }
+  }
+
+  // A partner that nests too deep for the ends to be searched gets what the whole query turns on, which is found once.
+  Contents contentsOf(const QueryTerms& partner) {
+    const bool isShallow = _evaluator.ends().reaches(partner);
+    if (!isShallow && _contentsOfRoot) return *_contentsOfRoot;
+    Contents contents;
+    for (const QueryTerms* leaf : turningLeaves(isShallow ? partner : _root)) {
+      for (const Range& place : _evaluator.places(*leaf, _range)) contents.add(place);
+    }
+    contents.sort();
+    if (!isShallow) _contentsOfRoot = contents;
+    return contents;
   }
 
   void mark(const QueryTerms& leaf, size_t number) {
@@ -172,6 +304,9 @@ class PrimaryPlaces {
   }
 
   QueryEvaluator& _evaluator;
+  const QueryTerms& _root;
+  const Range _range;
+  std::optional<Contents> _contentsOfRoot;
   std::vector<Task> _pending;
   std::unordered_map<const QueryTerms*, std::vector<bool>> _marks;
 };

@@ -12,6 +12,7 @@
 #include "velan/text/digest/MD5.h"
 #include "velan/text/digest/SHA1.h"
 #include "velan/text/encoding/UnicodeConverters.h"
+#include "velan/text/inspection/Numbers.h"
 #include "velan/wildcard/WildcardMatching.h"
 #include "velan/wildcard/WildcardPattern.h"
 
@@ -26,6 +27,7 @@ static void checkText(void) {
   CHECK(isMemberOfCharacterSetRep(defaultWordSeparators(), u' '));
   CHECK(fastCompareUnichars(u"abc", 3, u"abd", 3) == -1);
   CHECK(fastCaseInsensitiveContainsUnichars(u"abc", 3, u"BC", 2) != NULL);
+  CHECK(containsNumberWithNDigits(u"a12", 3, 2) && !containsNumberWithNDigits(u"a12", 3, 3));
   CHECK(equalCharsOfCharacterSetRep(u"a-b", 3, u"ab", 2, alphaCharacterSetRep()));
 }
 

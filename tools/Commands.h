@@ -10,9 +10,9 @@ namespace velan::tool {
 
 /// What the process ends with.
 enum ExitStatus : int {
-  kSomething = 0,  // something matched, or the work is done
-  kNothing = 1,    // nothing matched, or a check failed
-  kTrouble = 2,    // something went wrong; a message on standard error tells what
+  Something = 0,  // something matched, or the work is done
+  Nothing = 1,    // nothing matched, or a check failed
+  Trouble = 2,    // something went wrong; a message on standard error tells what
 };
 
 /// Search, explain, match, words, selftest.

@@ -35,7 +35,7 @@ int finishOutput(int status) {
   errno = EIO;
   if (checkOutput(std::fflush(stdout) == 0 && !std::ferror(stdout)) || outputError == EPIPE) return status;
   complain(std::string("standard output: ") + std::strerror(outputError));
-  return kTrouble;
+  return Trouble;
 }
 
 std::optional<std::string> readFile(const std::string& path, std::string& why) {

@@ -16,7 +16,7 @@ void complain(std::string_view message);
 bool print(std::string_view text);
 /// The same, and what was written reaches its reader at once.
 bool printNow(std::string_view text);
-/// For the end of the program: writes what is left. Returns `status`, or `kTrouble` after a complaint when output was
+/// For the end of the program: writes what is left. Returns `status`, or `Trouble` after a complaint when output was
 /// lost. A reader that has gone away, such as `head`, is no trouble.
 int finishOutput(int status);
 

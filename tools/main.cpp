@@ -22,12 +22,12 @@ int complainAboutUsage(const CLI::App& app, const CLI::ParseError& error) {
     command += ' ' + each->get_name();
   }
   complain(message + " (see " + command + " --help)");
-  return kTrouble;
+  return Trouble;
 }
 
 int run(int argc, char** argv) {
   CLI::App app{"Text search, records and block files from the command line", "velan"};
-  int status = kSomething;
+  int status = Something;
   bool version = false;
   bool verbose = false;
   app.add_flag("--version", version, "Print the version");
@@ -49,7 +49,7 @@ int run(int argc, char** argv) {
   if (version) printVersion(verbose);
   if (version || !app.get_subcommands().empty()) return status;
   complain("which command? (see velan --help)");
-  return kTrouble;
+  return Trouble;
 }
 
 }  // namespace
@@ -62,6 +62,6 @@ int main(int argc, char** argv) {
     return finishOutput(run(argc, argv));
   } catch (const std::exception& error) {
     complain(error.what());
-    return kTrouble;
+    return Trouble;
   }
 }

@@ -73,7 +73,7 @@ void printDamage(const DamagedPlace& place) {
 
 int trouble(const std::string& message) {
   complain(message);
-  return kTrouble;
+  return Trouble;
 }
 
 struct BlockOptions {
@@ -106,7 +106,7 @@ std::unique_ptr<BlockStorage> opened(const BlockOptions& options, bool updating)
 
 int list(const BlockOptions& options) {
   const auto storage = opened(options, false);
-  if (!storage) return kTrouble;
+  if (!storage) return Trouble;
   fmt::print("{:>12}  {:>10}  {:>8}  kind\n", "offset", "stored", "padding");
   int64_t count = 0;
   storage->enumerateStoredBlocks(
@@ -120,13 +120,13 @@ int list(const BlockOptions& options) {
         printDamage(place);
         return false;
       });
-  return count > 0 ? kSomething : kNothing;
+  return count > 0 ? Something : Nothing;
 }
 
 int report(const BlockSurvey& survey) {
   for (const DamagedPlace& place : survey.damages) printDamage(place);
   fmt::print("{} blocks, {} deleted, {} damaged places\n", survey.blocks, survey.deleted, survey.damages.size());
-  return survey.damages.empty() ? kSomething : kNothing;
+  return survey.damages.empty() ? Something : Nothing;
 }
 
 std::optional<BlockSurvey> surveyOf(BlockStorage& storage) {
@@ -136,24 +136,24 @@ std::optional<BlockSurvey> surveyOf(BlockStorage& storage) {
 
 int verify(const BlockOptions& options) {
   const auto storage = opened(options, false);
-  if (!storage) return kTrouble;
+  if (!storage) return Trouble;
   const auto survey = surveyOf(*storage);
   return survey ? report(*survey) : trouble(options.file + ": cannot be read");
 }
 
 int writeOut(const Data& data) {
   if (std::fwrite(data.bytes(), 1, data.length(), stdout) == data.length() && std::fflush(stdout) == 0)
-    return kSomething;
+    return Something;
   return trouble(std::string("standard output: ") + std::strerror(errno));
 }
 
 int get(const BlockOptions& options) {
   const auto storage = opened(options, false);
-  if (!storage) return kTrouble;
+  if (!storage) return Trouble;
   const Data data = storage->seekToFileOffset(options.offset) ? storage->nextAvailableBlock() : Data();
   if (!data || storage->offsetOfLastBlock() != options.offset) {
     complain(fmt::format("{}: no readable block at {}", options.file, options.offset));
-    return kNothing;
+    return Nothing;
   }
   return writeOut(data);
 }
@@ -163,7 +163,7 @@ int append(const BlockOptions& options) {
   const auto bytes = readFile(options.input, why);
   if (!bytes) return trouble(options.input + ": " + why);
   const auto storage = opened(options, true);
-  if (!storage) return kTrouble;
+  if (!storage) return Trouble;
   if (!storage->recoverTail()) return trouble(options.file + ": is damaged; try `velan blocks repair`");
   const int64_t offset = storage->seekToEndOfFile();
   if (!storage->appendBlock(Data::withBytes(*bytes)) || !storage->synchronizeFile()) {
@@ -171,18 +171,18 @@ int append(const BlockOptions& options) {
                                bytes->empty() ? ": an empty block cannot be stored" : ": cannot be written"));
   }
   fmt::print("{}\n", offset);
-  return kSomething;
+  return Something;
 }
 
 int remove(const BlockOptions& options) {
   if (access(options.file.c_str(), F_OK) != 0) return trouble(options.file + ": " + std::strerror(errno));
   const auto storage = opened(options, true);
-  if (!storage) return kTrouble;
+  if (!storage) return Trouble;
   if (!storage->deleteBlockAtFileOffset(options.offset)) {
     complain(fmt::format("{}: no block at {}", options.file, options.offset));
-    return kNothing;
+    return Nothing;
   }
-  return storage->synchronizeFile() ? kSomething : trouble(options.file + ": cannot be written");
+  return storage->synchronizeFile() ? Something : trouble(options.file + ": cannot be written");
 }
 
 // The compressed blocks of the new file stay as they are when compression is asked for.
@@ -205,16 +205,16 @@ struct CompressingHandler : BlockStorageHandler {
 int compact(const BlockOptions& options) {
   if (access(options.output.c_str(), F_OK) == 0) return trouble(options.output + ": there is a file already");
   const auto storage = opened(options, false);
-  if (!storage) return kTrouble;
+  if (!storage) return Trouble;
   CompressingHandler handler(*storage);
   handler.compress = options.compress;
-  if (storage->optimizeToPath(String::fromUTF8(options.output), options.skipErrors, &handler)) return kSomething;
+  if (storage->optimizeToPath(String::fromUTF8(options.output), options.skipErrors, &handler)) return Something;
   return trouble(fmt::format("{}: cannot be compacted into {}", options.file, options.output));
 }
 
 int repair(const BlockOptions& options) {
   const auto storage = opened(options, false);
-  if (!storage) return kTrouble;
+  if (!storage) return Trouble;
   ProgressLine progress("repairing");
   const auto survey =
       options.dryRun ? storage->verify(progress) : storage->repairToPath(String::fromUTF8(options.output), progress);
@@ -223,7 +223,7 @@ int repair(const BlockOptions& options) {
                                   : options.output + ": there is a file already, or it cannot be written");
   }
   report(*survey);
-  return survey->blocks > 0 ? kSomething : kNothing;
+  return survey->blocks > 0 ? Something : Nothing;
 }
 
 // Reads the input, lets `convert` answer with bytes, and writes those.
@@ -242,7 +242,7 @@ int crc(const std::vector<std::string>& files) {
     if (!bytes) return trouble(fmt::format("{}: {}", file, why));
     fmt::print("{:08x}  {}\n", CRC32(bytes->data(), bytes->size()), file);
   }
-  return kSomething;
+  return Something;
 }
 
 void addBlocks(CLI::App& app, int& status) {

@@ -39,7 +39,7 @@ void print(const std::string& text) { std::fwrite(text.data(), 1, text.size(), s
 
 int trouble(const std::string& message) {
   complain(message);
-  return kTrouble;
+  return Trouble;
 }
 
 std::optional<Data> load(const std::string& path) {
@@ -55,7 +55,7 @@ std::optional<Data> load(const std::string& path) {
 int store(const std::string& path, const MutableData& data) {
   if (path == "-") return trouble("-: standard input has no file to write to");
   const FileError error = replaceFile(String::fromUTF8(path), data);
-  return error ? trouble(path + ": " + error.description().toUTF8()) : kSomething;
+  return error ? trouble(path + ": " + error.description().toUTF8()) : Something;
 }
 
 // A file to be edited must be whole: what is set behind damage would never be found.
@@ -71,7 +71,7 @@ std::optional<MutableData> loadForEditing(const std::string& path, bool mayBeMis
 
 int dump(const Arguments& arguments) {
   const auto data = load(arguments.file);
-  if (!data) return kTrouble;
+  if (!data) return Trouble;
   const KeyedInspection inspection = inspectKeyedData(*data);
   const bool damaged = inspection.damage != KeyedDamage::None;
   if (arguments.json) {
@@ -80,17 +80,17 @@ int dump(const Arguments& arguments) {
     for (const KeyedRecord& record : inspection.records) print(lineOfRecord(*data, record) + "\n");
   }
   if (damaged) complain(arguments.file + ": " + describeDamage(*data, inspection));
-  return damaged || inspection.records.empty() ? kNothing : kSomething;
+  return damaged || inspection.records.empty() ? Nothing : Something;
 }
 
 int check(const Arguments& arguments) {
   const auto data = load(arguments.file);
-  if (!data) return kTrouble;
+  if (!data) return Trouble;
   const KeyedInspection inspection = inspectKeyedData(*data);
   const bool valid = isValid(*data);
   const std::string count = valid ? ", " + std::to_string(inspection.records.size()) + " records" : std::string();
   print(arguments.file + ": " + describeDamage(*data, inspection) + count + "\n");
-  return valid ? kSomething : kNothing;
+  return valid ? Something : Nothing;
 }
 
 bool printValue(const Value& value) {
@@ -106,9 +106,9 @@ bool printValue(const Value& value) {
 
 int get(const Arguments& arguments) {
   const auto data = load(arguments.file);
-  if (!data) return kTrouble;
+  if (!data) return Trouble;
   if (arguments.pair) {
-    return printValue(getValueForKey(*data, String::fromUTF8(arguments.key))) ? kSomething : kNothing;
+    return printValue(getValueForKey(*data, String::fromUTF8(arguments.key))) ? Something : Nothing;
   }
   const auto key = keyFromText(arguments.key);
   if (!key) return trouble("a key is a number or four characters: " + arguments.key);
@@ -117,7 +117,7 @@ int get(const Arguments& arguments) {
     if (record.key != *key || (arguments.typeGiven && record.marker != typeMarkers().at(arguments.type))) continue;
     found |= printValue(valueOfRecord(*data, record));
   }
-  return found ? kSomething : kNothing;
+  return found ? Something : Nothing;
 }
 
 // The value on the command line: JSON, or plain text where the type is one of text.
@@ -148,7 +148,7 @@ void setRecord(MutableData& data, uint32_t marker, uint32_t key, const MutableDa
 
 int set(const Arguments& arguments) {
   auto data = loadForEditing(arguments.file, true);
-  if (!data) return kTrouble;
+  if (!data) return Trouble;
   const uint32_t marker = typeMarkers().at(arguments.type);
   const auto value = valueFromText(arguments.type, arguments.value);
   MutableData record;
@@ -169,7 +169,7 @@ int set(const Arguments& arguments) {
 
 int remove(const Arguments& arguments) {
   auto data = loadForEditing(arguments.file, false);
-  if (!data) return kTrouble;
+  if (!data) return Trouble;
   const size_t before = data->length();
   if (arguments.pair) {
     removeValueForKey(*data, String::fromUTF8(arguments.key));
@@ -180,7 +180,7 @@ int remove(const Arguments& arguments) {
     removeKeyedDataUsingHandler(
         *data, [&](uint32_t marker, uint32_t found) { return found == *key && (wanted == 0 || marker == wanted); });
   }
-  return data->length() == before ? kNothing : store(arguments.file, *data);
+  return data->length() == before ? Nothing : store(arguments.file, *data);
 }
 
 int loadRecords(const Arguments& arguments) {

@@ -11,7 +11,7 @@ bool matches(const FastWordEnumerator* index, const Query& query) {
 }
 
 std::vector<Range> rangesOf(SearchUnit unit, const TextLines& lines) {
-  if (unit == SearchUnit::kParagraph) return lines.paragraphs();
+  if (unit == SearchUnit::Paragraph) return lines.paragraphs();
   std::vector<Range> ranges;
   for (size_t line = 0; line < lines.count(); ++line) ranges.push_back(lines.range(line));
   return ranges;
@@ -61,7 +61,7 @@ class HitCollector {
 }  // namespace
 
 bool matchesDocument(const String& text, const Query& query, SearchUnit unit) {
-  if (unit == SearchUnit::kDocument) return matches(query.index(text).get(), query);
+  if (unit == SearchUnit::Document) return matches(query.index(text).get(), query);
   const TextLines lines(text.view());
   const std::vector<Range> ranges = rangesOf(unit, lines);
   return std::any_of(ranges.begin(), ranges.end(),
@@ -70,7 +70,7 @@ bool matchesDocument(const String& text, const Query& query, SearchUnit unit) {
 
 DocumentHits searchDocument(const String& text, const TextLines& lines, const Query& query, SearchUnit unit) {
   HitCollector collector(lines, query);
-  if (unit == SearchUnit::kDocument) {
+  if (unit == SearchUnit::Document) {
     collector.searchUnit(text, {0, text.length()});
   } else {
     for (const Range& range : rangesOf(unit, lines)) collector.searchUnit(text, range);

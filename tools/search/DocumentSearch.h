@@ -12,7 +12,7 @@
 namespace velan::tool {
 
 /// What a query must match as a whole.
-enum class SearchUnit : uint8_t { kDocument, kParagraph, kLine };
+enum class SearchUnit : uint8_t { Document, Paragraph, Line };
 
 /// Consecutive lines, all with occurrences; several when an occurrence goes on over line ends.
 struct LineBlock {

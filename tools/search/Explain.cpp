@@ -191,7 +191,7 @@ class TreePrinter {
 
 int runExplain(const ExplainOptions& options) {
   const std::optional<Query> query = makeQuery(options.query);
-  if (!query) return kTrouble;
+  if (!query) return Trouble;
   std::optional<Document> document;
   std::optional<Examined> examined;
   if (!options.path.empty()) {
@@ -199,17 +199,17 @@ int runExplain(const ExplainOptions& options) {
     document = readDocument({options.path, true, ""}, complaint);
     if (!document) {
       complain(complaint.text);
-      return kTrouble;
+      return Trouble;
     }
     examined.emplace(*document, *query);
   }
   print(fmt::format("query:        {}\nnormalized:   {}\nstandardized: {}\ntree:\n{}", options.query.query,
                     query->terms->normalizedQueryTerm().toUTF8(), query->terms->standardizedQueryTerm().toUTF8(),
                     TreePrinter(*query, examined ? &*examined : nullptr).takeText()));
-  if (!examined) return kSomething;
+  if (!examined) return Something;
   const bool matches = examined->matches(*query->terms, nullptr);
   print(fmt::format("{}: {}\n", displayName(options.path), matches ? "matches" : "does not match"));
-  return matches ? kSomething : kNothing;
+  return matches ? Something : Nothing;
 }
 
 }  // namespace velan::tool

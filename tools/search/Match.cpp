@@ -54,10 +54,10 @@ int runMatch(const MatchOptions& options) {
     }
     if (std::cin.bad()) {
       complain("standard input cannot be read");
-      return kTrouble;
+      return Trouble;
     }
   }
-  return filter.any() ? kSomething : kNothing;
+  return filter.any() ? Something : Nothing;
 }
 
 }  // namespace velan::tool

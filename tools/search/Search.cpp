@@ -28,7 +28,7 @@ struct Outcome {
 };
 
 bool wantsColor(ColorChoice choice) {
-  if (choice != ColorChoice::kAuto) return choice == ColorChoice::kAlways;
+  if (choice != ColorChoice::Auto) return choice == ColorChoice::Always;
   const char* noColor = std::getenv("NO_COLOR");
   const char* terminal = std::getenv("TERM");
   const bool refused = (noColor && *noColor) || (terminal && std::string_view(terminal) == "dumb");
@@ -60,9 +60,9 @@ class Search {
         },
         [&] { progress.show(taken); });
     progress.hide();
-    if (_options.output == SearchOutput::kJson) print(printJsonSummary(_counts));
-    if (_trouble) return kTrouble;
-    return _counts.documentsWithMatch > 0 ? kSomething : kNothing;
+    if (_options.output == SearchOutput::JSON) print(printJsonSummary(_counts));
+    if (_trouble) return Trouble;
+    return _counts.documentsWithMatch > 0 ? Something : Nothing;
   }
 
  private:
@@ -76,7 +76,7 @@ class Search {
     Outcome outcome;
     outcome.counts.documents = 1;
     outcome.counts.bytes = document.bytes.size();
-    if (_options.output == SearchOutput::kNames) {
+    if (_options.output == SearchOutput::Names) {
       if (matchesDocument(document.text, _query, _options.unit)) {
         outcome.counts.documentsWithMatch = 1;
         outcome.output = paintedPath(name, _style.color) + '\n';
@@ -96,11 +96,11 @@ class Search {
   std::string printHits(const std::string& name, const Document& document, const TextLines& lines,
                         const DocumentHits& hits, const SearchCounts& counts) const {
     switch (_options.output) {
-      case SearchOutput::kJson:
+      case SearchOutput::JSON:
         return printJson(name, document, lines, hits, counts, _options.context);
-      case SearchOutput::kLineCounts:
+      case SearchOutput::LineCounts:
         return printCount(name, counts.lines);
-      case SearchOutput::kOccurrenceCounts:
+      case SearchOutput::OccurrenceCounts:
         return printCount(name, counts.occurrences);
       default:
         return printLines(name, document.text, lines, hits, _style);
@@ -118,7 +118,7 @@ class Search {
     _trouble = _trouble || outcome.complaint.isTrouble;
     _counts += outcome.counts;
     if (outcome.output.empty()) return true;
-    const bool divides = _hasOutput && _style.withPath && _options.output == SearchOutput::kLines;
+    const bool divides = _hasOutput && _style.withPath && _options.output == SearchOutput::Lines;
     if (divides) print(_style.heading ? "\n" : _style.context > 0 ? "--\n" : "");
     _hasOutput = true;
     return printNow(outcome.output);
@@ -137,7 +137,7 @@ class Search {
 
 int runSearch(const SearchOptions& options) {
   const std::optional<Query> query = makeQuery(options.query);
-  if (!query) return kTrouble;
+  if (!query) return Trouble;
   return Search(options, *query, collectFiles(options.paths, options.hidden)).run();
 }
 

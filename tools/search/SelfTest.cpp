@@ -19,7 +19,7 @@ int runSelfTest() {
   int64_t count = 0;
   QueryTerms::getTestCases(&count);
   print(fmt::format("{}\n", success ? fmt::format("All {} cases succeeded.", count) : "Some cases failed."));
-  return success ? kSomething : kNothing;
+  return success ? Something : Nothing;
 }
 
 void printVersion(bool verbose) {

@@ -77,7 +77,7 @@ void addQueryOptions(CLI::App& command, QueryOptions& options) {
 void addOutputFlag(CLI::App& command, const char* name, SearchOutput& output, SearchOutput value,
                    const char* description) {
   const auto choose = [&output, value] {
-    if (output != SearchOutput::kLines) fail("only one of -l, -c, --count-matches and --json can be given");
+    if (output != SearchOutput::Lines) fail("only one of -l, -c, --count-matches and --json can be given");
     output = value;
   };
   command.add_flag_callback(name, choose, description);
@@ -89,19 +89,18 @@ void addSearch(CLI::App& app, int& status) {
   addQueryOptions(*command, options->query);
   command->add_option("PATH", options->paths, "Files, folders and - for standard input")->type_name("");
   addChoice(*command, "--unit", "UNIT", options->unit, "What must match: document (default), paragraph, line",
-            {{"document", SearchUnit::kDocument}, {"paragraph", SearchUnit::kParagraph}, {"line", SearchUnit::kLine}});
-  addOutputFlag(*command, "-l,--files-with-matches", options->output, SearchOutput::kNames,
-                "Print only names of files");
-  addOutputFlag(*command, "-c,--count", options->output, SearchOutput::kLineCounts, "Count the lines with occurrences");
-  addOutputFlag(*command, "--count-matches", options->output, SearchOutput::kOccurrenceCounts, "Count the occurrences");
-  addOutputFlag(*command, "--json", options->output, SearchOutput::kJson,
+            {{"document", SearchUnit::Document}, {"paragraph", SearchUnit::Paragraph}, {"line", SearchUnit::Line}});
+  addOutputFlag(*command, "-l,--files-with-matches", options->output, SearchOutput::Names, "Print only names of files");
+  addOutputFlag(*command, "-c,--count", options->output, SearchOutput::LineCounts, "Count the lines with occurrences");
+  addOutputFlag(*command, "--count-matches", options->output, SearchOutput::OccurrenceCounts, "Count the occurrences");
+  addOutputFlag(*command, "--json", options->output, SearchOutput::JSON,
                 "Print JSON Lines: begin, match, end, summary");
   addNumber(*command, "-C,--context", options->context, size_t{0}, kMaxCount, "Print N lines before and after, too");
   command->add_flag("--hidden", options->hidden, "Search hidden files and folders, too");
   addNumber(*command, "-j,--threads", options->threads, size_t{1}, kMaxThreads,
             "Search with N threads (one per processor)");
   addChoice(*command, "--color", "WHEN", options->color, "auto (default), always, never",
-            {{"auto", ColorChoice::kAuto}, {"always", ColorChoice::kAlways}, {"never", ColorChoice::kNever}});
+            {{"auto", ColorChoice::Auto}, {"always", ColorChoice::Always}, {"never", ColorChoice::Never}});
   command->footer(
       "Without PATH standard input is searched if it is a file or a pipe, otherwise the current folder. Folders are\n"
       "searched with all below them, sorted by name, without symbolic links. Text is UTF-8, or UTF-16 with a "

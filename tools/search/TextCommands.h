@@ -11,19 +11,19 @@
 
 namespace velan::tool {
 
-enum class ColorChoice : uint8_t { kAuto, kAlways, kNever };
+enum class ColorChoice : uint8_t { Auto, Always, Never };
 
-enum class SearchOutput : uint8_t { kLines, kNames, kLineCounts, kOccurrenceCounts, kJson };
+enum class SearchOutput : uint8_t { Lines, Names, LineCounts, OccurrenceCounts, JSON };
 
 struct SearchOptions {
   QueryOptions query;
   std::vector<std::string> paths;
-  SearchUnit unit = SearchUnit::kDocument;
-  SearchOutput output = SearchOutput::kLines;
+  SearchUnit unit = SearchUnit::Document;
+  SearchOutput output = SearchOutput::Lines;
   bool hidden = false;
   size_t context = 0;
   size_t threads = 0;  // 0: as many as the machine has processors
-  ColorChoice color = ColorChoice::kAuto;
+  ColorChoice color = ColorChoice::Auto;
 };
 int runSearch(const SearchOptions& options);
 

@@ -17,16 +17,16 @@ struct ByteOrderMark {
 };
 
 constexpr ByteOrderMark kMarks[] = {
-    {"\xEF\xBB\xBF", TextEncoding::kUTF8},
-    {"\xFF\xFE", TextEncoding::kUTF16LittleEndian},
-    {"\xFE\xFF", TextEncoding::kUTF16BigEndian},
+    {"\xEF\xBB\xBF", TextEncoding::UTF8},
+    {"\xFF\xFE", TextEncoding::UTF16LittleEndian},
+    {"\xFE\xFF", TextEncoding::UTF16BigEndian},
 };
 
 ByteOrderMark markOf(std::string_view bytes) {
   for (const ByteOrderMark& mark : kMarks) {
     if (bytes.starts_with(mark.bytes)) return mark;
   }
-  return {"", TextEncoding::kUTF8};
+  return {"", TextEncoding::UTF8};
 }
 
 void replaceLoneSurrogates(unichar* units, size_t length) {
@@ -60,9 +60,9 @@ String textOfUTF16(std::string_view bytes, bool bigEndian) {
 std::optional<Document> decodeDocument(std::string bytes, std::string& why) {
   const ByteOrderMark mark = markOf(bytes);
   const std::string_view encoded = std::string_view(bytes).substr(mark.bytes.size());
-  const String text = mark.encoding == TextEncoding::kUTF8
+  const String text = mark.encoding == TextEncoding::UTF8
                           ? String::fromUTF8Lossy(encoded)
-                          : textOfUTF16(encoded, mark.encoding == TextEncoding::kUTF16BigEndian);
+                          : textOfUTF16(encoded, mark.encoding == TextEncoding::UTF16BigEndian);
   if (text.isAbsent()) {
     why = "there is not enough memory for its text";
     return std::nullopt;

@@ -11,7 +11,7 @@
 
 namespace velan::tool {
 
-enum class TextEncoding : uint8_t { kUTF8, kUTF16LittleEndian, kUTF16BigEndian };
+enum class TextEncoding : uint8_t { UTF8, UTF16LittleEndian, UTF16BigEndian };
 
 /// A file and its text.
 struct Document {

@@ -48,7 +48,7 @@ TextOffset TextOffsets::after(TextOffset offset, int64_t unit) const {
   const bool pairEnds = isLowSurrogate(c) && unit > 0 && isHighSurrogate(text[unit - 1]);
   const int64_t utf8 = pairBegins ? 4 : pairEnds ? 0 : c < 0x80 ? 1 : c < 0x800 ? 2 : 3;
   int64_t bytes = utf8;
-  if (_document.encoding != TextEncoding::kUTF8) {
+  if (_document.encoding != TextEncoding::UTF8) {
     bytes = 2;
   } else if (c == 0xFFFD) {
     const std::string_view rest = std::string_view(_document.bytes).substr(static_cast<size_t>(offset.bytes));

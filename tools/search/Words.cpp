@@ -87,8 +87,8 @@ int runWords(const WordsOptions& options) {
   for (const auto& [word, count] : words) {
     if (!print(fmt::format("{}\t{}\n", count, word.toUTF8()))) break;
   }
-  if (trouble) return kTrouble;
-  return words.empty() ? kNothing : kSomething;
+  if (trouble) return Trouble;
+  return words.empty() ? Nothing : Something;
 }
 
 }  // namespace velan::tool

@@ -1,6 +1,7 @@
 #include <CLI/CLI.hpp>
 #include <csignal>
 #include <exception>
+#include <new>
 #include <string>
 
 #include "tools/Commands.h"
@@ -60,6 +61,9 @@ int main(int argc, char** argv) {
   std::signal(SIGPIPE, SIG_IGN);  // writing to a closed pipe fails instead, and ends the work without a word
   try {
     return finishOutput(run(argc, argv));
+  } catch (const std::bad_alloc&) {
+    complain("there is not enough memory");
+    return Trouble;
   } catch (const std::exception& error) {
     complain(error.what());
     return Trouble;

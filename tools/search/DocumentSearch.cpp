@@ -1,36 +1,40 @@
 #include "tools/search/DocumentSearch.h"
 
 #include <algorithm>
+#include <new>
 
 namespace velan::tool {
 namespace {
 
-bool matches(const FastWordEnumerator* index, const Query& query) {
-  return index && matchesString(*index, *query.terms, nullptr, QueryOperator::Mixed, 0, 0, index->length(),
-                                query.comparison, query.wildcard);
-}
-
-std::vector<Range> rangesOf(SearchUnit unit, const TextLines& lines) {
+// What has to match as a whole; an empty line matches nothing.
+std::vector<Range> rangesOf(SearchUnit unit, const TextLines& lines, Range all) {
+  if (unit == SearchUnit::Document) return {all};
   if (unit == SearchUnit::Paragraph) return lines.paragraphs();
   std::vector<Range> ranges;
-  for (size_t line = 0; line < lines.count(); ++line) ranges.push_back(lines.range(line));
+  for (size_t line = 0; line < lines.count(); ++line) {
+    if (const Range range = lines.range(line); range.length > 0) ranges.push_back(range);
+  }
   return ranges;
+}
+
+// Throws where memory ran out, or nobody would know.
+bool matches(QueryMatcher& matcher, Range range) {
+  const bool matches = matcher.matches(range);
+  if (matcher.ranOutOfMemory()) throw std::bad_alloc();
+  return matches;
 }
 
 class HitCollector {
  public:
-  HitCollector(const TextLines& lines, const Query& query) : _lines(lines), _query(query) {}
+  explicit HitCollector(const TextLines& lines) : _lines(lines) {}
 
-  // Each unit gets an index of its own, so that the time for it depends on its own length only.
-  void searchUnit(const String& text, Range range) {
-    const auto index = _query.index(text.substring(range));
-    if (!matches(index.get(), _query)) return;
+  void searchUnit(QueryMatcher& matcher, Range range) {
+    if (!matches(matcher, range)) return;
     const size_t known = _hits.occurrences.size();
-    enumerateOccurrences(*index, *_query.terms, {0, index->length()}, _query.comparison, _query.wildcard,
-                         [&](const String& term, Range place, bool primary) {
-                           add({{place.location + range.location, place.length}, term, primary});
-                           return false;
-                         });
+    callHandlerWithOccurrences(matcher.occurrences(range), [&](const String& term, Range place, bool primary) {
+      add({place, term, primary});
+      return false;
+    });
     if (_hits.occurrences.size() > known) return;
     const size_t line = _lines.firstLineWithText(range);
     _hits.blocks.push_back({line, line, known, known});
@@ -54,26 +58,25 @@ class HitCollector {
   }
 
   const TextLines& _lines;
-  const Query& _query;
   DocumentHits _hits;
 };
 
 }  // namespace
 
-bool matchesDocument(const String& text, const Query& query, SearchUnit unit) {
-  if (unit == SearchUnit::Document) return matches(query.index(text).get(), query);
-  const TextLines lines(text.view());
-  const std::vector<Range> ranges = rangesOf(unit, lines);
-  return std::any_of(ranges.begin(), ranges.end(),
-                     [&](const Range& range) { return matches(query.index(text.substring(range)).get(), query); });
+bool matchesDocument(const String& text, const PreparedQuery& query, SearchUnit unit) {
+  const auto index = indexOf(text, query);
+  if (!index) return false;
+  QueryMatcher matcher(query, *index);
+  if (unit == SearchUnit::Document) return matches(matcher, {0, text.length()});
+  const std::vector<Range> ranges = rangesOf(unit, TextLines(text.view()), {0, text.length()});
+  return std::any_of(ranges.begin(), ranges.end(), [&](const Range& range) { return matches(matcher, range); });
 }
 
-DocumentHits searchDocument(const String& text, const TextLines& lines, const Query& query, SearchUnit unit) {
-  HitCollector collector(lines, query);
-  if (unit == SearchUnit::Document) {
-    collector.searchUnit(text, {0, text.length()});
-  } else {
-    for (const Range& range : rangesOf(unit, lines)) collector.searchUnit(text, range);
+DocumentHits searchDocument(const String& text, const TextLines& lines, const PreparedQuery& query, SearchUnit unit) {
+  HitCollector collector(lines);
+  if (const auto index = indexOf(text, query)) {
+    QueryMatcher matcher(query, *index);
+    for (const Range& range : rangesOf(unit, lines, {0, text.length()})) collector.searchUnit(matcher, range);
   }
   return collector.takeHits();
 }

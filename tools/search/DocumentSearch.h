@@ -7,7 +7,6 @@
 
 #include "tools/search/Query.h"
 #include "tools/search/TextLines.h"
-#include "velan/query/QueryMatching.h"
 
 namespace velan::tool {
 
@@ -50,11 +49,11 @@ void walkBlocks(const std::vector<LineBlock>& blocks, size_t lineCount, size_t c
   }
 }
 
-/// Whether anything in `text` matches.
-bool matchesDocument(const String& text, const Query& query, SearchUnit unit);
+/// Whether anything in `text` matches. Throws `std::bad_alloc`.
+bool matchesDocument(const String& text, const PreparedQuery& query, SearchUnit unit);
 
-/// The hits in `text`, whose lines are `lines`; no blocks when nothing matches.
-DocumentHits searchDocument(const String& text, const TextLines& lines, const Query& query, SearchUnit unit);
+/// The hits in `text`, whose lines are `lines`; no blocks when nothing matches. Throws `std::bad_alloc`.
+DocumentHits searchDocument(const String& text, const TextLines& lines, const PreparedQuery& query, SearchUnit unit);
 
 }  // namespace velan::tool
 

@@ -1,7 +1,7 @@
 // The command "explain".
 #include <fmt/format.h>
 
-#include <iterator>
+#include <algorithm>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -12,16 +12,13 @@
 #include "tools/search/TextCommands.h"
 #include "tools/search/TextLines.h"
 #include "tools/search/TextOffsets.h"
-#include "velan/query/QueryMatching.h"
-#include "velan/query/WordFinder.h"
-#include "velan/query/words/WordSeparation.h"
 #include "velan/wildcard/WildcardPattern.h"
 
 namespace velan::tool {
 namespace {
 
 constexpr size_t kDeepest = 40;  // groups further down are left out
-constexpr int64_t kPlacesShown = 5;
+constexpr size_t kPlacesShown = 5;
 
 constexpr const char* kOperatorNames[] = {"AND", "OR", "XOR", "NEAR", "BEFORE", "AFTER", "NEXT", "OPT", ""};
 
@@ -39,175 +36,128 @@ constexpr const char* kTypeMeanings[] = {
     "not usable, never found",
 };
 
-std::string explainPiece(const String& piece, bool several, bool fuzzy) {
-  std::u16string units(piece.view());
-  Range range{};
-  const uint32_t type = optimizeWildcard(units.data(), units.data() + units.size(), &range, 1);
-  if (type == WildcardTypeUnusable) {
-    const bool onlyWildcards = piece.view().find_first_not_of(u"*?") == std::u16string_view::npos;
-    return fmt::format("{}: type 10, {}", piece.toUTF8(),
-                       several && onlyWildcards ? "stands for any one word of fitting length" : kTypeMeanings[type]);
-  }
-  const bool starAtEnd = type == WildcardTypePrefix || type == WildcardTypeContains || type == WildcardTypeSetPrefix;
-  units.resize(static_cast<size_t>(endOf(range)) + (starAtEnd ? 1 : 0));
-  const bool similar = fuzzy && type == WildcardTypeExact;
-  return fmt::format("{}: type {}, {}{}; normal form {}", piece.toUTF8(), type, kTypeMeanings[type],
-                     similar ? fmt::format(" or one that is similar to at least {}", minWildcardFuzzyAnalogy()) : "",
-                     String(units).toUTF8());
+std::string explainPiece(const ExplainedPiece& piece) {
+  const char* meaning =
+      piece.standsForAnyWord ? "stands for any one word of fitting length" : kTypeMeanings[piece.type];
+  std::string text = fmt::format("{}: type {}, {}", piece.pattern.toUTF8(), piece.type, meaning);
+  if (piece.acceptsSimilarWords)
+    text += fmt::format(" or one that is similar to at least {}", minWildcardFuzzyAnalogy());
+  if (piece.normalForm && !piece.standsForAnyWord) text += fmt::format("; normal form {}", piece.normalForm.toUTF8());
+  return text;
+}
+
+std::string explainLiteral(const ExplainedTerm& leaf) {
+  if (leaf.meaning == LeafMeaning::Nothing) return "begins or ends with a character of no word, never found";
+  return leaf.term->queryPhrase() ? "a phrase, exactly as it stands" : "a plain word";
 }
 
 // What a leaf looks for, one line for each word of it.
-std::vector<std::string> explainLeaf(const QueryTerms& leaf, const Query& query) {
-  if (!query.wildcard) return {leaf.queryPhrase() ? "a phrase, exactly as it stands" : "a plain word"};
-  if (leaf.word().view().find_first_not_of(u'*') == std::u16string_view::npos && !leaf.word().isEmpty()) {
-    return {"the whole text"};
-  }
-  const auto pieces = wordsUsingWildcardSeparation(leaf.word(), nullptr).value_or(std::vector<String>());
-  if (pieces.empty()) return {"no word characters, never found"};
+std::vector<std::string> explainLeaf(const ExplainedTerm& leaf, bool wildcard) {
+  if (leaf.meaning == LeafMeaning::WholeRange) return {"the whole text"};
+  if (!wildcard) return {explainLiteral(leaf)};
+  if (leaf.pieces.empty()) return {"no word characters, never found"};
   std::vector<std::string> lines;
-  if (pieces.size() > 1) lines.push_back(fmt::format("{} words in a row", pieces.size()));
-  for (const String& piece : pieces) {
-    lines.push_back(explainPiece(piece, pieces.size() > 1, contains(query.comparison, QueryComparison::Fuzzy)));
-  }
+  if (leaf.pieces.size() > 1) lines.push_back(fmt::format("{} words in a row", leaf.pieces.size()));
+  for (const ExplainedPiece& piece : leaf.pieces) lines.push_back(explainPiece(piece));
   return lines;
 }
 
-// The document that a query is explained for.
-class Examined {
- public:
-  Examined(const Document& document, const Query& query)
-      : _lines(document.text.view()), _offsets(document), _query(query), _index(query.index(document.text)) {}
+// A text with what people count in it.
+struct ExaminedText {
+  explicit ExaminedText(const Document& document) : lines(document.text.view()), offsets(document) {}
 
-  bool matches(const QueryTerms& node, const QueryTerms* partner) const {
-    if (!_index) return false;
-    const QueryOperator op = partner ? node.queryOperator() : QueryOperator::Mixed;
-    return matchesString(*_index, node, partner, op, partner ? node.proximityDistance() : 0, 0, _index->length(),
-                         _query.comparison, _query.wildcard);
-  }
-
-  std::string places(const QueryTerms& leaf) const {
+  std::string placesOf(const std::vector<Range>& places) const {
+    if (places.empty()) return "not found";
     std::string shown;
-    int64_t count = 0;
-    for (Range place = find(leaf, 0); isPresent(place); place = find(leaf, endOf(place))) {
-      if (++count > kPlacesShown) continue;
-      const size_t line = _lines.lineAt(place.location);
+    for (size_t i = 0; i < std::min(places.size(), kPlacesShown); ++i) {
+      const size_t line = lines.lineAt(places[i].location);
       const int64_t column =
-          _offsets.at(place.location).characters - _offsets.at(_lines.fullRange(line).location).characters + 1;
-      shown += fmt::format("{}{}:{}", count > 1 ? ", " : "", line + 1, column);
+          offsets.at(places[i].location).characters - offsets.at(lines.fullRange(line).location).characters + 1;
+      shown += fmt::format("{}{}:{}", i > 0 ? ", " : "", line + 1, column);
     }
-    if (count == 0) return "not found";
-    return fmt::format("found {} time{}, at {}{}", count, count == 1 ? "" : "s", shown,
-                       count > kPlacesShown ? ", …" : "");
+    return fmt::format("found {} time{}, at {}{}", places.size(), places.size() == 1 ? "" : "s", shown,
+                       places.size() > kPlacesShown ? ", …" : "");
   }
 
- private:
-  Range find(const QueryTerms& leaf, int64_t from) const {
-    if (!_index) return kAbsentRange;
-    const String& word = leaf.word();
-    const int64_t rest = _index->length() - from;
-    if (_query.wildcard) {
-      return FindWildcardStringInCharacters(*_index, {from, rest}, word, _query.comparison, true, true, true);
-    }
-    const int64_t location =
-        FindWordInString(*_index, from, rest, word.characters(), word.length(), _query.comparison, true);
-    return location == NSNotFound ? kAbsentRange : Range{location, word.length()};
-  }
-
-  const TextLines _lines;
-  const TextOffsets _offsets;
-  const Query& _query;
-  const std::unique_ptr<FastWordEnumerator> _index;
+  const TextLines lines;
+  const TextOffsets offsets;
 };
 
-// Writes the tree from an explicit stack, because a query may be nested to any depth.
 class TreePrinter {
  public:
-  TreePrinter(const Query& query, const Examined* examined) : _query(query), _examined(examined) {
-    pushChildren({query.terms.get(), nullptr, true, 0, false});
-    while (!_pending.empty()) {
-      const Node node = _pending.back();
-      _pending.pop_back();
-      print(node);
-    }
-  }
+  TreePrinter(const PreparedQuery& query, const ExaminedText* text) : _query(query), _text(text) {}
 
-  std::string takeText() { return std::move(_out); }
+  std::string print(const std::vector<ExplainedTerm>& terms) {
+    for (const ExplainedTerm& term : terms) {
+      if (term.depth > 0) print(term);
+    }
+    return std::move(_out);
+  }
 
  private:
-  struct Node {
-    const QueryTerms* terms;
-    const QueryTerms* partner;  // what its proximity operator relates it to
-    bool first;                 // of its group: its operator does not count
-    size_t depth;
-    bool inherits;  // a group above passes its relation on, so that the node is not evaluated by itself
-  };
-
-  void pushChildren(const Node& parent) {
-    const auto& children = parent.terms->children();
-    const bool inherits = parent.inherits || parent.partner;
-    for (size_t i = children.size(); i-- > 0;) {
-      const QueryTerms& child = *children[i];
-      const bool related = i > 0 && isProximity(child.queryOperator()) && child.proximityDistance() > 0;
-      _pending.push_back({&child, related ? children[i - 1].get() : nullptr, i == 0, parent.depth + 1, inherits});
+  void print(const ExplainedTerm& term) {
+    if (term.depth > kDeepest) return addLine(term.depth, "…");
+    addLine(term.depth, heading(term));
+    if (term.term->isWord()) {
+      for (const std::string& line : explainLeaf(term, _query.wildcard())) addLine(term.depth + 1, line);
+      if (_text) addLine(term.depth + 1, _text->placesOf(term.places));
     }
+    if (!term.holds) return;
+    const char* verdict = *term.holds ? "holds" : "does not hold";
+    addLine(term.depth + 1, fmt::format("{}{}", term.partner ? "with the term before: " : "", verdict));
   }
 
-  void print(const Node& node) {
-    if (node.depth > kDeepest) return addLine(node.depth, "…");
-    addLine(node.depth, heading(node));
-    if (node.terms->isWord()) {
-      for (const std::string& line : explainLeaf(*node.terms, _query)) addLine(node.depth, "  " + line);
-      if (_examined) addLine(node.depth, "  " + _examined->places(*node.terms));
-    }
-    if (_examined && !node.inherits) addVerdict(node);
-    if (!node.terms->isWord()) pushChildren(node);
-  }
-
-  std::string heading(const Node& node) const {
+  static std::string heading(const ExplainedTerm& term) {
     std::string text;
-    const QueryOperator op = node.terms->queryOperator();
-    if (!node.first) text = kOperatorNames[static_cast<size_t>(op)];
-    if (!node.first && isProximity(op)) text += fmt::format("/{}", node.terms->proximityDistance());
-    if (!node.first) text += ' ';
-    if (node.terms->queryNot()) text += "NOT ";
-    const char* quote = node.terms->queryPhrase() ? "\"" : "";
-    return text + (node.terms->isWord() ? quote + node.terms->word().toUTF8() + quote : "group");
-  }
-
-  void addVerdict(const Node& node) {
-    const char* verdict = _examined->matches(*node.terms, node.partner) ? "holds" : "does not hold";
-    addLine(node.depth, fmt::format("  {}{}", node.partner ? "with the term before: " : "", verdict));
+    const QueryOperator op = term.term->queryOperator();
+    if (!term.isFirst) text = kOperatorNames[static_cast<size_t>(op)];
+    if (!term.isFirst && isProximity(op)) text += fmt::format("/{}", term.term->proximityDistance());
+    if (!term.isFirst) text += ' ';
+    if (term.term->queryNot()) text += "NOT ";
+    const char* quote = term.term->queryPhrase() ? "\"" : "";
+    return text + (term.term->isWord() ? fmt::format("{0}{1}{0}", quote, term.term->word().toUTF8()) : "group");
   }
 
   void addLine(size_t depth, std::string_view text) { _out.append(2 * depth, ' ').append(text).push_back('\n'); }
 
-  const Query& _query;
-  const Examined* const _examined;  // null: there is no document
-  std::vector<Node> _pending;
+  const PreparedQuery& _query;
+  const ExaminedText* const _text;  // null: there is no document
   std::string _out;
 };
+
+// The terms as they fare in the text; an empty one holds nothing.
+std::vector<ExplainedTerm> explanationOf(const PreparedQuery& query, const String& text) {
+  if (const auto index = indexOf(text, query)) return QueryMatcher(query, *index).explanation(kDeepest + 1);
+  std::vector<ExplainedTerm> terms = query.explanation(kDeepest + 1);
+  for (ExplainedTerm& term : terms) term.holds = false;
+  return terms;
+}
 
 }  // namespace
 
 int runExplain(const ExplainOptions& options) {
-  const std::optional<Query> query = makeQuery(options.query);
+  const auto query = makeQuery(options.query);
   if (!query) return Trouble;
-  std::optional<Document> document;
-  std::optional<Examined> examined;
-  if (!options.path.empty()) {
-    Complaint complaint;
-    document = readDocument({options.path, true, ""}, complaint);
-    if (!document) {
-      complain(complaint.text);
-      return Trouble;
-    }
-    examined.emplace(*document, *query);
+  const QueryTerms& tree = query->terms();
+  const auto describe = [&](const std::vector<ExplainedTerm>& terms, const ExaminedText* text) {
+    print(fmt::format("query:        {}\nnormalized:   {}\nstandardized: {}\ntree:\n{}", options.query.query,
+                      tree.normalizedQueryTerm().toUTF8(), tree.standardizedQueryTerm().toUTF8(),
+                      TreePrinter(*query, text).print(terms)));
+  };
+  if (options.path.empty()) {
+    describe(query->explanation(kDeepest + 1), nullptr);
+    return Something;
   }
-  print(fmt::format("query:        {}\nnormalized:   {}\nstandardized: {}\ntree:\n{}", options.query.query,
-                    query->terms->normalizedQueryTerm().toUTF8(), query->terms->standardizedQueryTerm().toUTF8(),
-                    TreePrinter(*query, examined ? &*examined : nullptr).takeText()));
-  if (!examined) return Something;
-  const bool matches = examined->matches(*query->terms, nullptr);
+  Complaint complaint;
+  const std::optional<Document> document = readDocument({options.path, true, ""}, complaint);
+  if (!document) {
+    complain(complaint.text);
+    return Trouble;
+  }
+  const ExaminedText text(*document);
+  const std::vector<ExplainedTerm> terms = explanationOf(*query, document->text);
+  describe(terms, &text);
+  const bool matches = terms.front().holds == true;
   print(fmt::format("{}: {}\n", displayName(options.path), matches ? "matches" : "does not match"));
   return matches ? Something : Nothing;
 }

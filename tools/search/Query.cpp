@@ -1,5 +1,8 @@
 #include "tools/search/Query.h"
 
+#include <new>
+#include <utility>
+
 #include "tools/Console.h"
 #include "velan/wildcard/WildcardPattern.h"
 
@@ -15,33 +18,35 @@ QueryComparison comparisonOf(const QueryOptions& options) {
 
 }  // namespace
 
-std::optional<Query> makeQuery(const QueryOptions& options) {
+std::unique_ptr<const PreparedQuery> makeQuery(const QueryOptions& options) {
   if (options.noWildcards && (options.ignoreDiacritics || options.fuzzy)) {
     complain("--no-wildcards finds plain words only; it cannot be combined with --ignore-diacritics or --fuzzy");
-    return std::nullopt;
+    return nullptr;
   }
   if (!(options.similarity > 0 && options.similarity <= 1)) {
     complain("--fuzzy takes a similarity above 0 and up to 1");
-    return std::nullopt;
+    return nullptr;
   }
   const String text = String::fromUTF8(options.query);
   if (text.isAbsent()) {
     complain("the query is not valid UTF-8");
-    return std::nullopt;
+    return nullptr;
   }
   FastWordEnumerator::setSplitAsianWords(true);
   setMinWildcardFuzzyAnalogy(options.similarity);
-  auto terms = options.noWildcards ? QueryTerms::initWithString(text, QueryOperator::And, options.distance)
-                                   : QueryTerms::initWithWildcard(text, QueryOperator::And, options.distance);
+  std::shared_ptr<const QueryTerms> terms =
+      options.noWildcards ? QueryTerms::initWithString(text, QueryOperator::And, options.distance)
+                          : QueryTerms::initWithWildcard(text, QueryOperator::And, options.distance);
   if (!terms->isValid()) complain("the query has no terms, so it matches nothing");
-  return Query{std::move(terms), comparisonOf(options), !options.noWildcards};
+  auto query = PreparedQuery::queryWithTerms(std::move(terms), comparisonOf(options), !options.noWildcards);
+  if (!query) throw std::bad_alloc();
+  return query;
 }
 
-std::unique_ptr<FastWordEnumerator> Query::index(const String& text) const {
-  // Upper case now saves mapping the units later, but not on the way to units without diacritics.
-  const bool upperCase =
-      contains(comparison, QueryComparison::IgnoreCase) && !contains(comparison, QueryComparison::IgnoreDiacritics);
-  return FastWordEnumerator::enumeratorWithString(text, upperCase, false);
+std::unique_ptr<FastWordEnumerator> indexOf(const String& text, const PreparedQuery& query) {
+  auto index = query.enumeratorWithString(text);
+  if (!index && !text.isEmpty()) throw std::bad_alloc();
+  return index;
 }
 
 }  // namespace velan::tool

@@ -1,13 +1,11 @@
-// A query with the options that say how it is compared.
+// The query of a command line.
 #ifndef VELAN_TOOLS_SEARCH_QUERY_H
 #define VELAN_TOOLS_SEARCH_QUERY_H
 
 #include <memory>
-#include <optional>
 #include <string>
 
-#include "velan/query/QueryTerms.h"
-#include "velan/query/words/FastWordEnumerator.h"
+#include "velan/query/PreparedQuery.h"
 
 namespace velan::tool {
 
@@ -22,18 +20,12 @@ struct QueryOptions {
   bool noWildcards = false;
 };
 
-struct Query {
-  std::unique_ptr<QueryTerms> terms;
-  QueryComparison comparison;
-  bool wildcard;
-
-  /// The index of `text` that suits the comparison; null for an empty text.
-  std::unique_ptr<FastWordEnumerator> index(const String& text) const;
-};
-
 /// Parses the query and sets what the library keeps per process: East Asian text is split into words, and how similar
-/// fuzzy words must be. Nothing after a complaint about options that exclude each other.
-std::optional<Query> makeQuery(const QueryOptions& options);
+/// fuzzy words must be. Null after a complaint about options that exclude each other.
+std::unique_ptr<const PreparedQuery> makeQuery(const QueryOptions& options);
+
+/// The index of a text; null for an empty one. Throws `std::bad_alloc`.
+std::unique_ptr<FastWordEnumerator> indexOf(const String& text, const PreparedQuery& query);
 
 }  // namespace velan::tool
 

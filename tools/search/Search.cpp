@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <new>
 #include <optional>
 #include <string_view>
 #include <thread>
@@ -37,7 +38,7 @@ bool wantsColor(ColorChoice choice) {
 
 class Search {
  public:
-  Search(const SearchOptions& options, const Query& query, std::vector<InputFile> files)
+  Search(const SearchOptions& options, const PreparedQuery& query, std::vector<InputFile> files)
       : _options(options), _query(query), _files(std::move(files)) {
     _style.color = wantsColor(options.color);
     _style.heading = isatty(STDOUT_FILENO) == 1;
@@ -67,9 +68,13 @@ class Search {
 
  private:
   Outcome searchFile(const InputFile& file) const {
-    Complaint complaint;
-    const std::optional<Document> document = readDocument(file, complaint);
-    return document ? searchText(displayName(file.path), *document) : Outcome{"", std::move(complaint), {}};
+    try {
+      Complaint complaint;
+      const std::optional<Document> document = readDocument(file, complaint);
+      return document ? searchText(displayName(file.path), *document) : Outcome{"", std::move(complaint), {}};
+    } catch (const std::bad_alloc&) {
+      return {"", {displayName(file.path) + ": there is not enough memory to search it", true}, {}};
+    }
   }
 
   Outcome searchText(const std::string& name, const Document& document) const {
@@ -125,7 +130,7 @@ class Search {
   }
 
   const SearchOptions& _options;
-  const Query& _query;
+  const PreparedQuery& _query;
   const std::vector<InputFile> _files;
   LineStyle _style;
   SearchCounts _counts;
@@ -136,7 +141,7 @@ class Search {
 }  // namespace
 
 int runSearch(const SearchOptions& options) {
-  const std::optional<Query> query = makeQuery(options.query);
+  const auto query = makeQuery(options.query);
   if (!query) return Trouble;
   return Search(options, *query, collectFiles(options.paths, options.hidden)).run();
 }

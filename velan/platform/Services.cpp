@@ -4,6 +4,7 @@
 #include <unicode/uversion.h>
 #include <zlib.h>
 
+#include "velan/base/CPUInternal.h"
 #include "velan/platform/ServicesInternal.h"
 
 namespace velan {
@@ -32,6 +33,8 @@ std::vector<Service> services() {
       icuService(), zlibService(), encryptionService(), hunspellService(), languageDetectionService(),
   };
 }
+
+std::string instructionSets() { return featureNames(cpuFeatures()); }
 
 std::string unicodeVersion() {
   UVersionInfo version;

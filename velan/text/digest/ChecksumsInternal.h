@@ -6,7 +6,7 @@
 #include <cstdint>
 
 #include "velan/base/CTypes.h"
-#include "velan/platform/KernelsInternal.h"
+#include "velan/base/KernelsInternal.h"
 
 namespace velan {
 

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "velan/platform/KernelsInternal.h"
+#include "velan/base/KernelsInternal.h"
 
 namespace velan {
 

@@ -3,7 +3,7 @@
 
 #include <cstdlib>
 
-#include "velan/platform/KernelsInternal.h"
+#include "velan/base/KernelsInternal.h"
 
 namespace velan {
 namespace {

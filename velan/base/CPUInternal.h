@@ -1,9 +1,10 @@
 // What the processor can do, asked once.
-#ifndef VELAN_PLATFORM_CPU_INTERNAL_H
-#define VELAN_PLATFORM_CPU_INTERNAL_H
+#ifndef VELAN_BASE_CPU_INTERNAL_H
+#define VELAN_BASE_CPU_INTERNAL_H
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace velan {
@@ -37,6 +38,9 @@ std::optional<CPUFeatures> featuresOfLevel(std::string_view name);
 /// looked at once, in the first call; an unknown level is logged and ignored.
 CPUFeatures cpuFeatures();
 
+/// The names of `features`, separated by commas.
+std::string featureNames(CPUFeatures features);
+
 }  // namespace velan
 
-#endif  // VELAN_PLATFORM_CPU_INTERNAL_H
+#endif  // VELAN_BASE_CPU_INTERNAL_H

@@ -1,10 +1,10 @@
 // An operation that is written several times, once for each instruction set that pays, and the choice among them.
-#ifndef VELAN_PLATFORM_KERNELS_INTERNAL_H
-#define VELAN_PLATFORM_KERNELS_INTERNAL_H
+#ifndef VELAN_BASE_KERNELS_INTERNAL_H
+#define VELAN_BASE_KERNELS_INTERNAL_H
 
 #include <cstddef>
 
-#include "velan/platform/CPUInternal.h"
+#include "velan/base/CPUInternal.h"
 
 namespace velan {
 
@@ -44,4 +44,4 @@ class Kernels {
 
 }  // namespace velan
 
-#endif  // VELAN_PLATFORM_KERNELS_INTERNAL_H
+#endif  // VELAN_BASE_KERNELS_INTERNAL_H

@@ -1,8 +1,7 @@
 #include <cstdlib>
 
+#include "velan/base/CPUInternal.h"
 #include "velan/base/Log.h"
-#include "velan/platform/CPUInternal.h"
-#include "velan/platform/Services.h"
 
 #ifdef __x86_64__
 #include <cpuid.h>
@@ -78,10 +77,10 @@ CPUFeatures cpuFeatures() {
   return features;
 }
 
-std::string instructionSets() {
+std::string featureNames(CPUFeatures features) {
   std::string names;
   for (const auto& [name, feature] : kNames) {
-    if (contains(cpuFeatures(), feature)) names.append(names.empty() ? "" : ", ").append(name);
+    if (contains(features, feature)) names.append(names.empty() ? "" : ", ").append(name);
   }
   return names;
 }

@@ -1,6 +1,9 @@
 # What every target of this project is compiled with. No -ffast-math: results that are not a number mean something.
 add_library(velan_settings INTERFACE)
 target_compile_options(velan_settings INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+# Nothing that is built tells where that was.
+target_compile_options(velan_settings INTERFACE -ffile-prefix-map=${PROJECT_BINARY_DIR}=build
+                                                -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.)
 if(VELAN_WERROR)
   target_compile_options(velan_settings INTERFACE -Werror)
 endif()

@@ -1,7 +1,7 @@
 # Sourced by ./demo and ./test: installs the packages that are missing (Debian 12, Ubuntu 24.04) and configures build/test.
 
 packages=(g++ cmake ninja-build ccache pkg-config python3 zlib1g-dev libicu-dev libssl-dev libhunspell-dev libcld2-dev
-  libcli11-dev libfmt-dev libgtest-dev libgmock-dev)
+  libcli11-dev libfmt-dev libgtest-dev libgmock-dev meson)
 
 missing=()
 for package in "${packages[@]}"; do

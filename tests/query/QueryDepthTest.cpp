@@ -94,6 +94,7 @@ TEST(QueryDepth, DeepQueriesOnASmallStack) {
 TEST(QueryDepth, ProximityInLongTexts) {
   const size_t words = 100'000;
   const String nested8 = u"a NEAR/9 (b NEAR/9 (c NEAR/9 (d NEAR/9 (a NEAR/9 (b NEAR/9 (c NEAR/9 (d NEAR/9 a)))))))"_s;
+  const String pieces = repeated(u"a*,", words, u"b");
   const String left8 = u"((((((((a NEAR/9 b) NEAR/9 c) NEAR/9 d) NEAR/9 a) NEAR/9 b) NEAR/9 c) NEAR/9 d) NEAR/9 zz)"_s;
   const struct {
     const char* why;
@@ -108,6 +109,7 @@ TEST(QueryDepth, ProximityInLongTexts) {
       {"wide spans", u"zz NEAR/1000000000000 a"_s, repeated(u"a ", words), false},
       {"wide spans and a negated partner", u"NOT b NEAR/1000000 a"_s, repeated(u"a b ", words), false},
       {"a phrase", u"\"a zz\" NEAR/50000 \"a a\""_s, repeated(u"a ", words), false},
+      {"a long row of patterns", pieces, repeated(u"a ", 2 * words), false},
       {"nested to the right", nested8, repeated(u"a b c d ", words / 4), true},
       {"nested to the right, one missing", nested8, repeated(u"a b c ", words / 3), false},
       {"nested to the left, one missing", left8, repeated(u"a b c d ", words / 4), false},

@@ -1,10 +1,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <random>
+#include <string>
+#include <vector>
 
 #include "velan/query/QueryMatching.h"
 #include "velan/query/WordFinder.h"
 #include "velan/query/words/FastWordEnumerator.h"
+#include "velan/wildcard/WildcardMatching.h"
 
 namespace velan {
 namespace {
@@ -34,6 +38,52 @@ TEST(WordFinder, FindsWordsHoweverTheTextIsKept) {
           << c.why << (upperCase ? ", upper case" : "");
     }
   }
+}
+
+// Long enough that what matches a word is remembered, with many places open at once.
+TEST(WordFinder, FindsLongPhrases) {
+  std::mt19937 random(1);
+  const std::u16string_view words[] = {u"a", u"ab", u"b", u"ba"};
+  const std::u16string_view patterns[] = {u"a*", u"*b*", u"?", u"*", u"[ab]*", u"ab"};
+  const auto matches = [](std::u16string_view word, std::u16string_view pattern) {
+    return stringMatchesUnixWildcard(word.begin(), word.end(), pattern.begin(), pattern.end());
+  };
+  int found = 0;
+  for (int round = 0; round < 60; ++round) {
+    std::vector<std::u16string_view> text, pieces;
+    while (text.size() < 900) text.push_back(words[random() % (round % 3 + 2)]);
+    const size_t from = random() % 600;
+    while (pieces.size() < 50 + 50 * (round % 5u)) {
+      const auto pattern = patterns[round % 2 ? random() % 6 : 2 + random() % 3];
+      if (matches(text[from + pieces.size()], pattern)) pieces.push_back(pattern);
+    }
+    if (round % 4 == 0) pieces[random() % pieces.size()] = u"c*";
+    std::u16string units, phrase;
+    std::vector<int64_t> starts;
+    for (const auto word : text) {
+      starts.push_back(static_cast<int64_t>(units.size()));
+      units.append(word).append(u" ");
+    }
+    for (const auto piece : pieces) phrase.append(piece).append(u" ");
+    const auto enumerator = FastWordEnumerator::enumeratorWithString(units, false, false);
+    Range place{-1, 0};
+    for (size_t first = 0; first + pieces.size() <= text.size(); ++first) {
+      if (!std::equal(pieces.begin(), pieces.end(), text.begin() + static_cast<std::ptrdiff_t>(first),
+                      [&](auto piece, auto word) { return matches(word, piece); })) {
+        continue;
+      }
+      const size_t last = first + pieces.size() - 1;
+      const Range rest{place.location + 1, enumerator->length()};
+      place = FindWildcardStringInCharacters(*enumerator, rest, phrase, QueryComparison::Exact, true, true, true);
+      ASSERT_EQ(place.location, starts[first]) << round;
+      ASSERT_EQ(endOf(place), starts[last] + static_cast<int64_t>(text[last].size())) << round;
+      ++found;
+    }
+    const Range rest{place.location + 1, enumerator->length()};
+    ASSERT_FALSE(
+        isPresent(FindWildcardStringInCharacters(*enumerator, rest, phrase, QueryComparison::Exact, true, true, true)));
+  }
+  EXPECT_GT(found, 60);
 }
 
 TEST(QueryMatching, NothingIsRelatedInAnEmptyRange) {

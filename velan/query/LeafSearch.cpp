@@ -62,6 +62,10 @@ std::vector<ExplainedPiece> explainedPieces(const QueryTerms& leaf, QueryCompari
   return WordPattern::explained(leaf.word().view(), leaf.queryPhrase(), contains(comparison, QueryComparison::Fuzzy));
 }
 
+LeafSearch::LeafSearch(const SearchedText& text, const LeafPattern& pattern) : _text(text), _pattern(pattern) {
+  if (const WordPattern* phrase = pattern.phrase()) _phrase.emplace(*phrase, text, Range{0, text.length()});
+}
+
 Range LeafSearch::firstIn(Range range) {
   if (isWholeRange()) return range.length > 0 ? range : kAbsentRange;
   const Range* first = at(numberFrom(range.location));
@@ -70,8 +74,7 @@ Range LeafSearch::firstIn(Range range) {
 
 const Range* LeafSearch::at(size_t number) {
   while (number >= _found.size() && _frontier < _text.length()) {
-    const Range rest{_frontier, _text.length() - _frontier};
-    const Range next = _pattern.firstIn(_text, rest);
+    const Range next = _phrase ? _phrase->next() : _pattern.firstIn(_text, {_frontier, _text.length() - _frontier});
     if (isPresent(next)) _found.push_back(next);
     _frontier = isPresent(next) ? next.location + 1 : _text.length();
   }

@@ -3,10 +3,12 @@
 #define VELAN_QUERY_LEAF_SEARCH_INTERNAL_H
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
+#include "velan/query/PhraseSearchInternal.h"
 #include "velan/query/QueryExplanation.h"
 #include "velan/query/QueryTerms.h"
 #include "velan/query/WordPatternInternal.h"
@@ -31,6 +33,8 @@ class LeafPattern {
   LeafMeaning meaning() const;
   /// Whether the leaf is a lone `*`: found as the whole of any range that is not empty, and nowhere else.
   bool isWholeRange() const { return _pattern.isWholeRange(); }
+  /// The pattern of a leaf that is found by the words of a phrase; null for any other.
+  const WordPattern* phrase() const { return _pattern.isPhrase() ? &_pattern : nullptr; }
   /// The first place that lies wholly in `range`; absent if there is none.
   Range firstIn(const SearchedText& text, Range range) const;
 
@@ -61,10 +65,11 @@ std::vector<ExplainedPiece> explainedPieces(const QueryTerms& leaf, QueryCompari
 class LeafSearch {
  public:
   /// Borrows a pattern that was prepared for the units of `text`.
-  LeafSearch(const SearchedText& text, const LeafPattern& pattern) : _text(text), _pattern(pattern) {}
+  LeafSearch(const SearchedText& text, const LeafPattern& pattern);
   /// With a pattern of its own.
-  LeafSearch(const SearchedText& text, std::unique_ptr<const LeafPattern> pattern)
-      : _text(text), _own(std::move(pattern)), _pattern(*_own) {}
+  LeafSearch(const SearchedText& text, std::unique_ptr<const LeafPattern> pattern) : LeafSearch(text, *pattern) {
+    _own = std::move(pattern);
+  }
 
   bool isWholeRange() const { return _pattern.isWholeRange(); }
   /// The first place that lies wholly in `range`; absent if there is none.
@@ -76,8 +81,9 @@ class LeafSearch {
 
  private:
   const SearchedText& _text;
-  const std::unique_ptr<const LeafPattern> _own;
   const LeafPattern& _pattern;
+  std::unique_ptr<const LeafPattern> _own;
+  std::optional<PhraseSearch> _phrase;
   std::vector<Range> _found;
   int64_t _frontier = 0;  // everything that begins before is found
 };

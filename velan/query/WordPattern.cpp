@@ -2,6 +2,7 @@
 #include <optional>
 #include <utility>
 
+#include "velan/query/PhraseSearchInternal.h"
 #include "velan/query/WordPatternInternal.h"
 #include "velan/wildcard/WildcardMatching.h"
 #include "velan/wildcard/WildcardPattern.h"
@@ -164,10 +165,10 @@ bool WordPattern::matches(const Piece& piece, const SearchedText& text, Range wo
 Range WordPattern::firstIn(const SearchedText& text, Range range) const {
   if (_wholeRange) return range.length > 0 ? range : kAbsentRange;
   if (_pieces.empty()) return kAbsentRange;
-  const Piece& first = _pieces.front();
-  const bool oneLiteral =
-      _pieces.size() == 1 && hasOneLiteral(first.type) && !(first.type == WildcardTypeExact && first.fuzzy);
-  return oneLiteral ? firstLiteralIn(text, range) : firstWordsIn(text, range);
+  if (isPhrase()) return PhraseSearch(*this, text, range).next();
+  const Piece& piece = _pieces.front();
+  const bool isLiteral = hasOneLiteral(piece.type) && !(piece.type == WildcardTypeExact && piece.fuzzy);
+  return isLiteral ? firstLiteralIn(text, range) : firstWordIn(text, range);
 }
 
 // Searches the literal first and looks at words only where it stands; each word is looked at once.
@@ -189,19 +190,11 @@ Range WordPattern::firstLiteralIn(const SearchedText& text, Range range) const {
   }
 }
 
-Range WordPattern::firstWordsIn(const SearchedText& text, Range range) const {
+Range WordPattern::firstWordIn(const SearchedText& text, Range range) const {
   const int64_t end = endOf(range);
-  Range first = text.firstWordIn(range.location, end);
-  for (; isPresent(first); first = text.firstWordIn(endOf(first), end)) {
-    Range word = first;
-    size_t matched = 0;
-    while (matches(_pieces[matched], text, word)) {
-      if (++matched == _pieces.size()) return {first.location, endOf(word) - first.location};
-      word = text.firstWordIn(endOf(word), end);
-      if (!isPresent(word)) return kAbsentRange;  // too few words are left, here and further on
-    }
-  }
-  return kAbsentRange;
+  Range word = text.firstWordIn(range.location, end);
+  while (isPresent(word) && !matches(_pieces.front(), text, word)) word = text.firstWordIn(endOf(word), end);
+  return word;
 }
 
 }  // namespace velan

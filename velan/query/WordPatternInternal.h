@@ -30,11 +30,15 @@ class WordPattern {
   bool isFound() const { return _wholeRange || !_pieces.empty(); }
   /// Whether the pattern is a lone `*`, which stands for whatever range is searched.
   bool isWholeRange() const { return _wholeRange; }
+  /// Whether the pattern stands for several words.
+  bool isPhrase() const { return _pieces.size() > 1; }
   /// The first place in `range` where the pieces match consecutive words, from the first word's start to the last one's
   /// end; words that `range` cuts do not count. Absent if there is none.
   Range firstIn(const SearchedText& text, Range range) const;
 
  private:
+  friend class PhraseSearch;
+
   struct Piece {
     std::u16string units;
     uint32_t type;
@@ -51,7 +55,7 @@ class WordPattern {
   static std::u16string_view literalOf(const Piece& piece);
 
   Range firstLiteralIn(const SearchedText& text, Range range) const;
-  Range firstWordsIn(const SearchedText& text, Range range) const;
+  Range firstWordIn(const SearchedText& text, Range range) const;
 
   std::vector<Piece> _pieces;
   bool _wholeRange = false;

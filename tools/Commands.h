@@ -21,6 +21,8 @@ void addTextCommands(CLI::App& app, int& status);
 void addKeyedCommands(CLI::App& app, int& status);
 /// `velan blocks`, `crc`, `deflate`, `gzip` and `inflate`.
 void addBlockCommands(CLI::App& app, int& status);
+/// `velan language`.
+void addLanguageCommand(CLI::App& app, int& status);
 
 }  // namespace velan::tool
 

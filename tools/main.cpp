@@ -42,6 +42,7 @@ int run(int argc, char** argv) {
   addTextCommands(app, status);
   addKeyedCommands(app, status);
   addBlockCommands(app, status);
+  addLanguageCommand(app, status);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

@@ -7,6 +7,7 @@
 #include "tools/Console.h"
 #include "tools/search/TextCommands.h"
 #include "velan/base/Log.h"
+#include "velan/language/LanguageFilter.h"
 #include "velan/platform/Services.h"
 #include "velan/query/QueryTerms.h"
 
@@ -37,6 +38,8 @@ void printVersion(bool verbose) {
   for (const LemmaSource& source : sources) {
     print(fmt::format("  {}: {}, {}\n", source.language, source.service, source.path));
   }
+  const String stopWords = stopWordsFolder();
+  print(fmt::format("\nStop words: {}\n", stopWords ? stopWords.toUTF8() : "none found"));
 }
 
 }  // namespace velan::tool

@@ -1,0 +1,192 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <random>
+#include <set>
+#include <string>
+
+#include "velan/language/DominantLanguage.h"
+#include "velan/language/LanguageFilter.h"
+#include "velan/query/words/WordSeparation.h"
+#include "velan/text/CharacterSets.h"
+#include "velan/text/ConversionTables.h"
+
+namespace velan {
+namespace {
+
+using Lists = std::vector<std::vector<String>>;
+
+std::vector<String> wordsOf(const String& text) {
+  return wordsUsingDefaultSeparation(text).value_or(std::vector<String>());
+}
+
+// Two languages of made-up words, and one that shares a word with the first.
+std::unique_ptr<LanguageFilter> smallFilter() {
+  return LanguageFilter::initWithKeys(
+      {u"AA"_s, u"EN"_s, u"BB"_s},
+      Lists{wordsOf(u"alba arne asta avis apex"), wordsOf(u"elk ember easel ether erst"),
+            wordsOf(u"bob alba bent bask bale")},
+      false);
+}
+
+String repeated(std::u16string_view text, int times) {
+  std::u16string result;
+  for (int i = 0; i < times; ++i) result += std::u16string(text) + u' ';
+  return result;
+}
+
+std::u16string operator+(const String& a, const String& b) {
+  return std::u16string(a.view()) + std::u16string(b.view());
+}
+
+TEST(LanguageFilter, Decisions) {
+  const auto filter = smallFilter();
+  const String filler = repeated(u"zzz", 40);
+  const struct {
+    const char* why;
+    String text;
+    const char16_t* language;
+  } cases[] = {
+      {"four different stop words decide", u"alba arne asta avis", u"AA"},
+      {"three do not, however often they come", repeated(u"arne asta avis", 50), nullptr},
+      {"a count of 4 among 160 words is not above a fortieth", u"alba arne asta avis" + repeated(u" zzz", 156),
+       nullptr},
+      {"among 159 it is", u"alba arne asta avis" + repeated(u" zzz", 155), u"AA"},
+      {"equal counts go to the first, and EN is the first", u"alba arne asta avis elk ember easel ether", u"EN"},
+      {"two more than the leader before are too few", u"elk ember easel ether alba arne asta avis avis avis", nullptr},
+      {"three more are enough", u"elk ember easel ether alba arne asta avis avis avis avis", u"AA"},
+      {"short words count for nothing among the characters", repeated(u"xy", 30) + u"слово слово слово", u"RU"},
+      {"case makes no difference", u"ALBA Arne aSTA avis", u"AA"},
+      {"diacritics do", u"álba arné ásta avís", nullptr},
+      {"Cyrillic", u"elk ember easel ether быстрая коричневая лиса прыгает через ленивую собаку потом снова", u"RU"},
+      {"Greek", u"η γρήγορη καφετιά αλεπού πηδάει πάνω από τον τεμπέλη σκύλο", u"EL"},
+      {"Hebrew", u"השועל החום המהיר קופץ מעל הכלב העצלן", u"HE"},
+      {"Arabic", u"الثعلب البني السريع يقفز فوق الكلب الكسول", u"AR"},
+      {"another script", u"ธงชาติ ภาษา ประเทศ กรุงเทพ", u"**"},
+      {"too few words of a script", u"zzz zzz zzz zzz zzz zzz zzz zzz слово слово слово", nullptr},
+      {"numbers and signs", u"123 4567 89012", nullptr},
+      {"nothing", u"", nullptr},
+  };
+  for (const auto& c : cases) EXPECT_EQ(filter->languageOfText(c.text), String(c.language)) << c.why;
+  EXPECT_TRUE(filter->languageOfText(String()).isAbsent());
+}
+
+TEST(LanguageFilter, OwnLanguage) {
+  const auto filter = smallFilter();
+  const String foreign = repeated(u"elk ember easel ether", 2);
+  EXPECT_FALSE(filter->filterText(foreign)) << "none is set";
+  const struct {
+    const char16_t* given;
+    const char16_t* language;
+    int64_t index;
+    bool filters;
+  } cases[] = {
+      {u"AA", u"AA", 1, true},
+      {u"bb", u"BB", 2, true},
+      {u"en", u"EN", 0, false},
+      {u"RU", u"RU", 1000, true},
+      {u"**", u"**", 1004, true},
+      {u"XX", nullptr, NSNotFound, false},
+      {nullptr, nullptr, NSNotFound, false},
+  };
+  for (const auto& c : cases) {
+    filter->setLanguage(c.given);
+    EXPECT_EQ(filter->language(), String(c.language));
+    EXPECT_EQ(filter->languageIndex(), c.index) << filter->language().toUTF8();
+    EXPECT_EQ(filter->filterText(foreign), c.filters) << filter->language().toUTF8();
+  }
+  filter->setLanguage(u"AA");
+  EXPECT_FALSE(filter->filterText(u"elk ember easel ether alba arne")) << "only two more than the own language has";
+  EXPECT_TRUE(filter->filterText(u"elk ember easel ether alba")) << "three more";
+  EXPECT_TRUE(filter->filterText(repeated(u"слово", 8)));
+}
+
+TEST(LanguageFilter, CodesAndSettings) {
+  EXPECT_EQ(LanguageFilter::ISOCodeForLanguage(u"DE"), u"de"_s);
+  EXPECT_EQ(LanguageFilter::ISOCodeForLanguage(u"NO"), u"nb"_s);
+  for (const char16_t* none : {u"**", u"", u"D", u"Klingon", u"d-e"}) {
+    EXPECT_TRUE(LanguageFilter::ISOCodeForLanguage(none).isAbsent());
+  }
+  const auto filter =
+      LanguageFilter::initWithKeys({u"NO"_s, u"RU"_s}, Lists{wordsOf(u"ikke"), wordsOf(u"nikogda")}, true);
+  filter->setLanguage(u"nb");
+  EXPECT_EQ(filter->language(), u"NO"_s);
+  EXPECT_EQ(filter->ISOLanguageCode(), u"nb"_s);
+  filter->setLanguage(u"RU");
+  EXPECT_EQ(filter->languageIndex(), 1) << "stop words under the key of a script group";
+  EXPECT_TRUE(filter->ignoreUmlauts());
+  EXPECT_EQ(filter->minWordLen(), 3);
+  filter->setMinWordLen(5);
+  EXPECT_EQ(filter->countsOfText(u"ikke ikke").languages[0].words, 0);
+
+  const auto signs = LanguageFilter::initWithKeys({u"XX"_s, u"YY"_s}, Lists{{u"Don't"_s, u"Stra\u00DFe"_s}}, true);
+  EXPECT_EQ(signs->languages().size(), 1u) << "the shorter list counts";
+  EXPECT_EQ(signs->stopWords(0), (std::vector<String>{u"don"_s, u"dont"_s, u"stra\u00DFe"_s, u"t"_s}));
+}
+
+// The counts by their definition, with a set of words a language.
+TEST(LanguageFilter, CountsEqualASlowVersion) {
+  std::mt19937 random(7);
+  const std::u16string_view parts[] = {u"al", u"be", u"Bé", u"ga", u"м", u"слово", u"λ",  u"ש",
+                                       u"ع",  u"ธง", u"7",  u"ø",  u" ", u" ",     u", ", u"ß"};
+  const auto randomText = [&](size_t length) {
+    std::u16string text;
+    for (size_t i = 0; i < length; ++i) text += parts[random() % std::size(parts)];
+    return String(text);
+  };
+  for (int round = 0; round < 300; ++round) {
+    const bool ignoreUmlauts = round % 2 == 0;
+    Lists lists;
+    for (int i = 0; i < 3; ++i) lists.push_back(wordsOf(randomText(40)));
+    const auto filter = LanguageFilter::initWithKeys({u"A"_s, u"B"_s, u"C"_s}, lists, ignoreUmlauts);
+    const String text = randomText(200);
+    const unichar* table = ignoreUmlauts ? initLowerUmlautsCharsTable() : initLowerCharsTable();
+    const auto folded = [&](const String& word) {
+      std::u16string units(word.view());
+      for (char16_t& unit : units) unit = table[unit];
+      return units;
+    };
+    std::vector<int64_t> hits(3);
+    std::vector<std::set<std::u16string>> distinct(3);
+    int64_t nonWords = 0, scriptWords = 0;
+    for (const String& word : wordsOf(text)) {
+      if (word.length() < 3) continue;
+      const unichar first = word[0], last = word[word.length() - 1];
+      if (!isMemberOfCharacterSetRep(alphaCharacterSetRep(), first) ||
+          !isMemberOfCharacterSetRep(alphaCharacterSetRep(), last)) {
+        ++nonWords;
+      } else if (umlautsToAscii(first) < 128 && umlautsToAscii(last) < 128) {
+        for (size_t i = 0; i < 3; ++i) {
+          if (std::none_of(lists[i].begin(), lists[i].end(),
+                           [&](const String& w) { return folded(w) == folded(word); }))
+            continue;
+          ++hits[i];
+          distinct[i].insert(folded(word));
+        }
+      } else {
+        ++scriptWords;
+      }
+    }
+    const LanguageCounts counts = filter->countsOfText(text);
+    EXPECT_EQ(counts.nonWords, nonWords);
+    int64_t scripts = 0;
+    for (const ScriptCount& script : counts.scripts) scripts += script.words;
+    EXPECT_EQ(scripts, scriptWords);
+    for (size_t i = 0; i < 3; ++i) {
+      EXPECT_EQ(counts.languages[i].words, hits[i]) << text.toUTF8();
+      EXPECT_EQ(counts.languages[i].distinct, std::min<size_t>(distinct[i].size(), 4));
+    }
+  }
+}
+
+TEST(DominantLanguage, OfStrings) {
+  EXPECT_TRUE(dominantLanguage(String()).isAbsent());
+  EXPECT_TRUE(dominantLanguage(u"").isAbsent());
+  const String code = dominantLanguage(u"Der Leuchtturm steht seit vielen Jahren auf der kleinen Insel vor der Küste.");
+  EXPECT_TRUE(code.isAbsent() || code == u"de"_s) << code.toUTF8();
+}
+
+}  // namespace
+}  // namespace velan

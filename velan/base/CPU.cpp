@@ -19,15 +19,15 @@ constexpr struct {
   const char* name;
   CPUFeatures features;
 } kLevels[] = {
-    {"scalar", None}, {"sse4", kSSE4}, {"avx2", kAVX2}, {"avx512", kAVX2 | AVX512}, {"neon", NEON},
+    {"scalar", None}, {"sse4", kSSE4}, {"avx2", kAVX2}, {"avx512", kAVX2 | AVX512 | VBMI2}, {"neon", NEON},
 };
 
 constexpr struct {
   const char* name;
   CPUFeatures feature;
 } kNames[] = {
-    {"SSE4.1", SSE41},    {"PCLMUL", PCLMUL},  {"SHA", SHA},   {"AVX2", AVX2},
-    {"VPCLMUL", VPCLMUL}, {"AVX-512", AVX512}, {"NEON", NEON},
+    {"SSE4.1", SSE41},    {"PCLMUL", PCLMUL},  {"SHA", SHA},     {"AVX2", AVX2},
+    {"VPCLMUL", VPCLMUL}, {"AVX-512", AVX512}, {"VBMI2", VBMI2}, {"NEON", NEON},
 };
 
 #ifdef __x86_64__
@@ -48,6 +48,7 @@ CPUFeatures detected() {
   add(VPCLMUL, __builtin_cpu_supports("vpclmulqdq"));
   add(AVX512,
       __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512vl"));
+  add(VBMI2, __builtin_cpu_supports("avx512vbmi") && __builtin_cpu_supports("avx512vbmi2"));
   return features;
 }
 #elif defined(__aarch64__)

@@ -19,6 +19,7 @@ enum class CPUFeatures : uint32_t {
   VPCLMUL = 16,  // carry-less multiplication on as many bits as AVX2 or AVX512 give
   AVX512 = 32,   // 512-bit integers with masks: F, BW and VL
   NEON = 64,     // 128-bit integers on Arm
+  VBMI2 = 128,   // with AVX512: bytes permuted, compressed and spread (VBMI and VBMI2)
 };
 
 constexpr CPUFeatures operator|(CPUFeatures a, CPUFeatures b) {
@@ -31,7 +32,7 @@ constexpr CPUFeatures operator&(CPUFeatures a, CPUFeatures b) {
 constexpr bool contains(CPUFeatures features, CPUFeatures needed) { return (features & needed) == needed; }
 
 /// What a level allows: "scalar" nothing; "sse4" SSE41, PCLMUL and SHA; "avx2" also AVX2 and VPCLMUL; "avx512" also
-/// AVX512; "neon" NEON. Nothing for another name.
+/// AVX512 and VBMI2; "neon" NEON. Nothing for another name.
 std::optional<CPUFeatures> featuresOfLevel(std::string_view name);
 
 /// What this processor has, as far as the environment variable `VELAN_CPU` allows it, which names a level. Both are

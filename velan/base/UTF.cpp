@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "velan/base/UTFInternal.h"
+#include "velan/base/UTFKernelsInternal.h"
 
 namespace velan {
 namespace {
@@ -56,11 +57,7 @@ size_t putUTF8(uint32_t codePoint, char* bytes) {
   return 4;
 }
 
-// `lossy` replaces what is malformed; otherwise the conversion stops there.
-template <bool lossy>
-Transcoded toUTF16(std::string_view utf8, unichar* units) {
-  const auto* bytes = reinterpret_cast<const uint8_t*>(utf8.data());
-  const size_t length = utf8.size();
+Transcoded toUTF16Scalar(const uint8_t* bytes, size_t length, unichar* units) {
   size_t in = 0;
   size_t out = 0;
   while (in < length) {
@@ -69,18 +66,15 @@ Transcoded toUTF16(std::string_view utf8, unichar* units) {
     out += ascii;
     while (in < length && bytes[in] >= 0x80) {
       const UTF8Sequence sequence = decodeUTF8Sequence(bytes + in, length - in);
-      if (!sequence.valid && !lossy) return {in, out};
-      out += sequence.valid ? putUTF16(sequence.codePoint, units + out) : putUTF16(0xFFFD, units + out);
+      if (!sequence.valid) return {in, out};
+      out += putUTF16(sequence.codePoint, units + out);
       in += sequence.length;
     }
   }
   return {in, out};
 }
 
-template <bool lossy>
-Transcoded toUTF8(std::u16string_view utf16, char* bytes) {
-  const unichar* units = utf16.data();
-  const size_t length = utf16.size();
+Transcoded toUTF8Scalar(const unichar* units, size_t length, char* bytes) {
   size_t in = 0;
   size_t out = 0;
   while (in < length) {
@@ -95,9 +89,6 @@ Transcoded toUTF8(std::u16string_view utf16, char* bytes) {
       } else if (isHighSurrogate(unit) && in + 1 < length && isLowSurrogate(units[in + 1])) {
         out += putUTF8(0x10000u + ((unit & 0x3FFu) << 10) + (units[in + 1] & 0x3FFu), bytes + out);
         in += 2;
-      } else if (lossy) {
-        out += putUTF8(0xFFFD, bytes + out);
-        ++in;
       } else {
         return {in, out};
       }
@@ -106,13 +97,73 @@ Transcoded toUTF8(std::u16string_view utf16, char* bytes) {
   return {in, out};
 }
 
+#ifdef __x86_64__
+// The reference finishes what a kernel begins.
+template <auto begin>
+Transcoded toUTF16With(const uint8_t* bytes, size_t length, unichar* units) {
+  const Transcoded done = begin(bytes, length, units);
+  const Transcoded rest = toUTF16Scalar(bytes + done.consumed, length - done.consumed, units + done.written);
+  return {done.consumed + rest.consumed, done.written + rest.written};
+}
+
+template <auto begin>
+Transcoded toUTF8With(const unichar* units, size_t length, char* bytes) {
+  const Transcoded done = begin(units, length, bytes);
+  const Transcoded rest = toUTF8Scalar(units + done.consumed, length - done.consumed, bytes + done.written);
+  return {done.consumed + rest.consumed, done.written + rest.written};
+}
+#endif
+
+const UTFTranscoding& transcoding() {
+  static const UTFTranscoding best = utfKernels().best();
+  return best;
+}
+
+// U+FFFD for each lone surrogate.
+size_t toUTF8Lossy(std::u16string_view utf16, char* bytes) {
+  size_t out = 0;
+  for (;;) {
+    const Transcoded piece = transcoding().toUTF8(utf16.data(), utf16.size(), bytes + out);
+    out += piece.written;
+    utf16.remove_prefix(piece.consumed);
+    if (utf16.empty()) return out;
+    out += putUTF8(0xFFFD, bytes + out);
+    utf16.remove_prefix(1);
+  }
+}
+
 }  // namespace
 
-Transcoded convertUTF8ToUTF16(std::string_view utf8, unichar* units) { return toUTF16<false>(utf8, units); }
+const Kernels<UTFTranscoding>& utfKernels() {
+  using enum CPUFeatures;
+  static const Kernels<UTFTranscoding> kernels({
+      {"scalar", None, {toUTF16Scalar, toUTF8Scalar}},
+#ifdef __x86_64__
+      {"AVX-512", AVX512 | VBMI2, {toUTF16With<beginUTF16Avx512>, toUTF8With<beginUTF8Avx512>}},
+#endif
+  });
+  return kernels;
+}
 
-size_t convertUTF8ToUTF16Lossy(std::string_view utf8, unichar* units) { return toUTF16<true>(utf8, units).written; }
+Transcoded convertUTF8ToUTF16(std::string_view utf8, unichar* units) {
+  return transcoding().toUTF16(reinterpret_cast<const uint8_t*>(utf8.data()), utf8.size(), units);
+}
 
-Transcoded convertUTF16ToUTF8(std::u16string_view utf16, char* bytes) { return toUTF8<false>(utf16, bytes); }
+size_t convertUTF8ToUTF16Lossy(std::string_view utf8, unichar* units) {
+  size_t out = 0;
+  for (;;) {
+    const Transcoded piece = convertUTF8ToUTF16(utf8, units + out);
+    out += piece.written;
+    utf8.remove_prefix(piece.consumed);
+    if (utf8.empty()) return out;
+    units[out++] = 0xFFFD;
+    utf8.remove_prefix(decodeUTF8Sequence(reinterpret_cast<const uint8_t*>(utf8.data()), utf8.size()).length);
+  }
+}
+
+Transcoded convertUTF16ToUTF8(std::u16string_view utf16, char* bytes) {
+  return transcoding().toUTF8(utf16.data(), utf16.size(), bytes);
+}
 
 void appendUTF8Lossy(std::u16string_view utf16, std::string& utf8) {
   // In pieces, so that a long text does not reserve three times its size.
@@ -121,7 +172,7 @@ void appendUTF8Lossy(std::u16string_view utf16, std::string& utf8) {
   while (!utf16.empty()) {
     size_t count = std::min(kPiece, utf16.size());
     if (count < utf16.size() && isHighSurrogate(utf16[count - 1])) --count;
-    utf8.append(bytes, toUTF8<true>(utf16.substr(0, count), bytes).written);
+    utf8.append(bytes, toUTF8Lossy(utf16.substr(0, count), bytes));
     utf16.remove_prefix(count);
   }
 }

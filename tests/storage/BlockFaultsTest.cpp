@@ -257,8 +257,10 @@ TEST_P(BlockDecayTest, TruncationAnywhereIsReadAndRepairedWithinBounds) {
     expectKnownTexts(*storage);
     EXPECT_TRUE(storage->verify());
     storage->openFileForUpdating();
-    EXPECT_TRUE(storage->recoverTail()) << length;
-    EXPECT_TRUE(storage->verify()->damages.empty()) << length;
+    // Nothing proves a file of a single torn block to be a block file.
+    const bool isDoubtful = length >= 16 && length < 26;
+    EXPECT_EQ(storage->recoverTail(), !isDoubtful) << length;
+    EXPECT_EQ(storage->verify()->damages.empty(), !isDoubtful) << length;
   }
 }
 

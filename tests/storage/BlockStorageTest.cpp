@@ -227,6 +227,8 @@ TEST_F(BlockStorageTest, MovesBlocksToTheFront) {
 
 TEST_F(BlockStorageTest, RecoversATornTail) {
   const std::string good = plain("first", 0) + plain("second", 12);
+  std::string longFile;
+  while (longFile.size() < 100000) longFile += good;
   const struct {
     const char* why;
     std::string before;
@@ -242,13 +244,20 @@ TEST_F(BlockStorageTest, RecoversATornTail) {
       {"no block file", "Dear reader,\n", ""},
       {"a foreign tail", good + "notes\n", ""},
       {"blocks behind", good + plain("torn", 0).substr(0, 18) + good, ""},
+      {"half a header alone", plain("x", 0).substr(0, 15), "nothing"},
+      {"a torn block alone", plain("torn", 0).substr(0, 18), ""},
+      {"a disk image", std::string(70000, '\0'), ""},
+      {"a note that begins like a marker", "1A, left of the door", ""},
+      {"nothing to recover at the end of a long file", changed(longFile, 0, '?'), "the same"},
+      {"a torn block that holds blocks", good + plain(good + good, 0).substr(0, 16 + good.size()), ""},
   };
   for (const auto& c : cases) {
     image() = c.before;
     EXPECT_FALSE(reading()->recoverTail());
     const auto storage = updating();
     EXPECT_EQ(storage->recoverTail(), !c.after.empty()) << c.why;
-    EXPECT_EQ(image(), c.after.empty() ? c.before : c.after) << c.why;
+    const std::string after = c.after == "nothing" ? "" : c.after.empty() || c.after == "the same" ? c.before : c.after;
+    EXPECT_EQ(image(), after) << c.why;
   }
 }
 
@@ -265,6 +274,21 @@ TEST_F(BlockStorageTest, RepairFindsBlocksBehindDamagedHeaders) {
     const bool paddingOnly = byte == 10 || byte == 11;
     EXPECT_EQ(repaired, blocks[0] + (paddingOnly ? plain("second", 0) : "") + blocks[2] + blocks[3]) << byte;
     files.images.erase("new");
+  }
+}
+
+TEST_F(BlockStorageTest, TheEndOfALongFileIsFoundWithoutReadingItAll) {
+  for (const size_t size : {200u, 100000u}) {
+    int64_t reads[2] = {};
+    for (const size_t blocks : {40u, 400u}) {
+      image().clear();
+      for (size_t i = 0; i < blocks; ++i) image() += plain(std::string(size, 'x'), 0);
+      const auto storage = updating();
+      files.calls[0] = 0;
+      EXPECT_TRUE(storage->recoverTail());
+      reads[blocks / 400] = files.calls[0];
+    }
+    EXPECT_LE(reads[1], 2 * reads[0]) << size;
   }
 }
 

@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/FailingAllocation.h"
 #include "velan/base/Log.h"
 #include "velan/platform/files/FileCallsInternal.h"
 
@@ -55,6 +56,7 @@ class SimulatedFiles : public FileCalls {
   int64_t faults = 0;
 
   int open(const char* path, int flags, mode_t) override {
+    const SparedAllocations spared;
     if (std::string_view(path) == ".") return kFolder;
     const bool exists = images.contains(path);
     if (!exists && !(flags & O_CREAT)) return failed(ENOENT);
@@ -66,18 +68,26 @@ class SimulatedFiles : public FileCalls {
   int lock(int, int) override { return 0; }
   int status(int file, struct stat& status) override { return describe(image(file), status); }
   int statusOfPath(const char* path, bool, struct stat& status) override {
+    const SparedAllocations spared;
     const auto found = images.find(path);
     return found == images.end() ? failed(ENOENT) : describe(found->second, status);
   }
-  char* resolve(const char* path) override { return strdup(path); }
+  char* resolve(const char* path) override {
+    const SparedAllocations spared;
+    return strdup(path);
+  }
   int reserve(int, int64_t) override { return 0; }
   int copyAttributes(int, int) override { return 0; }
   int rename(const char* from, const char* to, bool replacing) override {
+    const SparedAllocations spared;
     if (!replacing && images.contains(to)) return failed(EEXIST);
     images[to] = std::move(images[from]);
     return remove(from);
   }
-  int remove(const char* path) override { return images.erase(path) ? 0 : failed(ENOENT); }
+  int remove(const char* path) override {
+    const SparedAllocations spared;
+    return images.erase(path) ? 0 : failed(ENOENT);
+  }
 
   ssize_t read(int file, const iovec* pieces, int count, int64_t offset) override {
     size_t left = 0;
@@ -95,6 +105,7 @@ class SimulatedFiles : public FileCalls {
   }
 
   ssize_t write(int file, const iovec* pieces, int count, int64_t offset) override {
+    const SparedAllocations spared;
     FileEvent event{FileEvent::Write, offset, {}};
     for (int i = 0; i < count; ++i) event.bytes.append(static_cast<const char*>(pieces[i].iov_base), pieces[i].iov_len);
     size_t written = event.bytes.size();
@@ -106,6 +117,7 @@ class SimulatedFiles : public FileCalls {
   }
 
   int truncate(int file, int64_t length) override {
+    const SparedAllocations spared;
     size_t none = 0;
     if (!permitted(Call::Truncate, none)) return -1;
     const FileEvent event{FileEvent::Truncate, length, {}};
@@ -115,6 +127,7 @@ class SimulatedFiles : public FileCalls {
   }
 
   int synchronize(int file) override {
+    const SparedAllocations spared;
     size_t none = 0;
     if (!permitted(Call::Synchronize, none)) return -1;
     if (recording && file != kFolder) events.push_back({FileEvent::Synchronize, 0, {}});
@@ -163,6 +176,7 @@ class CountedLog {
 
  private:
   void add(std::string_view message) {
+    const SparedAllocations spared;
     if (messages.size() < 100) messages.emplace_back(message);
   }
 };

@@ -61,8 +61,6 @@ const char* describe(BlockDamage damage) {
       return "does not inflate";
     case BlockDamage::HiddenBlocks:
       return "blocks where filler should be";
-    case BlockDamage::Unreadable:
-      return "cannot be read";
   }
   return "";
 }

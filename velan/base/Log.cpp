@@ -1,9 +1,11 @@
 #include "velan/base/Log.h"
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
+#include <memory>
 #include <mutex>
-#include <string>
+#include <new>
 
 namespace velan {
 namespace {
@@ -37,18 +39,21 @@ void logMessage(std::string_view message) {
   current.sink(message, current.context);
 }
 
+// What does not fit the stack goes to the heap; where that is exhausted, it is cut.
 void logFormat(const char* format, ...) {
+  char brief[512];
   va_list arguments;
   va_start(arguments, format);
   va_list copy;
   va_copy(copy, arguments);
-  const int length = std::vsnprintf(nullptr, 0, format, copy);
+  const int length = std::vsnprintf(brief, sizeof brief, format, copy);
   va_end(copy);
   if (length >= 0) {
-    std::string message(static_cast<size_t>(length) + 1, '\0');
-    std::vsnprintf(message.data(), message.size(), format, arguments);
-    message.pop_back();
-    logMessage(message);
+    const size_t size = static_cast<size_t>(length) + 1;
+    const std::unique_ptr<char[]> whole(size > sizeof brief ? new (std::nothrow) char[size] : nullptr);
+    if (whole) std::vsnprintf(whole.get(), size, format, arguments);
+    logMessage(whole ? std::string_view(whole.get(), size - 1)
+                     : std::string_view(brief, std::min(size, sizeof brief) - 1));
   }
   va_end(arguments);
 }

@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "velan/platform/files/FileReplacementInternal.h"
-#include "velan/storage/BlockStorage.h"
+#include "velan/storage/BlockStorageInternal.h"
 #include "velan/text/ConversionTables.h"
 
 namespace velan {
@@ -26,31 +26,42 @@ bool BlockStorage::copyBlocks(BlockStorage& target, bool skipErrors, BlockStorag
   if (!seekToFileOffset(0)) return false;
   while (true) {
     const Reading reading = readNext();
+    if (reading.outcome == Outcome::Failed) return false;
     if (reading.outcome == Outcome::Block &&
         (!handler || handler->storageHandleDataKey(target, reading.data, target.lengthOfFile()))) {
       const bool asStored = _compressed && reading.compressed;
       if (!(asStored ? target.appendCompressedBlock(reading.compressed) : target.appendBlock(reading.data))) {
-        return false;
+        return failWith(target._error);
       }
     }
     const bool ended = reading.outcome == Outcome::End;
     const bool error = reading.skippedError || (!ended && reading.outcome != Outcome::Block);
     if (error && !skipErrors) return false;
     if (ended || reading.outcome == Outcome::Error) return true;
-    if (handler && handler->shouldCancelIterationOfStorage(*this)) return false;
+    if (handler && handler->shouldCancelIterationOfStorage(*this)) return failWith(FileReason::Cancelled);
   }
 }
 
+bool BlockStorage::writeNewFile(const String& path, bool mustBeNew, FunctionRef<bool(BlockStorage& target)> write) {
+  return guarded(false, [&] {
+    if (!isReadable()) return false;
+    const FileReplacement::Options options{.mustBeNew = mustBeNew, .createsFolders = true, .like = _file.get()};
+    const auto replacement = FileReplacement::begin(path, options, _error);
+    auto file = replacement ? replacement->createSuccessor(_error) : nullptr;
+    if (!file) return false;
+    const auto target = initWithFile(std::move(file), path, true);
+    if (!target) return failWith(FileReason::NoMemory);
+    target->_blockSize = _blockSize;
+    if (!write(*target)) return false;
+    if (!target->synchronizeFile() || !target->closeFile()) return failWith(target->_error);
+    _error = replacement->commit();
+    return !_error;
+  });
+}
+
 bool BlockStorage::optimizeToPath(const String& path, bool skipErrors, BlockStorageHandler* handler) {
-  if (path.isEmpty() || !isReadable() || equalIgnoringCase(path, _path)) return false;
-  FileError error;
-  const auto replacement = FileReplacement::begin(path, {.createsFolders = true, .like = _file.get()}, error);
-  auto file = replacement ? replacement->createSuccessor(error) : nullptr;
-  if (!file) return false;
-  const auto target = initWithFile(std::move(file), path, true);
-  target->_blockSize = _blockSize;
-  const bool copied = copyBlocks(*target, skipErrors, handler) && target->synchronizeFile();
-  return target->closeFile() && copied && !replacement->commit();
+  if (path.isEmpty() || equalIgnoringCase(path, _path)) return false;
+  return writeNewFile(path, false, [&](BlockStorage& target) { return copyBlocks(target, skipErrors, handler); });
 }
 
 }  // namespace velan

@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <cstdlib>
+#include <utility>
 
 #include "velan/storage/BlockScannerInternal.h"
 #include "velan/text/digest/ChecksumsInternal.h"
@@ -8,16 +10,50 @@ namespace {
 
 constexpr int64_t kStride = 4096;
 constexpr size_t kChunk = 65536;
+constexpr int64_t kFirstWindow = 1 << 12;
+constexpr int64_t kLastWindow = 1 << 24;
 constexpr int64_t kMostSearches = 16;  // of one byte, for hidden blocks
 
 bool isMarker(const uint8_t* at) { return BlockHeader{loadBigEndian<uint32_t>(at), 0, 0, 0}.hasKnownMarker(); }
 
+// What a crash leaves of a header: bytes of it, and zeros where they did not reach the disk. Anything else was never
+// appended here, and the file may be no block file at all.
+bool canBeTorn(const HeaderBytes& bytes, int64_t count) {
+  const auto matches = [&](uint32_t marker) {
+    const HeaderBytes written = BlockHeader{marker, 0, 0, 0}.bytes();
+    for (int64_t i = 0; i < std::min<int64_t>(count, 4); ++i) {
+      const auto at = static_cast<size_t>(i);
+      if (bytes[at] != 0 && bytes[at] != written[at]) return false;
+    }
+    return true;
+  };
+  return matches(kPlainMarker) || matches(kCompressedMarker) || matches(kOldMarker);
+}
+
 }  // namespace
 
+// Every byte comes through here.
 bool BlockScanner::read(int64_t offset, void* bytes, size_t count) {
-  if (_file.readAt(offset, bytes, count) == static_cast<int64_t>(count)) return true;
-  if (!_unreadable) _unreadable = offset;
+  if (_failure) return false;
+  _failedOffset = offset;
+  if (offset >= _farthest) {
+    _farthest = offset + 1;
+    if (_progress && _progress(offset, _size)) return _failure = FileReason::Cancelled, false;
+  }
+  const int64_t got = _file.readAt(offset, bytes, count);
+  if (got == static_cast<int64_t>(count)) return true;
+  _failure = got < 0 ? _file.error() : FileError(FileReason::InputOutput);  // shorter than it was
   return false;
+}
+
+Data BlockScanner::payloadOf(const StoredBlock& block) {
+  void* const bytes = _failure ? nullptr : std::malloc(std::max<size_t>(block.length, 1));
+  Data payload = Data::withBytesNoCopy(bytes, block.length, true);
+  if (!bytes || !payload) {
+    if (!_failure) _failedOffset = block.offset, _failure = FileReason::NoMemory;
+    return Data();
+  }
+  return read(block.offset + kHeaderSize, bytes, block.length) ? payload : Data();
 }
 
 std::optional<BlockHeader> BlockScanner::headerAt(int64_t offset) {
@@ -50,13 +86,14 @@ uint32_t BlockScanner::checksumUpTo(int64_t offset) {
 
 // A long part from the checksums of the two beginnings of the file that differ by it: overlapping parts cost no more.
 uint32_t BlockScanner::checksum(int64_t offset, int64_t length) {
-  if (length <= 2 * kStride) return checksumDirectly(0, offset, length);
+  if (length <= 2 * kStride || _directly) return checksumDirectly(0, offset, length);
   const uint32_t before = checksumUpTo(offset);
   return checksumUpTo(offset + length) ^ crc32WithZeros(before, static_cast<uint64_t>(length));
 }
 
 bool BlockScanner::isSound(int64_t offset, const BlockHeader& header) {
   if (header.length == 0) return header.crc == 0;
+  if (_directly && (*_directly -= header.length) < 0) return false;
   return payloadFits(offset, header) && checksum(offset + kHeaderSize, header.length) == header.crc;
 }
 
@@ -133,25 +170,74 @@ BlockScanner::Step BlockScanner::behind(int64_t offset, const BlockHeader& heade
 
 bool BlockScanner::walk(FunctionRef<bool(const StoredBlock&)> found, FunctionRef<bool(const DamagedPlace&)> damaged) {
   const auto report = [&](BlockDamage damage, int64_t offset, int64_t length) {
-    return damaged && damaged({damage, offset, length});
+    return damaged && !_failure && damaged({damage, offset, length});
   };
-  for (int64_t offset = 0; offset < _size;) {
+  for (int64_t offset = 0; offset < _size && !_failure;) {
     const auto header = headerAt(offset);
     if (!header || !payloadFits(offset, *header)) {
       const int64_t next = findBlock(offset + 1);
-      const BlockDamage damage = header ? BlockDamage::Truncated : BlockDamage::InvalidHeader;
+      const BlockDamage damage =
+          header || (next == _size && isTorn(offset)) ? BlockDamage::Truncated : BlockDamage::InvalidHeader;
       if (report(damage, offset, next - offset)) return true;
       offset = next;
       continue;
     }
     const bool sound = isSound(offset, *header);
+    if (_failure) break;
     if (sound && found && found({offset, header->length, header->padding, header->isCompressed()})) return true;
     if (!sound && report(BlockDamage::InvalidChecksum, offset, header->extent())) return true;
     const Step step = behind(offset, *header, sound);
     if (step.damage && report(step.damage->damage, step.damage->offset, step.damage->length)) return true;
     offset = step.next;
   }
-  return _unreadable && report(BlockDamage::Unreadable, *_unreadable, 0);
+  return false;
+}
+
+// A block that is whole but for its marker, or its length, is damaged, not torn: its checksum still tells.
+bool BlockScanner::hasWholePayload(int64_t offset, const BlockHeader& header) {
+  const int64_t room = _size - offset - kHeaderSize;
+  const auto matches = [&](int64_t length) {
+    return length > 0 && length <= room && header.crc != 0 && checksum(offset + kHeaderSize, length) == header.crc;
+  };
+  return matches(header.length) || matches(room - header.padding);
+}
+
+// Nothing but the beginning of a header proves a file that begins with a torn block to be a block file at all.
+bool BlockScanner::isTorn(int64_t offset) {
+  HeaderBytes bytes{};
+  const int64_t count = std::min(_size - offset, kHeaderSize);
+  if ((offset == 0 && count == kHeaderSize) || !read(offset, bytes.data(), static_cast<size_t>(count))) return false;
+  return canBeTorn(bytes, count) && (count < kHeaderSize || !hasWholePayload(offset, BlockHeader::fromBytes(bytes)));
+}
+
+int64_t BlockScanner::endOfHeaders(int64_t limit) {
+  int64_t offset = 0;
+  while (offset < limit) {
+    const auto header = headerAt(offset);
+    if (!header || header->extent() > _size - offset) break;
+    offset += header->extent();
+  }
+  return offset;
+}
+
+// Without the checksums from the beginning of the file, which cost reading all of it; where overlapping claims make
+// that dear it is given up.
+//
+// A chain of blocks that reaches back over half of the sectors looked at, or to the beginning of the file. It could lie
+// in the payload of a torn block: then its header stands right before the first of them.
+bool BlockScanner::endsWithWholeBlock() {
+  for (int64_t window = kFirstWindow; window <= kLastWindow && !_failure; window *= 4) {
+    const int64_t from = std::max<int64_t>(0, _size - window);
+    _directly = 4 * window;
+    const auto first = hiddenChain(from, _size);
+    const bool gaveUp = *std::exchange(_directly, std::nullopt) < 0;
+    if (first && !gaveUp && *first <= (from == 0 ? 0 : _size - window / 2)) {
+      const auto around = *first >= kHeaderSize ? headerAt(*first - kHeaderSize) : std::nullopt;
+      return !_failure && !(around && around->extent() > _size - *first + kHeaderSize);
+    }
+    if (from == 0) break;
+  }
+  return false;
 }
 
 }  // namespace velan

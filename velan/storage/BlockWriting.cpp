@@ -30,15 +30,17 @@ std::optional<uint32_t> BlockStorage::paddingFor(size_t length) const {
 }
 
 bool BlockStorage::_appendBlock(const Stored& block) {
-  if (!_file || block.bytes.isEmpty()) return false;
+  _error = {};
+  if (!_file || _file->access() == FileAccess::Reading || block.bytes.isEmpty()) return false;
   const auto padding = paddingFor(block.bytes.length());
-  if (!padding) return false;
+  if (!padding) return failWith(FileReason::TooLarge);
   const BlockHeader header{block.marker, static_cast<uint32_t>(block.bytes.length()), *padding, crc32(block.bytes)};
-  return _file->write({header.bytes(), block.bytes.span()}, *padding);
+  return _file->write({header.bytes(), block.bytes.span()}, *padding) || failWith(_file->error());
 }
 
 bool BlockStorage::appendBlock(const Data& data) {
-  return _file && !data.isEmpty() && data.length() <= UINT32_MAX && _appendBlock(_blockForWriting(data));
+  if (data.length() > UINT32_MAX) return failWith(FileReason::TooLarge);
+  return _appendBlock(_blockForWriting(data));
 }
 
 bool BlockStorage::appendCompressedBlock(const Data& data) { return _appendBlock({data, kCompressedMarker}); }
@@ -48,7 +50,8 @@ bool BlockStorage::appendUncompressedBlock(const Data& data) { return _appendBlo
 std::optional<BlockHeader> BlockStorage::headerForChanging(int64_t offset) {
   HeaderBytes bytes{};
   const int64_t got = isUpdating() && offset >= 0 ? _file->readAt(offset, bytes.data(), bytes.size()) : 0;
-  if (got == 0) return std::nullopt;
+  if (got < 0) failReading(_file->error(), offset);
+  if (got <= 0) return std::nullopt;
   const BlockHeader header = BlockHeader::fromBytes(bytes);
   if (got == kHeaderSize && header.hasKnownMarker()) return header;
   complain("Invalid header at", offset);
@@ -60,25 +63,27 @@ std::optional<BlockHeader> BlockStorage::headerForChanging(int64_t offset) {
 // which reach the disk in any order, that takes waiting for the disk.
 bool BlockStorage::settle(int64_t offset, const BlockHeader& old, const BlockHeader& header) {
   const bool acrossSectors = offset % kSectorSize > kSectorSize - kHeaderSize;
-  return old.marker == header.marker || !acrossSectors || _file->barrier();
+  return old.marker == header.marker || !acrossSectors || _file->barrier() || failWith(_file->error());
 }
 
 // A failure may leave half a header, which would hide the blocks behind it: then the old one is put back if possible.
 bool BlockStorage::overwriteHeader(int64_t offset, const BlockHeader& old, const BlockHeader& header) {
   if (_file->overwrite(offset, {header.bytes()}, 0)) return true;
+  failWith(_file->error());
   _file->overwrite(offset, {old.bytes()}, 0);
   return false;
 }
 
 bool BlockStorage::overwriteBlock(int64_t offset, const BlockHeader& old, const BlockHeader& header,
                                   const Data& payload, uint64_t zeros) {
-  return _file->overwrite(offset + kHeaderSize, {payload.span()}, zeros) && settle(offset, old, header) &&
-         overwriteHeader(offset, old, header);
+  if (!_file->overwrite(offset + kHeaderSize, {payload.span()}, zeros)) return failWith(_file->error());
+  return settle(offset, old, header) && overwriteHeader(offset, old, header);
 }
 
 bool BlockStorage::updateBlock(const Data& data, int64_t offset) {
-  if (data.isAbsent() || data.length() > UINT32_MAX) return false;
-  const auto old = headerForChanging(offset);
+  _error = {};
+  if (data.length() > UINT32_MAX) return failWith(FileReason::TooLarge);
+  const auto old = data.isAbsent() ? std::nullopt : headerForChanging(offset);
   if (!old) return false;
   const Stored block = _blockForWriting(data);
   const int64_t padding = old->room() - static_cast<int64_t>(block.bytes.length());
@@ -89,6 +94,7 @@ bool BlockStorage::updateBlock(const Data& data, int64_t offset) {
 }
 
 bool BlockStorage::deleteBlockAtFileOffset(int64_t offset) {
+  _error = {};
   const auto old = headerForChanging(offset);
   if (!old || old->length == 0) return old.has_value();
   if (old->room() > UINT32_MAX) return false;
@@ -101,9 +107,11 @@ bool BlockStorage::deleteBlockAtFileOffset(int64_t offset) {
 }
 
 bool BlockStorage::optimizeLastBlock(const Data& data, const Data& compressed, int64_t offset, int64_t* nextOffset) {
+  _error = {};
   const int64_t oldEnd = _lastPosition + static_cast<int64_t>(_lastLength);
   if (nextOffset) *nextOffset = oldEnd;
-  if (!_file || !_file->seek(oldEnd)) return false;
+  if (!_file) return false;
+  if (!_file->seek(oldEnd)) return failWith(_file->error());
   const Stored block = compressed && _compressed ? Stored{compressed, kCompressedMarker} : _blockForWriting(data);
   const auto padding = paddingFor(block.bytes.length());
   if (block.bytes.isEmpty() || !padding || offset < 0) return false;
@@ -111,7 +119,9 @@ bool BlockStorage::optimizeLastBlock(const Data& data, const Data& compressed, i
   const bool isBestPlace = _lastPosition <= offset && static_cast<int64_t>(_lastLength) <= header.extent();
   if (isBestPlace || header.extent() > oldEnd - offset) return false;
   HeaderBytes there{};
-  if (!isUpdating() || _file->readAt(offset, there.data(), there.size()) != kHeaderSize) return false;
+  const int64_t got = isUpdating() ? _file->readAt(offset, there.data(), there.size()) : 0;
+  if (got < 0) return failReading(_file->error(), offset);
+  if (got < kHeaderSize) return false;
   if (!overwriteBlock(offset, BlockHeader::fromBytes(there), header, block.bytes, *padding)) return false;
   if (nextOffset) *nextOffset = offset + header.extent();
   return true;

@@ -25,34 +25,67 @@ void setInput(z_stream& stream, const void* bytes, size_t length) {
   stream.avail_in = static_cast<uInt>(length);
 }
 
-// Runs `step` on chunks of output until the end of the stream. False on any other status, or when `sink` has enough.
+// Runs `step` on chunks of output until the end of the stream. `Z_OK` when `sink` has enough.
 template <typename Step>
-bool runStream(z_stream& stream, Step step, FunctionRef<bool(std::span<const uint8_t>)> sink) {
+int runStream(z_stream& stream, Step step, FunctionRef<bool(std::span<const uint8_t>)> sink) {
   Bytef chunk[kChunk];
   int status = Z_OK;
-  while (status != Z_STREAM_END) {
-    stream.next_out = chunk;
-    stream.avail_out = kChunk;
-    status = step(&stream);
-    const size_t count = kChunk - stream.avail_out;
-    if (count > 0 && !sink({chunk, count})) return false;
-    if (status != Z_OK && status != Z_STREAM_END) return false;
+  try {
+    while (status == Z_OK) {
+      stream.next_out = chunk;
+      stream.avail_out = kChunk;
+      status = step(&stream);
+      const size_t count = kChunk - stream.avail_out;
+      if (count > 0 && !sink({chunk, count})) return Z_OK;
+    }
+  } catch (const std::bad_alloc&) {
+    return Z_MEM_ERROR;
   }
-  return true;
+  return status;
+}
+
+Inflation inflateTo(MutableData& output, const void* bytes, size_t length, size_t limit) {
+  return inflateInParts(bytes, length, [&output, limit](std::span<const uint8_t> part) {
+    const size_t room = std::min(part.size(), limit - output.length());
+    output.appendBytes(part.data(), room);
+    return room == part.size();
+  });
+}
+
+// Absent when memory runs out.
+Data taken(MutableData& output) {
+  try {
+    return output.takeData();
+  } catch (const std::bad_alloc&) {
+    return Data();
+  }
 }
 
 }  // namespace
 
 bool fitsZlib(const void* bytes, size_t length) { return bytes && length >= 1 && length <= UINT32_MAX; }
 
-bool inflateInParts(const void* bytes, size_t length, FunctionRef<bool(std::span<const uint8_t>)> sink) {
+Inflation inflateInParts(const void* bytes, size_t length, FunctionRef<bool(std::span<const uint8_t>)> sink) {
   z_stream stream{};
   setInput(stream, bytes, length);
-  if (!fitsZlib(bytes, length) || inflateInit2(&stream, kEitherWindow) != Z_OK) return false;
-  const bool ended = runStream(
+  if (!fitsZlib(bytes, length)) return Inflation::Damaged;
+  if (inflateInit2(&stream, kEitherWindow) != Z_OK) return Inflation::NoMemory;
+  const int status = runStream(
       stream, [](z_stream* s) { return inflate(s, Z_NO_FLUSH); }, sink);
   inflateEnd(&stream);
-  return ended && stream.avail_in == 0;
+  if (status == Z_OK) return Inflation::Stopped;
+  if (status == Z_MEM_ERROR) return Inflation::NoMemory;
+  return status == Z_STREAM_END && stream.avail_in == 0 ? Inflation::Whole : Inflation::Damaged;
+}
+
+Inflation inflateInto(Data& result, const Data& data, size_t limit) {
+  MutableData output;
+  const Inflation inflation = inflateTo(output, data.bytes(), data.length(), limit);
+  if (inflation != Inflation::Whole) return inflation;
+  Data whole = taken(output);
+  if (!whole) return Inflation::NoMemory;
+  result = std::move(whole);
+  return Inflation::Whole;
 }
 
 Data dataByCompressingBytes(const void* bytes, size_t length, int compressionLevel, bool useGzip) {
@@ -64,20 +97,15 @@ Data dataByCompressingBytes(const void* bytes, size_t length, int compressionLev
     return Data();
   }
   MutableData output;
-  bool ended = false;
-  try {
-    output.reserve(length / 4);
-    ended = runStream(
-        stream, [](z_stream* s) { return deflate(s, Z_FINISH); },
-        [&output](std::span<const uint8_t> part) {
-          output.appendBytes(part.data(), part.size());
-          return true;
-        });
-  } catch (const std::bad_alloc&) {
-    ended = false;
-  }
+  const int status = runStream(
+      stream, [](z_stream* s) { return deflate(s, Z_FINISH); },
+      [&output, length](std::span<const uint8_t> part) {
+        if (output.isEmpty()) output.reserve(length / 4);
+        output.appendBytes(part.data(), part.size());
+        return true;
+      });
   deflateEnd(&stream);
-  return ended ? output.takeData() : Data();
+  return status == Z_STREAM_END ? taken(output) : Data();
 }
 
 Data dataByGzippingBytes(const void* bytes, size_t length) { return dataByGzippingBytes(bytes, length, kDefaultLevel); }
@@ -110,7 +138,7 @@ Data dataByInflatingBytes(const void* bytes, size_t length) { return dataByInfla
 
 Data dataByInflatingBytes(const void* bytes, size_t length, size_t limit) {
   MutableData output;
-  return setDataByInflatingBytes(output, bytes, length, limit) ? output.takeData() : Data();
+  return setDataByInflatingBytes(output, bytes, length, limit) ? taken(output) : Data();
 }
 
 Data dataByInflatingData(const Data& data) { return dataByInflatingData(data, SIZE_MAX); }
@@ -130,17 +158,9 @@ bool setDataByInflatingBytes(MutableData& receiver, const void* bytes, size_t le
 bool setDataByInflatingBytes(MutableData& receiver, const void* bytes, size_t length, size_t limit) {
   if (!fitsZlib(bytes, length)) return false;
   MutableData output;
-  const bool inflated = inflateInParts(bytes, length, [&output, limit](std::span<const uint8_t> part) {
-    const size_t room = std::min(part.size(), limit - output.length());
-    try {
-      output.appendBytes(part.data(), room);
-    } catch (const std::bad_alloc&) {
-      return false;
-    }
-    return room == part.size();
-  });
+  const Inflation inflation = inflateTo(output, bytes, length, limit);
   receiver = std::move(output);
-  return inflated;
+  return inflation == Inflation::Whole;
 }
 
 }  // namespace velan

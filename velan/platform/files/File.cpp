@@ -88,6 +88,12 @@ bool File::failed() {
 
 File::~File() { close(); }
 
+// A failure that the system had no part in.
+bool File::refused(const FileError& error) {
+  _error = error;
+  return false;
+}
+
 bool File::lock(bool exclusive) {
   if (retried([&] { return _calls->lock(_descriptor, (exclusive ? LOCK_EX : LOCK_SH) | LOCK_NB); }) == 0) return true;
   failed();
@@ -170,7 +176,8 @@ bool File::putOut(int64_t offset, Pieces pieces, uint64_t zeros) {
 
 bool File::writeOut(int64_t offset, Pieces pieces, uint64_t zeros) {
   const uint64_t total = totalOf(pieces, zeros);
-  if (_access == FileAccess::Reading || total > static_cast<uint64_t>(INT64_MAX - offset)) return false;
+  if (_access == FileAccess::Reading) return refused({});
+  if (total > static_cast<uint64_t>(INT64_MAX - offset)) return refused(FileReason::TooLarge);
   if (putOut(offset, pieces, zeros)) {
     _size = std::max(_size, offset + static_cast<int64_t>(total));
     return true;
@@ -196,7 +203,7 @@ bool File::flush() {
 
 bool File::write(Pieces pieces, uint64_t zeros) {
   const uint64_t total = totalOf(pieces, zeros);
-  if (_access == FileAccess::Reading) return false;
+  if (_access == FileAccess::Reading) return refused({});
   if (_pending && total > kBufferSize - _filled && !flush()) return false;
   if (!_pending) {
     _filled = 0;
@@ -219,13 +226,15 @@ bool File::write(Pieces pieces, uint64_t zeros) {
 }
 
 bool File::overwrite(int64_t offset, Pieces pieces, uint64_t zeros) {
-  if (_access != FileAccess::Updating || offset < 0 || !flush()) return false;
+  if (_access != FileAccess::Updating || offset < 0) return refused({});
+  if (!flush()) return false;
   dropReadAhead();
   return writeOut(offset, pieces, zeros);
 }
 
 bool File::truncate(int64_t offset) {
-  if (_access == FileAccess::Reading || offset < 0 || !flush()) return false;
+  if (_access == FileAccess::Reading || offset < 0) return refused({});
+  if (!flush()) return false;
   dropReadAhead();
   if (retried([&] { return _calls->truncate(_descriptor, offset); }) != 0) return failed();
   _size = _position = offset;

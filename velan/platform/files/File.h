@@ -96,6 +96,7 @@ class VELAN_EXPORT File {
                                       FileError& error);
   static std::unique_ptr<File> openedAndLocked(const std::string& path, FileAccess access, FileError& error);
   bool failed();
+  bool refused(const FileError& error);
   bool readInto(int64_t offset, uint8_t* bytes, size_t count, size_t ahead, int64_t& got);
   bool writeOut(int64_t offset, Pieces pieces, uint64_t zeros);
   bool putOut(int64_t offset, Pieces pieces, uint64_t zeros);

@@ -1,0 +1,35 @@
+// Memory that runs out: the n-th allocation of this thread fails. Needs FailingAllocation.cpp in the test binary.
+#ifndef VELAN_TESTS_FAILING_ALLOCATION_H
+#define VELAN_TESTS_FAILING_ALLOCATION_H
+
+#include <cstdint>
+
+namespace velan {
+
+/// While it lives the `at`-th allocation (from 0), and with `onwards` every later one, gets no memory: `operator new`
+/// throws, `malloc` and its kin (not under the sanitizers, which need them) return null. At most one at a time.
+class FailingAllocation {
+ public:
+  FailingAllocation(int64_t at, bool onwards);
+  ~FailingAllocation();
+  FailingAllocation(const FailingAllocation&) = delete;
+  FailingAllocation& operator=(const FailingAllocation&) = delete;
+  /// Whether an allocation has failed since the last one began.
+  static bool happened();
+};
+
+/// Allocations of the test's own code, which do not count and do not fail.
+class SparedAllocations {
+ public:
+  SparedAllocations();
+  ~SparedAllocations();
+  SparedAllocations(const SparedAllocations&) = delete;
+  SparedAllocations& operator=(const SparedAllocations&) = delete;
+
+ private:
+  bool _before;
+};
+
+}  // namespace velan
+
+#endif  // VELAN_TESTS_FAILING_ALLOCATION_H

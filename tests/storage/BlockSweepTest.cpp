@@ -1,0 +1,270 @@
+// Every operation with every read failing, and with every allocation failing: once, and from then on. What an operation
+// claims is so, and what fails says which of the two it was and has changed nothing.
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "tests/FailingAllocation.h"
+#include "tests/storage/SimulatedFiles.h"
+#include "velan/storage/BlockStorage.h"
+
+namespace velan {
+namespace {
+
+const String kPath = u"blocks"_s;
+const String kNew = u"new"_s;
+const String kOld = u"old"_s;
+const Data kLong = Data::withBytes(std::string(3000, 'a'));
+const Data kShort = Data::withBytes("short");
+
+using Images = std::map<std::string, std::string>;
+using Strings = std::vector<std::string>;
+
+// What an operation claims; nothing when it says that it failed.
+using Claim = std::optional<std::string>;
+
+Claim claimOf(bool success) { return success ? Claim("done") : std::nullopt; }
+
+Claim claimOf(const std::optional<BlockSurvey>& survey) {
+  if (!survey) return std::nullopt;
+  std::string text;
+  const auto add = [&text](int64_t number) { text.append(std::to_string(number)).append(1, ' '); };
+  add(survey->blocks);
+  add(survey->deleted);
+  for (const DamagedPlace& place : survey->damages) {
+    add(static_cast<int>(place.damage));
+    add(place.offset);
+  }
+  return text;
+}
+
+Claim everyBlock(BlockStorage& storage, const std::function<Data(BlockStorage&)>& next) {
+  Strings all;
+  storage.seekToFileOffset(0);
+  for (int i = 0; i < 100; ++i) {
+    const Data data = next(storage);
+    const SparedAllocations spared;
+    if (!data) break;
+    all.emplace_back(data.view());
+  }
+  const SparedAllocations spared;
+  if (storage.error()) return std::nullopt;
+  std::string text;
+  for (const std::string& each : all) text += each + "|";
+  return text;
+}
+
+// Blocks are as they were when compressed: what they hold counts.
+Strings contentsOf(SimulatedFiles& files, const std::string& name) {
+  Strings all;
+  if (!files.images.contains(name)) return {"missing"};
+  const auto storage = BlockStorage::blockStorageForReadingAtPath(String::fromUTF8(name));
+  while (const Data data = storage->nextAvailableBlock()) all.emplace_back(data.view());
+  all.push_back("ends at " + std::to_string(storage->offsetInFile() < storage->lengthOfFile()));
+  return all;
+}
+
+struct Operation {
+  const char* name;
+  Claim (*run)(BlockStorage&);
+  bool mayDoWithLess = false;  // without memory for compressing it stores what it has, or says that there is no room
+};
+
+void PrintTo(const Operation& operation, std::ostream* out) { *out << operation.name; }
+
+struct TakeAll : BlockStorageHandler {};
+
+const Operation kOperations[] = {
+    {"opening for reading", [](BlockStorage& s) { return claimOf(s.openFileForReading()); }},
+    {"opening for updating", [](BlockStorage& s) { return claimOf(s.openFileForUpdating()); }},
+    {"opening for appending", [](BlockStorage& s) { return claimOf(s.openFileForAppending()); }},
+    {"nextAvailableBlock",
+     [](BlockStorage& s) { return everyBlock(s, [](BlockStorage& t) { return t.nextAvailableBlock(); }); }},
+    {"copyOfNextAvailableBlock",
+     [](BlockStorage& s) { return everyBlock(s, [](BlockStorage& t) { return t.copyOfNextAvailableBlock(); }); }},
+    {"mutableCopyOfNextAvailableBlock",
+     [](BlockStorage& s) {
+       return everyBlock(s, [](BlockStorage& t) {
+         Data compressed;
+         const auto copy = t.mutableCopyOfNextAvailableBlock(&compressed);
+         const SparedAllocations spared;
+         return copy ? copy->data() : Data();
+       });
+     }},
+    {"enumerateStoredBlocks",
+     [](BlockStorage& s) {
+       int64_t sum = 0;
+       const auto found = [&](const StoredBlock& block) { return sum = 31 * sum + block.end(), false; };
+       const auto damaged = [&](const DamagedPlace& place) { return sum = 31 * sum - place.offset, false; };
+       const bool whole = s.enumerateStoredBlocks(found, damaged);
+       const SparedAllocations spared;
+       return whole ? Claim(std::to_string(sum)) : std::nullopt;
+     }},
+    {"enumerateStoredBlocks without damages",
+     [](BlockStorage& s) {
+       int64_t count = 0;
+       const auto found = [&](const StoredBlock&) { return ++count, false; };
+       const bool whole = s.enumerateStoredBlocks(found, nullptr);
+       const SparedAllocations spared;
+       return whole ? Claim(std::to_string(count)) : std::nullopt;
+     }},
+    {"verify",
+     [](BlockStorage& s) {
+       const auto survey = s.verify();
+       const SparedAllocations spared;
+       return claimOf(survey);
+     }},
+    {"isBlockAtFileOffset", [](BlockStorage& s) { return claimOf(s.isBlockAtFileOffset(s.offsetOfLastBlock())); }},
+    {"recoverTail", [](BlockStorage& s) { return claimOf(s.recoverTail()); }},
+    {"optimizeToPath", [](BlockStorage& s) { return claimOf(s.optimizeToPath(kNew, false, nullptr)); }},
+    {"optimizeToPath with skipErrors",
+     [](BlockStorage& s) {
+       TakeAll handler;
+       s.setCompressed(true);
+       return claimOf(s.optimizeToPath(kNew, true, &handler));
+     },
+     true},
+    {"optimizeToPath over a file", [](BlockStorage& s) { return claimOf(s.optimizeToPath(kOld, true, nullptr)); }},
+    {"compactToPath",
+     [](BlockStorage& s) {
+       s.setCompressed(true);
+       const auto survey = s.compactToPath(kNew, true, nullptr);
+       const SparedAllocations spared;
+       return claimOf(survey);
+     },
+     true},
+    {"repairToPath",
+     [](BlockStorage& s) {
+       const auto survey = s.repairToPath(kNew);
+       const SparedAllocations spared;
+       return claimOf(survey);
+     }},
+    {"backupToPath", [](BlockStorage& s) { return claimOf(s.backupToPath(kNew)); }},
+    {"appendBlock",
+     [](BlockStorage& s) {
+       s.setCompressed(true);
+       s.seekToEndOfFile();
+       return claimOf(s.appendBlock(kLong) && s.synchronizeFile());
+     },
+     true},
+    {"updateBlock",
+     [](BlockStorage& s) {
+       s.setCompressed(true);
+       return claimOf(s.updateBlock(kShort, 0));
+     },
+     true},
+    {"deleteBlockAtFileOffset", [](BlockStorage& s) { return claimOf(s.deleteBlockAtFileOffset(0)); }},
+    {"optimizeLastBlock", [](BlockStorage& s) { return claimOf(s.optimizeLastBlock(kShort, Data(), 0, nullptr)); },
+     true},
+    {"truncateFileAtOffset", [](BlockStorage& s) { return claimOf(s.truncateFileAtOffset(0)); }},
+};
+
+class BlockSweepTest : public testing::TestWithParam<Operation> {
+ protected:
+  BlockSweepTest() {
+    const auto storage = BlockStorage::blockStorageForUpdatingAtPath(kPath);
+    for (int i = 0; i < 6; ++i) {
+      storage->setCompressed(i % 2 == 1);
+      storage->setBlockSize(i == 4 ? 512 : 0);
+      storage->appendBlock(Data::withBytes(std::to_string(i) + std::string(1500, static_cast<char>('a' + i))));
+    }
+    storage->deleteBlockAtFileOffset(storage->lengthOfFile() / 2);
+    storage->closeFile();
+    const std::string sound = files.images["blocks"];
+    std::string damaged = sound;
+    damaged[1516] ^= 1;  // the second header
+    _images = {sound, damaged, sound.substr(0, sound.size() - 9)};
+  }
+
+  struct Outcome {
+    Claim claim;
+    FileError error;
+    Strings contents, made, old;
+    size_t count;
+    bool happened;
+  };
+
+  Outcome run(const std::string& image, SimulatedFiles::Fault fault, std::optional<int64_t> allocation, bool onwards) {
+    files.images = {{"blocks", image}, {"old", "was there"}};
+    files.fault = {};
+    auto storage = BlockStorage::blockStorageForUpdatingAtPath(kPath);
+    for (int i = 0; i < 2; ++i) storage->nextAvailableBlock();
+    files.faults = files.calls[0] = 0;
+    files.fault = fault;
+    Outcome outcome{};
+    {
+      const FailingAllocation failing(allocation.value_or(INT64_MAX), onwards);
+      outcome.claim = GetParam().run(*storage);
+      outcome.error = storage->error();
+    }
+    outcome.happened = files.faults > 0 || FailingAllocation::happened();
+    files.fault = {};
+    storage.reset();
+    outcome.contents = contentsOf(files, "blocks");
+    outcome.made = contentsOf(files, "new");
+    outcome.old = contentsOf(files, "old");
+    outcome.count = files.images.size();
+    return outcome;
+  }
+
+  void expectHonest(const Outcome& outcome, const Outcome& before, const Outcome& sound, FileReason reason) {
+    if (outcome.claim) {
+      EXPECT_EQ(*outcome.claim, sound.claim.value_or("nothing"));
+      EXPECT_EQ(outcome.contents, sound.contents);
+      EXPECT_EQ(outcome.made, sound.made);
+      EXPECT_EQ(outcome.old, sound.old);
+    } else {
+      const bool quiet = GetParam().mayDoWithLess || !sound.claim;
+      EXPECT_TRUE(quiet || outcome.error.reason() == reason) << outcome.error.words();
+      EXPECT_EQ(outcome.contents, before.contents);
+      EXPECT_EQ(outcome.made, before.made);
+      EXPECT_EQ(outcome.old, before.old);
+    }
+    EXPECT_EQ(outcome.count, outcome.made.front() == "missing" ? 2u : 3u) << "nothing is left behind";
+  }
+
+  template <typename Run>
+  void sweep(const Outcome& before, const Outcome& sound, FileReason reason, Run run) {
+    for (int64_t n = 0; !HasFailure(); ++n) {
+      const Outcome outcome = run(n);
+      SCOPED_TRACE(n);
+      expectHonest(outcome, before, sound, reason);
+      if (!outcome.happened) break;
+      ++faults;
+    }
+  }
+
+  Outcome before(const std::string& image) {
+    files.images = {{"blocks", image}, {"old", "was there"}};
+    Outcome outcome{};
+    outcome.contents = contentsOf(files, "blocks");
+    outcome.made = contentsOf(files, "new");
+    outcome.old = contentsOf(files, "old");
+    return outcome;
+  }
+
+  CountedLog log;
+  SimulatedFiles files;
+  std::vector<std::string> _images;
+  int64_t faults = 0;
+};
+
+TEST_P(BlockSweepTest, ClaimsNothingThatIsNotSo) {
+  for (const std::string& image : _images) {
+    const Outcome untouched = before(image);
+    const Outcome sound = run(image, {}, std::nullopt, false);
+    for (const bool onwards : {false, true}) {
+      SCOPED_TRACE(onwards ? "from then on" : "once");
+      sweep(untouched, sound, FileReason::InputOutput, [&](int64_t n) {
+        return run(image, {SimulatedFiles::Call::Read, n, EIO, onwards}, std::nullopt, onwards);
+      });
+      sweep(untouched, sound, FileReason::NoMemory, [&](int64_t n) { return run(image, {}, n, onwards); });
+    }
+  }
+  RecordProperty("faults", std::to_string(faults));
+}
+
+INSTANTIATE_TEST_SUITE_P(Blocks, BlockSweepTest, testing::ValuesIn(kOperations));
+
+}  // namespace
+}  // namespace velan

@@ -19,10 +19,12 @@ enum ExitStatus : int {
 void addTextCommands(CLI::App& app, int& status);
 /// `velan keyed …`: files of keyed data records. `app` and `status` must outlive the parsing.
 void addKeyedCommands(CLI::App& app, int& status);
-/// `velan blocks`, `crc`, `deflate`, `gzip` and `inflate`.
+/// `velan blocks …`: files of blocks.
 void addBlockCommands(CLI::App& app, int& status);
 /// `velan language`.
 void addLanguageCommand(CLI::App& app, int& status);
+/// Crc, deflate, gzip and inflate.
+void addByteFilters(CLI::App& app, int& status);
 
 }  // namespace velan::tool
 

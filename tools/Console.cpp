@@ -25,6 +25,11 @@ void complain(std::string_view message) {
   std::fprintf(stderr, "velan: %.*s\n", static_cast<int>(message.size()), message.data());
 }
 
+int trouble(std::string_view message) {
+  complain(message);
+  return Trouble;
+}
+
 bool print(std::string_view text) {
   return checkOutput(std::fwrite(text.data(), 1, text.size(), stdout) == text.size());
 }
@@ -61,6 +66,13 @@ std::optional<std::string> readFile(const std::string& path, std::string& why) {
     why = std::strerror(errno);
     return std::nullopt;
   }
+  return bytes;
+}
+
+std::optional<std::string> readFileOrComplain(const std::string& path) {
+  std::string why;
+  auto bytes = readFile(path, why);
+  if (!bytes) complain(path + ": " + why);
   return bytes;
 }
 

@@ -10,6 +10,8 @@ namespace velan::tool {
 
 /// One line on standard error: "velan: message".
 void complain(std::string_view message);
+/// `complain`, and the exit status that goes with it.
+int trouble(std::string_view message);
 
 /// Writes to standard output; false when that has failed, now or before: then nobody reads any more, or the disk is
 /// full.
@@ -22,6 +24,8 @@ int finishOutput(int status);
 
 /// All bytes of the file, or of standard input for "-". Otherwise nothing, and `why` says in a few words what failed.
 std::optional<std::string> readFile(const std::string& path, std::string& why);
+/// The same; after a failure nothing is left to be said.
+std::optional<std::string> readFileOrComplain(const std::string& path);
 
 }  // namespace velan::tool
 

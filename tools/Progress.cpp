@@ -2,16 +2,20 @@
 
 #include <unistd.h>
 
+#include <cinttypes>
 #include <cstdio>
 
 namespace velan::tool {
 
-Progress::Progress(size_t total)
-    : _total(total), _enabled(isatty(STDERR_FILENO) == 1), _due(Clock::now() + std::chrono::seconds(1)) {}
+Progress::Progress(const char* action, const char* unit)
+    : _action(action),
+      _unit(unit),
+      _enabled(isatty(STDERR_FILENO) == 1),
+      _due(Clock::now() + std::chrono::seconds(1)) {}
 
-void Progress::show(size_t done) {
+void Progress::show(int64_t done, int64_t total) {
   if (!_enabled || Clock::now() < _due) return;
-  std::fprintf(stderr, "\rvelan: %zu of %zu files\x1b[K", done, _total);
+  std::fprintf(stderr, "\rvelan: %s, %" PRId64 " of %" PRId64 " %s\x1b[K", _action, done, total, _unit);
   std::fflush(stderr);
   _shown = true;
   _due = Clock::now() + std::chrono::milliseconds(100);

@@ -22,8 +22,7 @@ int complainAboutUsage(const CLI::App& app, const CLI::ParseError& error) {
     each = each->get_subcommands().front();
     command += ' ' + each->get_name();
   }
-  complain(message + " (see " + command + " --help)");
-  return Trouble;
+  return trouble(message + " (see " + command + " --help)");
 }
 
 int run(int argc, char** argv) {
@@ -43,6 +42,7 @@ int run(int argc, char** argv) {
   addKeyedCommands(app, status);
   addBlockCommands(app, status);
   addLanguageCommand(app, status);
+  addByteFilters(app, status);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
@@ -50,8 +50,7 @@ int run(int argc, char** argv) {
   }
   if (version) printVersion(verbose);
   if (version || !app.get_subcommands().empty()) return status;
-  complain("which command? (see velan --help)");
-  return Trouble;
+  return trouble("which command? (see velan --help)");
 }
 
 }  // namespace
@@ -63,10 +62,8 @@ int main(int argc, char** argv) {
   try {
     return finishOutput(run(argc, argv));
   } catch (const std::bad_alloc&) {
-    complain("there is not enough memory");
-    return Trouble;
+    return trouble("there is not enough memory");
   } catch (const std::exception& error) {
-    complain(error.what());
-    return Trouble;
+    return trouble(error.what());
   }
 }

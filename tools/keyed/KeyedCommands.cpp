@@ -1,9 +1,12 @@
-#include <CLI/CLI.hpp>
-#include <cstdio>
+// `velan keyed …`.
 #include <filesystem>
 #include <map>
-#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
 
+#include "tools/CommandLine.h"
 #include "tools/Commands.h"
 #include "tools/Console.h"
 #include "tools/keyed/KeyedText.h"
@@ -16,16 +19,14 @@
 namespace velan::tool {
 namespace {
 
-// What the command line says; one for all subcommands, of which one runs.
-struct Arguments {
+struct KeyedOptions {
   std::string file;
   std::string key;
   std::string value;
-  std::string type = "string";
+  std::string type;  // empty: any, or a string when it is set
   std::string source = "-";
   bool json = false;
   bool pair = false;
-  bool typeGiven = false;
 };
 
 const std::map<std::string, uint32_t>& typeMarkers() {
@@ -35,21 +36,9 @@ const std::map<std::string, uint32_t>& typeMarkers() {
   return markers;
 }
 
-void print(const std::string& text) { std::fwrite(text.data(), 1, text.size(), stdout); }
-
-int trouble(const std::string& message) {
-  complain(message);
-  return Trouble;
-}
-
 std::optional<Data> load(const std::string& path) {
-  std::string why;
-  const auto bytes = readFile(path, why);
-  if (!bytes) {
-    complain(path + ": " + why);
-    return std::nullopt;
-  }
-  return Data::withBytes(*bytes);
+  const auto bytes = readFileOrComplain(path);
+  return bytes ? std::optional(Data::withBytes(*bytes)) : std::nullopt;
 }
 
 int store(const std::string& path, const MutableData& data) {
@@ -69,27 +58,27 @@ std::optional<MutableData> loadForEditing(const std::string& path, bool mayBeMis
   return std::nullopt;
 }
 
-int dump(const Arguments& arguments) {
-  const auto data = load(arguments.file);
+int dump(const KeyedOptions& options) {
+  const auto data = load(options.file);
   if (!data) return Trouble;
   const KeyedInspection inspection = inspectKeyedData(*data);
   const bool damaged = inspection.damage != KeyedDamage::None;
-  if (arguments.json) {
+  if (options.json) {
     print(jsonOfRecords(*data));
   } else {
     for (const KeyedRecord& record : inspection.records) print(lineOfRecord(*data, record) + "\n");
   }
-  if (damaged) complain(arguments.file + ": " + describeDamage(*data, inspection));
+  if (damaged) complain(options.file + ": " + describeDamage(*data, inspection));
   return damaged || inspection.records.empty() ? Nothing : Something;
 }
 
-int check(const Arguments& arguments) {
-  const auto data = load(arguments.file);
+int check(const KeyedOptions& options) {
+  const auto data = load(options.file);
   if (!data) return Trouble;
   const KeyedInspection inspection = inspectKeyedData(*data);
   const bool valid = isValid(*data);
   const std::string count = valid ? ", " + std::to_string(inspection.records.size()) + " records" : std::string();
-  print(arguments.file + ": " + describeDamage(*data, inspection) + count + "\n");
+  print(options.file + ": " + describeDamage(*data, inspection) + count + "\n");
   return valid ? Something : Nothing;
 }
 
@@ -104,17 +93,17 @@ bool printValue(const Value& value) {
   return true;
 }
 
-int get(const Arguments& arguments) {
-  const auto data = load(arguments.file);
+int get(const KeyedOptions& options) {
+  const auto data = load(options.file);
   if (!data) return Trouble;
-  if (arguments.pair) {
-    return printValue(getValueForKey(*data, String::fromUTF8(arguments.key))) ? Something : Nothing;
+  if (options.pair) {
+    return printValue(getValueForKey(*data, String::fromUTF8(options.key))) ? Something : Nothing;
   }
-  const auto key = keyFromText(arguments.key);
-  if (!key) return trouble("a key is a number or four characters: " + arguments.key);
+  const auto key = keyFromText(options.key);
+  if (!key) return trouble("a key is a number or four characters: " + options.key);
   bool found = false;
   for (const KeyedRecord& record : inspectKeyedData(*data).records) {
-    if (record.key != *key || (arguments.typeGiven && record.marker != typeMarkers().at(arguments.type))) continue;
+    if (record.key != *key || (!options.type.empty() && record.marker != typeMarkers().at(options.type))) continue;
     found |= printValue(valueOfRecord(*data, record));
   }
   return found ? Something : Nothing;
@@ -146,56 +135,108 @@ void setRecord(MutableData& data, uint32_t marker, uint32_t key, const MutableDa
   data.appendBytes(record.bytes(), record.length());
 }
 
-int set(const Arguments& arguments) {
-  auto data = loadForEditing(arguments.file, true);
+int set(const KeyedOptions& options) {
+  auto data = loadForEditing(options.file, true);
   if (!data) return Trouble;
-  const uint32_t marker = typeMarkers().at(arguments.type);
-  const auto value = valueFromText(arguments.type, arguments.value);
+  const std::string type = options.type.empty() ? "string" : options.type;
+  const uint32_t marker = typeMarkers().at(type);
+  const auto value = valueFromText(type, options.value);
   MutableData record;
-  const auto key = arguments.pair ? kKeyedPairValue : keyFromText(arguments.key);
-  if (!key) return trouble("a key is a number or four characters: " + arguments.key);
+  const auto key = options.pair ? kKeyedPairValue : keyFromText(options.key);
+  if (!key) return trouble("a key is a number or four characters: " + options.key);
   if (!value || !addRecord(record, marker, *key, valueFromJson(marker, *value))) {
-    return trouble("no " + arguments.type + ": " + arguments.value);
+    return trouble("no " + type + ": " + options.value);
   }
-  if (!arguments.pair) {
+  if (!options.pair) {
     setRecord(*data, marker, *key, record);
   } else {
-    const String name = String::fromUTF8(arguments.key);
+    const String name = String::fromUTF8(options.key);
     setValue(*data, valueOfRecord(record, {0, record.length(), marker, *key}), name);
-    if (!containsValueForKey(*data, name)) return trouble("no key: " + arguments.key);
+    if (!containsValueForKey(*data, name)) return trouble("no key: " + options.key);
   }
-  return store(arguments.file, *data);
+  return store(options.file, *data);
 }
 
-int remove(const Arguments& arguments) {
-  auto data = loadForEditing(arguments.file, false);
+int remove(const KeyedOptions& options) {
+  auto data = loadForEditing(options.file, false);
   if (!data) return Trouble;
   const size_t before = data->length();
-  if (arguments.pair) {
-    removeValueForKey(*data, String::fromUTF8(arguments.key));
+  if (options.pair) {
+    removeValueForKey(*data, String::fromUTF8(options.key));
   } else {
-    const auto key = keyFromText(arguments.key);
-    if (!key) return trouble("a key is a number or four characters: " + arguments.key);
-    const uint32_t wanted = arguments.typeGiven ? typeMarkers().at(arguments.type) : 0;
+    const auto key = keyFromText(options.key);
+    if (!key) return trouble("a key is a number or four characters: " + options.key);
+    const uint32_t wanted = options.type.empty() ? 0 : typeMarkers().at(options.type);
     removeKeyedDataUsingHandler(
         *data, [&](uint32_t marker, uint32_t found) { return found == *key && (wanted == 0 || marker == wanted); });
   }
-  return data->length() == before ? Nothing : store(arguments.file, *data);
+  return data->length() == before ? Nothing : store(options.file, *data);
 }
 
-int loadRecords(const Arguments& arguments) {
+int loadRecords(const KeyedOptions& options) {
+  const auto json = readFileOrComplain(options.source);
+  if (!json) return Trouble;
   std::string why;
-  const auto json = readFile(arguments.source, why);
-  if (!json) return trouble(arguments.source + ": " + why);
   const Data data = recordsFromJson(*json, why);
-  if (data.isAbsent()) return trouble(arguments.source + ": " + why);
-  return store(arguments.file, MutableData(data));
+  if (data.isAbsent()) return trouble(options.source + ": " + why);
+  return store(options.file, MutableData(data));
+}
+
+std::pair<CLI::App*, KeyedOptions*> add(CLI::App& keyed, int& status, const char* name, const char* description,
+                                        int (*run)(const KeyedOptions&)) {
+  const auto added = addCommand<KeyedOptions>(keyed, status, name, description, run);
+  addArgument(*added.first, "FILE", added.second->file, "The file; - reads standard input where nothing is written")
+      ->required();
+  return added;
+}
+
+void addKey(CLI::App& command, KeyedOptions& options) {
+  addArgument(command, "KEY", options.key, "Four characters or a number; with --pair any text")->required();
+  command.add_flag("--pair", options.pair, "KEY is the key string of a pair");
+}
+
+void addType(CLI::App& command, KeyedOptions& options, const char* description) {
+  std::vector<std::string> names;
+  for (const auto& [name, marker] : typeMarkers()) names.push_back(name);
+  command.add_option("--type", options.type, description)->check(CLI::IsMember(names));
+}
+
+void addDump(CLI::App& keyed, int& status) {
+  const auto [command, options] = add(keyed, status, "dump", "Show all records: offset, marker, key and value", dump);
+  command->add_flag("--json", options->json, "As JSON that \"load\" turns into the same bytes");
+}
+
+void addGet(CLI::App& keyed, int& status) {
+  const auto [command, options] = add(keyed, status, "get", "Show the values of a key", get);
+  addKey(*command, *options);
+  addType(*command, *options, "Only records of this type");
+}
+
+void addSet(CLI::App& keyed, int& status) {
+  const auto [command, options] =
+      add(keyed, status, "set", "Set the value of a key, in a new file if there is none", set);
+  addKey(*command, *options);
+  addArgument(*command, "VALUE", options->value,
+              "Text, Base64 for data, JSON for everything else; a date in seconds since 2001")
+      ->required();
+  addType(*command, *options, "The type of the value, otherwise a string");
+}
+
+void addRemove(CLI::App& keyed, int& status) {
+  const auto [command, options] = add(keyed, status, "remove", "Remove all records of a key, or a pair", remove);
+  addKey(*command, *options);
+  addType(*command, *options, "Only records of this type");
+}
+
+void addLoad(CLI::App& keyed, int& status) {
+  const auto [command, options] =
+      add(keyed, status, "load", "Write the records that JSON describes to a file", loadRecords);
+  command->add_option("--from", options->source, "A file with JSON, otherwise standard input")->type_name("FILE");
 }
 
 }  // namespace
 
 void addKeyedCommands(CLI::App& app, int& status) {
-  const auto arguments = std::make_shared<Arguments>();
   CLI::App* keyed = app.add_subcommand("keyed", "Look into and edit files of keyed data records");
   keyed->require_subcommand(1);
   keyed->footer(
@@ -208,40 +249,12 @@ void addKeyedCommands(CLI::App& app, int& status) {
       "  velan keyed get settings.vlkd title --pair\n"
       "  velan keyed remove settings.vlkd CNTR\n"
       "  velan keyed dump settings.vlkd --json | velan keyed load copy.vlkd");
-  const auto add = [&](const char* name, const char* text, int (*run)(const Arguments&)) {
-    CLI::App* command = keyed->add_subcommand(name, text);
-    command->add_option("FILE", arguments->file, "The file; \"-\" reads standard input where nothing is written")
-        ->required();
-    command->callback([arguments, run, command, &status] {
-      const CLI::Option* type = command->get_option_no_throw("--type");
-      arguments->typeGiven = type && type->count() > 0;
-      status = run(*arguments);
-    });
-    return command;
-  };
-  const auto addKey = [&](CLI::App* command) {
-    command->add_option("KEY", arguments->key, "Four characters or a number; with --pair any text")->required();
-    command->add_flag("--pair", arguments->pair, "KEY is the key string of a pair");
-    return command;
-  };
-  const auto addType = [&](CLI::App* command, const char* text) {
-    std::vector<std::string> names;
-    for (const auto& [name, marker] : typeMarkers()) names.push_back(name);
-    command->add_option("--type", arguments->type, text)->check(CLI::IsMember(names));
-  };
-  add("dump", "Show all records: offset, marker, key and value", dump)
-      ->add_flag("--json", arguments->json, "As JSON that \"load\" turns into the same bytes");
-  add("check", "Say whether the file is valid, and where and why not", check);
-  addType(addKey(add("get", "Show the values of a key", get)), "Only records of this type");
-  CLI::App* setting = addKey(add("set", "Set the value of a key, in a new file if there is none", set));
-  setting
-      ->add_option("VALUE", arguments->value,
-                   "Text, Base64 for data, JSON for everything else; a date in seconds since 2001")
-      ->required();
-  addType(setting, "The type of the value, otherwise a string");
-  addType(addKey(add("remove", "Remove all records of a key, or a pair", remove)), "Only records of this type");
-  add("load", "Write the records that JSON describes to a file", loadRecords)
-      ->add_option("--from", arguments->source, "A file with JSON, otherwise standard input");
+  addDump(*keyed, status);
+  add(*keyed, status, "check", "Say whether the file is valid, and where and why not", check);
+  addGet(*keyed, status);
+  addSet(*keyed, status);
+  addRemove(*keyed, status);
+  addLoad(*keyed, status);
 }
 
 }  // namespace velan::tool

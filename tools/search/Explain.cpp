@@ -150,10 +150,7 @@ int runExplain(const ExplainOptions& options) {
   }
   Complaint complaint;
   const std::optional<Document> document = readDocument({options.path, true, ""}, complaint);
-  if (!document) {
-    complain(complaint.text);
-    return Trouble;
-  }
+  if (!document) return trouble(complaint.text);
   const ExaminedText text(*document);
   const std::vector<ExplainedTerm> terms = explanationOf(*query, document->text);
   describe(terms, &text);

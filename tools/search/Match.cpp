@@ -52,10 +52,7 @@ int runMatch(const MatchOptions& options) {
       if (line.ends_with('\r')) line.pop_back();
       if (!filter.take(line)) break;
     }
-    if (std::cin.bad()) {
-      complain("standard input cannot be read");
-      return Trouble;
-    }
+    if (std::cin.bad()) return trouble("standard input cannot be read");
   }
   return filter.any() ? Something : Nothing;
 }

@@ -48,18 +48,19 @@ class Search {
 
   int run() {
     const size_t processors = std::max(1u, std::thread::hardware_concurrency());
-    Progress progress(_files.size());
-    size_t taken = 0;
+    Progress progress("searching", "files");
+    const auto total = static_cast<int64_t>(_files.size());
+    int64_t taken = 0;
     workInOrder(
         _files.size(), _options.threads ? _options.threads : processors,
         [this](size_t number) { return searchFile(_files[number]); },
         [&](size_t number, const Outcome& outcome) {
-          taken = number + 1;
+          taken = static_cast<int64_t>(number) + 1;
           if (!outcome.output.empty() || !outcome.complaint.text.empty()) progress.hide();
-          progress.show(taken);
+          progress.show(taken, total);
           return take(outcome);
         },
-        [&] { progress.show(taken); });
+        [&] { progress.show(taken, total); });
     progress.hide();
     if (_options.output == SearchOutput::JSON) print(printJsonSummary(_counts));
     if (_trouble) return Trouble;

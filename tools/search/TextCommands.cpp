@@ -1,12 +1,7 @@
 // The options of the commands for text.
 #include "tools/search/TextCommands.h"
 
-#include <CLI/CLI.hpp>
-#include <memory>
-#include <string>
-#include <utility>
-#include <vector>
-
+#include "tools/CommandLine.h"
 #include "tools/Commands.h"
 
 namespace velan::tool {
@@ -16,49 +11,9 @@ constexpr int64_t kMaxDistance = 1'000'000'000;
 constexpr size_t kMaxCount = 1'000'000'000;
 constexpr size_t kMaxThreads = 1024;
 
-// Adds a command whose options live as long as its callback.
-template <typename Options>
-std::pair<CLI::App*, Options*> addCommand(CLI::App& app, int& status, const char* name, const char* description,
-                                          int (*run)(const Options&)) {
-  CLI::App* command = app.add_subcommand(name, description);
-  const auto options = std::make_shared<Options>();
-  command->callback([options, run, &status] { status = run(*options); });
-  return {command, options.get()};
-}
-
-[[noreturn]] void fail(const std::string& message) {
-  throw CLI::ValidationError(message, CLI::ExitCodes::ValidationError);
-}
-
-// An option that takes one of a few words.
-template <typename Choice>
-void addChoice(CLI::App& command, const char* name, const char* type, Choice& choice, const char* description,
-               const std::vector<std::pair<std::string, Choice>>& choices) {
-  const auto choose = [&choice, name, choices](const std::string& word) {
-    std::string expected;
-    for (const auto& [known, value] : choices) {
-      if (word == known) {
-        choice = value;
-        return;
-      }
-      expected += (expected.empty() ? "" : ", ") + known;
-    }
-    fail(std::string(name) + " takes one of " + expected + ", not " + word);
-  };
-  command.add_option_function<std::string>(name, choose, description)->type_name(type);
-}
-
-// An option that takes a whole number.
-template <typename Number>
-void addNumber(CLI::App& command, const char* name, Number& number, Number least, Number greatest,
-               const char* description) {
-  command.add_option(name, number, description)->check(CLI::Range(least, greatest).description(""))->type_name("N");
-}
-
 void addQueryOptions(CLI::App& command, QueryOptions& options) {
-  command.add_option("QUERY", options.query, "Words, \"phrases\", AND OR XOR NOT NEAR/5 BEFORE AFTER NEXT, ( )")
-      ->required()
-      ->type_name("");
+  addArgument(command, "QUERY", options.query, "Words, \"phrases\", AND OR XOR NOT NEAR/5 BEFORE AFTER NEXT, ( )")
+      ->required();
   command.add_flag("-s,--case-sensitive", options.caseSensitive, "Tell capital from small letters");
   command.add_flag("-d,--ignore-diacritics", options.ignoreDiacritics, "Find Zürich with Zurich");
   command
@@ -87,7 +42,7 @@ void addSearch(CLI::App& app, int& status) {
   const auto [command, options] =
       addCommand<SearchOptions>(app, status, "search", "Find the documents that match a query, and where", runSearch);
   addQueryOptions(*command, options->query);
-  command->add_option("PATH", options->paths, "Files, folders and - for standard input")->type_name("");
+  addArgument(*command, "PATH", options->paths, "Files, folders and - for standard input");
   addChoice(*command, "--unit", "UNIT", options->unit, "What must match: document (default), paragraph, line",
             {{"document", SearchUnit::Document}, {"paragraph", SearchUnit::Paragraph}, {"line", SearchUnit::Line}});
   addOutputFlag(*command, "-l,--files-with-matches", options->output, SearchOutput::Names, "Print only names of files");
@@ -125,7 +80,7 @@ void addExplain(CLI::App& app, int& status) {
   const auto [command, options] = addCommand<ExplainOptions>(
       app, status, "explain", "Show how a query is understood, and why a file does or does not match", runExplain);
   addQueryOptions(*command, options->query);
-  command->add_option("FILE", options->path, "A file to match, or - for standard input")->type_name("");
+  addArgument(*command, "FILE", options->path, "A file to match, or - for standard input");
   command->footer(
       "Patterns show what they became: a type from 0 to 10 and their normal form. Places are line:column.\n"
       "Exit status with FILE: 0 it matches, 1 it does not, 2 it cannot be read.\n"
@@ -137,8 +92,8 @@ void addExplain(CLI::App& app, int& status) {
 void addMatch(CLI::App& app, int& status) {
   const auto [command, options] =
       addCommand<MatchOptions>(app, status, "match", "Print the words that match a wildcard pattern", runMatch);
-  command->add_option("PATTERN", options->pattern, "* any characters, ? any one")->required()->type_name("");
-  command->add_option("WORD", options->words, "Without: the lines of standard input")->type_name("");
+  addArgument(*command, "PATTERN", options->pattern, "* any characters, ? any one")->required();
+  addArgument(*command, "WORD", options->words, "Without: the lines of standard input");
   command->add_flag("--unix", options->sets, "Sets, too: [a-z], [^abc]");
   command->add_flag("-i,--ignore-case", options->ignoreCase, "Do not tell capital from small letters");
   command->add_flag("-v,--invert-match", options->invert, "Print the words that do not match");
@@ -152,7 +107,7 @@ void addMatch(CLI::App& app, int& status) {
 void addWords(CLI::App& app, int& status) {
   const auto [command, options] =
       addCommand<WordsOptions>(app, status, "words", "List the words of documents, the most frequent first", runWords);
-  command->add_option("PATH", options->paths, "Files, folders and - for standard input, as for search")->type_name("");
+  addArgument(*command, "PATH", options->paths, "Files, folders and - for standard input, as for search");
   command->add_flag("-i,--ignore-case", options->ignoreCase, "Count words in small letters");
   addNumber(*command, "--min-length", options->minLength, int64_t{1}, kMaxDistance,
             "Leave out words of fewer than N units");

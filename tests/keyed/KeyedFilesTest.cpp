@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <ranges>
 
 #include "velan/keyed/KeyedFiles.h"
 #include "velan/keyed/KeyedReading.h"

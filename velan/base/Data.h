@@ -4,9 +4,10 @@
 
 #include <compare>
 #include <cstddef>
-#include <memory>
+#include <new>
 #include <span>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 
 #include "velan/base/CTypes.h"
@@ -20,6 +21,17 @@ class VELAN_EXPORT Data {
  public:
   Data() noexcept = default;
   Data(std::nullptr_t) noexcept {}
+  Data(const Data& other) noexcept : Data(other._owner, other._bytes, other._length) {
+    if (_owner) retain();
+  }
+  Data(Data&& other) noexcept : Data() { swap(other); }
+  Data& operator=(Data other) noexcept {
+    swap(other);
+    return *this;
+  }
+  ~Data() {
+    if (_owner) release();
+  }
 
   /// Copies `length` bytes. Absent when `bytes` is null and `length` is not 0, or when memory runs out.
   static Data withBytes(const void* bytes, size_t length);
@@ -27,8 +39,15 @@ class VELAN_EXPORT Data {
   /// Refers to bytes that must outlive every copy and part. With `freeWhenDone` `free()` is called when the last goes,
   /// also when creation fails.
   static Data withBytesNoCopy(void* bytes, size_t length, bool freeWhenDone);
-  /// Refers to bytes that live at least as long as `owner`, which is kept.
-  static Data withOwner(std::shared_ptr<const void> owner, const void* bytes, size_t length);
+  /// Refers to bytes that live at least as long as `owner`, which is moved from and kept until the last copy and part
+  /// goes. Absent, with `owner` as it was, when `bytes` is null and `length` is not 0, or when memory runs out.
+  template <typename Object>
+  requires(!std::is_lvalue_reference_v<Object>) static Data
+      withOwner(Object&& owner, const void* bytes, size_t length) {
+    if (length == 0) return withBytes(nullptr, 0);
+    auto* holder = bytes ? new (std::nothrow) Holder<Object>(std::move(owner)) : nullptr;
+    return holder ? Data(holder, static_cast<const uint8_t*>(bytes), length) : Data();
+  }
 
   const uint8_t* bytes() const { return _bytes; }
   size_t length() const { return _length; }
@@ -53,10 +72,29 @@ class VELAN_EXPORT Data {
   }
 
  private:
-  Data(std::shared_ptr<const void> owner, const uint8_t* bytes, size_t length)
-      : _owner(std::move(owner)), _bytes(bytes), _length(length) {}
+  // What the bytes belong to; counted from one. `dispose` frees it when nobody refers to it any more.
+  struct Owner {
+    explicit Owner(void (*disposal)(Owner*) noexcept) : dispose(disposal) {}
+    void (*dispose)(Owner*) noexcept;
+    size_t references = 1;
+  };
+  template <typename Object>
+  struct Holder : Owner {
+    explicit Holder(Object&& held)
+        : Owner([](Owner* owner) noexcept { delete static_cast<Holder*>(owner); }), object(std::move(held)) {}
+    Object object;
+  };
 
-  std::shared_ptr<const void> _owner;
+  Data(Owner* owner, const uint8_t* bytes, size_t length) noexcept : _owner(owner), _bytes(bytes), _length(length) {}
+  void swap(Data& other) noexcept {
+    std::swap(_owner, other._owner);
+    std::swap(_bytes, other._bytes);
+    std::swap(_length, other._length);
+  }
+  void retain() const noexcept;
+  void release() noexcept;
+
+  Owner* _owner = nullptr;          // null when the bytes are nobody's
   const uint8_t* _bytes = nullptr;  // not null when present, also for an empty buffer
   size_t _length = 0;
 };

@@ -2,9 +2,9 @@
 #ifndef VELAN_BASE_MUTABLE_DATA_H
 #define VELAN_BASE_MUTABLE_DATA_H
 
-#include <memory>
 #include <span>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "velan/base/Data.h"
@@ -39,11 +39,11 @@ class MutableData {
   /// A copy of the present bytes.
   Data data() const { return Data::withBytes(bytes(), length()); }
   operator Data() const { return data(); }
-  /// The bytes as an immutable buffer without copying them; this buffer is empty afterwards.
+  /// The bytes as an immutable buffer without copying them; this buffer is empty afterwards. Absent, with this buffer
+  /// as it was, when memory runs out.
   Data takeData() {
-    const auto owner = std::make_shared<const std::vector<uint8_t>>(std::move(_bytes));
-    _bytes.clear();
-    return Data::withOwner(owner, owner->data(), owner->size());
+    const uint8_t* const first = bytes();
+    return Data::withOwner(std::move(_bytes), first, length());
   }
 
   friend bool operator==(const MutableData& a, const MutableData& b) { return a._bytes == b._bytes; }

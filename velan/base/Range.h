@@ -2,8 +2,6 @@
 #ifndef VELAN_BASE_RANGE_H
 #define VELAN_BASE_RANGE_H
 
-#include <algorithm>
-
 #include "velan/base/CTypes.h"
 
 namespace velan {
@@ -26,8 +24,9 @@ constexpr bool rangePrecedes(const Range& a, const Range& b) {
 /// The part of `range` inside `[0, length)`: a negative location counts as 0 (the length is kept), what lies beyond
 /// `length` is cut off. A range that starts at or beyond `length`, or an absent one, becomes `{length, 0}`.
 constexpr Range clippedRange(const Range& range, int64_t length) {
-  const int64_t start = std::clamp<int64_t>(range.location, 0, length);
-  return {start, std::clamp<int64_t>(range.length, 0, length - start)};
+  const int64_t start = range.location < 0 ? 0 : range.location < length ? range.location : length;
+  const int64_t rest = length - start;
+  return {start, range.length < 0 ? 0 : range.length < rest ? range.length : rest};
 }
 
 }  // namespace velan

@@ -5,7 +5,6 @@
 #include <compare>
 #include <concepts>
 #include <cstddef>
-#include <functional>
 #include <string>
 #include <string_view>
 #include <utility>

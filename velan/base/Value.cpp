@@ -1,12 +1,21 @@
 #include "velan/base/Value.h"
 
 #include <algorithm>
+#include <atomic>
 #include <charconv>
 #include <cmath>
 #include <unordered_map>
 
 namespace velan {
 namespace detail {
+
+struct ValueNode {
+  std::atomic<size_t> references{1};
+  ValueNode* next = nullptr;  // while it waits for its destruction
+  const bool isDictionary;
+  explicit ValueNode(bool dictionary) : isDictionary(dictionary) {}
+};
+
 namespace {
 
 struct ArrayNode : ValueNode {
@@ -42,6 +51,8 @@ void destroy(ValueNode* node) {
 }
 
 }  // namespace
+
+void ValueNodeReference::retain() const noexcept { _node->references.fetch_add(1, std::memory_order_relaxed); }
 
 // Gives up the reference; the node when it was the last one.
 ValueNode* ValueNodeReference::lastReference() noexcept {

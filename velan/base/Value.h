@@ -2,7 +2,6 @@
 #ifndef VELAN_BASE_VALUE_H
 #define VELAN_BASE_VALUE_H
 
-#include <atomic>
 #include <concepts>
 #include <initializer_list>
 #include <string>
@@ -44,19 +43,14 @@ enum class ValueKind : uint8_t {
 namespace detail {
 
 /// The shared part of an array or a dictionary. Its contents never change, so there are no cycles.
-struct ValueNode {
-  std::atomic<size_t> references{1};
-  ValueNode* next = nullptr;  // while it waits for its destruction
-  const bool isDictionary;
-  explicit ValueNode(bool dictionary) : isDictionary(dictionary) {}
-};
+struct ValueNode;
 
 /// Counts one reference to a node.
 class VELAN_EXPORT ValueNodeReference {
  public:
   explicit ValueNodeReference(ValueNode* node) noexcept : _node(node) {}
   ValueNodeReference(const ValueNodeReference& other) noexcept : _node(other._node) {
-    if (_node) _node->references.fetch_add(1, std::memory_order_relaxed);
+    if (_node) retain();
   }
   ValueNodeReference(ValueNodeReference&& other) noexcept : _node(std::exchange(other._node, nullptr)) {}
   ValueNodeReference& operator=(ValueNodeReference other) noexcept {
@@ -69,6 +63,7 @@ class VELAN_EXPORT ValueNodeReference {
   const ValueNode* node() const { return _node; }
 
  private:
+  void retain() const noexcept;
   void release() noexcept;
   ValueNode* lastReference() noexcept;
 

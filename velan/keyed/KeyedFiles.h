@@ -3,7 +3,7 @@
 #define VELAN_KEYED_KEYED_FILES_H
 
 #include <concepts>
-#include <ranges>
+#include <iterator>
 #include <vector>
 
 #include "velan/base/Data.h"
@@ -36,11 +36,14 @@ VELAN_EXPORT bool writeKeyedStringsFromSource(FunctionRef<const String*()> next,
 /// strings. Strings that are empty or hold a lone surrogate are left out. `atomically` is ignored: the file is always
 /// emptied and rewritten in its place, and holds less than all strings when that fails. Needs memory for 1 MiB and the
 /// longest string. NO when the file cannot be opened, written or synchronised to the disk.
-template <std::ranges::input_range Strings>
-requires std::convertible_to<std::ranges::range_reference_t<Strings>, String>
+template <typename Strings>
+requires requires(Strings& strings) {
+  { *std::begin(strings) } -> std::convertible_to<String>;
+  std::begin(strings) == std::end(strings);
+}
 bool writeKeyedStringsToFile(Strings&& strings, const String& path, [[maybe_unused]] bool atomically) {
-  auto at = std::ranges::begin(strings);
-  const auto end = std::ranges::end(strings);
+  auto at = std::begin(strings);
+  const auto end = std::end(strings);
   String current;
   const auto next = [&]() -> const String* {
     if (at == end) return nullptr;

@@ -51,8 +51,8 @@ bool isLocal([[maybe_unused]] int file) {
 Data mapped(int file, size_t length) {
   void* bytes = mmap(nullptr, length, PROT_READ, MAP_PRIVATE, file, 0);
   if (bytes == MAP_FAILED) return Data();
-  const auto unmap = [length](const void* start) { munmap(const_cast<void*>(start), length); };
-  return Data::withOwner(std::shared_ptr<const void>(bytes, unmap), bytes, length);
+  const auto unmap = [length](void* start) { munmap(start, length); };
+  return Data::withOwner(std::unique_ptr<void, decltype(unmap)>(bytes, unmap), bytes, length);
 }
 
 // Reads on until the end, whatever the size was said to be: special files have none, others may grow.

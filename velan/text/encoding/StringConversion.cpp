@@ -69,10 +69,10 @@ Data dataUsingEncoding(std::u16string_view text, StringEncoding encoding) {
   const auto encoder = asksForDetection(encoding) ? nullptr : encoderFor(textEncoding(encoding));
   if (!encoder) return Data();
   try {
-    const auto bytes = std::make_shared<std::string>();
+    auto bytes = std::make_unique<std::string>();
     if (!encoder->encode(text, *bytes)) return Data();
     bytes->shrink_to_fit();
-    return Data::withOwner(bytes, bytes->data(), bytes->size());
+    return Data::withOwner(std::move(bytes), bytes->data(), bytes->size());
   } catch (const std::bad_alloc&) {
     return Data();
   }

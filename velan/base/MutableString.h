@@ -2,6 +2,7 @@
 #ifndef VELAN_BASE_MUTABLE_STRING_H
 #define VELAN_BASE_MUTABLE_STRING_H
 
+#include <algorithm>
 #include <string_view>
 #include <utility>
 
@@ -47,7 +48,12 @@ class VELAN_EXPORT MutableString {
   void appendCharacter(unichar c, int64_t count);
   /// `appendUnichar:`: the same as `appendCharacter`.
   void appendUnichar(unichar c) { appendCharacter(c); }
-  void appendString(std::u16string_view text) { insertString(text, _length); }
+  void appendString(std::u16string_view text) {
+    const auto count = static_cast<int64_t>(text.size());
+    if (count > _capacity - _length) return insertString(text, _length);
+    std::copy(text.begin(), text.end(), _units + _length);
+    _length += count;
+  }
   void appendString(const String& string) { appendString(string.view()); }
   /// Nothing for a null pointer.
   void appendString(const unichar* text) {

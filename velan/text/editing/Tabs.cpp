@@ -22,41 +22,22 @@ class Column {
   int64_t _column = 0;
 };
 
-// Calls `handler(position, spaces)` for each TAB.
-template <typename Handler>
-void forEachTab(std::u16string_view text, int64_t width, Handler handler) {
-  Column column(width);
-  for (size_t i = 0; i < text.size(); ++i) {
-    if (text[i] == u'\t') {
-      handler(i, column.unitsToNextStop());
-      column.reset();
-    } else if (isLineEnd(text[i])) {
-      column.reset();
-    } else {
-      column.advance();
-    }
-  }
-}
-
 }  // namespace
 
 bool decodeTabs(MutableString& text, int64_t width) {
   VELAN_DEBUG_ASSERT(width >= 1, "width >= 1");
-  if (width < 1) return true;
-  const std::u16string_view units = text.view();
-  int64_t length = text.length();
-  forEachTab(units, width, [&length](size_t, int64_t spaces) {
-    length = spaces - 1 > INT64_MAX - length ? INT64_MAX : length + spaces - 1;
-  });
-  if (units.find(u'\t') == units.npos) return true;
-  return rebuild(text, length, [&](MutableString& result) {
-    size_t copied = 0;
-    forEachTab(units, width, [&](size_t position, int64_t spaces) {
-      result.appendString(units.substr(copied, position - copied));
-      result.appendCharacter(u' ', spaces);
-      copied = position + 1;
-    });
-    result.appendString(units.substr(copied));
+  if (width < 1 || text.view().find(u'\t') == std::u16string_view::npos) return true;
+  return rebuild(text, text.length(), [&](MutableString& result) {
+    Column column(width);
+    for (const unichar c : text.view()) {
+      if (c == u'\t') {
+        result.appendCharacter(u' ', column.unitsToNextStop());
+        column.reset();
+      } else {
+        result.appendCharacter(c);
+        isLineEnd(c) ? column.reset() : column.advance();
+      }
+    }
   });
 }
 

@@ -98,6 +98,13 @@ std::vector<std::u16string> allTexts(View letters, size_t most) {
   return texts;
 }
 
+// What a long pattern keeps of the text's units makes no difference.
+void checkInLongPattern(View pattern, View text, bool expected) {
+  const std::u16string before(5000, u'a');
+  ASSERT_EQ(simulated(before + std::u16string(text), before + std::u16string(pattern)), expected)
+      << String(pattern).toUTF8() << ' ' << String(text).toUTF8();
+}
+
 void checkPattern(View pattern, const std::vector<std::u16string>& texts) {
   for (const auto& text : texts) {
     const bool expected = slowMatches(text, pattern, true);
@@ -128,6 +135,7 @@ TEST(WildcardMatching, EqualsTheDefinitionForLongerPatterns) {
     for (size_t left = random() % 40; left > 0; --left) text += View(u"aab")[random() % 3];
     for (size_t count = 1 + random() % 7; count > 0; --count) stars += pieces[random() % std::size(pieces)];
     checkPattern(stars, {text});
+    if (round % 100 == 0) checkInLongPattern(pattern, text, slowMatches(text, pattern, true));
   }
 }
 

@@ -6,49 +6,14 @@
 #include "velan/base/String.h"
 #include "velan/text/ConversionTables.h"
 #include "velan/wildcard/WildcardPattern.h"
+#include "velan/wildcard/WildcardSetInternal.h"
 #include "velan/wildcard/WildcardSimulationInternal.h"
 
 namespace velan {
 namespace {
 
-// Where the pattern goes on after an element that accepts the unit, null when it does not.
-struct Step {
-  const unichar* next;
-  bool dependsOnText;  // another unit might have ended the set elsewhere
-};
-
-// Behind a member that matches, the pattern goes on after the next `]`.
-Step stepOverRest(const unichar* p, const unichar* end, bool dependsOnText) {
-  const unichar* close = std::find(p, end, u']');
-  if (close == end) return {end, dependsOnText};
-  return {close + 1, dependsOnText || close[-1] == '-'};
-}
-
-// `p` is at a set's `[`.
-Step stepOverSet(const unichar* p, const unichar* end, unichar c) {
-  constexpr Step kFails{nullptr, false};
-  if (++p == end) return kFails;
-  const bool isNegated = *p == '^';
-  if (isNegated) ++p;
-  bool dependsOnText = false;
-  while (p < end) {
-    const unichar member = *p++;
-    bool matches = false;
-    if (member == ']') break;
-    if (member != '-') {
-      matches = member == c && c != '|';
-    } else if (p < end) {
-      matches = p[-2] <= c && c <= *p;
-      dependsOnText = dependsOnText || *p == ']';
-      ++p;
-    }
-    if (matches) return isNegated ? kFails : stepOverRest(p, end, dependsOnText);
-  }
-  return isNegated ? Step{p, dependsOnText} : kFails;
-}
-
 template <bool kHasSets>
-Step stepOver(const unichar* p, const unichar* end, unichar c) {
+WildcardStep stepOver(const unichar* p, const unichar* end, unichar c) {
   if (kHasSets && *p == '[') return stepOverSet(p, end, c);
   return {*p == c || *p == '?' ? p + 1 : nullptr, false};
 }
@@ -74,7 +39,7 @@ bool matches(const unichar* text, const unichar* textEnd, const unichar* pattern
       start = t;
       if (p == patternEnd) return true;
     } else if (p < patternEnd && t < textEnd) {
-      const Step step = stepOver<kHasSets>(p, patternEnd, map(*t));
+      const WildcardStep step = stepOver<kHasSets>(p, patternEnd, map(*t));
       if (step.next) {
         if (kHasSets && step.dependsOnText && star) {
           return simulateUnixWildcard(start, textEnd, star, patternEnd, table);

@@ -27,8 +27,8 @@ VELAN_EXPORT bool stringMatchesWildcardUsingUnicharTable(const unichar* text, co
 /// `stringMatchesUnixWildcard`: `*`, `?` and sets. In a set the first member that matches ends the search, and the
 /// pattern goes on after the next `]`; "[]" matches nothing, "[^]" any unit, "-" first in a set makes a range from the
 /// `[` or `^` before it, "-" directly before `]` makes a range up to `]`, which then does not end the set. A set that
-/// is not closed ends with the pattern. Patterns that hold "-]" and more than 4,096 units need a
-/// byte of heap memory per unit; false when there is none.
+/// is not closed ends with the pattern. Patterns that hold "-]" and more than 4,096 units need
+/// heap memory, up to 16 MiB or eight bytes per unit; false when there is none.
 VELAN_EXPORT bool stringMatchesUnixWildcard(const unichar* text, const unichar* textEnd, const unichar* pattern,
                                             const unichar* patternEnd);
 

@@ -38,7 +38,8 @@ enum {
 /// became clear.
 VELAN_EXPORT uint32_t optimizeWildcard(unichar* start, unichar* end, Range* range, uint64_t minCharacters);
 
-/// The length of the normal form that `optimizeWildcard` left, from the type and the range it gave for a usable pattern.
+/// The length of the normal form that `optimizeWildcard` left, from the type and the range it gave for a usable
+/// pattern.
 VELAN_EXPORT int64_t normalWildcardLen(uint32_t type, Range range);
 
 /// `minWildcardLen`: the least number of units that the pattern matches. A set that is not closed ends with the

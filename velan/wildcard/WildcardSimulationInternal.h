@@ -7,8 +7,9 @@
 namespace velan {
 
 /// Whether the text matches the Unix pattern, as `stringMatchesUnixWildcard` defines it. `table` may be null. Takes
-/// about pattern length times text length steps and a byte per unit of the pattern: on the stack up to 4,096 units,
-/// on the heap above that; false when the heap has no room.
+/// at most about pattern length times text length steps; most of them are spared where text units are alike to the
+/// pattern. Needs some 20 KiB of stack and, above 4,096 units, up to 16 MiB of heap or eight bytes per unit of the
+/// pattern, whichever is more; false when the heap has no room.
 bool simulateUnixWildcard(const unichar* text, const unichar* textEnd, const unichar* pattern,
                           const unichar* patternEnd, const unichar* table);
 

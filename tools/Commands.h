@@ -21,6 +21,8 @@ void addTextCommands(CLI::App& app, int& status);
 void addKeyedCommands(CLI::App& app, int& status);
 /// `velan blocks …`: files of blocks.
 void addBlockCommands(CLI::App& app, int& status);
+/// `velan convert` and `velan charset`.
+void addEncodingCommands(CLI::App& app, int& status);
 /// `velan language`.
 void addLanguageCommand(CLI::App& app, int& status);
 /// Crc, deflate, gzip and inflate.

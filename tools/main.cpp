@@ -41,6 +41,7 @@ int run(int argc, char** argv) {
   addTextCommands(app, status);
   addKeyedCommands(app, status);
   addBlockCommands(app, status);
+  addEncodingCommands(app, status);
   addLanguageCommand(app, status);
   addByteFilters(app, status);
   try {

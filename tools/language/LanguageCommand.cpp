@@ -24,6 +24,7 @@ struct Options {
   bool hidden = false;
   bool json = false;
   bool verbose = false;
+  DecodingOptions decoding;
 };
 
 // What is known of one document.
@@ -92,16 +93,11 @@ int run(const Options& options) {
     complain("no language: " + options.filter);
     return Trouble;
   }
-  bool trouble = false;
+  DocumentReader reader(options.decoding);
   bool something = false;
   for (const InputFile& file : collectFiles(options.paths, options.hidden)) {
-    Complaint complaint;
-    const auto document = readDocument(file, complaint);
-    if (!document) {
-      complain(complaint.text);
-      trouble = trouble || complaint.isTrouble;
-      continue;
-    }
+    const auto document = reader.read(file);
+    if (!document) continue;
     const LanguageCounts counts = filter->countsOfText(document->text);
     if (filter->isFiltered(counts)) continue;
     const Findings findings = findingsOf(*filter, counts, document->text);
@@ -109,7 +105,7 @@ int run(const Options& options) {
     something = true;
     if (!print(options.json ? jsonOf(path, findings) : lineOf(path, findings, options.verbose))) break;
   }
-  return trouble ? Trouble : something ? Something : Nothing;
+  return reader.hadTrouble() ? Trouble : something ? Something : Nothing;
 }
 
 }  // namespace
@@ -123,6 +119,7 @@ void addLanguageCommand(CLI::App& app, int& status) {
   command->add_flag("--verbose", options->verbose, "Show how many stop words of each language were found, too");
   command->add_flag("--json", options->json, "Print a JSON object a document");
   command->add_flag("--hidden", options->hidden, "Hidden files and folders, too");
+  addDecodingOptions(*command, options->decoding);
   command->footer(
       "Prints the path, the language by its stop words (- when undecided), its ISO 639 code, the language by its\n"
       "letters, and which part of the words are stop words. RU, AR, HE, EL and ** stand for the Cyrillic, Arabic,\n"

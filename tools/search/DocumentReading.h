@@ -18,7 +18,22 @@ struct Complaint {
 
 /// Nothing when the file cannot be read or is not text; `complaint` then has one line about it. Folders hold files that
 /// are not text as a matter of course, so those are trouble only when they were named.
-std::optional<Document> readDocument(const InputFile& file, Complaint& complaint);
+std::optional<Document> readDocument(const InputFile& file, const DecodingOptions& decoding, Complaint& complaint);
+
+/// The same for commands that read one file after the other: complains, and warns once where an encoding is assumed.
+class DocumentReader {
+ public:
+  explicit DocumentReader(const DecodingOptions& decoding) : _decoding(decoding) {}
+
+  std::optional<Document> read(const InputFile& file);
+  /// Whether something could not be read that should have been.
+  bool hadTrouble() const { return _trouble; }
+
+ private:
+  const DecodingOptions _decoding;
+  AssumedEncodingWarning _warning;
+  bool _trouble = false;
+};
 
 }  // namespace velan::tool
 

@@ -148,9 +148,9 @@ int runExplain(const ExplainOptions& options) {
     describe(query->explanation(kDeepest + 1), nullptr);
     return Something;
   }
-  Complaint complaint;
-  const std::optional<Document> document = readDocument({options.path, true, ""}, complaint);
-  if (!document) return trouble(complaint.text);
+  DocumentReader reader(options.decoding);
+  const std::optional<Document> document = reader.read({options.path, true, ""});
+  if (!document) return Trouble;
   const ExaminedText text(*document);
   const std::vector<ExplainedTerm> terms = explanationOf(*query, document->text);
   describe(terms, &text);

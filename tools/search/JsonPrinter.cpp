@@ -7,6 +7,7 @@
 #include "tools/search/TextOffsets.h"
 #include "velan/base/Base64.h"
 #include "velan/base/JSON.h"
+#include "velan/text/encoding/CharsetNames.h"
 
 namespace velan::tool {
 namespace {
@@ -34,10 +35,15 @@ std::string statistics(const SearchCounts& counts) {
 class Printer {
  public:
   Printer(const std::string& path, const Document& document, const TextLines& lines, const DocumentHits& hits)
-      : _path(jsonPath(path)), _text(document.text), _offsets(document), _lines(lines), _hits(hits) {}
+      : _path(jsonPath(path)),
+        _encoding(document.encoding),
+        _text(document.text),
+        _offsets(document),
+        _lines(lines),
+        _hits(hits) {}
 
   std::string print(const SearchCounts& counts, size_t context) {
-    add(R"({{"type":"begin","data":{{"path":{}}}}})", _path);
+    add(R"({{"type":"begin","data":{{"path":{},"encoding":"{}"}}}})", _path, charsetName(_encoding));
     walkBlocks(
         _hits.blocks, _lines.count(), context, [this](const LineBlock& block) { addLines("match", block); },
         [this](size_t line) {
@@ -84,6 +90,7 @@ class Printer {
   String units(int64_t start, int64_t end) const { return _text.substring({start, end - start}); }
 
   const std::string _path;
+  const StringEncoding _encoding;
   const String _text;
   const TextOffsets _offsets;
   const TextLines& _lines;

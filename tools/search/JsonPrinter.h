@@ -20,7 +20,7 @@ struct SearchCounts {
   SearchCounts& operator+=(const SearchCounts& other);
 };
 
-/// The objects of one document with hits, from "begin" to "end".
+/// The objects of one document with hits, from "begin", which names its encoding, to "end".
 ///
 /// A "match" is a `LineBlock`. Its "lines" have their line ends; "line_number" and "absolute_offset" (in bytes of the
 /// file) are those of the first line. Each of its "submatches" has "start" and "end" in UTF-8 bytes of "lines", the

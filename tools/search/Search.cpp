@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <new>
 #include <optional>
+#include <stdexcept>
 #include <string_view>
 #include <thread>
 
@@ -26,6 +27,7 @@ struct Outcome {
   std::string output;
   Complaint complaint;
   SearchCounts counts;
+  std::string assumedName;  // of a document whose encoding is assumed
 };
 
 bool wantsColor(ColorChoice choice) {
@@ -56,7 +58,8 @@ class Search {
         [this](size_t number) { return searchFile(_files[number]); },
         [&](size_t number, const Outcome& outcome) {
           taken = static_cast<int64_t>(number) + 1;
-          if (!outcome.output.empty() || !outcome.complaint.text.empty()) progress.hide();
+          if (!outcome.output.empty() || !outcome.complaint.text.empty() || !outcome.assumedName.empty())
+            progress.hide();
           progress.show(taken, total);
           return take(outcome);
         },
@@ -71,15 +74,18 @@ class Search {
   Outcome searchFile(const InputFile& file) const {
     try {
       Complaint complaint;
-      const std::optional<Document> document = readDocument(file, complaint);
-      return document ? searchText(displayName(file.path), *document) : Outcome{"", std::move(complaint), {}};
+      const std::optional<Document> document = readDocument(file, _options.decoding, complaint);
+      return document ? searchText(displayName(file.path), *document) : Outcome{"", std::move(complaint), {}, ""};
+    } catch (const std::length_error& error) {
+      return {"", {displayName(file.path) + ": " + error.what(), true}, {}, ""};
     } catch (const std::bad_alloc&) {
-      return {"", {displayName(file.path) + ": there is not enough memory to search it", true}, {}};
+      return {"", {displayName(file.path) + ": there is not enough memory to search it", true}, {}, ""};
     }
   }
 
   Outcome searchText(const std::string& name, const Document& document) const {
     Outcome outcome;
+    if (document.assumed) outcome.assumedName = name;
     outcome.counts.documents = 1;
     outcome.counts.bytes = document.bytes.size();
     if (_options.output == SearchOutput::Names) {
@@ -120,7 +126,10 @@ class Search {
 
   // Complaints appear in the order of the files, too. False when nobody reads any more.
   bool take(const Outcome& outcome) {
-    if (!outcome.complaint.text.empty()) complain(outcome.complaint.text);
+    const std::string warning = _warning.about(outcome.assumedName, !outcome.assumedName.empty());
+    for (const std::string& text : {outcome.complaint.text, warning}) {
+      if (!text.empty()) complain(text);
+    }
     _trouble = _trouble || outcome.complaint.isTrouble;
     _counts += outcome.counts;
     if (outcome.output.empty()) return true;
@@ -135,6 +144,7 @@ class Search {
   const std::vector<InputFile> _files;
   LineStyle _style;
   SearchCounts _counts;
+  AssumedEncodingWarning _warning;
   bool _trouble = false;
   bool _hasOutput = false;
 };

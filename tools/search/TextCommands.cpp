@@ -52,16 +52,19 @@ void addSearch(CLI::App& app, int& status) {
                 "Print JSON Lines: begin, match, end, summary");
   addNumber(*command, "-C,--context", options->context, size_t{0}, kMaxCount, "Print N lines before and after, too");
   command->add_flag("--hidden", options->hidden, "Search hidden files and folders, too");
+  addDecodingOptions(*command, options->decoding);
   addNumber(*command, "-j,--threads", options->threads, size_t{1}, kMaxThreads,
             "Search with N threads (one per processor)");
   addChoice(*command, "--color", "WHEN", options->color, "auto (default), always, never",
             {{"auto", ColorChoice::Auto}, {"always", ColorChoice::Always}, {"never", ColorChoice::Never}});
   command->footer(
       "Without PATH standard input is searched if it is a file or a pipe, otherwise the current folder. Folders are\n"
-      "searched with all below them, sorted by name, without symbolic links. Text is UTF-8, or UTF-16 with a "
-      "byte-order\n"
-      "mark; other files are skipped with a message. A unit that matches without an occurrence, such as by NOT, shows\n"
-      "its first line.\n"
+      "searched with all below them, sorted by name, without symbolic links. A file's encoding is told by --encoding, "
+      "a\n"
+      "byte-order mark, or its extended attributes, or it is UTF-8; otherwise --default-encoding, or windows-1252 with "
+      "a\n"
+      "warning. Binary files are skipped with a message. A unit that matches without an occurrence, such as by NOT,\n"
+      "shows its first line.\n"
       "Colors: bold occurrences take part in the match, others are further places of the same words. --color auto\n"
       "means on a terminal, unless NO_COLOR is set.\n"
       "JSON: byte_offset counts the file's bytes; utf16_offset the text's UTF-16 units after a byte-order mark; line "
@@ -81,6 +84,7 @@ void addExplain(CLI::App& app, int& status) {
       app, status, "explain", "Show how a query is understood, and why a file does or does not match", runExplain);
   addQueryOptions(*command, options->query);
   addArgument(*command, "FILE", options->path, "A file to match, or - for standard input");
+  addDecodingOptions(*command, options->decoding);
   command->footer(
       "Patterns show what they became: a type from 0 to 10 and their normal form. Places are line:column.\n"
       "Exit status with FILE: 0 it matches, 1 it does not, 2 it cannot be read.\n"
@@ -113,6 +117,7 @@ void addWords(CLI::App& app, int& status) {
             "Leave out words of fewer than N units");
   addNumber(*command, "-n,--top", options->top, size_t{1}, kMaxCount, "List only the N most frequent");
   command->add_flag("--hidden", options->hidden, "Read hidden files and folders, too");
+  addDecodingOptions(*command, options->decoding);
   command->footer(
       "Each line holds the count, a tab and the word; equally frequent words are sorted.\n"
       "Exit status: 0 there are words, 1 none, 2 something could not be read.\n"

@@ -8,6 +8,7 @@
 
 #include "tools/search/DocumentSearch.h"
 #include "tools/search/Query.h"
+#include "tools/search/TextDecoding.h"
 
 namespace velan::tool {
 
@@ -20,6 +21,7 @@ struct SearchOptions {
   std::vector<std::string> paths;
   SearchUnit unit = SearchUnit::Document;
   SearchOutput output = SearchOutput::Lines;
+  DecodingOptions decoding;
   bool hidden = false;
   size_t context = 0;
   size_t threads = 0;  // 0: as many as the machine has processors
@@ -30,6 +32,7 @@ int runSearch(const SearchOptions& options);
 struct ExplainOptions {
   QueryOptions query;
   std::string path;  // empty: only the query is explained
+  DecodingOptions decoding;
 };
 int runExplain(const ExplainOptions& options);
 
@@ -45,6 +48,7 @@ int runMatch(const MatchOptions& options);
 struct WordsOptions {
   std::vector<std::string> paths;
   bool ignoreCase = false;
+  DecodingOptions decoding;
   bool hidden = false;
   int64_t minLength = 1;
   size_t top = 0;  // 0: all

@@ -1,77 +1,116 @@
 #include "tools/search/TextDecoding.h"
 
+#include <new>
+#include <stdexcept>
 #include <string_view>
 #include <utility>
 
-#include "velan/base/ByteOrder.h"
-#include "velan/base/UTF.h"
+#include "tools/CommandLine.h"
+#include "velan/text/encoding/CharsetNames.h"
+#include "velan/text/encoding/Decoding.h"
+#include "velan/text/encoding/EncodingDetection.h"
 
 namespace velan::tool {
 namespace {
 
-constexpr unichar kReplacement = 0xFFFD;
+constexpr StringEncoding kAssumed = StringEncoding::WindowsLatin1;
 
-struct ByteOrderMark {
-  std::string_view bytes;
-  TextEncoding encoding;
-};
-
-constexpr ByteOrderMark kMarks[] = {
-    {"\xEF\xBB\xBF", TextEncoding::UTF8},
-    {"\xFF\xFE", TextEncoding::UTF16LittleEndian},
-    {"\xFE\xFF", TextEncoding::UTF16BigEndian},
-};
-
-ByteOrderMark markOf(std::string_view bytes) {
-  for (const ByteOrderMark& mark : kMarks) {
-    if (bytes.starts_with(mark.bytes)) return mark;
-  }
-  return {"", TextEncoding::UTF8};
+Data borrowed(const std::string& bytes) {
+  return Data::withBytesNoCopy(const_cast<char*>(bytes.data()), bytes.size(), false);
 }
 
-void replaceLoneSurrogates(unichar* units, size_t length) {
-  for (size_t i = 0; i < length; ++i) {
-    if (!isSurrogate(units[i])) continue;
-    if (isHighSurrogate(units[i]) && i + 1 < length && isLowSurrogate(units[i + 1])) {
-      ++i;
-    } else {
-      units[i] = kReplacement;
-    }
-  }
+// Whether text in this encoding may hold zero bytes.
+bool isWide(StringEncoding encoding) {
+  return isUTF16(encoding) || encoding == StringEncoding::UTF32 || encoding == StringEncoding::UTF32BigEndian ||
+         encoding == StringEncoding::UTF32LittleEndian;
 }
 
-// A last byte without its partner becomes U+FFFD.
-String textOfUTF16(std::string_view bytes, bool bigEndian) {
-  const size_t pairs = bytes.size() / 2;
-  const size_t length = pairs + bytes.size() % 2;
-  return String::filled(static_cast<int64_t>(length), [&](unichar* units) {
-    for (size_t i = 0; i < pairs; ++i) {
-      const char* unit = &bytes[2 * i];
-      units[i] = bigEndian ? loadBigEndian<uint16_t>(unit) : loadLittleEndian<uint16_t>(unit);
-    }
-    if (length > pairs) units[pairs] = kReplacement;
-    replaceLoneSurrogates(units, length);
-    return static_cast<int64_t>(length);
-  });
+size_t markLengthOf(std::string_view bytes, StringEncoding encoding) {
+  if (encoding == StringEncoding::UTF8) return bytes.starts_with("\xEF\xBB\xBF") ? 3 : 0;
+  const bool marked = bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF");
+  return encoding == StringEncoding::UTF16 && marked ? 2 : 0;
+}
+
+String lenientText(const std::string& bytes, StringEncoding encoding) {
+  return decodedText(borrowed(bytes), encoding, MalformedText::Replace).text;
+}
+
+// The text is absent where it is to be decoded.
+struct Choice {
+  StringEncoding encoding;
+  bool assumed = false;
+  String text = {};
+};
+
+Choice choose(const std::string& bytes, const std::string& path, const DecodingOptions& options) {
+  if (options.encoding != StringEncoding::Detect) return {options.encoding};
+  const Data data = borrowed(bytes);
+  DetectedEncoding found =
+      path.empty() ? detectedEncodingOfData(data) : detectedEncodingOfFile(String::fromUTF8(path), data);
+  if (found.evidence == EncodingEvidence::None) {
+    const bool assumed = options.defaultEncoding == StringEncoding::Detect;
+    return {assumed ? kAssumed : options.defaultEncoding, assumed};
+  }
+  // What is printed is UTF-8, so half a pair has to go.
+  if (isUTF16(found.encoding)) found.text = String();
+  return {found.encoding, false, std::move(found.text)};
 }
 
 }  // namespace
 
-std::optional<Document> decodeDocument(std::string bytes, std::string& why) {
-  const ByteOrderMark mark = markOf(bytes);
-  const std::string_view encoded = std::string_view(bytes).substr(mark.bytes.size());
-  const String text = mark.encoding == TextEncoding::UTF8
-                          ? String::fromUTF8Lossy(encoded)
-                          : textOfUTF16(encoded, mark.encoding == TextEncoding::UTF16BigEndian);
+bool isUTF16(StringEncoding encoding) {
+  return encoding == StringEncoding::UTF16 || encoding == StringEncoding::UTF16BigEndian ||
+         encoding == StringEncoding::UTF16LittleEndian;
+}
+
+void addEncodingName(CLI::App& command, const char* name, StringEncoding& encoding, const char* description) {
+  const auto choose = [&encoding](const std::string& charset) {
+    encoding = charset2NSStringEncoding(charset);
+    if (!charsetName(encoding)) fail("no encoding is called " + charset);
+  };
+  command.add_option_function<std::string>(name, choose, description)->type_name("NAME");
+}
+
+void addDecodingOptions(CLI::App& command, DecodingOptions& options) {
+  addEncodingName(command, "--encoding", options.encoding, "The encoding of all files, instead of detecting it");
+  addEncodingName(command, "--default-encoding", options.defaultEncoding,
+                  "The encoding of files that nothing tells about");
+}
+
+std::optional<Document> decodeDocument(std::string bytes, const std::string& path, const DecodingOptions& options,
+                                       std::string& why) {
+  constexpr const char* kBinary = "binary file, not searched";
+  Choice choice = choose(bytes, path, options);
+  if (!isWide(choice.encoding) && bytes.find('\0') != std::string::npos) {
+    why = kBinary;
+    return std::nullopt;
+  }
+  const String text = choice.text ? std::move(choice.text) : lenientText(bytes, choice.encoding);
   if (text.isAbsent()) {
     why = "there is not enough memory for its text";
     return std::nullopt;
   }
   if (text.view().find(u'\0') != std::u16string_view::npos) {
-    why = "binary file, not searched";
+    why = kBinary;
     return std::nullopt;
   }
-  return Document{std::move(bytes), mark.encoding, mark.bytes.size(), text};
+  const size_t markLength = markLengthOf(bytes, choice.encoding);
+  return Document{std::move(bytes), choice.encoding, choice.assumed, markLength, text};
+}
+
+std::vector<int32_t> sourceOffsets(const Document& document) {
+  std::vector<int32_t> offsets;
+  if (document.bytes.size() > INT32_MAX) throw std::length_error("it is too long to tell places in its bytes");
+  decodedText(borrowed(document.bytes), document.encoding, MalformedText::Replace, offsets);
+  if (offsets.size() != document.text.view().size() + 1) throw std::bad_alloc();
+  return offsets;
+}
+
+std::string AssumedEncodingWarning::about(const std::string& name, bool assumed) {
+  if (!assumed || _given) return {};
+  _given = true;
+  return name + ": nothing tells the encoding of this file and perhaps of others: read as " + charsetName(kAssumed) +
+         "; --encoding and --default-encoding know better";
 }
 
 }  // namespace velan::tool

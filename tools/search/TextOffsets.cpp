@@ -25,6 +25,7 @@ int64_t malformedLength(std::string_view bytes) {
 }  // namespace
 
 TextOffsets::TextOffsets(const Document& document) : _document(document) {
+  if (!isUTF8() && !isUTF16(document.encoding)) _sources = sourceOffsets(document);
   TextOffset offset{static_cast<int64_t>(document.markLength), 0, 0};
   for (int64_t unit = 0; unit < document.text.length(); ++unit) {
     if (unit % kStride == 0) _checkpoints.push_back(offset);
@@ -37,6 +38,7 @@ TextOffset TextOffsets::at(int64_t unit) const {
   int64_t position = unit / kStride * kStride;
   TextOffset offset = _checkpoints[static_cast<size_t>(unit / kStride)];
   for (; position < unit; ++position) offset = after(offset, position);
+  if (!_sources.empty()) offset.bytes = _sources[static_cast<size_t>(unit)];
   return offset;
 }
 
@@ -48,7 +50,7 @@ TextOffset TextOffsets::after(TextOffset offset, int64_t unit) const {
   const bool pairEnds = isLowSurrogate(c) && unit > 0 && isHighSurrogate(text[unit - 1]);
   const int64_t utf8 = pairBegins ? 4 : pairEnds ? 0 : c < 0x80 ? 1 : c < 0x800 ? 2 : 3;
   int64_t bytes = utf8;
-  if (_document.encoding != TextEncoding::UTF8) {
+  if (!isUTF8()) {
     bytes = 2;
   } else if (c == 0xFFFD) {
     const std::string_view rest = std::string_view(_document.bytes).substr(static_cast<size_t>(offset.bytes));

@@ -16,7 +16,8 @@ struct TextOffset {
   int64_t characters;  // code points of the text
 };
 
-/// Borrows the document. Goes through it once, then finds any position in a bounded number of steps.
+/// Borrows the document. Goes through it once, then finds any position in a bounded number of steps. A document that is
+/// neither UTF-8 nor UTF-16 is decoded again.
 class TextOffsets {
  public:
   explicit TextOffsets(const Document& document);
@@ -26,10 +27,12 @@ class TextOffsets {
   TextOffset at(int64_t unit) const;
 
  private:
+  bool isUTF8() const { return _document.encoding == StringEncoding::UTF8; }
   TextOffset after(TextOffset offset, int64_t unit) const;
 
   const Document& _document;
   std::vector<TextOffset> _checkpoints;  // every kStride units
+  std::vector<int32_t> _sources;         // offsets in the file of all units; empty where their values tell them
 };
 
 }  // namespace velan::tool

@@ -72,22 +72,16 @@ class WordCounter {
 int runWords(const WordsOptions& options) {
   FastWordEnumerator::setSplitAsianWords(true);
   WordCounter counter(options.minLength, options.ignoreCase);
-  bool trouble = false;
+  DocumentReader reader(options.decoding);
   for (const InputFile& file : collectFiles(options.paths, options.hidden)) {
-    Complaint complaint;
-    if (const auto document = readDocument(file, complaint)) {
-      counter.countWords(document->text);
-    } else {
-      complain(complaint.text);
-      trouble = trouble || complaint.isTrouble;
-    }
+    if (const auto document = reader.read(file)) counter.countWords(document->text);
   }
   auto words = counter.byFrequency();
   if (options.top > 0 && words.size() > options.top) words.resize(options.top);
   for (const auto& [word, count] : words) {
     if (!print(fmt::format("{}\t{}\n", count, word.toUTF8()))) break;
   }
-  if (trouble) return Trouble;
+  if (reader.hadTrouble()) return Trouble;
   return words.empty() ? Nothing : Something;
 }
 

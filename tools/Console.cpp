@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <utility>
 
 #include "tools/Commands.h"
 
@@ -74,6 +75,17 @@ std::optional<std::string> readFileOrComplain(const std::string& path) {
   auto bytes = readFile(path, why);
   if (!bytes) complain(path + ": " + why);
   return bytes;
+}
+
+Data readDataOrComplain(const std::string& path) {
+  auto bytes = readFileOrComplain(path);
+  if (!bytes) return Data();
+  const auto owner = std::make_shared<const std::string>(std::move(*bytes));
+  return Data::withOwner(owner, owner->data(), owner->size());
+}
+
+int trouble(const std::string& path, const FileError& error) {
+  return trouble(path + ": " + error.description().toUTF8());
 }
 
 }  // namespace velan::tool

@@ -6,6 +6,9 @@
 #include <string>
 #include <string_view>
 
+#include "velan/base/Data.h"
+#include "velan/platform/files/FileError.h"
+
 namespace velan::tool {
 
 /// One line on standard error: "velan: message".
@@ -26,6 +29,12 @@ int finishOutput(int status);
 std::optional<std::string> readFile(const std::string& path, std::string& why);
 /// The same; after a failure nothing is left to be said.
 std::optional<std::string> readFileOrComplain(const std::string& path);
+
+/// The same as a buffer; absent after a failure.
+Data readDataOrComplain(const std::string& path);
+
+/// The complaint that `path` cannot be worked on for this reason, and the exit status that goes with it.
+int trouble(const std::string& path, const FileError& error);
 
 }  // namespace velan::tool
 

@@ -1,9 +1,7 @@
 // `velan blocks …`.
 #include <fmt/format.h>
-#include <unistd.h>
 
-#include <cerrno>
-#include <cstring>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <utility>
@@ -11,6 +9,7 @@
 #include "tools/CommandLine.h"
 #include "tools/Commands.h"
 #include "tools/Console.h"
+#include "tools/Interruption.h"
 #include "tools/Progress.h"
 #include "velan/storage/BlockStorage.h"
 
@@ -37,13 +36,13 @@ void printDamage(const DamagedPlace& place) {
   print(fmt::format("{:>12}  {:>10}  damaged: {}\n", place.offset, place.length, describe(place.damage)));
 }
 
-// Shows how far an operation of a storage has come, and never cancels it.
+// Shows how far an operation of a storage has come, and cancels it where the user does.
 class ProgressHandler {
  public:
   explicit ProgressHandler(const char* action) : _progress(action, "bytes") {}
   bool operator()(int64_t done, int64_t total) {
     _progress.show(done, total);
-    return false;
+    return Interruption::requested();
   }
 
  private:
@@ -56,25 +55,25 @@ struct BlockOptions {
   std::string output;
   int64_t offset = 0;
   uint64_t blockSize = 0;
+  size_t limit = size_t{1} << 30;
   bool compress = false;
   bool dryRun = false;
   bool skipErrors = false;
 };
 
+// Null after a complaint.
 std::unique_ptr<BlockStorage> opened(const BlockOptions& options, bool updating) {
   const String path = String::fromUTF8(options.file);
-  if (access(options.file.c_str(), F_OK) != 0 && !updating) {
-    complain(fmt::format("{}: {}", options.file, std::strerror(errno)));
-    return nullptr;
-  }
-  auto storage =
-      updating ? BlockStorage::blockStorageForUpdatingAtPath(path) : BlockStorage::blockStorageForReadingAtPath(path);
+  FileError error;
+  auto storage = updating ? BlockStorage::blockStorageForUpdatingAtPath(path, &error)
+                          : BlockStorage::blockStorageForReadingAtPath(path, &error);
   if (!storage) {
-    complain(fmt::format("{}: cannot be opened; another program may have locked it", options.file));
+    trouble(options.file, error);
     return nullptr;
   }
   storage->setBlockSize(options.blockSize);
   storage->setCompressed(options.compress);
+  storage->setInflationLimit(options.limit);
   return storage;
 }
 
@@ -83,7 +82,7 @@ int list(const BlockOptions& options) {
   if (!storage) return Trouble;
   print(fmt::format("{:>12}  {:>10}  {:>8}  kind\n", "offset", "stored", "padding"));
   int64_t count = 0;
-  storage->enumerateStoredBlocks(
+  const bool whole = storage->enumerateStoredBlocks(
       [&count](const StoredBlock& block) {
         const char* kind = block.deleted() ? "deleted" : block.compressed ? "compressed" : "plain";
         print(fmt::format("{:>12}  {:>10}  {:>8}  {}\n", block.offset, block.length, block.padding, kind));
@@ -94,6 +93,7 @@ int list(const BlockOptions& options) {
         printDamage(place);
         return false;
       });
+  if (!whole) return trouble(options.file, storage->error());
   return count > 0 ? Something : Nothing;
 }
 
@@ -104,22 +104,24 @@ int report(const BlockSurvey& survey) {
   return survey.damages.empty() ? Something : Nothing;
 }
 
-std::optional<BlockSurvey> surveyOf(BlockStorage& storage) {
-  ProgressHandler progress("verifying");
-  return storage.verify(progress);
-}
-
 int verify(const BlockOptions& options) {
   const auto storage = opened(options, false);
   if (!storage) return Trouble;
-  const auto survey = surveyOf(*storage);
-  return survey ? report(*survey) : trouble(options.file + ": cannot be read");
+  ProgressHandler progress("verifying");
+  const auto survey = storage->verify(progress);
+  return survey ? report(*survey) : trouble(options.file, storage->error());
 }
 
 int get(const BlockOptions& options) {
   const auto storage = opened(options, false);
   if (!storage) return Trouble;
   const Data data = storage->seekToFileOffset(options.offset) ? storage->nextAvailableBlock() : Data();
+  const FileError error = storage->error();
+  if (error.reason() == FileReason::TooLarge) {
+    return trouble(fmt::format("{}: the block at {} expands to more than {} bytes (see --limit)", options.file,
+                               options.offset, options.limit));
+  }
+  if (error) return trouble(options.file, error);
   if (!data || storage->offsetOfLastBlock() != options.offset) {
     complain(fmt::format("{}: no readable block at {}", options.file, options.offset));
     return Nothing;
@@ -129,68 +131,67 @@ int get(const BlockOptions& options) {
 }
 
 int append(const BlockOptions& options) {
-  const auto bytes = readFileOrComplain(options.input);
+  const Data bytes = readDataOrComplain(options.input);
   if (!bytes) return Trouble;
+  if (bytes.isEmpty()) return trouble(options.input + ": is empty; an empty block cannot be stored");
+  if (bytes.length() > UINT32_MAX) return trouble(options.input + ": a block holds 4,294,967,295 bytes at most");
   const auto storage = opened(options, true);
   if (!storage) return Trouble;
-  if (!storage->recoverTail()) return trouble(options.file + ": is damaged; try `velan blocks repair`");
-  const int64_t offset = storage->seekToEndOfFile();
-  if (!storage->appendBlock(Data::withBytes(*bytes)) || !storage->synchronizeFile()) {
-    return trouble(fmt::format("{}{}", options.file,
-                               bytes->empty() ? ": an empty block cannot be stored" : ": cannot be written"));
+  if (!storage->recoverTail() && !storage->error()) {
+    return trouble(options.file + ": is damaged, or no block file; try `velan blocks repair`");
+  }
+  const int64_t offset = storage->error() ? 0 : storage->seekToEndOfFile();
+  if (storage->error() || !storage->appendBlock(bytes) || !storage->synchronizeFile() || !storage->closeFile()) {
+    return trouble(options.file, storage->error());
   }
   print(fmt::format("{}\n", offset));
   return Something;
 }
 
 int remove(const BlockOptions& options) {
-  if (access(options.file.c_str(), F_OK) != 0) return trouble(options.file + ": " + std::strerror(errno));
+  FileError missing;
+  if (!File::open(String::fromUTF8(options.file), FileAccess::Updating, &missing)) {
+    return trouble(options.file, missing);
+  }
   const auto storage = opened(options, true);
   if (!storage) return Trouble;
-  if (!storage->deleteBlockAtFileOffset(options.offset)) {
+  if (!storage->isBlockAtFileOffset(options.offset) && !storage->error()) {
     complain(fmt::format("{}: no block at {}", options.file, options.offset));
     return Nothing;
   }
-  return storage->synchronizeFile() ? Something : trouble(options.file + ": cannot be written");
+  const bool deleted = !storage->error() && storage->deleteBlockAtFileOffset(options.offset);
+  return deleted && storage->synchronizeFile() && storage->closeFile() ? Something
+                                                                       : trouble(options.file, storage->error());
 }
 
-// The compressed blocks of the new file stay as they are when compression is asked for.
-struct CompressingHandler : BlockStorageHandler {
-  explicit CompressingHandler(BlockStorage& source) : _total(source.lengthOfFile()) {}
-  bool storageHandleDataKey(BlockStorage& storage, const Data&, int64_t) override {
-    storage.setCompressed(compress);
-    return true;
-  }
-  bool shouldCancelIterationOfStorage(BlockStorage& storage) override {
-    return _progress(storage.offsetInFile(), _total);
-  }
-  bool compress = false;
-
- private:
-  int64_t _total;
-  ProgressHandler _progress{"compacting"};
-};
+// What was to be written to a new file and was not.
+int notWritten(const BlockOptions& options, const char* what, const FileError& error) {
+  if (error.reason() == FileReason::Exists) return trouble(options.output, error);
+  return trouble(fmt::format("{}: cannot be {} into {}: {}", options.file, what, options.output,
+                             error ? error.description().toUTF8() : "it is damaged"));
+}
 
 int compact(const BlockOptions& options) {
-  if (access(options.output.c_str(), F_OK) == 0) return trouble(options.output + ": there is a file already");
+  const Interruption interruption;
   const auto storage = opened(options, false);
   if (!storage) return Trouble;
-  CompressingHandler handler(*storage);
-  handler.compress = options.compress;
-  if (storage->optimizeToPath(String::fromUTF8(options.output), options.skipErrors, &handler)) return Something;
-  return trouble(fmt::format("{}: cannot be compacted into {}", options.file, options.output));
+  ProgressHandler progress("compacting");
+  const auto survey = storage->compactToPath(String::fromUTF8(options.output), options.skipErrors, progress);
+  if (!survey) return notWritten(options, "compacted", storage->error());
+  if (survey->damages.empty()) return Something;
+  report(*survey);
+  return trouble(options.file + ": what is damaged was left out");
 }
 
 int repair(const BlockOptions& options) {
+  const Interruption interruption;
   const auto storage = opened(options, false);
   if (!storage) return Trouble;
   ProgressHandler progress("repairing");
   const auto survey =
       options.dryRun ? storage->verify(progress) : storage->repairToPath(String::fromUTF8(options.output), progress);
-  if (!survey) {
-    return trouble(options.dryRun ? options.file + ": cannot be read"
-                                  : options.output + ": there is a file already, or it cannot be written");
-  }
+  if (!survey && options.dryRun) return trouble(options.file, storage->error());
+  if (!survey) return notWritten(options, "repaired", storage->error());
   report(*survey);
   return survey->blocks > 0 ? Something : Nothing;
 }
@@ -221,6 +222,8 @@ std::pair<CLI::App*, BlockOptions*> add(CLI::App& blocks, int& status, const cha
 void addGet(CLI::App& blocks, int& status) {
   const auto [command, options] = add(blocks, status, "get", "Write the contents of a block to standard output", get);
   addOffset(*command, *options);
+  addNumber(*command, "--limit", options->limit, size_t{1}, SIZE_MAX,
+            "Fail when the block expands to more than N bytes (default 1 GiB)");
 }
 
 void addAppend(CLI::App& blocks, int& status) {
@@ -239,7 +242,8 @@ void addCompact(CLI::App& blocks, int& status) {
   const auto [command, options] =
       add(blocks, status, "compact", "Write the blocks that are left into a new file", compact);
   command->add_option("-o,--output", options->output, "The new file; must not exist")->required()->type_name("FILE");
-  command->add_flag("--skip-errors", options->skipErrors, "Go on behind damaged blocks");
+  command->add_flag("--skip-errors", options->skipErrors,
+                    "Go on behind damage, and exit with 2 where something was left out");
   addWriting(*command, *options);
 }
 

@@ -1,5 +1,4 @@
 // `velan keyed …`.
-#include <filesystem>
 #include <map>
 #include <optional>
 #include <string>
@@ -9,6 +8,7 @@
 #include "tools/CommandLine.h"
 #include "tools/Commands.h"
 #include "tools/Console.h"
+#include "tools/Interruption.h"
 #include "tools/keyed/KeyedText.h"
 #include "velan/base/JSON.h"
 #include "velan/keyed/KeyedReading.h"
@@ -36,49 +36,55 @@ const std::map<std::string, uint32_t>& typeMarkers() {
   return markers;
 }
 
-std::optional<Data> load(const std::string& path) {
-  const auto bytes = readFileOrComplain(path);
-  return bytes ? std::optional(Data::withBytes(*bytes)) : std::nullopt;
+bool isWritable(const std::string& path) {
+  if (path == "-") complain("-: standard input has no file to write to");
+  return path != "-";
 }
 
-int store(const std::string& path, const MutableData& data) {
-  if (path == "-") return trouble("-: standard input has no file to write to");
-  const FileError error = replaceFile(String::fromUTF8(path), data);
-  return error ? trouble(path + ": " + error.description().toUTF8()) : Something;
-}
-
-// A file to be edited must be whole: what is set behind damage would never be found.
-std::optional<MutableData> loadForEditing(const std::string& path, bool mayBeMissing) {
-  if (mayBeMissing && !std::filesystem::exists(path)) return MutableData();
-  const auto data = load(path);
-  if (!data) return std::nullopt;
-  const KeyedInspection inspection = inspectKeyedData(*data);
-  if (inspection.damage == KeyedDamage::None) return MutableData(*data);
-  complain(path + ": " + describeDamage(*data, inspection));
-  return std::nullopt;
+// Lets `change` edit the records of the file, which no other run can change meanwhile, and answer with the exit status;
+// only where that is `Something` are they written. A file to be edited must be whole: what is set behind damage would
+// never be found.
+int edit(const std::string& path, bool mayBeMissing, FunctionRef<int(MutableData& data)> change) {
+  if (!isWritable(path)) return Trouble;
+  const Interruption interruption;
+  int status = Trouble;
+  const FileError error = updateFile(String::fromUTF8(path), [&](const Data& contents) {
+    const KeyedInspection inspection = inspectKeyedData(contents);
+    if (contents.isAbsent() && !mayBeMissing) {
+      status = trouble(path, FileReason::NoSuchFile);
+    } else if (inspection.damage != KeyedDamage::None) {
+      status = trouble(path + ": " + describeDamage(contents, inspection));
+    } else {
+      MutableData data(contents);
+      status = change(data);
+      if (status == Something) return data.takeData();
+    }
+    return Data();
+  });
+  return error ? trouble(path, error) : status;
 }
 
 int dump(const KeyedOptions& options) {
-  const auto data = load(options.file);
+  const Data data = readDataOrComplain(options.file);
   if (!data) return Trouble;
-  const KeyedInspection inspection = inspectKeyedData(*data);
+  const KeyedInspection inspection = inspectKeyedData(data);
   const bool damaged = inspection.damage != KeyedDamage::None;
   if (options.json) {
-    print(jsonOfRecords(*data));
+    print(jsonOfRecords(data));
   } else {
-    for (const KeyedRecord& record : inspection.records) print(lineOfRecord(*data, record) + "\n");
+    for (const KeyedRecord& record : inspection.records) print(lineOfRecord(data, record) + "\n");
   }
-  if (damaged) complain(options.file + ": " + describeDamage(*data, inspection));
+  if (damaged) complain(options.file + ": " + describeDamage(data, inspection));
   return damaged || inspection.records.empty() ? Nothing : Something;
 }
 
 int check(const KeyedOptions& options) {
-  const auto data = load(options.file);
+  const Data data = readDataOrComplain(options.file);
   if (!data) return Trouble;
-  const KeyedInspection inspection = inspectKeyedData(*data);
-  const bool valid = isValid(*data);
+  const KeyedInspection inspection = inspectKeyedData(data);
+  const bool valid = isValid(data);
   const std::string count = valid ? ", " + std::to_string(inspection.records.size()) + " records" : std::string();
-  print(options.file + ": " + describeDamage(*data, inspection) + count + "\n");
+  print(options.file + ": " + describeDamage(data, inspection) + count + "\n");
   return valid ? Something : Nothing;
 }
 
@@ -94,17 +100,17 @@ bool printValue(const Value& value) {
 }
 
 int get(const KeyedOptions& options) {
-  const auto data = load(options.file);
+  const Data data = readDataOrComplain(options.file);
   if (!data) return Trouble;
   if (options.pair) {
-    return printValue(getValueForKey(*data, String::fromUTF8(options.key))) ? Something : Nothing;
+    return printValue(getValueForKey(data, String::fromUTF8(options.key))) ? Something : Nothing;
   }
   const auto key = keyFromText(options.key);
   if (!key) return trouble("a key is a number or four characters: " + options.key);
   bool found = false;
-  for (const KeyedRecord& record : inspectKeyedData(*data).records) {
+  for (const KeyedRecord& record : inspectKeyedData(data).records) {
     if (record.key != *key || (!options.type.empty() && record.marker != typeMarkers().at(options.type))) continue;
-    found |= printValue(valueOfRecord(*data, record));
+    found |= printValue(valueOfRecord(data, record));
   }
   return found ? Something : Nothing;
 }
@@ -136,8 +142,6 @@ void setRecord(MutableData& data, uint32_t marker, uint32_t key, const MutableDa
 }
 
 int set(const KeyedOptions& options) {
-  auto data = loadForEditing(options.file, true);
-  if (!data) return Trouble;
   const std::string type = options.type.empty() ? "string" : options.type;
   const uint32_t marker = typeMarkers().at(type);
   const auto value = valueFromText(type, options.value);
@@ -147,39 +151,39 @@ int set(const KeyedOptions& options) {
   if (!value || !addRecord(record, marker, *key, valueFromJson(marker, *value))) {
     return trouble("no " + type + ": " + options.value);
   }
-  if (!options.pair) {
-    setRecord(*data, marker, *key, record);
-  } else {
+  return edit(options.file, true, [&](MutableData& data) -> int {
+    if (!options.pair) return setRecord(data, marker, *key, record), Something;
     const String name = String::fromUTF8(options.key);
-    setValue(*data, valueOfRecord(record, {0, record.length(), marker, *key}), name);
-    if (!containsValueForKey(*data, name)) return trouble("no key: " + options.key);
-  }
-  return store(options.file, *data);
+    setValue(data, valueOfRecord(record, {0, record.length(), marker, *key}), name);
+    return containsValueForKey(data, name) ? Something : trouble("no key: " + options.key);
+  });
 }
 
 int remove(const KeyedOptions& options) {
-  auto data = loadForEditing(options.file, false);
-  if (!data) return Trouble;
-  const size_t before = data->length();
-  if (options.pair) {
-    removeValueForKey(*data, String::fromUTF8(options.key));
-  } else {
-    const auto key = keyFromText(options.key);
-    if (!key) return trouble("a key is a number or four characters: " + options.key);
-    const uint32_t wanted = options.type.empty() ? 0 : typeMarkers().at(options.type);
-    removeKeyedDataUsingHandler(
-        *data, [&](uint32_t marker, uint32_t found) { return found == *key && (wanted == 0 || marker == wanted); });
-  }
-  return data->length() == before ? Nothing : store(options.file, *data);
+  const auto key = options.pair ? kKeyedPairValue : keyFromText(options.key);
+  if (!key) return trouble("a key is a number or four characters: " + options.key);
+  return edit(options.file, false, [&](MutableData& data) {
+    const size_t before = data.length();
+    if (options.pair) {
+      removeValueForKey(data, String::fromUTF8(options.key));
+    } else {
+      const uint32_t wanted = options.type.empty() ? 0 : typeMarkers().at(options.type);
+      removeKeyedDataUsingHandler(
+          data, [&](uint32_t marker, uint32_t found) { return found == *key && (wanted == 0 || marker == wanted); });
+    }
+    return data.length() == before ? Nothing : Something;
+  });
 }
 
 int loadRecords(const KeyedOptions& options) {
   const auto json = readFileOrComplain(options.source);
-  if (!json) return Trouble;
+  if (!json || !isWritable(options.file)) return Trouble;
   std::string why;
   const Data data = recordsFromJson(*json, why);
   if (data.isAbsent()) return trouble(options.source + ": " + why);
-  return store(options.file, MutableData(data));
+  const Interruption interruption;
+  const FileError error = replaceFile(String::fromUTF8(options.file), data);
+  return error ? trouble(options.file, error) : Something;
 }
 
 std::pair<CLI::App*, KeyedOptions*> add(CLI::App& keyed, int& status, const char* name, const char* description,

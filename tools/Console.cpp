@@ -80,8 +80,9 @@ std::optional<std::string> readFileOrComplain(const std::string& path) {
 Data readDataOrComplain(const std::string& path) {
   auto bytes = readFileOrComplain(path);
   if (!bytes) return Data();
-  const auto owner = std::make_shared<const std::string>(std::move(*bytes));
-  return Data::withOwner(owner, owner->data(), owner->size());
+  auto owner = std::make_shared<const std::string>(std::move(*bytes));
+  const std::string_view view = *owner;
+  return Data::withOwner(std::move(owner), view.data(), view.size());
 }
 
 int trouble(const std::string& path, const FileError& error) {

@@ -4,6 +4,7 @@
 #include "velan/markup/AttributesInternal.h"
 #include "velan/markup/Entities.h"
 #include "velan/markup/TagsInternal.h"
+#include "velan/text/encoding/CharsetNames.h"
 
 namespace velan {
 namespace {
@@ -54,5 +55,8 @@ Range markupCharsetRange(const String& string) {
 }
 
 String headerCharset(const String& string) { return contentCharset(string.view()); }
+
+StringEncoding markupEncoding(const String& string) { return NSEncodingFromName(markupCharset(string)); }
+StringEncoding headerEncoding(const String& string) { return NSEncodingFromName(headerCharset(string)); }
 
 }  // namespace velan

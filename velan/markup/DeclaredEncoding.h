@@ -4,6 +4,7 @@
 
 #include "velan/base/MutableString.h"
 #include "velan/base/String.h"
+#include "velan/base/StringEncoding.h"
 #include "velan/markup/Tags.h"
 
 namespace velan {
@@ -16,6 +17,10 @@ VELAN_EXPORT Range markupCharsetRange(const String& string);
 /// `headerCharset`: the name after "charset=" in a content-type value such as "text/html; charset=utf-8"; absent when
 /// there is none.
 VELAN_EXPORT String headerCharset(const String& string);
+/// `markupEncoding`, `headerEncoding`: the encodings of these names (see `NSEncodingFromName`); `Invalid` for a name
+/// that is not known, and where there is none.
+VELAN_EXPORT StringEncoding markupEncoding(const String& string);
+VELAN_EXPORT StringEncoding headerEncoding(const String& string);
 
 /// `RetrieveEncodingHandler`: a `TagHandler` that appends the declared name to its context, a `MutableString`, and
 /// stops there, or at the body.

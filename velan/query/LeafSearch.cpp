@@ -42,10 +42,6 @@ LeafMeaning LeafPattern::meaning() const {
   return never ? LeafMeaning::Nothing : LeafMeaning::Literal;
 }
 
-Range LeafPattern::firstIn(const SearchedText& text, Range range) const {
-  return _literal ? text.findWord(_word, range, _whole) : _pattern.firstIn(text, range);
-}
-
 LeafPatterns::LeafPatterns(const QueryTerms& root, LeafKind kind, QueryComparison comparison) {
   walkQuery(root, [&](const QueryTerms& node) {
     if (node.isWord()) _patterns.try_emplace(&node, node, kind, comparison);
@@ -63,7 +59,17 @@ std::vector<ExplainedPiece> explainedPieces(const QueryTerms& leaf, QueryCompari
 }
 
 LeafSearch::LeafSearch(const SearchedText& text, const LeafPattern& pattern) : _text(text), _pattern(pattern) {
-  if (const WordPattern* phrase = pattern.phrase()) _phrase.emplace(*phrase, text, Range{0, text.length()});
+  const WordPattern& words = pattern.pattern();
+  const Range all{0, text.length()};
+  if (words.isPhrase()) _phrase.emplace(words, text, all);
+  if (words.isOneWord()) _word.emplace(words, text, all);
+}
+
+Range LeafSearch::next() {
+  if (_phrase) return _phrase->next();
+  if (_word) return _word->next();
+  if (!_pattern.literal()) return kAbsentRange;
+  return _text.findWord(*_pattern.literal(), {_frontier, _text.length() - _frontier}, _pattern.isWhole());
 }
 
 Range LeafSearch::firstIn(Range range) {
@@ -74,9 +80,9 @@ Range LeafSearch::firstIn(Range range) {
 
 const Range* LeafSearch::at(size_t number) {
   while (number >= _found.size() && _frontier < _text.length()) {
-    const Range next = _phrase ? _phrase->next() : _pattern.firstIn(_text, {_frontier, _text.length() - _frontier});
-    if (isPresent(next)) _found.push_back(next);
-    _frontier = isPresent(next) ? next.location + 1 : _text.length();
+    const Range place = next();
+    if (isPresent(place)) _found.push_back(place);
+    _frontier = isPresent(place) ? place.location + 1 : _text.length();
   }
   return number < _found.size() ? &_found[number] : nullptr;
 }

@@ -11,7 +11,7 @@
 #include "velan/query/PhraseSearchInternal.h"
 #include "velan/query/QueryExplanation.h"
 #include "velan/query/QueryTerms.h"
-#include "velan/query/WordPatternInternal.h"
+#include "velan/query/WordSearchInternal.h"
 
 namespace velan {
 
@@ -33,14 +33,16 @@ class LeafPattern {
   LeafMeaning meaning() const;
   /// Whether the leaf is a lone `*`: found as the whole of any range that is not empty, and nowhere else.
   bool isWholeRange() const { return _pattern.isWholeRange(); }
-  /// The pattern of a leaf that is found by the words of a phrase; null for any other.
-  const WordPattern* phrase() const { return _pattern.isPhrase() ? &_pattern : nullptr; }
-  /// The first place that lies wholly in `range`; absent if there is none.
-  Range firstIn(const SearchedText& text, Range range) const;
+  /// The units of a leaf that is found by them, mapped; null for any other.
+  const std::u16string* literal() const { return _literal ? &_word : nullptr; }
+  /// Whether a literal begins and ends where words do.
+  bool isWhole() const { return _whole; }
+  /// The pattern of any other leaf.
+  const WordPattern& pattern() const { return _pattern; }
 
  private:
-  bool _literal;         // found by its units rather than by a pattern
-  bool _whole;           // a literal that begins and ends where words do
+  bool _literal;  // found by its units rather than by a pattern
+  bool _whole;
   std::u16string _word;  // of a literal, mapped
   WordPattern _pattern;  // of any other
 };
@@ -80,10 +82,13 @@ class LeafSearch {
   size_t numberFrom(int64_t location);
 
  private:
+  Range next();
+
   const SearchedText& _text;
   const LeafPattern& _pattern;
   std::unique_ptr<const LeafPattern> _own;
   std::optional<PhraseSearch> _phrase;
+  std::optional<WordSearch> _word;
   std::vector<Range> _found;
   int64_t _frontier = 0;  // everything that begins before is found
 };

@@ -4,17 +4,12 @@
 
 #include "velan/query/PhraseSearchInternal.h"
 #include "velan/query/WordPatternInternal.h"
+#include "velan/query/WordSearchInternal.h"
 #include "velan/wildcard/WildcardMatching.h"
 #include "velan/wildcard/WildcardPattern.h"
 
 namespace velan {
 namespace {
-
-// Types whose literal units stand in one run.
-constexpr bool hasOneLiteral(uint32_t type) {
-  return type == WildcardTypeExact || type == WildcardTypePrefix || type == WildcardTypeSuffix ||
-         type == WildcardTypeContains;
-}
 
 std::vector<std::u16string> wordsOf(std::u16string_view text, bool wildcard) {
   std::vector<std::u16string> words;
@@ -57,7 +52,7 @@ SplitPattern splitPattern(std::u16string_view pattern, bool phrase) {
 
 WordPattern::Piece WordPattern::wildcardPiece(std::u16string pattern, bool anyWord, bool fuzzy) {
   const auto withoutLiteral = anyWord ? normalFormWithoutLiteral(pattern) : std::nullopt;
-  Piece piece{std::move(pattern), WildcardTypeUnusable, {0, 0}, 0, 0, fuzzy};
+  Piece piece{std::move(pattern), WildcardTypeUnusable, {0, 0}, 0, 0, fuzzy, false};
   unichar* start = piece.units.data();
   piece.type = optimizeWildcard(start, start + piece.units.size(), &piece.literal, 1);
   if (piece.type != WildcardTypeUnusable) {
@@ -65,6 +60,7 @@ WordPattern::Piece WordPattern::wildcardPiece(std::u16string pattern, bool anyWo
   } else if (withoutLiteral) {
     piece.units = *withoutLiteral;
     piece.type = WildcardTypeGeneral;
+    piece.standsForAnyWord = true;
   } else {
     return piece;
   }
@@ -76,7 +72,7 @@ WordPattern::Piece WordPattern::wildcardPiece(std::u16string pattern, bool anyWo
 
 WordPattern::Piece WordPattern::literalPiece(std::u16string word) {
   const auto length = static_cast<int64_t>(word.size());
-  return {std::move(word), WildcardTypeExact, {0, length}, length, length, false};
+  return {std::move(word), WildcardTypeExact, {0, length}, length, length, false, false};
 }
 
 WordPattern WordPattern::withWildcard(std::u16string_view pattern, bool split, bool phrase, bool fuzzy,
@@ -105,7 +101,7 @@ std::vector<ExplainedPiece> WordPattern::explained(std::u16string_view pattern, 
     const Piece piece = wildcardPiece(units, parts.anyWord, fuzzy);
     const bool isUsable = piece.type != WildcardTypeUnusable;
     const uint32_t type = wildcardType(units);
-    explained.push_back({units, type, isUsable ? String(piece.units) : String(), isUsable && type != piece.type,
+    explained.push_back({units, type, isUsable ? String(piece.units) : String(), piece.standsForAnyWord,
                          fuzzy && type == WildcardTypeExact});
   }
   return explained;
@@ -166,35 +162,7 @@ Range WordPattern::firstIn(const SearchedText& text, Range range) const {
   if (_wholeRange) return range.length > 0 ? range : kAbsentRange;
   if (_pieces.empty()) return kAbsentRange;
   if (isPhrase()) return PhraseSearch(*this, text, range).next();
-  const Piece& piece = _pieces.front();
-  const bool isLiteral = hasOneLiteral(piece.type) && !(piece.type == WildcardTypeExact && piece.fuzzy);
-  return isLiteral ? firstLiteralIn(text, range) : firstWordIn(text, range);
-}
-
-// Searches the literal first and looks at words only where it stands; each word is looked at once.
-Range WordPattern::firstLiteralIn(const SearchedText& text, Range range) const {
-  const Piece& piece = _pieces.front();
-  const int64_t end = endOf(range);
-  int64_t from = range.location;
-  while (true) {
-    const int64_t hit = text.find(literalOf(piece), from, end);
-    if (hit < 0) return kAbsentRange;
-    const Range word = text.words().rangeOfWordAtIndex(hit);
-    if (!isPresent(word)) {
-      from = hit + 1;
-      continue;
-    }
-    from = std::max(endOf(word), hit + 1);
-    if (word.location >= range.location && endOf(word) <= end && matches(piece, text, word)) return word;
-    if (from >= end) return kAbsentRange;
-  }
-}
-
-Range WordPattern::firstWordIn(const SearchedText& text, Range range) const {
-  const int64_t end = endOf(range);
-  Range word = text.firstWordIn(range.location, end);
-  while (isPresent(word) && !matches(_pieces.front(), text, word)) word = text.firstWordIn(endOf(word), end);
-  return word;
+  return WordSearch(*this, text, range).next();
 }
 
 }  // namespace velan

@@ -30,7 +30,8 @@ class WordPattern {
   bool isFound() const { return _wholeRange || !_pieces.empty(); }
   /// Whether the pattern is a lone `*`, which stands for whatever range is searched.
   bool isWholeRange() const { return _wholeRange; }
-  /// Whether the pattern stands for several words.
+  /// Whether the pattern has one piece, or several.
+  bool isOneWord() const { return _pieces.size() == 1; }
   bool isPhrase() const { return _pieces.size() > 1; }
   /// The first place in `range` where the pieces match consecutive words, from the first word's start to the last one's
   /// end; words that `range` cuts do not count. Absent if there is none.
@@ -38,6 +39,7 @@ class WordPattern {
 
  private:
   friend class PhraseSearch;
+  friend class WordSearch;
 
   struct Piece {
     std::u16string units;
@@ -46,6 +48,7 @@ class WordPattern {
     int64_t minLength;
     int64_t maxLength;
     bool fuzzy;
+    bool standsForAnyWord;  // of fitting length: it has no literal
   };
 
   static Piece wildcardPiece(std::u16string pattern, bool anyWord, bool fuzzy);
@@ -53,9 +56,6 @@ class WordPattern {
   static bool matches(const Piece& piece, const SearchedText& text, Range word);
   static bool isSimilar(const Piece& piece, const SearchedText& text, Range word);
   static std::u16string_view literalOf(const Piece& piece);
-
-  Range firstLiteralIn(const SearchedText& text, Range range) const;
-  Range firstWordIn(const SearchedText& text, Range range) const;
 
   std::vector<Piece> _pieces;
   bool _wholeRange = false;

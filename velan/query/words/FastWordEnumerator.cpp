@@ -139,14 +139,21 @@ bool FastWordEnumerator::initIndex(bool splitAsianWords) {
   return true;
 }
 
-// Divides each run of word units that holds an East Asian unit, looking at every unit once.
+// Divides each run of word units that holds an East Asian unit, looking at every unit once. A piece of a pattern stays
+// whole: the dictionary would take its wildcards for words.
 void FastWordEnumerator::splitAsianRuns() {
   const unichar* const end = _characters + _length;
   for (const unichar* found = _characters; (found = std::find_if(found, end, isEastAsianUnichar)) != end;) {
     const Range run = rangeOfWordAtIndex(found - _characters);
-    if (isPresent(run)) initWordInRange(run);
+    if (isPresent(run) && !(_wildcard && holdsWildcard(run))) initWordInRange(run);
     found = isPresent(run) ? _characters + endOf(run) : found + 1;
   }
+}
+
+bool FastWordEnumerator::holdsWildcard(Range run) const {
+  const unichar* const start = _characters + run.location;
+  return std::any_of(start, start + run.length,
+                     [](unichar c) { return c == u'*' || c == u'?' || c == u'[' || c == u']'; });
 }
 
 // Divides a word where the tokens inside it meet; they cover it without gaps. The word itself was counted, and stays
@@ -287,19 +294,25 @@ int64_t FastWordEnumerator::continuationAfterHyphen(int64_t wordEnd) const {
   return isWordBeginningAtIndex(index) ? index : NSNotFound;
 }
 
-// The next word from `*index`, which moves behind it; absent when there is none or when it is too short.
-String FastWordEnumerator::nextWordString(int64_t* index, int64_t minLen, bool* hyphenated) const {
-  const Range word = enumerateNextWordAtIndex(index);
-  if (!isPresent(word)) return String();
-  int64_t next = hyphenated ? continuationAfterHyphen(*index) : NSNotFound;
-  if (next == NSNotFound) return word.length >= minLen ? substringWithRange(word) : String();
-  *hyphenated = true;
-  MutableString joined(std::u16string_view(_characters + word.location, static_cast<size_t>(word.length)));
-  for (; next != NSNotFound; next = continuationAfterHyphen(*index)) {
-    *index = wordEndFromIndex(next) + 1;
-    joined.appendCharacters(_characters + next, *index - next);
+void FastWordEnumerator::enumerateWords(int64_t minLen, bool* hyphenated,
+                                        FunctionRef<void(std::u16string_view word)> handle) const {
+  if (hyphenated) *hyphenated = false;
+  std::u16string joined;
+  int64_t index = 0;
+  for (Range word; isPresent(word = enumerateNextWordAtIndex(&index));) {
+    std::u16string_view units(_characters + word.location, static_cast<size_t>(word.length));
+    int64_t next = hyphenated ? continuationAfterHyphen(index) : NSNotFound;
+    if (next != NSNotFound) {
+      *hyphenated = true;
+      joined = units;
+      for (; next != NSNotFound; next = continuationAfterHyphen(index)) {
+        index = wordEndFromIndex(next) + 1;
+        joined.append(_characters + next, static_cast<size_t>(index - next));
+      }
+      units = joined;
+    }
+    if (static_cast<int64_t>(units.size()) >= minLen) handle(units);
   }
-  return joined.length() >= minLen ? joined.takeString() : String();
 }
 
 String FastWordEnumerator::stringBySeparatingWords() const {

@@ -5,6 +5,9 @@
 #include <concepts>
 #include <cstddef>
 #include <memory>
+#include <new>
+#include <string_view>
+#include <utility>
 
 #include "velan/base/FunctionRef.h"
 #include "velan/base/String.h"
@@ -62,7 +65,7 @@ class VELAN_EXPORT FastWordEnumerator {
   void invalidate();
 
   /// `splitAsianWords`: whether enumerators created from now on divide runs with ideographs or kana into words by
-  /// dictionary, in the whole process; false at first.
+  /// dictionary, in the whole process; false at first. With `wildcard` a run that holds one of the four stays a word.
   static bool splitAsianWords();
   /// `setSplitAsianWords:`: see `splitAsianWords`. May be called from any thread.
   static void setSplitAsianWords(std::same_as<bool> auto split) { storeSplitAsianWords(split); }
@@ -138,12 +141,15 @@ class VELAN_EXPORT FastWordEnumerator {
   /// (U+002D, U+00AD or U+2010) falls away, the next line may be indented, and `minLen` counts the joined word.
   template <class List>
   void addWordsTo(List& list, int64_t minLen, bool* hyphenated) const {
-    if (hyphenated) *hyphenated = false;
-    for (int64_t index = 0; index < length();) {
-      String word = nextWordString(&index, minLen, hyphenated);
-      if (word) list.insert(list.end(), std::move(word));
-    }
+    enumerateWords(minLen, hyphenated, [&list](std::u16string_view units) {
+      String word(units);
+      if (word.isAbsent()) throw std::bad_alloc();
+      list.insert(list.end(), std::move(word));
+    });
   }
+  /// The words that `addWordsTo:minLen:hyphenated:` appends, one after the other; the units of each are valid during
+  /// the call only. May throw `std::bad_alloc` when it joins words.
+  void enumerateWords(int64_t minLen, bool* hyphenated, FunctionRef<void(std::u16string_view word)> handle) const;
   /// `stringBySeparatingWords`: all words with one space between them; empty when there is none, absent after
   /// `invalidate`.
   String stringBySeparatingWords() const;
@@ -158,10 +164,10 @@ class VELAN_EXPORT FastWordEnumerator {
   bool initIndex(bool splitAsianWords);
   void releaseCharacters();
   void splitAsianRuns();
+  bool holdsWildcard(Range run) const;
   void initWordInRange(Range range);
   int64_t wordEndFromIndex(int64_t index) const;
   int64_t continuationAfterHyphen(int64_t wordEnd) const;
-  String nextWordString(int64_t* index, int64_t minLen, bool* hyphenated) const;
   int64_t _enumerateWordsUsingBlock(WordBlock block, WordHandler handler, void* context, Range range) const;
 
   String _string;                        // absent when made from units

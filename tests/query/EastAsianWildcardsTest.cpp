@@ -1,0 +1,112 @@
+// Patterns in text without spaces: whether they find anything must not depend on where the dictionary divides it.
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+#include <random>
+
+#include "velan/query/PreparedQuery.h"
+#include "velan/query/words/EastAsianWords.h"
+#include "velan/wildcard/WildcardMatching.h"
+
+namespace velan {
+namespace {
+
+struct SplitAsianWords {
+  SplitAsianWords() { FastWordEnumerator::setSplitAsianWords(true); }
+  ~SplitAsianWords() { FastWordEnumerator::setSplitAsianWords(false); }
+};
+
+String documentAt(const std::string& name) {
+  std::ifstream file("../../examples/documents/" + name, std::ios::binary);
+  return String::fromUTF8(std::string(std::istreambuf_iterator<char>(file), {}));
+}
+
+std::vector<Range> wordsOf(const FastWordEnumerator& text) {
+  std::vector<Range> words;
+  text.enumerateWordsInRange({0, text.length()}, [&](const FastWordEnumerator&, int64_t start, int64_t length) {
+    words.push_back({start, length});
+    return false;
+  });
+  return words;
+}
+
+std::vector<Range> placesOf(const std::u16string& pattern, const FastWordEnumerator& text) {
+  const auto query = PreparedQuery::queryWithTerms(QueryTerms::initWithWildcard(pattern), QueryComparison::Exact, true);
+  return QueryMatcher(*query, text).explanation(1).back().places;
+}
+
+// By definition: of all rows of words that touch each other those that match, without those that hold another one.
+std::vector<Range> expectedPlaces(const std::u16string& pattern, const FastWordEnumerator& text) {
+  const std::vector<Range> words = wordsOf(text);
+  std::vector<Range> places;
+  for (size_t last = 0; last < words.size(); ++last) {
+    for (size_t first = last + 1; first-- > 0;) {
+      if (first < last && endOf(words[first]) != words[first + 1].location) break;
+      const unichar* start = text.characters() + words[first].location;
+      const unichar* end = text.characters() + endOf(words[last]);
+      if (!stringMatchesUnixWildcard(start, end, pattern.data(), pattern.data() + pattern.size())) continue;
+      if (places.empty() || words[first].location > places.back().location) {
+        places.push_back({words[first].location, end - start});
+      }
+      break;
+    }
+  }
+  return places;
+}
+
+TEST(EastAsianWildcards, EveryPartOfEveryWordFindsItsDocument) {
+  const SplitAsianWords split;
+  for (const char* name : {"letters/morita-bijutsukan.txt", "articles/hyaku-no-akari-ten.txt",
+                           "letters/lin-dengta-zhaopian.txt", "notes/exhibition-labels-draft.txt"}) {
+    const auto text = FastWordEnumerator::enumeratorWithString(documentAt(name));
+    ASSERT_TRUE(text) << name;
+    int patterns = 0;
+    for (const Range& range : wordsOf(*text)) {
+      const String substring = text->substringWithRange(range);
+      const std::u16string word(substring.view());
+      if (std::ranges::none_of(word, isEastAsianUnichar)) continue;
+      for (size_t from = 0; from < word.size(); ++from) {
+        for (size_t length = 1; length <= word.size() - from; ++length, ++patterns) {
+          std::u16string pattern = from > 0 ? u"*" : u"";
+          pattern += word.substr(from, length);
+          if (from + length < word.size()) pattern += u'*';
+          ASSERT_FALSE(placesOf(pattern, *text).empty()) << name << ' ' << String(pattern).toUTF8();
+        }
+      }
+    }
+    EXPECT_GT(patterns, 20) << name;
+  }
+}
+
+TEST(EastAsianWildcards, FindsTheShortestRowsOfWords) {
+  const SplitAsianWords split;
+  std::mt19937 random(1);
+  const auto below = [&random](size_t bound) { return random() % bound; };
+  const String document = documentAt("articles/hyaku-no-akari-ten.txt");
+  const auto text = FastWordEnumerator::enumeratorWithString(document);
+  int found = 0;
+  int severalWords = 0;
+  for (int i = 0; i < 2000; ++i) {
+    const auto start = below(static_cast<size_t>(document.length()) - 8);
+    std::u16string pattern(document.view().substr(start, 1 + below(8)));
+    for (unichar& c : pattern) {
+      if (below(4) == 0 || text->isWordSeparatorAtIndex(static_cast<int64_t>(start) + (&c - pattern.data()))) {
+        c = below(2) ? u'*' : u'?';
+      }
+    }
+    if (below(3) == 0) pattern += u"[\u3041-\u30FF]";
+    if (below(2)) pattern.insert(0, 1, u'*');
+    if (below(2)) pattern += u'*';
+    if (pattern.find_first_of(u"*?[") == pattern.npos || pattern.find_first_not_of(u"*?") == pattern.npos) continue;
+    const std::vector<Range> places = placesOf(pattern, *text);
+    ASSERT_EQ(places, expectedPlaces(pattern, *text)) << String(pattern).toUTF8();
+    found += !places.empty();
+    for (const Range& place : places) severalWords += endOf(text->rangeOfWordAtIndex(place.location)) < endOf(place);
+  }
+  EXPECT_GT(found, 200);
+  EXPECT_GT(severalWords, 200);
+}
+
+}  // namespace
+}  // namespace velan

@@ -48,6 +48,8 @@ class OnDocuments(unittest.TestCase):
                                             "minutes/2018-03-13-trustees.txt"]),
             (["灯台 AND 美術館"], ["articles/hyaku-no-akari-ten.txt", "letters/morita-bijutsukan.txt",
                                "notes/exhibition-labels-draft.txt"]),
+            (["美?館 AND 灯*"], ["articles/hyaku-no-akari-ten.txt", "letters/morita-bijutsukan.txt",
+                              "notes/exhibition-labels-draft.txt"]),
             (["ARCIVIST leting"], child),
             (["-s", "ARCIVIST leting"], []),
             (["lighthouse* AND exibition"], child),
@@ -280,6 +282,7 @@ class OtherCommands(unittest.TestCase):
         self.assertEqual(velan("words", "-n", "3", stdin=text), (0, "2\tWasser\n2\tund\n1\tFeuer\n", ""))
         self.assertEqual(velan("words", "-i", "--min-length", "2", stdin=text),
                          (0, "2\tund\n2\twasser\n2\töl\n1\tfeuer\n1\t灯台\n", ""))
+        self.assertEqual(velan("words", stdin=b"light-\n  house light-house"), (0, "1\thouse\n1\tlight\n1\tlighthouse\n", ""))
         self.assertEqual(velan("words", stdin=b" - "), (1, "", ""))
 
     def test_explain(self):
@@ -291,6 +294,10 @@ class OtherCommands(unittest.TestCase):
             line = next(line.strip() for line in output.splitlines() if line.strip().startswith(word + ": type"))
             self.assertTrue(line.startswith(f"{word}: type {kind}, ") and line.endswith("normal form " + normal), line)
         self.assertIn("a[b: type 10, not usable", velan("explain", "a[b")[1])
+        self.assertIn("??: type 10, stands for any one word of fitting length\n    found 1 time, at 1:3\n    holds",
+                      velan("explain", '"??"', "-", stdin=b"a bc def")[1])
+        self.assertIn("begins or ends with a character of no word, never found",
+                      velan("explain", "--no-wildcards", '"a lamp."')[1])
 
     def test_explain_a_file(self):
         text = "an old lamp\nünd OLD ships\n".encode("utf-8-sig")

@@ -119,7 +119,8 @@ void addWords(CLI::App& app, int& status) {
   command->add_flag("--hidden", options->hidden, "Read hidden files and folders, too");
   addDecodingOptions(*command, options->decoding);
   command->footer(
-      "Each line holds the count, a tab and the word; equally frequent words are sorted.\n"
+      "Each line holds the count, a tab and the word; equally frequent words are sorted. A word that a hyphen divides\n"
+      "at a line end counts as one.\n"
       "Exit status: 0 there are words, 1 none, 2 something could not be read.\n"
       "Examples:\n"
       "  velan words -i -n 20 documents/\n"

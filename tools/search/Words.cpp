@@ -12,6 +12,7 @@
 #include "tools/search/DocumentReading.h"
 #include "tools/search/TextCommands.h"
 #include "velan/query/words/FastWordEnumerator.h"
+#include "velan/text/ConversionTables.h"
 
 namespace velan::tool {
 namespace {
@@ -20,15 +21,13 @@ class WordCounter {
  public:
   WordCounter(int64_t minLength, bool ignoreCase) : _minLength(minLength), _ignoreCase(ignoreCase) {}
 
+  // Words that are divided by a hyphen at a line end count as one.
   void countWords(const String& text) {
     const auto index = FastWordEnumerator::enumeratorWithString(text);
     if (!index) return;
-    const Range all{0, index->length()};
-    const String units = _ignoreCase ? index->lowercaseSubstringWithRange(all) : text;
-    index->enumerateWordsInRange(all, [&](const FastWordEnumerator&, int64_t start, int64_t length) {
-      if (length >= _minLength) count(units.view().substr(static_cast<size_t>(start), static_cast<size_t>(length)));
-      return false;
-    });
+    bool hyphenated = false;
+    index->enumerateWords(_minLength, &hyphenated,
+                          [this](std::u16string_view word) { count(_ignoreCase ? inLowerCase(word) : word); });
   }
 
   /// The most frequent first, equally frequent ones by their units.
@@ -53,6 +52,12 @@ class WordCounter {
     bool operator()(const String& a, std::u16string_view b) const { return a.view() == b; }
   };
 
+  std::u16string_view inLowerCase(std::u16string_view word) {
+    _lower.resize(word.size());
+    std::transform(word.begin(), word.end(), _lower.begin(), toLower);
+    return _lower;
+  }
+
   void count(std::u16string_view word) {
     const auto found = _counts.find(word);
     if (found != _counts.end()) {
@@ -64,6 +69,7 @@ class WordCounter {
 
   const int64_t _minLength;
   const bool _ignoreCase;
+  std::u16string _lower;
   std::unordered_map<String, int64_t, Hash, Equal> _counts;
 };
 

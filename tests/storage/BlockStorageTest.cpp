@@ -292,6 +292,69 @@ TEST_F(BlockStorageTest, TheEndOfALongFileIsFoundWithoutReadingItAll) {
   }
 }
 
+// Takes a single byte of what is written behind `end`, then nothing more.
+struct AlmostFullFiles : SimulatedFiles {
+  ssize_t write(int file, const iovec* pieces, int count, int64_t offset) override {
+    if (++writes > 1) return errno = ENOSPC, -1;
+    const iovec first{pieces[0].iov_base, 1};
+    return SimulatedFiles::write(file, &first, std::min(count, 1), offset);
+  }
+  int writes = 1;
+};
+
+TEST(BlockStorageOnAFullDisk, AWriteTornByOneByteLeavesNothing) {
+  CountedLog log;
+  AlmostFullFiles files;
+  files.images["blocks"] = plain("sound", 0);
+  const auto storage = BlockStorage::blockStorageForUpdatingAtPath(kPath);
+  storage->seekToEndOfFile();
+  for (const size_t size : {10u, 5000u}) {  // kept back, and written at once
+    files.writes = 0;
+    EXPECT_FALSE(storage->appendBlock(dataOf(std::string(size, 'x'))) && storage->synchronizeFile());
+    EXPECT_EQ(files.images["blocks"], plain("sound", 0));
+    EXPECT_EQ(storage->error().reason(), FileReason::NoSpace);
+    EXPECT_EQ(storage->lengthOfFile(), 21);
+  }
+}
+
+TEST_F(BlockStorageTest, SkippingErrorsGoesOnBehindADamagedHeaderOnlyInCompactToPath) {
+  image() = plain("one", 0) + changed(plain("two", 0), 0, '?') + plain("three", 4) + plain("", 9);
+  const auto storage = reading();
+  EXPECT_TRUE(storage->optimizeToPath(u"new"_s, true, nullptr));
+  EXPECT_EQ(files.images["new"], plain("one", 0));
+  const auto survey = storage->compactToPath(u"newer"_s, true, nullptr);
+  EXPECT_EQ(survey->damages.size(), 1u);
+  EXPECT_EQ(files.images["newer"], plain("one", 0) + plain("three", 0));
+  EXPECT_FALSE(storage->compactToPath(u"newest"_s, false, nullptr) || files.images.contains("newest"));
+  EXPECT_FALSE(storage->error()) << "damage is no failure of the system";
+}
+
+TEST_F(BlockStorageTest, TellsBlocksFromWhatLooksLikeThem) {
+  const std::string inner = plain("inner", 0);
+  image() = plain("first", 0) + plain(inner, 3) + changed(plain("damaged", 0), 0, '?') + plain("behind", 0);
+  const auto storage = reading();
+  std::vector<int64_t> blocks;
+  for (int64_t offset = 0; offset < static_cast<int64_t>(image().size()); ++offset) {
+    if (storage->isBlockAtFileOffset(offset)) blocks.push_back(offset);
+  }
+  EXPECT_EQ(blocks, (std::vector<int64_t>{0, 21, 21 + 16 + 21 + 3 + 23}));
+}
+
+TEST_F(BlockStorageTest, InflatesNoMoreThanTheLimit) {
+  const auto storage = updating();
+  storage->setCompressed(true);
+  EXPECT_TRUE(storage->appendBlock(dataOf(std::string(100000, 'x'))));
+  storage->seekToFileOffset(0);
+  storage->setInflationLimit(99999);
+  EXPECT_FALSE(storage->nextAvailableBlock());
+  EXPECT_EQ(storage->error().reason(), FileReason::TooLarge);
+  EXPECT_FALSE(storage->optimizeToPath(u"new"_s, true, nullptr)) << "what is not read is not left out silently";
+  EXPECT_FALSE(files.images.contains("new"));
+  storage->seekToFileOffset(0);
+  storage->setInflationLimit(100000);
+  EXPECT_EQ(storage->nextAvailableBlock().length(), 100000u);
+}
+
 // A chain of claims to be read again and again would take minutes; what is read stays in proportion to the length.
 TEST_F(BlockStorageTest, SearchingIsLinearInTheLengthOfTheFile) {
   int64_t reads[2] = {};

@@ -147,10 +147,8 @@ void BM_IsEqualInAnotherOrder(benchmark::State& state) {
 
 void BM_WriteStringsToFile(benchmark::State& state) {
   const auto path = std::filesystem::temp_directory_path() / "velan-strings-benchmark";
-  const String string(u"one of many strings of some length");
+  const std::vector<String> strings(static_cast<size_t>(state.range(0)), u"one of many strings of some length"_s);
   for (auto _ : state) {
-    const auto strings =
-        std::views::iota(int64_t{0}, state.range(0)) | std::views::transform([&](int64_t) { return string; });
     benchmark::DoNotOptimize(writeKeyedStringsToFile(strings, String(path.u16string()), false));
   }
   std::filesystem::remove(path);

@@ -1,7 +1,8 @@
-# Sourced by ./demo and ./test: installs the packages that are missing (Debian 12, Ubuntu 24.04) and configures build/test.
+# Sourced by ./demo, ./test and .ci/run: installs the packages that are missing (Debian 12, Ubuntu 24.04), also those
+# that VELAN_PACKAGES names, and configures build/test.
 
 packages=(g++ cmake ninja-build ccache pkg-config python3 zlib1g-dev libicu-dev libssl-dev libhunspell-dev libcld2-dev
-  libcli11-dev libfmt-dev libgtest-dev libgmock-dev meson)
+  libcli11-dev libfmt-dev libgtest-dev libgmock-dev meson ${VELAN_PACKAGES:-})
 
 missing=()
 for package in "${packages[@]}"; do

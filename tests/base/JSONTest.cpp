@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
-#include <pthread.h>
 
 #include <cmath>
 
+#include "tests/SmallStack.h"
 #include "velan/base/JSON.h"
 
 namespace velan {
@@ -48,26 +48,14 @@ TEST(JSON, TheReaderRefusesWhatIsNoTextOrTooDeep) {
             Value(ValueDictionary({{u"a"_s, ValueArray()}, {u"b"_s, u"\xD800\n"_s}})));
 }
 
-void* testManyBrackets(void* result) {
+TEST(JSON, AMillionNestedBracketsOnASmallStack) {
   const String deep = repeated(u"[{\"a\":", 500000);
   const String ends = repeated(u"}]", 500000);
-  auto* passed = static_cast<bool*>(result);
-  *passed = isJSON(String(std::u16string(deep.view()) + u"0" + std::u16string(ends.view()))) && !isJSON(deep) &&
-            isJSON(String(std::u16string(1000000, u'[') + std::u16string(1000000, u']'))) &&
-            !isJSON(String(std::u16string(1000000, u'[') + std::u16string(999999, u']') + u'}'));
-  return nullptr;
-}
-
-TEST(JSON, AMillionNestedBracketsOnASmallStack) {
-  pthread_attr_t attributes;
-  pthread_attr_init(&attributes);
-  ASSERT_EQ(pthread_attr_setstacksize(&attributes, 64 << 10), 0);
-  pthread_t thread;
-  bool passed = false;
-  ASSERT_EQ(pthread_create(&thread, &attributes, testManyBrackets, &passed), 0);
-  pthread_join(thread, nullptr);
-  pthread_attr_destroy(&attributes);
-  EXPECT_TRUE(passed);
+  runOnSmallStack([&] {
+    EXPECT_TRUE(isJSON(String(std::u16string(deep.view()) + u"0" + std::u16string(ends.view()))) && !isJSON(deep));
+    EXPECT_TRUE(isJSON(String(std::u16string(1000000, u'[') + std::u16string(1000000, u']'))));
+    EXPECT_FALSE(isJSON(String(std::u16string(1000000, u'[') + std::u16string(999999, u']') + u'}')));
+  });
 }
 
 TEST(JSON, Feeds) {

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <forward_list>
 #include <fstream>
 #include <ranges>
 
@@ -77,9 +78,7 @@ TEST_F(KeyedFiles, StringsGoThroughAFile) {
 }
 
 TEST_F(KeyedFiles, AnyRangeOfStringsCanBeWritten) {
-  const auto numbers = std::views::iota(1, 4) | std::views::transform([](int i) {
-                         return i == 2 ? String() : String::fromUTF8(std::to_string(i));
-                       });
+  const std::forward_list<String> numbers = {u"1"_s, String(), u"3"_s};  // neither a size nor places
   EXPECT_TRUE(writeKeyedStringsToFile(numbers, path("range"), false));
   EXPECT_EQ(stringsForKey(dataWithKeyedFile(path("range")), kKeyedStringsKey), (std::vector<String>{u"1", u"3"}));
 }

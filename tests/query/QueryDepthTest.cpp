@@ -1,10 +1,8 @@
 // Queries that would exhaust the stack, the time or the memory of anything that recurses by their depth or searches a
 // text again for each place of another term.
 #include <gtest/gtest.h>
-#include <pthread.h>
 
-#include <functional>
-
+#include "tests/SmallStack.h"
 #include "velan/query/QueryMatching.h"
 #include "velan/query/words/FastWordEnumerator.h"
 
@@ -13,26 +11,6 @@ namespace {
 
 constexpr size_t kMillion = 1'000'000;
 constexpr size_t kMany = 50'000;
-
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr size_t kStackSize = 256 << 10;  // frames are larger, far from what a million of them would take
-#else
-constexpr size_t kStackSize = 64 << 10;
-#endif
-
-void runOnSmallStack(std::function<void()> work) {
-  pthread_attr_t attributes;
-  ASSERT_EQ(pthread_attr_init(&attributes), 0);
-  ASSERT_EQ(pthread_attr_setstacksize(&attributes, kStackSize), 0);
-  pthread_t thread;
-  const auto start = [](void* argument) -> void* {
-    (*static_cast<std::function<void()>*>(argument))();
-    return nullptr;
-  };
-  ASSERT_EQ(pthread_create(&thread, &attributes, start, &work), 0);
-  pthread_join(thread, nullptr);
-  pthread_attr_destroy(&attributes);
-}
 
 String repeated(std::u16string_view part, size_t times, std::u16string_view end = {}) {
   std::u16string text;

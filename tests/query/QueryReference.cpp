@@ -258,8 +258,8 @@ std::vector<QueryOccurrence> ReferenceText::occurrences(const ReferenceTerm& roo
     for (const Range& place : placesOf(*leaf, range)) {
       const bool primary = std::ranges::any_of(
           parts[leaf], [&](const Range& part) { return isAnything(leaf->word) || isInside(place, part); });
-      auto& occurrence = found.try_emplace({place.location, -place.length}, place, leaf->word, false).first->second;
-      occurrence.primary |= primary;
+      const QueryOccurrence occurrence{place, leaf->word, false};
+      found.try_emplace({place.location, -place.length}, occurrence).first->second.primary |= primary;
     }
   }
   std::vector<QueryOccurrence> occurrences;

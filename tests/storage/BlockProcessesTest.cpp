@@ -156,7 +156,7 @@ TEST_F(BlockProcessesTest, KilledAtAnyWriteLosesNothingThatWasSynchronised) {
 
 // What a new file may be read and written by; 1 when anything went wrong.
 int checkModes(const std::string& folder) {
-  for (const mode_t mask : {000, 022, 077}) {
+  for (const mode_t mask : {000u, 022u, 077u}) {
     umask(mask);
     const std::string deep = folder + "/" + std::to_string(mask) + "/deep";
     for (const FileAccess access : {FileAccess::Updating, FileAccess::Appending}) {

@@ -65,7 +65,7 @@ TEST(FileReplacement, KeepsWhatBelongsToTheFile) {
 }
 
 TEST(FileReplacement, NewFilesGetWhatTheMaskLeaves) {
-  for (const mode_t mask : {000, 022, 077}) {
+  for (const mode_t mask : {000u, 022u, 077u}) {
     const TemporaryFolder folder;
     EXPECT_EQ(inChild([&] {
                 umask(mask);

@@ -65,9 +65,9 @@ TEST(Hashing, ContextsAreClearedAndNullIsHarmless) {
 
 TEST(Hashing, EverySHA1KernelEqualsTheReference) {
   std::mt19937 random(3);
-  const auto blocks = std::make_unique<uint8_t[]>(64 * 5 + 1);
-  for (int round = 0; round < 50; ++round) {
-    for (int i = 0; i <= 320; ++i) blocks[i] = static_cast<uint8_t>(random());
+  const auto blocks = std::make_unique<uint8_t[]>(321);
+  for (size_t round = 0; round < 50; ++round) {
+    for (size_t i = 0; i <= 320; ++i) blocks[i] = static_cast<uint8_t>(random());
     const auto start = static_cast<uint32_t>(random());
     for (const auto& kernel : sha1Kernels()) {
       uint32_t a[] = {start, 1, 2, 3, ~start}, b[] = {start, 1, 2, 3, ~start};

@@ -3,9 +3,9 @@
 #include <string>
 
 #include "velan/base/Data.h"
-#include "velan/text/encoding/StringConversion.h"
 #include "velan/text/digest/Hexadecimal.h"
 #include "velan/text/digest/SHA1.h"
+#include "velan/text/encoding/StringConversion.h"
 
 namespace velan {
 namespace {

@@ -31,15 +31,23 @@ class Stemming : public testing::Test {
   static void SetUpTestSuite() {
     folder() = std::filesystem::temp_directory_path() / ("velan-stemming-" + std::to_string(getpid()));
     std::filesystem::create_directories(folder());
-    write("verb.exc", "went go\nlay_on lie\nmice nonsense\n");
     write("noun.exc", "mice mouse\n");
-    write("index.verb", "  1 The licence\ngo v 1\nhouse v 1\nwalk v 1\ntry v 1\n");
-    write("index.noun", "house n 1\nmeeting n 1\nhi n 1\nwalking_stick n 1\n");
     write("index.adj", "nice a 1\n");
+    write("verb.exc", "went go\nlay_on lie\nmice nonsense\nsaw see\nground grind\n");
+    write("index.verb",
+          "  1 The licence\ngo v 1\nhouse v 1\nwalk v 1\ntry v 1\nsee v 1\nsaw v 1\ngrind v 1\nmeet v 1\n");
+    write("index.noun",
+          "house n 1\nmeeting n 1\nhi n 1\nwalking_stick n 1\nyear n 1\nyears n 1\nground n 1\nwalking n 1\n");
+    write("cntlist.rev",
+          "saw%2:35:00:: 1 1\nsee%2:39:00:: 1 700\nground%1:17:00:: 1 100\ngrind%2:36:00:: 1 10\nyear%1:28:00:: 1 700\n"
+          "years%1:28:00:: 1 3\nmeet%2:41:00:: 1 237\nmeeting%1:14:00:: 1 30\nmeeting%1:14:01:: 2 9\n"
+          "walk%2:38:00:: 1 200\nwalking%1:04:00:: 1 8\nbroken\nbroken%\nsee%9:1 5000000\n");
     write("qq.aff", "SET ISO8859-2\nSFX S Y 1\nSFX S 0 y .\n");
     write("qq.dic", "2\nza\xB3o\xBF/S\nkot/S\n");
-    write("de_DE.aff", "SET UTF-8\nSFX E Y 1\nSFX E 0 en .\n");
-    write("de_DE.dic", "3\nlauf/E\nLauf/E\nZeitung/E\n");
+    write("de_DE.aff", "SET UTF-8\nSFX E Y 1\nSFX E 0 en .\nSFX U Y 1\nSFX U 0 ungen .\nSFX N Y 1\nSFX N r nn r\n");
+    write("de_DE.dic", "6\nlauf/E\nLauf/E\nzeit/U\nHaus\nGnu/E\nsuch/E\nsuchen\nwer/N\n");
+    write("fr.aff", "SET UTF-8\nSFX R Y 1\nSFX R er 0 er\nSFX S Y 1\nSFX S 0 s .\n");
+    write("fr.dic", "5\nligne/S\ndan/S\nmai/S\nenfant/S\nligner/R\nligneser/R\n");
     setenv("VELAN_WORDNET", folder().c_str(), 1);
     setenv("DICPATH", ("/nonexistent:" + folder().string()).c_str(), 1);
   }
@@ -66,6 +74,10 @@ TEST_F(Stemming, EnglishLemmas) {
       {"a rule that puts letters back", u"tries"_s, u"try"_s},
       {"comparison", u"nicest"_s, u"nice"_s},
       {"a base form stays, as it is written", u"Meeting"_s, u"Meeting"_s},
+      {"unless the other reading is far more frequent", u"walking"_s, u"walk"_s},
+      {"a plural that is listed, too", u"years"_s, u"year"_s},
+      {"the irregular form is the more frequent reading", u"saw"_s, u"see"_s},
+      {"the irregular form is the rarer reading", u"ground"_s, u"ground"_s},
       {"capitals", u"WALKED"_s, u"walk"_s},
       {"a small word is no plural", u"his"_s, u"his"_s},
       {"only an ending", u"ing"_s, String()},
@@ -92,14 +104,16 @@ TEST_F(Stemming, DictionaryLemmas) {
   ASSERT_TRUE(german);
   EXPECT_EQ(german->lemma(u"laufen"), u"lauf"_s);
   EXPECT_EQ(german->lemma(u"Laufen"), u"Lauf"_s) << "a noun is told by its capital";
+  EXPECT_EQ(german->lemma(u"suchen"), u"suchen"_s) << "a base form itself, though also a form of another";
+  EXPECT_EQ(german->lemma(u"wenn"), u"wenn"_s) << "a function word";
 }
 
 TEST_F(Stemming, WholeTexts) {
   const String text =
-      u"In the evening they went to their houses, (houses) to sleep, and in the morning they WALKED back to work! "
+      u"In the evening they went to their houses, (houses) to sleep, and the Houses walked back to work! Houses. "
       u"Nothing about it was the nicest thing in the world..."_s;
-  const String expected = hasService("CLD2") ? u"In the evening they go to their house, (house) to sleep, and in the "
-                                               u"morning they walk back to work! "
+  const String expected = hasService("CLD2") ? u"In the evening they go to their house, (house) to sleep, and the "
+                                               u"Houses walk back to work! house. "
                                                u"Nothing about it was the nice thing in the world"_s
                                              : text.substringToIndex(text.length() - 3);
   EXPECT_EQ(stringByStemmingWords(text).toUTF8(), expected.toUTF8());
@@ -108,6 +122,25 @@ TEST_F(Stemming, WholeTexts) {
   const String single = u"!"_s;
   EXPECT_TRUE(stringByStemmingWords(single).isSameObject(single));
   EXPECT_TRUE(stringByStemmingWords(String()).isAbsent());
+}
+
+TEST_F(Stemming, KeepsFunctionWordsElisionsAndNames) {
+  const struct {
+    const char* language;
+    String text;
+    String stemmed;
+  } cases[] = {
+      {"fr", u"Dans la ligne, mais dans les lignes d'enfants l’Enfants"_s,
+       u"Dans la ligne, mais dans les ligne d'enfant l’Enfants"_s},
+      {"de-AT", u"Das Haus, wenn Zeitungen GNUEN laufen"_s, u"Das Haus, wenn Zeitung GNUEN lauf"_s},
+      {"en", u"houses"_s, u"house"_s},
+      {"en", u"the Houses\nof Houses\n\nHouses"_s, u"the Houses\nof Houses\n\nhouse"_s},
+      {"zz", u"the houses"_s, u"the houses"_s},
+  };
+  for (const auto& c : cases) {
+    if (*c.language != 'e' && !hasService("Hunspell")) continue;
+    EXPECT_EQ(stringByStemmingWords(c.text, c.language).toUTF8(), c.stemmed.toUTF8()) << c.language;
+  }
 }
 
 TEST_F(Stemming, FromManyThreads) {

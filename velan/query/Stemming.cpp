@@ -1,29 +1,64 @@
 #include "velan/query/Stemming.h"
 
+#include <algorithm>
+
 #include "velan/base/MutableString.h"
 #include "velan/platform/LanguageDetection.h"
 #include "velan/platform/WordTokenizer.h"
 #include "velan/platform/lemmas/Lemmatizer.h"
+#include "velan/text/CharacterSets.h"
 
 namespace velan {
 
-String stringByStemmingWords(const String& string) {
+namespace {
+
+bool isUpper(unichar c) { return isMemberOfCharacterSetRep(upperCharacterSetRep(), c); }
+
+// Whether a sentence ends in what stands between two words: at its punctuation, or at an empty line.
+bool endsSentence(std::u16string_view between) {
+  return between.find_first_of(u".!?:\u2026\u3002\uFF01\uFF1F") != std::u16string_view::npos ||
+         std::count(between.begin(), between.end(), u'\n') > 1;
+}
+
+// The base form of a word, or nothing where it stays. In German a capital may tell a noun as well as a name.
+String baseForm(const Lemmatizer& lemmatizer, std::u16string_view word, bool startsSentence, bool nounsHaveCapitals) {
+  if (std::any_of(word.begin() + 1, word.end(), isUpper)) return String();  // "GNU", "l'Europe"
+  const bool hasCapital = !startsSentence && isUpper(word.front());
+  if (hasCapital && !nounsHaveCapitals) return String();
+  const String lemma = lemmatizer.lemma(word);
+  return hasCapital && !lemma.isEmpty() && !isUpper(lemma.view().front()) ? String() : lemma;
+}
+
+}  // namespace
+
+String stringByStemmingWords(const String& string, std::string_view language) {
   if (string.length() < 2) return string;
   const auto tokenizer = WordTokenizer::create();
   if (!tokenizer) return string;
-  const Lemmatizer* const lemmatizer = Lemmatizer::forLanguage(detectedLanguage(string.view()));
+  const Lemmatizer* const lemmatizer = Lemmatizer::forLanguage(language);
+  const bool nounsHaveCapitals = language.starts_with("de");
   MutableString stemmed;
   stemmed.reserve(string.length());
   int64_t copied = 0;
+  bool startsSentence = true;
   tokenizer->enumerateTokens(string.view(), [&](const WordTokenizer::Token& token) {
     if (!token.isWord) return;
-    stemmed.appendCharacters(string.characters() + copied, token.location - copied);
-    const std::u16string_view word(string.characters() + token.location, static_cast<size_t>(token.length));
-    const String lemma = lemmatizer ? lemmatizer->lemma(word) : String();
-    stemmed.appendString(lemma ? lemma.view() : word);
+    const std::u16string_view between =
+        string.view().substr(static_cast<size_t>(copied), static_cast<size_t>(token.location - copied));
+    const std::u16string_view word =
+        string.view().substr(static_cast<size_t>(token.location), static_cast<size_t>(token.length));
+    startsSentence = startsSentence || endsSentence(between);
+    const String lemma = lemmatizer ? baseForm(*lemmatizer, word, startsSentence, nounsHaveCapitals) : String();
+    startsSentence = false;
+    stemmed.appendString(between);
+    stemmed.appendString(lemma.isEmpty() ? word : lemma.view());
     copied = token.location + token.length;
   });
-  return stemmed.takeString();
+  return stemmed;
+}
+
+String stringByStemmingWords(const String& string) {
+  return stringByStemmingWords(string, string.length() < 2 ? std::string() : detectedLanguage(string.view()));
 }
 
 }  // namespace velan

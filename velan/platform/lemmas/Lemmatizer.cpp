@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "velan/base/ASCII.h"
+#include "velan/platform/lemmas/FunctionWordsInternal.h"
 #include "velan/platform/lemmas/HunspellDictionaryInternal.h"
 #include "velan/platform/lemmas/LemmaFilesInternal.h"
 #include "velan/platform/lemmas/WordNetInternal.h"
@@ -32,18 +33,55 @@ std::string lowerCaseASCII(std::u16string_view word) {
   return lower;
 }
 
-// Dictionaries give all readings of a form. Measured on lists of inflected words, the last one is right most often in
+bool equalsIgnoringCase(std::u16string_view a, std::u16string_view b) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](unichar x, unichar y) { return u_tolower(x) == u_tolower(y); });
+}
+
+// A German noun that is made of a verb or an adjective: dictionaries lead it back to that ("Zeitungen" to "Zeit"), but
+// only its plural is an inflection. Empty for other words.
+std::u16string_view derivedNoun(std::u16string_view word, const std::string& language) {
+  if (language != "de" || !startsWithCapital(word)) return {};
+  const std::u16string_view singular = word.ends_with(u"en") ? word.substr(0, word.size() - 2) : word;
+  for (const std::u16string_view ending : {u"ung", u"heit", u"keit", u"schaft"}) {
+    if (singular.size() > ending.size() + 1 && singular.ends_with(ending)) return singular;
+  }
+  return {};
+}
+
+// Dictionaries give all readings of a form. A word that is a base form itself is most often meant so ("ligne" is a
+// line, seldom a form of "ligner"). Else, measured on lists of inflected words, the last one is right most often in
 // French, German and Polish, the first one elsewhere; German nouns are told by their capital.
-const std::u16string& bestStem(const std::vector<std::u16string>& stems, std::u16string_view word,
-                               const std::string& language) {
+String bestStem(const std::vector<std::u16string>& stems, std::u16string_view word, const std::string& language) {
+  if (stems.empty()) return String();
+  if (const auto noun = derivedNoun(word, language); !noun.empty()) return String(noun);
+  for (const std::u16string& stem : stems) {
+    if (equalsIgnoringCase(stem, word)) return String(word);
+  }
+  if (language == "fr" && (word.ends_with(u's') || word.ends_with(u'x'))) {  // "options": of "option", not of "opter"
+    const auto singular = word.substr(0, word.size() - 1);
+    if (std::find(stems.begin(), stems.end(), singular) != stems.end()) return String(singular);
+  }
   if (language == "de") {
     const auto found = std::find_if(stems.rbegin(), stems.rend(), [&](const std::u16string& stem) {
       return startsWithCapital(stem) == startsWithCapital(word);
     });
-    if (found != stems.rend()) return *found;
+    if (found != stems.rend()) return String(*found);
   }
   const bool lastIsBest = language == "de" || language == "fr" || language == "pl";
-  return lastIsBest ? stems.back() : stems.front();
+  return String(lastIsBest ? stems.back() : stems.front());
+}
+
+// No function word is longer.
+constexpr size_t kLongestFunctionWord = 16;
+
+bool isFunctionWord(std::u16string_view word, const std::string& language) {
+  if (word.size() > kLongestFunctionWord) return false;
+  unichar lower[kLongestFunctionWord];
+  std::transform(word.begin(), word.end(), lower,
+                 [](unichar c) { return c == u'\u2019' ? u'\'' : static_cast<unichar>(u_tolower(c)); });
+  const std::vector<std::u16string_view>& words = functionWords(language);
+  return std::binary_search(words.begin(), words.end(), std::u16string_view(lower, word.size()));
 }
 
 std::string languageOf(std::string_view code) {
@@ -103,14 +141,18 @@ std::unique_ptr<Lemmatizer> Lemmatizer::load(const std::string& language) {
 }
 
 String Lemmatizer::lemma(std::u16string_view word) const {
+  if (isFunctionWord(word, _data->language)) return String(word);
+  if (const size_t elided = lengthOfElision(word, _data->language)) {
+    const String rest = lemma(word.substr(elided));  // which may begin with an elision again: each is shorter
+    return rest ? String(std::u16string(word.substr(0, elided)).append(rest.view())) : String(word);
+  }
   if (_data->wordNet) {
     const std::string lower = lowerCaseASCII(word);
     const std::string lemma = lower.empty() ? lower : _data->wordNet->lemma(lower);
     if (lemma.empty()) return String();
     return lemma == lower ? String(word) : String::fromUTF8(lemma);
   }
-  const std::vector<std::u16string> stems = _data->dictionary->stems(word);
-  return stems.empty() ? String() : String(bestStem(stems, word, _data->language));
+  return bestStem(_data->dictionary->stems(word), word, _data->language);
 }
 
 }  // namespace velan

@@ -23,7 +23,11 @@ class VELAN_EXPORT Lemmatizer {
   static const Lemmatizer* forLanguage(std::string_view code);
 
   /// The base form of `word`, or an absent string when it is not known. Its capitals follow the dictionary ("Mice"
-  /// gives "mouse"), but a word that is its own base form is returned as it stands.
+  /// gives "mouse"), but a word that is its own base form is returned as it stands. So are function words (articles,
+  /// pronouns, prepositions, conjunctions; auxiliaries except in English) of German, French, English, Spanish, Italian,
+  /// Dutch and Portuguese. What is elided in French and Italian stays before the base form of the rest ("d'enfants"
+  /// gives "d'enfant"). Of several readings the likelier one is taken: in English the one that WordNet's texts have
+  /// more often.
   String lemma(std::u16string_view word) const;
 
   ~Lemmatizer();

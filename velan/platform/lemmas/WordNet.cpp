@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <charconv>
 #include <iterator>
 
 #include "velan/platform/files/FileContents.h"
@@ -29,8 +30,9 @@ constexpr struct {
     {kAdjective, "er", ""}, {kAdjective, "est", ""}, {kAdjective, "er", "e"}, {kAdjective, "est", "e"},
 };
 
-// Pronouns and other small words that WordNet does not list, but that a rule would take for forms of listed ones.
-constexpr std::string_view kSmallWords[] = {"his", "hers", "its", "ours", "this", "thus", "us", "yes", "yours"};
+// A form that is a base form itself is taken for the form of another word when that word is so many times as frequent:
+// of all uses of a verb, few are its present participle.
+uint64_t timesAsFrequent(std::string_view ending) { return ending == "ing" ? 10 : ending.ends_with('s') ? 2 : 4; }
 
 Data contentsOf(const std::string& path) { return readFileContents(String::fromUTF8(path), FileReading::Plain); }
 
@@ -51,20 +53,21 @@ void forEachLine(std::string_view text, Handle handle) {
 
 std::unique_ptr<WordNet> WordNet::load(const std::string& folder) {
   auto wordNet = std::make_unique<WordNet>();
-  wordNet->_kindsOfLemma.reserve(100'000);  // WordNet 3.0 has some 83,000 single words
+  wordNet->_lemmas.reserve(100'000);  // WordNet 3.0 has some 83,000 single words
   for (const auto& file : kFiles) {
-    wordNet->readExceptions(folder + '/' + file.name + ".exc");
+    wordNet->readExceptions(folder + '/' + file.name + ".exc", file.kind);
     wordNet->readLemmas(folder + "/index." + file.name, file.kind);
   }
-  return wordNet->_exceptions.empty() && wordNet->_kindsOfLemma.empty() ? nullptr : std::move(wordNet);
+  wordNet->readCounts(folder + "/cntlist.rev");
+  return wordNet->_exceptions.empty() && wordNet->_lemmas.empty() ? nullptr : std::move(wordNet);
 }
 
 // A line: the form, then its base forms, separated by spaces. Terms of several words have "_" in them.
-void WordNet::readExceptions(const std::string& path) {
-  forEachLine(contentsOf(path).view(), [this](std::string_view line) {
+void WordNet::readExceptions(const std::string& path, uint8_t kind) {
+  forEachLine(contentsOf(path).view(), [&](std::string_view line) {
     const std::string_view form = wordAt(line, 0);
     if (!isSingleWord(form) || form.size() + 1 >= line.size()) return;
-    _exceptions.emplace(form, wordAt(line, form.size() + 1));
+    _exceptions[std::string(form)].push_back({std::string(wordAt(line, form.size() + 1)), kind});
   });
 }
 
@@ -72,26 +75,65 @@ void WordNet::readExceptions(const std::string& path) {
 void WordNet::readLemmas(const std::string& path, uint8_t kind) {
   forEachLine(contentsOf(path).view(), [this, kind](std::string_view line) {
     const std::string_view lemma = wordAt(line, 0);
-    if (isSingleWord(lemma)) _kindsOfLemma[std::string(lemma)] |= kind;
+    if (isSingleWord(lemma)) _lemmas[std::string(lemma)].kinds |= kind;
+  });
+}
+
+// A line: the lemma, "%" and the digit of its kind (1 noun, 2 verb, 3 and 5 adjective, 4 adverb) and more that tells
+// one sense, the number of the sense, how often the texts have it.
+void WordNet::readCounts(const std::string& path) {
+  constexpr std::string_view kKinds = "2134";  // in the order of the bits
+  forEachLine(contentsOf(path).view(), [&](std::string_view line) {
+    const size_t percent = std::min(line.find('%'), line.size());
+    const size_t last = line.rfind(' ');
+    if (line.size() - percent < 2 || last == std::string_view::npos) return;
+    const char digit = line[percent + 1] == '5' ? '3' : line[percent + 1];
+    const size_t kind = kKinds.find(digit);
+    const auto found = _lemmas.find(std::string(line.substr(0, percent)));
+    uint32_t count = 0;
+    std::from_chars(line.data() + last + 1, line.data() + line.size(), count);
+    if (kind < kKinds.size() && found != _lemmas.end()) found->second.counts[kind] += count;
   });
 }
 
 bool WordNet::isLemma(const std::string& word, uint8_t kinds) const {
-  const auto found = _kindsOfLemma.find(word);
-  return found != _kindsOfLemma.end() && (found->second & kinds) != 0;
+  const auto found = _lemmas.find(word);
+  return found != _lemmas.end() && (found->second.kinds & kinds) != 0;
+}
+
+uint64_t WordNet::count(const std::string& word, uint8_t kinds) const {
+  const auto found = _lemmas.find(word);
+  uint64_t sum = 0;
+  for (size_t i = 0; i < 4 && found != _lemmas.end(); ++i) sum += kinds >> i & 1 ? found->second.counts[i] : 0;
+  return sum;
 }
 
 std::string WordNet::lemma(const std::string& word) const {
-  if (std::find(std::begin(kSmallWords), std::end(kSmallWords), word) != std::end(kSmallWords)) return word;
-  if (const auto found = _exceptions.find(word); found != _exceptions.end()) return found->second;
-  if (isLemma(word, kAnyKind)) return word;
+  const bool isBase = isLemma(word, kAnyKind);
+  std::string best = isBase ? word : std::string();
+  uint64_t most = count(word, kAnyKind);
+  if (const auto found = _exceptions.find(word); found != _exceptions.end()) {
+    for (const auto& [base, kind] : found->second) {
+      const uint64_t times = count(base, kind);
+      const bool isFirst = &base == &found->second.front().base;
+      if (isFirst ? times >= most : times > most) {
+        best = base;
+        most = times;
+      }
+    }
+    return best.empty() ? found->second.front().base : best;
+  }
   for (const auto& rule : kRules) {
     if (word.size() <= rule.ending.size() || !word.ends_with(rule.ending)) continue;
     std::string base = word.substr(0, word.size() - rule.ending.size());
     base += rule.base;
-    if (isLemma(base, rule.kind)) return base;
+    const uint64_t times = count(base, rule.kind) / (isBase ? timesAsFrequent(rule.ending) : 1);
+    if (isLemma(base, rule.kind) && (best.empty() || times > most)) {
+      best = std::move(base);
+      most = times;
+    }
   }
-  return {};
+  return best;
 }
 
 }  // namespace velan

@@ -6,22 +6,10 @@ namespace velan {
 namespace {
 
 TEST(Configuration, Lines) {
-  const struct {
-    const char* why;
-    String text;
-    std::vector<String> lines;
-  } cases[] = {
-      {"absent", String(), {}},
-      {"comments, short and empty lines", u"# comment\n  name  value  \nx\n\n  # too\n#", {u"name  value"}},
-      {"CR LF", u"ab 1\r\n\r\ncd 2", {u"ab 1", u"cd 2"}},
-      {"white space of all kinds", u"\x3000\x00A0 a 1\t\v\x0085", {u"a 1"}},
-      {"a byte-order mark at either end",
-       u"\xFEFF"
-       u"a 1\xFEFF",
-       {u"a 1"}},
-      {"two units stay", u"ab\nc#\n #d", {u"ab", u"c#"}},
-  };
-  for (const auto& c : cases) EXPECT_EQ(configLines(c.text), c.lines) << c.why;
+  using List = std::vector<String>;
+  EXPECT_EQ(configLines(u"# comment\n  name  value  \nx\n\n  # too\n#\nab\nc#"), (List{u"name  value", u"ab", u"c#"}));
+  EXPECT_EQ(configLines(u"\xFEFF\x3000\x00A0 a 1\t\v\r\n\r\nb 2\xFEFF"), (List{u"a 1", u"b 2"}));
+  EXPECT_EQ(configLines(String()), List());
 }
 
 TEST(Configuration, ValueForKey) {
@@ -33,10 +21,8 @@ TEST(Configuration, ValueForKey) {
       {"letters of one unit", u"Größe  5 m", u"GRÖSSE", String()},
       {"diacritics", u"größe  5 m", u"GRÖßE", u"5 m"},
       {"no value", u"name", u"Name", String()},
-      {"only white space", u"name \t", u"Name", String()},
       {"the key goes on", u"names x", u"name", String()},
       {"another sign follows", u"name=x", u"name", String()},
-      {"another key", u"host x", u"name", String()},
       {"empty key", u" x", u"", String()},
       {"absent key", u" x", String(), String()},
       {"absent line", String(), u"x", String()},
@@ -52,14 +38,9 @@ TEST(Configuration, TypedValues) {
     Value value;
   } cases[] = {
       {"yes", u"Yes", true},
-      {"on", u"ON", true},
-      {"true", u"true", true},
       {"no", u"no", false},
-      {"off", u"Off", false},
-      {"false", u"FALSE", false},
       {"one is a number", u"1", int64_t{1}},
       {"signs", u"-007", int64_t{-7}},
-      {"plus", u"+12", int64_t{12}},
       {"the least integer", u"-9223372036854775808", INT64_MIN},
       {"beyond 64 bits", u"9223372036854775808", 9223372036854775808.0},
       {"decimals", u"-1.5", -1.5},

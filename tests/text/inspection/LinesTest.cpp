@@ -14,13 +14,10 @@ TEST(Lines, AllOfThem) {
   } cases[] = {
       {"absent", String(), {}, u""},
       {"empty", u"", {}, u""},
-      {"no end", u"abc", {u"abc"}, u""},
       {"an end of its own", u"abc\n", {u"abc"}, u"\n"},
       {"CR LF is one end", u"a\r\nb\r\n", {u"a", u"b"}, u"\r\n"},
       {"LF CR are two", u"a\n\rb", {u"a", u"", u"b"}, u""},
       {"empty lines", u"\n\n", {u"", u""}, u"\n"},
-      {"LF that follows CR LF", u"a\r\n\n", {u"a", u""}, u"\n"},
-      {"CR at the end", u"a\r", {u"a"}, u"\r"},
       {"all ends",
        u"1\n2\r3\f4\x0003"
        u"5\x2028"

@@ -41,6 +41,7 @@ TEST(Configuration, TypedValues) {
       {"no", u"no", false},
       {"one is a number", u"1", int64_t{1}},
       {"signs", u"-007", int64_t{-7}},
+      {"plus", u"+12", int64_t{12}},
       {"the least integer", u"-9223372036854775808", INT64_MIN},
       {"beyond 64 bits", u"9223372036854775808", 9223372036854775808.0},
       {"decimals", u"-1.5", -1.5},

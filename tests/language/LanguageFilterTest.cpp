@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
-#include <map>
 #include <random>
 #include <set>
 #include <string>
@@ -126,57 +123,43 @@ TEST(LanguageFilter, CodesAndSettings) {
   EXPECT_EQ(signs->stopWords(0), (std::vector<String>{u"don"_s, u"dont"_s, u"stra\u00DFe"_s, u"t"_s}));
 }
 
-// The counts by their definition, with a set of words a language.
+// Hits by their definition: every word of the text held against every stop word of every language.
 TEST(LanguageFilter, CountsEqualASlowVersion) {
   std::mt19937 random(7);
-  const std::u16string_view parts[] = {u"al", u"be", u"Bé", u"ga", u"м", u"слово", u"λ",  u"ש",
-                                       u"ع",  u"ธง", u"7",  u"ø",  u" ", u" ",     u", ", u"ß"};
-  const auto randomText = [&](size_t length) {
+  const std::u16string_view parts[] = {u"al", u"be", u"B\u00E9", u"ga", u"слово", u"7", u"\u00F8", u" ", u" ", u", "};
+  const auto randomWords = [&](size_t length) {
     std::u16string text;
     for (size_t i = 0; i < length; ++i) text += parts[random() % std::size(parts)];
-    return String(text);
+    return text;
+  };
+  const auto isLatin = [](unichar c) {
+    return isMemberOfCharacterSetRep(alphaCharacterSetRep(), c) && umlautsToAscii(c) < 128;
   };
   for (int round = 0; round < 300; ++round) {
     const bool ignoreUmlauts = round % 2 == 0;
-    Lists lists;
-    for (int i = 0; i < 3; ++i) lists.push_back(wordsOf(randomText(40)));
-    const auto filter = LanguageFilter::initWithKeys({u"A"_s, u"B"_s, u"C"_s}, lists, ignoreUmlauts);
-    const String text = randomText(200);
-    const unichar* table = ignoreUmlauts ? initLowerUmlautsCharsTable() : initLowerCharsTable();
     const auto folded = [&](const String& word) {
-      std::u16string units(word.view());
-      for (char16_t& unit : units) unit = table[unit];
-      return units;
+      return String::filled(word.length(), [&](unichar* units) {
+        const unichar* table = ignoreUmlauts ? initLowerUmlautsCharsTable() : initLowerCharsTable();
+        std::transform(word.begin(), word.end(), units, [&](unichar c) { return table[c]; });
+        return word.length();
+      });
     };
-    std::vector<int64_t> hits(3);
-    std::vector<std::set<std::u16string>> distinct(3);
-    int64_t nonWords = 0, scriptWords = 0;
-    for (const String& word : wordsOf(text)) {
-      if (word.length() < 3) continue;
-      const unichar first = word[0], last = word[word.length() - 1];
-      if (!isMemberOfCharacterSetRep(alphaCharacterSetRep(), first) ||
-          !isMemberOfCharacterSetRep(alphaCharacterSetRep(), last)) {
-        ++nonWords;
-      } else if (umlautsToAscii(first) < 128 && umlautsToAscii(last) < 128) {
-        for (size_t i = 0; i < 3; ++i) {
-          if (std::none_of(lists[i].begin(), lists[i].end(),
-                           [&](const String& w) { return folded(w) == folded(word); }))
-            continue;
-          ++hits[i];
-          distinct[i].insert(folded(word));
-        }
-      } else {
-        ++scriptWords;
-      }
-    }
+    const Lists lists{wordsOf(randomWords(40)), wordsOf(randomWords(40))};
+    const auto filter = LanguageFilter::initWithKeys({u"A"_s, u"B"_s}, lists, ignoreUmlauts);
+    const String text = randomWords(200);
     const LanguageCounts counts = filter->countsOfText(text);
-    EXPECT_EQ(counts.nonWords, nonWords);
-    int64_t scripts = 0;
-    for (const ScriptCount& script : counts.scripts) scripts += script.words;
-    EXPECT_EQ(scripts, scriptWords);
-    for (size_t i = 0; i < 3; ++i) {
-      EXPECT_EQ(counts.languages[i].words, hits[i]) << text.toUTF8();
-      EXPECT_EQ(counts.languages[i].distinct, std::min<size_t>(distinct[i].size(), 4));
+    for (size_t i = 0; i < lists.size(); ++i) {
+      int64_t hits = 0;
+      std::set<String> distinct;
+      for (const String& word : wordsOf(text)) {
+        if (word.length() < 3 || !isLatin(word[0]) || !isLatin(word[word.length() - 1])) continue;
+        const auto equals = [&](const String& stopWord) { return folded(stopWord) == folded(word); };
+        if (std::none_of(lists[i].begin(), lists[i].end(), equals)) continue;
+        ++hits;
+        distinct.insert(folded(word));
+      }
+      EXPECT_EQ(counts.languages[i].words, hits) << text.toUTF8();
+      EXPECT_EQ(counts.languages[i].distinct, std::min<size_t>(distinct.size(), 4));
     }
   }
 }

@@ -22,19 +22,14 @@ std::string bytesOf(const fs::path& path) {
   return bytes.str();
 }
 
-class Folder {
- public:
-  Folder() {
+// Removed at the end.
+struct Folder {
+  fs::path path = []() -> fs::path {
     std::string name = (fs::temp_directory_path() / "velan-stop-words-XXXXXX").string();
-    _path = mkdtemp(name.data());
-  }
-  ~Folder() { fs::remove_all(_path); }
-  const fs::path& path() const { return _path; }
-  String string() const { return String::fromUTF8(_path.string()); }
-  void write(const char* name, std::string_view bytes) { std::ofstream(_path / name) << bytes; }
-
- private:
-  fs::path _path;
+    return mkdtemp(name.data());
+  }();
+  ~Folder() { fs::remove_all(path); }
+  String string() const { return String::fromUTF8(path.string()); }
 };
 
 TEST(StopWords, ListsAreUsable) {
@@ -92,12 +87,13 @@ TEST(StopWords, TellTheExampleDocumentsApart) {
 
 TEST(StopWords, InFolders) {
   Folder folder;
-  folder.write("StopWordsZZ", "\xEF\xBB\xBFzig, zag\nzoo");
-  folder.write("StopWordsEN", "the and");
-  folder.write("StopWordsgEN", "general");
-  folder.write("StopWords", "nameless");
-  folder.write("StopWordsAA", "\xFF\xFE no UTF-8");
-  folder.write("OtherWordsBB", "other");
+  const std::pair<const char*, const char*> files[] = {{"StopWordsZZ", "\xEF\xBB\xBFzig, zag\nzoo"},
+                                                       {"StopWordsEN", "the and"},
+                                                       {"StopWordsgEN", "general"},
+                                                       {"StopWords", "nameless"},
+                                                       {"StopWordsAA", "\xFF\xFE no UTF-8"},
+                                                       {"OtherWordsBB", "other"}};
+  for (const auto& [name, bytes] : files) std::ofstream(folder.path / name) << bytes;
   const auto filter = LanguageFilter::initWithDirectory(folder.string(), false);
   EXPECT_EQ(filter->languages(), (std::vector<String>{u"EN"_s, u"AA"_s, u"ZZ"_s}));
   EXPECT_EQ(filter->stopWords(2), (std::vector<String>{u"zag"_s, u"zig"_s, u"zoo"_s}));
@@ -105,7 +101,7 @@ TEST(StopWords, InFolders) {
 
   Folder copy;
   EXPECT_TRUE(filter->writeToDirectory(copy.string()));
-  EXPECT_EQ(bytesOf(copy.path() / "StopWordsZZ"), "zag\nzig\nzoo\n");
+  EXPECT_EQ(bytesOf(copy.path / "StopWordsZZ"), "zag\nzig\nzoo\n");
   const auto again = LanguageFilter::initWithDirectory(copy.string(), false);
   EXPECT_EQ(again->languages(), filter->languages());
   EXPECT_EQ(again->stopWords(0), filter->stopWords(0));
@@ -114,7 +110,7 @@ TEST(StopWords, InFolders) {
   const auto leaving = LanguageFilter::initWithKeys({u"A"_s, u"/../B"_s}, {{u"word"_s}, {u"word"_s}}, false);
   Folder untouched;
   EXPECT_FALSE(leaving->writeToDirectory(untouched.string()));
-  EXPECT_TRUE(fs::is_empty(untouched.path()));
+  EXPECT_TRUE(fs::is_empty(untouched.path));
   EXPECT_TRUE(LanguageFilter::initWithDirectory(u"/nowhere/at/all", true)->languages().empty());
 }
 

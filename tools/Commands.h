@@ -25,6 +25,8 @@ void addBlockCommands(CLI::App& app, int& status);
 void addEncodingCommands(CLI::App& app, int& status);
 /// `velan language`.
 void addLanguageCommand(CLI::App& app, int& status);
+/// `velan url …`.
+void addURLCommands(CLI::App& app, int& status);
 /// Crc, deflate, gzip and inflate.
 void addByteFilters(CLI::App& app, int& status);
 

@@ -43,6 +43,7 @@ int run(int argc, char** argv) {
   addBlockCommands(app, status);
   addEncodingCommands(app, status);
   addLanguageCommand(app, status);
+  addURLCommands(app, status);
   addByteFilters(app, status);
   try {
     app.parse(argc, argv);

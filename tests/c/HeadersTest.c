@@ -13,6 +13,7 @@
 #include "velan/text/digest/SHA1.h"
 #include "velan/text/encoding/UnicodeConverters.h"
 #include "velan/text/inspection/Numbers.h"
+#include "velan/url/PercentEscapes.h"
 #include "velan/wildcard/WildcardMatching.h"
 #include "velan/wildcard/WildcardPattern.h"
 
@@ -61,6 +62,12 @@ static void checkMarkup(void) {
   CHECK(convertStdEntities2Characters(text, 4) == 1 && text[0] == u'<');
 }
 
+static void checkURLs(void) {
+  unichar text[] = {u'%', u'4', u'1', u'%', u'2', u'0'};
+  CHECK(convertPercentEscapesOfURL(text, 6, true) == 4 && text[3] == u' ');
+  CHECK(convertPercentEscapesOfURL(text, 4, false) == 2 && text[0] == u'A');
+}
+
 static void checkEncodings(void) {
   unichar units[2] = {0};
   char bytes[2] = {0};
@@ -76,6 +83,7 @@ int main(void) {
   checkWildcards();
   checkHashing();
   checkMarkup();
+  checkURLs();
   checkEncodings();
   return failures == 0 ? 0 : 1;
 }

@@ -285,6 +285,26 @@ class OtherCommands(unittest.TestCase):
         self.assertEqual(velan("words", stdin=b"light-\n  house light-house"), (0, "1\thouse\n1\tlight\n1\tlighthouse\n", ""))
         self.assertEqual(velan("words", stdin=b" - "), (1, "", ""))
 
+    def test_urls(self):
+        cases = [
+            (["decode", "caf%C3%A9%20a", "b"], b"", (0, "caf\u00e9 a\nb\n", "")),
+            (["decode", "--encoding", "latin1"], b"%E9\nx\n", (0, "\u00e9\nx\n", "")),
+            (["decode", "--set", "standard", "%41%20"], b"", (0, "%41 \n", "")),
+            (["decode", "--set", "ascii", "%41%E9"], b"", (0, "A%E9\n", "")),
+            (["encode", "--leave", "#", "--escape", "/", "a/#\u00e9"], b"", (0, "a%2F#%C3%A9\n", "")),
+            (["encode", "--set", "ascii", "\u00e9-1"], b"", (0, "\u00e9%2d1\n", "")),
+            (["params", "h?b=%20&a=1&a=2&c="], b"", (0, "a\t2\nb\t%20\n", "")),
+            (["params", "--decode", "--json", "h?b=%20&a=1"], b"", (0, '{"a":"1","b":" "}\n', "")),
+            (["params", "--bare", "--name", "a"], b"a=1\nb=2\n", (0, "1\n", "")),
+            (["params", "h"], b"", (1, "", "")),
+        ]
+        for arguments, stdin, expected in cases:
+            self.assertEqual(velan("url", *arguments, stdin=stdin), expected, arguments)
+        status, output, errors = velan("url", "decode", "100%", "a")
+        self.assertEqual((status, output), (2, "a\n"))
+        self.assertRegex(errors, "^velan: 100%: .*\n$")
+        self.assertEqual(velan("url", "encode", "--encoding", "none-such", "a")[0], 2)
+
     def test_explain(self):
         query = 'old NEAR/2 (lamp OR "big [l]*") AND NOT [^a] XOR ab*c* NEXT *[z|y]'
         status, output, errors = velan("explain", query)

@@ -1,0 +1,185 @@
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "velan/base/ASCII.h"
+#include "velan/url/PercentEscapes.h"
+
+namespace velan {
+namespace {
+
+using View = std::u16string_view;
+using enum StringEncoding;
+
+std::string shown(const String& string) { return string ? string.toUTF8() : "absent"; }
+
+TEST(PercentEscapes, StandardAndASCIISets) {
+  const struct {
+    String text, standardDecoded, asciiDecoded, standardEncoded, asciiEncoded;
+  } cases[] = {
+      {u"a%20b%3Fc", u"a b?c", u"a b?c", u"a%2520b%253Fc", u"a%2520b%253Fc"},
+      {u"a?x=%3F", u"a?x=%3F", u"a?x=?", u"a%3fx%3d%253F", u"a%3fx%3d%253F"},
+      {u"%41%e9", u"%41%e9", u"A%e9", u"%2541%25e9", u"%2541%25e9"},
+      {u"%23%22%0a%7e", u"%23%22\n~", u"#\"\n~", u"%2523%2522%250a%257e", u"%2523%2522%250a%257e"},
+      {u"%2541 %4", u"%41 %4", u"%41 %4", u"%252541%20%254", u"%252541%20%254"},
+      {u"a b/c?d#e", u"a b/c?d#e", u"a b/c?d#e", u"a%20b%2fc%3fd%23e", u"a%20b%2fc%3fd%23e"},
+      {u"\u00e9-1", u"\u00e9-1", u"\u00e9-1", u"\u00e9-1", u"\u00e9%2d1"},
+      {u"%2g%g2%%20", u"%2g%g2% ", u"%2g%g2% ", u"%252g%25g2%25%2520", u"%252g%25g2%25%2520"},
+      {u"~'\t\x7f", u"~'\t\x7f", u"~'\t\x7f", u"~'\t\x7f", u"%7e%27%09%7f"},
+      {u"%2", u"%2", u"%2", u"%252", u"%252"},
+      {u"", u"", u"", u"", u""},
+      {String(), String(), String(), String(), String()},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(stringByReplacingStandardPercentEscapesOfURL(c.text), c.standardDecoded) << shown(c.text);
+    EXPECT_EQ(stringByReplacingASCIIPercentEscapesOfURL(c.text), c.asciiDecoded) << shown(c.text);
+    EXPECT_EQ(stringByAddingPercentEscapesToURL(c.text, true), c.standardEncoded) << shown(c.text);
+    EXPECT_EQ(stringByAddingPercentEscapesToURL(c.text, false), c.asciiEncoded) << shown(c.text);
+  }
+  const String plain = u"abc"_s;
+  EXPECT_TRUE(stringByReplacingASCIIPercentEscapesOfURL(plain).isSameObject(plain));
+  EXPECT_FALSE(stringByAddingASCIIPercentEscapesToURL(plain).isSameObject(plain));
+  const String nul = stringByReplacingASCIIPercentEscapesOfURL(u"%00"_s);
+  EXPECT_EQ(nul.length(), 1);
+  EXPECT_EQ(nul[0], 0);
+  EXPECT_EQ(convertPercentEscapesOfURL(nullptr, 3, true), 0u);
+}
+
+// By the definition, byte for byte; in buffers of exactly the length.
+TEST(PercentEscapes, EveryEscapeInPlace) {
+  constexpr std::string_view standard = "\t\n\r $%&'+/:;=@~";
+  for (unsigned byte = 0; byte < 256; ++byte) {
+    for (const bool upper : {false, true}) {
+      const auto digit = upper ? upperHexadecimalDigit : lowerHexadecimalDigit;
+      for (const View around : {View(u""), View(u"?")}) {
+        for (const bool isStandard : {false, true}) {
+          const size_t length = 3 + around.size();
+          const auto units = std::make_unique<unichar[]>(length);
+          units[0] = u'%';
+          units[1] = static_cast<unichar>(digit(byte >> 4));
+          units[2] = static_cast<unichar>(digit(byte));
+          std::copy(around.begin(), around.end(), &units[3]);
+          const bool decodes = isStandard ? byte < 128 && (standard.find(static_cast<char>(byte)) != standard.npos ||
+                                                           (byte == '?' && around.empty()))
+                                          : byte < 128;
+          ASSERT_EQ(convertPercentEscapesOfURL(units.get(), length, isStandard), length - (decodes ? 2 : 0)) << byte;
+          ASSERT_EQ(units[0], decodes ? byte : u'%') << byte;
+        }
+      }
+    }
+  }
+}
+
+TEST(PercentEscapes, DecodingEverything) {
+  const struct {
+    String text;
+    StringEncoding encoding;
+    String decoded;
+  } cases[] = {
+      {u"a%20b", UTF8, u"a b"},
+      {u"%C3%A9", UTF8, u"\u00e9"},
+      {u"%c3%a9%C3%89", UTF8, u"\u00e9\u00c9"},
+      {u"\u00e9%20\u00e9", UTF8, u"\u00e9 \u00e9"},
+      {u"%E9", UTF8, String()},
+      {u"%C3\u00a9", UTF8, String()},
+      {u"%C3a%A9", UTF8, String()},
+      {u"%C0%80", UTF8, String()},
+      {u"%ED%A0%80", UTF8, String()},
+      {u"%F0%9F%98%80", UTF8, u"\U0001F600"},
+      {u"%F0%9F%98", UTF8, String()},
+      {u"%F5%80%80%80", UTF8, String()},
+      {u"%E2%82%AC%", UTF8, String()},
+      {u"100%", UTF8, String()},
+      {u"%zz", UTF8, String()},
+      {u"%4", UTF8, String()},
+      {u"%4g%41", UTF8, String()},
+      {u"%-1", UTF8, String()},
+      {u"%2541", UTF8, u"%41"},
+      {u"%25%34%31", UTF8, u"%41"},
+      {u"a+b", UTF8, u"a+b"},
+      {u"%EF%BB%BFa", UTF8, u"\ufeffa"},
+      {u"\xd800%20", UTF8, u"\xd800 "},
+      {u"", UTF8, u""},
+      {String(), UTF8, String()},
+      {u"%E9", Latin1, u"\u00e9"},
+      {u"%E9%20x%FF", Latin1, u"\u00e9 x\u00ff"},
+      {u"%4", Latin1, String()},
+      {u"%80", WindowsLatin1, u"\u20ac"},
+      {u"%41%E9", ASCII, String()},
+      {u"%41", ASCII, u"A"},
+      {u"%93%FA%96%7B", ShiftJIS, u"\u65e5\u672c"},
+      {u"%93%FA%96", ShiftJIS, String()},
+      {u"%93a%FA", ShiftJIS, String()},
+      {u"%00%E9", UTF16BigEndian, u"\u00e9"},
+      {u"%E9%00", UTF16LittleEndian, u"\u00e9"},
+      {u"%E9", UTF16LittleEndian, String()},
+      {u"%41", Invalid, String()},
+      {u"%41", Detect, String()},
+  };
+  for (const auto& c : cases) {
+    const String decoded = stringByReplacingPercentEscapesOfURL(c.text, c.encoding);
+    EXPECT_EQ(decoded, c.decoded) << shown(c.text) << ": " << shown(decoded);
+    if (c.encoding == UTF8) {
+      EXPECT_EQ(stringByReplacingPercentEscapesOfURL(c.text), c.decoded);
+    }
+  }
+  const String nul = stringByReplacingPercentEscapesOfURL(u"%00"_s);
+  EXPECT_EQ(nul.length(), 1);
+}
+
+TEST(PercentEscapes, EncodingEverything) {
+  const String no;
+  const struct {
+    String text;
+    StringEncoding encoding;
+    String leave, force, encoded;
+  } cases[] = {
+      {u"azAZ09!$&'()*+,-./:;=?@_~", UTF8, no, no, u"azAZ09!$&'()*+,-./:;=?@_~"},
+      {u"\"#%<>[\\]^`{|}", UTF8, no, no, u"%22%23%25%3C%3E%5B%5C%5D%5E%60%7B%7C%7D"},
+      {u" \t\x7f", UTF8, no, no, u"%20%09%7F"},
+      {u"%20", UTF8, no, no, u"%2520"},
+      {u"\u00e9\u20ac", UTF8, no, no, u"%C3%A9%E2%82%AC"},
+      {u"x\U0001F600y", UTF8, no, no, u"x%F0%9F%98%80y"},
+      {u"\xd83dx", UTF8, no, no, no},
+      {u"x\xde00", UTF8, no, no, no},
+      {u"\xde00\xd83d", UTF8, no, no, no},
+      {u"\xd83dx", UTF8, u"\xd83d", no, u"\xd83dx"},
+      {u"%20 ", UTF8, u"%", no, u"%20%20"},
+      {u"a b#c", UTF8, u"# ", no, u"a b#c"},
+      {u"a/b?c", UTF8, no, u"/?", u"a%2Fb%3Fc"},
+      {u"a/b#c", UTF8, u"#/", u"/#", u"a%2Fb#c"},
+      {u"abc", UTF8, u"b", u"b", u"a%62c"},
+      {u"\u00e9\u00e8", UTF8, u"\u00e9", no, u"\u00e9%C3%A8"},
+      {u"", UTF8, no, u"a", u""},
+      {no, UTF8, no, no, no},
+      {u"\u00e9", Latin1, no, no, u"%E9"},
+      {u"\u20ac", Latin1, no, no, no},
+      {u"\u20ac", Latin1, u"\u20ac", no, u"\u20ac"},
+      {u"\u20ac", WindowsLatin1, no, no, u"%80"},
+      {u"\u00e9", ASCII, no, no, no},
+      {u"a b", ASCII, no, u"a", u"%61%20b"},
+      {u"\u65e5", ShiftJIS, no, no, u"%93%FA"},
+      {u"\U0001F600", ShiftJIS, no, no, no},
+      {u"\u00e9 ", UTF16, no, no, u"%E9%00%20%00"},
+      {u"\u00e9", UTF16BigEndian, no, no, u"%00%E9"},
+      {u" ", UTF32, no, no, u"%20%00%00%00"},
+      {u" ", Invalid, no, no, no},
+      {u"a", Invalid, no, no, u"a"},
+  };
+  for (const auto& c : cases) {
+    const String encoded = stringByAddingPercentEscapesToURL(c.text, c.encoding, c.leave, c.force);
+    EXPECT_EQ(encoded, c.encoded) << shown(c.text) << ": " << shown(encoded);
+    if (!c.force) {
+      EXPECT_EQ(stringByAddingPercentEscapesToURL(c.text, c.encoding, c.leave), c.encoded);
+    }
+    if (!c.force && !c.leave) {
+      EXPECT_EQ(stringByAddingPercentEscapesToURL(c.text, c.encoding), c.encoded);
+      if (c.encoding == UTF8) {
+        EXPECT_EQ(stringByAddingPercentEscapesToURL(c.text), c.encoded);
+      }
+    }
+  }
+}
+
+}  // namespace
+}  // namespace velan

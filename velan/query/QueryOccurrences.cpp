@@ -152,7 +152,9 @@ class PrimaryPlaces {
 
   bool contains(const QueryTerms& leaf, size_t number) const {
     const auto found = _marks.find(&leaf);
-    return found != _marks.end() && number < found->second.size() && found->second[number];
+    if (found == _marks.end()) return false;
+    const size_t index = number - found->second.first;
+    return index < found->second.places.size() && found->second.places[index];
   }
 
  private:
@@ -161,6 +163,12 @@ class PrimaryPlaces {
     const QueryTerms* node;
     Relation relation;
     std::shared_ptr<const Ranges> ranges;
+  };
+
+  // Of the places of a leaf, from the first in the range on.
+  struct Marks {
+    size_t first = 0;
+    std::vector<bool> places;
   };
 
   void add(const QueryTerms& node, const Relation& relation, Ranges ranges) {
@@ -284,9 +292,12 @@ class PrimaryPlaces {
   }
 
   void mark(const QueryTerms& leaf, size_t number) {
-    auto& marks = _marks[&leaf];
-    if (marks.size() <= number) marks.resize(std::max(number + 1, marks.size() * 2));
-    marks[number] = true;
+    const auto [entry, isNew] = _marks.try_emplace(&leaf);
+    Marks& marks = entry->second;
+    if (isNew) marks.first = _evaluator.search(leaf).numberFrom(_range.location);
+    const size_t index = number - marks.first;
+    if (marks.places.size() <= index) marks.places.resize(std::max(index + 1, marks.places.size() * 2));
+    marks.places[index] = true;
   }
 
   // Of the ranges that begin at or before a place, the last one reaches furthest.
@@ -308,7 +319,7 @@ class PrimaryPlaces {
   const Range _range;
   std::optional<Contents> _contentsOfRoot;
   std::vector<Task> _pending;
-  std::unordered_map<const QueryTerms*, std::vector<bool>> _marks;
+  std::unordered_map<const QueryTerms*, Marks> _marks;
 };
 
 // Orders by location, the longer first; equal ranges become one, that of the first term, primary if any is.

@@ -49,11 +49,11 @@ TEST(WordFinder, FindsLongPhrases) {
     return stringMatchesUnixWildcard(word.begin(), word.end(), pattern.begin(), pattern.end());
   };
   int found = 0;
-  for (int round = 0; round < 60; ++round) {
+  for (size_t round = 0; round < 60; ++round) {
     std::vector<std::u16string_view> text, pieces;
     while (text.size() < 900) text.push_back(words[random() % (round % 3 + 2)]);
     const size_t from = random() % 600;
-    while (pieces.size() < 50 + 50 * (round % 5u)) {
+    while (pieces.size() < 50 + 50 * (round % 5)) {
       const auto pattern = patterns[round % 2 ? random() % 6 : 2 + random() % 3];
       if (matches(text[from + pieces.size()], pattern)) pieces.push_back(pattern);
     }

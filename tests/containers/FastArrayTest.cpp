@@ -158,12 +158,11 @@ TEST(FastArray, PartialSort) {
         ASSERT_TRUE(std::equal(keys.begin(), keys.begin() + end, sorted.begin())) << size << ' ' << count;
       }
       EXPECT_LE(static_cast<double>(steps), 3 * static_cast<double>(size) * std::log2(static_cast<double>(size) + 1));
+      if (size == 10000 && count == 200) {
+        EXPECT_EQ(keys, sorted);  // beyond 50 and an eightieth all are sorted
+      }
       std::sort(keys.begin(), keys.end());
       ASSERT_EQ(keys, sorted);
-      if (count == 200) {
-        array.sortUsingFunction(byKey);
-        ASSERT_EQ(keysOf(array), sorted);
-      }
     }
   }
 }

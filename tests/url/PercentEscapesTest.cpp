@@ -79,6 +79,7 @@ TEST(PercentEscapes, DecodingEverything) {
       {u"a%20b", UTF8, u"a b"},
       {u"%C3%A9", UTF8, u"\u00e9"},
       {u"%c3%a9%C3%89", UTF8, u"\u00e9\u00c9"},
+      {u"%20%C3%A9%20%C3%89", UTF8, u" \u00e9 \u00c9"},
       {u"\u00e9%20\u00e9", UTF8, u"\u00e9 \u00e9"},
       {u"%E9", UTF8, String()},
       {u"%C3\u00a9", UTF8, String()},

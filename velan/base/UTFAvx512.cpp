@@ -4,7 +4,8 @@
 #ifdef __x86_64__
 
 #ifndef __clang__
-#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"  // the compiler's own intrinsics
+#pragma GCC diagnostic ignored "-Wuninitialized"  // of the compiler's own intrinsics
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
 #endif
 #include <immintrin.h>
 

@@ -57,9 +57,13 @@ class Encoder {
   virtual bool encode(std::u16string_view text, std::string& bytes) = 0;
 };
 
+/// What the codes 0x1A, 0x1C and 0x7F stand for. ICU takes them in turn for U+001C, U+007F and U+001A in code pages of
+/// PCs, as mainframes once did; in texts they are what they are in ASCII.
+enum class ControlCodes : uint8_t { AsInICU, AsInASCII };
+
 /// A converter of ICU by its name there. Null when there is none, or too little memory.
-std::unique_ptr<Decoder> icuDecoder(const char* name);
-std::unique_ptr<Encoder> icuEncoder(const char* name);
+std::unique_ptr<Decoder> icuDecoder(const char* name, ControlCodes controls = ControlCodes::AsInICU);
+std::unique_ptr<Encoder> icuEncoder(const char* name, ControlCodes controls = ControlCodes::AsInICU);
 
 /// A converter of the C library's `iconv` by its name there. It does not tell malformed from unassigned codes: a byte
 /// below 0x80, or one that no byte from 0x80 up follows, counts as malformed. Null when there is none.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <iterator>
 #include <new>
 
 #include "velan/platform/ConverterInternal.h"
@@ -21,10 +22,21 @@ Converter opened(const char* name) {
   return converter;
 }
 
+constexpr unichar kTurn[] = {0x1A, 0x1C, 0x7F};
+
+// What stands in the turn one place before or after the unit.
+unichar turned(unichar unit, size_t places) {
+  const auto* found = std::find(std::begin(kTurn), std::end(kTurn), unit);
+  return found == std::end(kTurn) ? unit : kTurn[(static_cast<size_t>(found - kTurn) + places) % std::size(kTurn)];
+}
+
+constexpr size_t kForward = 1;
+constexpr size_t kBack = 2;
+
 // With the callback that stops, ICU hands every code without a character back, and can go on behind it.
 class ICUDecoder final : public Decoder {
  public:
-  explicit ICUDecoder(Converter converter) : _converter(std::move(converter)) {
+  ICUDecoder(Converter converter, ControlCodes controls) : _converter(std::move(converter)), _controls(controls) {
     UErrorCode error = U_ZERO_ERROR;
     ucnv_setToUCallBack(_converter.get(), UCNV_TO_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &error);
     ucnv_setFallback(_converter.get(), false);
@@ -42,6 +54,9 @@ class ICUDecoder final : public Decoder {
     UErrorCode error = U_ZERO_ERROR;
     ucnv_toUnicode(_converter.get(), &target, units + room, &source, begin + count, offsets,
                    last && count == bytes.size(), &error);
+    if (_controls == ControlCodes::AsInASCII) {
+      std::transform(units, target, units, [](unichar unit) { return turned(unit, kBack); });
+    }
     DecodingStep step{static_cast<size_t>(source - begin), static_cast<size_t>(target - units), 0, stopFor(error)};
     if (step.stop != DecodingStop::InputEnd && step.stop != DecodingStop::OutputFull) {
       char invalid[UCHAR_MAX + 1];
@@ -62,17 +77,29 @@ class ICUDecoder final : public Decoder {
   }
 
   Converter _converter;
+  ControlCodes _controls;
 };
 
 class ICUEncoder final : public Encoder {
  public:
-  explicit ICUEncoder(Converter converter) : _converter(std::move(converter)) {
+  ICUEncoder(Converter converter, ControlCodes controls) : _converter(std::move(converter)), _controls(controls) {
     UErrorCode error = U_ZERO_ERROR;
     ucnv_setFromUCallBack(_converter.get(), UCNV_FROM_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &error);
     ucnv_setFallback(_converter.get(), false);
   }
 
   bool encode(std::u16string_view text, std::string& bytes) override {
+    if (_controls == ControlCodes::AsInICU ||
+        text.find_first_of(std::u16string_view(kTurn, std::size(kTurn))) == text.npos) {
+      return encodeAsInICU(text, bytes);
+    }
+    std::u16string turnedText(text);
+    for (unichar& unit : turnedText) unit = turned(unit, kForward);
+    return encodeAsInICU(turnedText, bytes);
+  }
+
+ private:
+  bool encodeAsInICU(std::u16string_view text, std::string& bytes) {
     const unichar* source = text.data();
     const unichar* end = source + text.size();
     char piece[8192];
@@ -88,20 +115,20 @@ class ICUEncoder final : public Encoder {
     return true;
   }
 
- private:
   Converter _converter;
+  ControlCodes _controls;
 };
 
 }  // namespace
 
-std::unique_ptr<Decoder> icuDecoder(const char* name) {
+std::unique_ptr<Decoder> icuDecoder(const char* name, ControlCodes controls) {
   Converter converter = opened(name);
-  return std::unique_ptr<Decoder>(converter ? new (std::nothrow) ICUDecoder(std::move(converter)) : nullptr);
+  return std::unique_ptr<Decoder>(converter ? new (std::nothrow) ICUDecoder(std::move(converter), controls) : nullptr);
 }
 
-std::unique_ptr<Encoder> icuEncoder(const char* name) {
+std::unique_ptr<Encoder> icuEncoder(const char* name, ControlCodes controls) {
   Converter converter = opened(name);
-  return std::unique_ptr<Encoder>(converter ? new (std::nothrow) ICUEncoder(std::move(converter)) : nullptr);
+  return std::unique_ptr<Encoder>(converter ? new (std::nothrow) ICUEncoder(std::move(converter), controls) : nullptr);
 }
 
 const char* icuCanonicalName(const char* alias) {

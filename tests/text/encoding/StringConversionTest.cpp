@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "tests/text/encoding/EncodingCodes.h"
 #include "velan/text/encoding/Decoding.h"
 #include "velan/text/encoding/DecodingInternal.h"
 #include "velan/text/encoding/EncodingTableInternal.h"
@@ -130,26 +131,6 @@ TEST(StringConversion, FastestAndSmallest) {
   EXPECT_EQ(fastestEncoding(u"a"_s), StringEncoding::UTF16);
   EXPECT_EQ(smallestEncoding(u"a\x7F"_s), StringEncoding::ASCII);
   EXPECT_EQ(smallestEncoding(u"\u0080"_s), StringEncoding::UTF16);
-}
-
-// All codes of one byte, and of two where there are such, each by itself; in part also the longer ones.
-std::vector<std::string> codesOf(TextEncoding encoding) {
-  std::vector<std::string> codes;
-  int texts = 0;
-  for (int a = 0; a < 256; ++a) {
-    codes.push_back({static_cast<char>(a)});
-    texts += stringWithBytes(codes.back().data(), 1, stringEncoding(encoding)) ? 1 : 0;
-  }
-  constexpr int kFewestOfSingleBytes = 200;
-  for (int i = 0; i < 65536 && texts < kFewestOfSingleBytes; ++i) {
-    const auto a = static_cast<char>(i >> 8);
-    const auto b = static_cast<char>(i & 0xFF);
-    codes.push_back({a, b});
-    if (encoding == TextEncoding::EUCJP) codes.push_back({'\x8F', a, b});
-    if (encoding == TextEncoding::GB18030) codes.push_back({a, '0', b, '5'});
-    if (encoding == TextEncoding::EUCTW) codes.push_back({'\x8E', '\xA2', a, b});
-  }
-  return codes;
 }
 
 // Codes that only are read: ICU writes their characters as another code or not at all.

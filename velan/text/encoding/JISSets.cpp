@@ -16,6 +16,9 @@ constexpr std::string_view escapeOf(JISSet set) {
   return set == JISSet::X0212 ? "\x1B$(D" : set == JISSet::X0208 ? "\x1B$B" : "\x1B$@";
 }
 
+// These would select other sets.
+constexpr bool isShift(uint8_t byte) { return byte == 0x0E || byte == 0x0F || byte == kEscape; }
+
 constexpr bool belongsToPair(uint8_t byte) { return byte >= 0x21 && byte <= 0x7E; }
 
 class JISDecoder final : public Decoder {
@@ -27,23 +30,22 @@ class JISDecoder final : public Decoder {
     size_t at = 0;
     size_t written = 0;
     while (at < bytes.size()) {
-      if (room - written < kMostUnits) return {at, written, 0, DecodingStop::OutputFull};
+      unichar character[kMostUnits] = {bytes[at]};
       size_t length = 1;
       size_t count = 1;
-      if (bytes[at] < 0x21) {
-        units[written] = bytes[at];
-      } else if (!belongsToPair(bytes[at])) {
-        return {at + 1, written, 1, DecodingStop::Malformed};
-      } else if (at + 1 == bytes.size()) {
-        if (!last) return {at, written, 0, DecodingStop::InputEnd};
-        return {at + 1, written, 1, DecodingStop::Truncated};
-      } else if (!belongsToPair(bytes[at + 1])) {
-        return {at + 1, written, 1, DecodingStop::Malformed};
-      } else {
+      if (bytes[at] >= 0x21 || isShift(bytes[at])) {
+        const bool isCut = at + 1 == bytes.size() && belongsToPair(bytes[at]);
+        if (isCut && !last) return {at, written, 0, DecodingStop::InputEnd};
+        if (isCut) return {at + 1, written, 1, DecodingStop::Truncated};
+        if (!belongsToPair(bytes[at]) || !belongsToPair(bytes[at + 1])) {
+          return {at + 1, written, 1, DecodingStop::Malformed};
+        }
         length = 2;
-        count = decodePair(bytes[at], bytes[at + 1], units + written);
+        count = decodePair(bytes[at], bytes[at + 1], character);
         if (count == 0) return {at + 2, written, 2, DecodingStop::Unassigned};
       }
+      if (room - written < count) return {at, written, 0, DecodingStop::OutputFull};
+      std::copy_n(character, count, units + written);
       if (offsets) std::fill_n(offsets + written, count, static_cast<int32_t>(at));
       at += length;
       written += count;

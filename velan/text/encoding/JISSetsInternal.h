@@ -10,7 +10,8 @@ namespace velan {
 
 enum class JISSet : uint8_t { C6226, X0208, X0212 };
 
-/// Through ISO-2022-JP-1, which has the same pairs behind an escape sequence. Bytes below 0x21 stand for themselves.
+/// Through ISO-2022-JP-1, which has the same pairs behind an escape sequence. Bytes below 0x21 stand for themselves,
+/// except those that would select another set, which are malformed.
 std::unique_ptr<Decoder> jisDecoder(JISSet set);
 std::unique_ptr<Encoder> jisEncoder(JISSet set);
 

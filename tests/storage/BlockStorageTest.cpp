@@ -340,6 +340,17 @@ TEST_F(BlockStorageTest, TellsBlocksFromWhatLooksLikeThem) {
   EXPECT_EQ(blocks, (std::vector<int64_t>{0, 21, 21 + 16 + 21 + 3 + 23}));
 }
 
+TEST_F(BlockStorageTest, TellsATornEndFromOtherDamage) {
+  for (const size_t length : {1u, 9u, 15u, 17u}) {
+    image() = plain("one", 0) + plain("two", 0).substr(0, length);
+    EXPECT_EQ(reading()->verify()->damages.at(0).damage, BlockDamage::Truncated) << length;
+  }
+  for (const std::string& end : {std::string("notes\n"), changed(plain("two", 0), 0, '?')}) {
+    image() = plain("one", 0) + end;
+    EXPECT_EQ(reading()->verify()->damages.at(0).damage, BlockDamage::InvalidHeader) << end;
+  }
+}
+
 TEST_F(BlockStorageTest, InflatesNoMoreThanTheLimit) {
   const auto storage = updating();
   storage->setCompressed(true);

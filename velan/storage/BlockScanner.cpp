@@ -149,6 +149,12 @@ std::optional<int64_t> BlockScanner::hiddenChain(int64_t from, int64_t end) {
   return chain.size() > 1 ? std::optional(chain.back()) : std::nullopt;
 }
 
+// No block fits there, and the next one begins at `next`.
+BlockDamage BlockScanner::damageOfHeader(int64_t offset, int64_t next) {
+  const bool torn = headerAt(offset) || (next == _size && isTorn(offset));
+  return torn ? BlockDamage::Truncated : BlockDamage::InvalidHeader;
+}
+
 // Where to go on behind a block whose payload fits. Its lengths are believed only if the file ends or a block begins
 // where they lead, and no block hides in what should be filler (or, without the right checksum, in the payload).
 BlockScanner::Step BlockScanner::behind(int64_t offset, const BlockHeader& header, bool sound) {
@@ -165,7 +171,7 @@ BlockScanner::Step BlockScanner::behind(int64_t offset, const BlockHeader& heade
   }
   const int64_t found = findBlock(filler);
   return found < next ? Step{found, DamagedPlace{BlockDamage::HiddenBlocks, found, next - found}}
-                      : Step{found, DamagedPlace{BlockDamage::InvalidHeader, next, found - next}};
+                      : Step{found, DamagedPlace{damageOfHeader(next, found), next, found - next}};
 }
 
 bool BlockScanner::walk(FunctionRef<bool(const StoredBlock&)> found, FunctionRef<bool(const DamagedPlace&)> damaged) {
@@ -176,9 +182,7 @@ bool BlockScanner::walk(FunctionRef<bool(const StoredBlock&)> found, FunctionRef
     const auto header = headerAt(offset);
     if (!header || !payloadFits(offset, *header)) {
       const int64_t next = findBlock(offset + 1);
-      const BlockDamage damage =
-          header || (next == _size && isTorn(offset)) ? BlockDamage::Truncated : BlockDamage::InvalidHeader;
-      if (report(damage, offset, next - offset)) return true;
+      if (report(damageOfHeader(offset, next), offset, next - offset)) return true;
       offset = next;
       continue;
     }

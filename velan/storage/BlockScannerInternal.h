@@ -59,6 +59,7 @@ class BlockScanner {
   };
   Step behind(int64_t offset, const BlockHeader& header, bool sound);
   bool hasWholePayload(int64_t offset, const BlockHeader& header);
+  BlockDamage damageOfHeader(int64_t offset, int64_t next);
   bool isPlausible(int64_t offset);
   bool isCandidate(int64_t offset);
   std::optional<int64_t> hiddenChain(int64_t from, int64_t end);

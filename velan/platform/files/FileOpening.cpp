@@ -2,6 +2,7 @@
 #include <fcntl.h>
 
 #include <cerrno>
+#include <new>
 #include <utility>
 
 #include "velan/platform/files/File.h"
@@ -60,18 +61,16 @@ FileError copyContents(File& from, File& to) {
   return to.synchronize() ? FileError() : to.error();
 }
 
-void report(FileError* place, const FileError& error) {
-  if (place) *place = error;
-}
-
 template <typename Open>
 std::unique_ptr<File> openedAt(const String& path, FileError* place, Open open) {
   FileError error;
-  auto file = unlessMemoryRunsOut(error, std::unique_ptr<File>(), [&] {
-    const auto name = fileSystemPath(path, error);
-    return name ? open(*name, error) : nullptr;
-  });
-  report(place, error);
+  std::unique_ptr<File> file;
+  try {
+    if (const auto name = fileSystemPath(path, error)) file = open(*name, error);
+  } catch (const std::bad_alloc&) {
+    error = FileReason::NoMemory;
+  }
+  if (place) *place = error;
   return file;
 }
 

@@ -27,6 +27,8 @@ void addEncodingCommands(CLI::App& app, int& status);
 void addLanguageCommand(CLI::App& app, int& status);
 /// `velan url …`.
 void addURLCommands(CLI::App& app, int& status);
+/// `velan text`, `velan tags` and `velan entities …`.
+void addMarkupCommands(CLI::App& app, int& status);
 /// Crc, deflate, gzip and inflate.
 void addByteFilters(CLI::App& app, int& status);
 

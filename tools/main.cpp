@@ -44,6 +44,7 @@ int run(int argc, char** argv) {
   addEncodingCommands(app, status);
   addLanguageCommand(app, status);
   addURLCommands(app, status);
+  addMarkupCommands(app, status);
   addByteFilters(app, status);
   try {
     app.parse(argc, argv);

@@ -10,6 +10,7 @@
 #include "tools/CommandLine.h"
 #include "tools/Commands.h"
 #include "tools/Console.h"
+#include "tools/markup/MarkupText.h"
 #include "tools/search/FileWalk.h"
 #include "tools/search/TextDecoding.h"
 #include "velan/base/UTF.h"
@@ -119,12 +120,37 @@ std::string verdict(const DetectedEncoding& found) {
   return line;
 }
 
+// What a page declares, and whether that is how it is read; empty for what declares nothing.
+std::string verdictOnPage(const std::string& path, const Data& data) {
+  const DecodedMarkup page = decodePage(path, data);
+  if (page.declaredCharset.isEmpty() || !charsetName(page.encoding)) return {};
+  const std::string declared = page.declaredCharset.toUTF8();
+  switch (page.evidence) {
+    case MarkupEvidence::Declaration:
+      return fmt::format("{}\tdeclared as {}", charsetName(page.encoding), declared);
+    case MarkupEvidence::Fallback:
+      return fmt::format("{}\tdeclared as {}, which does not fit", charsetName(page.encoding), declared);
+    case MarkupEvidence::ByteOrderMark:
+      return fmt::format("{}\tbyte-order mark, declared as {}", charsetName(page.encoding), declared);
+    case MarkupEvidence::PropertyList:
+      return {};
+    default:
+      break;
+  }
+  const bool same = NSEncodingFromName(page.declaredCharset) == page.encoding;
+  return fmt::format("{}\tdeclared as {}{}", charsetName(page.encoding), declared, same ? "" : ", which is not so");
+}
+
 int runCharset(const CharsetOptions& options) {
   int status = Something;
   for (const std::string& path : options.paths) {
     const auto data = contentsOf(path);
     if (!data) {
       status = Trouble;
+      continue;
+    }
+    if (const std::string page = verdictOnPage(path, *data); !page.empty()) {
+      if (!print(fmt::format("{}\t{}\n", displayName(path), page))) break;
       continue;
     }
     const DetectedEncoding found = detected(path, *data);
@@ -157,8 +183,8 @@ void addEncodingCommands(CLI::App& app, int& status) {
       addCommand<CharsetOptions>(app, status, "charset", "Tell how texts are encoded, and what says so", runCharset);
   addArgument(*charset, "FILE", charsetOptions->paths, "Files, and - for standard input")->required();
   charset->footer(
-      "Prints the path, the encoding and the evidence, with tabs between them. Byte-order marks, extended attributes\n"
-      "and valid UTF-8 tell an encoding; nothing is guessed.\n"
+      "Prints the path, the encoding and the evidence, with tabs between them. What a page declares, byte-order\n"
+      "marks, extended attributes and valid UTF-8 tell an encoding; nothing is guessed.\n"
       "Exit status: 0 all are known and valid, 1 some are not, 2 something went wrong.\n"
       "Examples:\n"
       "  velan charset notes/*.txt\n"

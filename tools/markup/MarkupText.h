@@ -1,0 +1,24 @@
+// The text of a page as its reader sees it.
+#ifndef VELAN_TOOLS_MARKUP_MARKUP_TEXT_H
+#define VELAN_TOOLS_MARKUP_MARKUP_TEXT_H
+
+#include <string>
+
+#include "velan/base/String.h"
+#include "velan/markup/MarkupDecoding.h"
+
+namespace velan::tool {
+
+/// The text between the tags, with its entities decoded. Script, style, comments and declarations are left out, CDATA
+/// stays as it is. Tags that HTML sets in the flow of a line ("b", "a") leave no trace, all others end a line, those of
+/// paragraphs, headings, lists and tables leave an empty one; cells of a row are separated by a tab. White space
+/// becomes one space, except in "pre".
+std::u16string textOfMarkup(const String& markup);
+
+/// A page or another markup file as `decodedMarkupOfFile` reads it; what nothing tells about is UTF-8 where that fits,
+/// otherwise Windows-1252. `path` is "-" for standard input.
+DecodedMarkup decodePage(const std::string& path, const Data& contents);
+
+}  // namespace velan::tool
+
+#endif  // VELAN_TOOLS_MARKUP_MARKUP_TEXT_H

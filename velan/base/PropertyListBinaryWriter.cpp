@@ -1,5 +1,6 @@
 #include <bit>
-#include <unordered_map>
+#include <cstdint>
+#include <vector>
 
 #include "velan/base/ByteOrder.h"
 #include "velan/base/PropertyListInternal.h"
@@ -14,12 +15,10 @@ struct ScalarKey {
   friend bool operator==(const ScalarKey&, const ScalarKey&) = default;
 };
 
-struct ScalarKeyHash {
-  size_t operator()(const ScalarKey& key) const {
-    const uint64_t mixed = (key.bits ^ (uint64_t{key.type} << 56)) * 0x9E3779B97F4A7C15u;
-    return static_cast<size_t>(mixed ^ (mixed >> 32));
-  }
-};
+uint64_t mixedBits(uint64_t bits) {
+  const uint64_t mixed = bits * 0x9E3779B97F4A7C15u;
+  return mixed ^ (mixed >> 32);
+}
 
 constexpr uint8_t kNoScalar = 0xFF;
 constexpr uint8_t kUnsignedInteger = kInteger | 4;
@@ -49,8 +48,55 @@ ScalarKey scalarKey(const Value& value) {
 
 size_t bytesNeeded(uint64_t number) { return number <= 0xFF ? 1 : number <= 0xFFFF ? 2 : number <= 0xFFFFFFFF ? 4 : 8; }
 
+// Which objects are known, by their hashes. Slots lie side by side, so that a look-up in a table that no cache holds
+// costs one miss, however many objects there are.
+class ObjectTable {
+ public:
+  // The number of the object with this hash for which `isEqual(number)` holds; if there is none, `number` is added.
+  template <typename IsEqual>
+  uint64_t numberOf(uint64_t hash, uint64_t number, const IsEqual& isEqual) {
+    if (_count >= _slots.size() / 4 * 3) grow();
+    Slot& slot = find(hash, isEqual);
+    if (slot.number != kFree) return slot.number;
+    slot = {hash, number};
+    ++_count;
+    return number;
+  }
+
+ private:
+  static constexpr uint64_t kFree = UINT64_MAX;
+  struct Slot {
+    uint64_t hash = 0;
+    uint64_t number = kFree;
+  };
+
+  template <typename IsEqual>
+  Slot& find(uint64_t hash, const IsEqual& isEqual) {
+    const size_t mask = _slots.size() - 1;
+    for (size_t at = hash & mask;; at = (at + 1) & mask) {
+      Slot& slot = _slots[at];
+      if (slot.number == kFree || (slot.hash == hash && isEqual(slot.number))) return slot;
+    }
+  }
+
+  void grow() {
+    std::vector<Slot> old(_slots.empty() ? kFirstSlots : _slots.size() * 2);
+    old.swap(_slots);
+    for (const Slot& slot : old) {
+      if (slot.number != kFree) find(slot.hash, [](uint64_t) { return false; }) = slot;
+    }
+  }
+
+  static constexpr size_t kFirstSlots = 64;  // a power of two, like every size
+
+  std::vector<Slot> _slots;
+  size_t _count = 0;
+};
+
 // First gives every object its number, depth first and containers before their contents; then writes them in order.
 class BinaryWriter {
+  static constexpr size_t kHeadSize = 2;  // of most objects
+
  public:
   explicit BinaryWriter(MutableData& out) : _out(out) {}
 
@@ -70,6 +116,7 @@ class BinaryWriter {
     const Value* value;
     const String* key;
     size_t references;  // index of a container's first reference
+    uint16_t height;    // of a container that is closed
   };
   struct Frame {
     uint64_t object;
@@ -77,15 +124,30 @@ class BinaryWriter {
     uint16_t height;
   };
 
-  uint64_t add(const Value* value, const String* key) {
-    _objects.push_back({value, key, 0});
+  // `size` is about what the object takes in the file, without its head.
+  uint64_t add(const Value* value, const String* key, size_t size) {
+    _objects.push_back({value, key, 0, 0});
+    _size += size + kHeadSize;
     return _objects.size() - 1;
   }
 
-  template <typename Map, typename Key>
-  uint64_t addOnce(Map& map, const Key& key, const Value* value, const String* text) {
-    const auto [known, isNew] = map.try_emplace(key, _objects.size());
-    return isNew ? add(value, text) : known->second;
+  // Of equal objects the first is written.
+  template <typename IsEqual>
+  uint64_t addOnce(uint64_t hash, const Value* value, const String* key, size_t size, const IsEqual& isEqual) {
+    const uint64_t index =
+        _known.numberOf(hash, _objects.size(), [&](uint64_t number) { return isEqual(_objects[number]); });
+    return index == _objects.size() ? add(value, key, size) : index;
+  }
+
+  uint64_t addString(const String& string) {
+    return addOnce(std::hash<String>()(string), nullptr, &string, string.view().size(),
+                   [&string](const Object& object) { return object.key && *object.key == string; });
+  }
+
+  uint64_t addScalar(const Value& value) {
+    const ScalarKey scalar = scalarKey(value);
+    return addOnce(mixedBits(scalar.bits ^ uint64_t{scalar.type} << 56), &value, nullptr, sizeof scalar.bits,
+                   [&scalar](const Object& object) { return object.value && scalarKey(*object.value) == scalar; });
   }
 
   // The number of a value. Containers that are new are opened; false when the value cannot be written.
@@ -95,33 +157,43 @@ class BinaryWriter {
       case ValueKind::URL:
         return false;
       case ValueKind::Boolean:
-        index = add(&value, nullptr);
+        index = add(&value, nullptr, 0);
         return true;
       case ValueKind::String:
-        index = addOnce(_strings, value.string(), nullptr, &value.string());
+        index = addString(value.string());
         return true;
       case ValueKind::Data:
-        index = addOnce(_data, value.data(), &value, nullptr);
+        index = addOnce(
+            std::hash<Data>()(value.data()), &value, nullptr, value.data().length(), [&value](const Object& object) {
+              return object.value && object.value->kind() == ValueKind::Data && object.value->data() == value.data();
+            });
         return true;
       case ValueKind::Array:
-        return numberContainer(value, &value.array(), value.array().size(), index);
+        return numberContainer(value, value.array().size(), index);
       case ValueKind::Dictionary:
-        return numberContainer(value, &value.dictionary(), value.dictionary().size() * 2, index);
+        return numberContainer(value, value.dictionary().size() * 2, index);
       default:
-        index = addOnce(_scalars, scalarKey(value), &value, nullptr);
+        index = addScalar(value);
         return true;
     }
   }
 
-  bool numberContainer(const Value& value, const void* identity, size_t references, uint64_t& index) {
-    const auto [known, isNew] = _containers.try_emplace(identity, Container{_objects.size(), 0});
-    index = known->second.object;
-    if (!isNew) {
-      raiseHeight(known->second.height);
+  bool numberContainer(const Value& value, size_t references, uint64_t& index) {
+    const size_t count = _objects.size();
+    const size_t size = references * sizeof(uint32_t);
+    if (value.sharesContainer()) {
+      const bool isArray = value.kind() == ValueKind::Array;
+      const void* identity = isArray ? static_cast<const void*>(&value.array()) : &value.dictionary();
+      index = addOnce(mixedBits(reinterpret_cast<uintptr_t>(identity)), &value, nullptr, size,
+                      [&value](const Object& object) { return object.value && object.value->isSameContainer(value); });
+    } else {
+      index = add(&value, nullptr, size);
+    }
+    if (index != count) {
+      raiseHeight(_objects[index].height);
       return true;
     }
     if (_stack.size() == kPropertyListDepth) return false;
-    add(&value, nullptr);
     _objects.back().references = _references.size();
     _references.resize(_references.size() + references);
     _stack.push_back({index, 0, 1});
@@ -141,10 +213,10 @@ class BinaryWriter {
     const size_t position = frame.next++;
     uint64_t index = 0;
     if (isArray) {
-      if (position == count) return close(&object.value->array());
+      if (position == count) return close();
       if (!number(object.value->array()[position], index)) return false;
     } else {
-      if (position == count * 2) return close(&object.value->dictionary());
+      if (position == count * 2) return close();
       const auto& entry = object.value->dictionary().entries()[position % count];
       if (position < count) {
         if (!numberKey(entry.key, index)) return false;
@@ -157,13 +229,14 @@ class BinaryWriter {
   }
 
   bool numberKey(const String& key, uint64_t& index) {
-    index = addOnce(_strings, key, nullptr, &key);
-    return !key.isAbsent();
+    if (key.isAbsent()) return false;
+    index = addString(key);
+    return true;
   }
 
-  bool close(const void* identity) {
+  bool close() {
     const uint16_t height = _stack.back().height;
-    _containers[identity].height = height;
+    _objects[_stack.back().object].height = height;
     _stack.pop_back();
     if (!_stack.empty()) raiseHeight(height);
     return height <= kPropertyListDepth;
@@ -171,6 +244,7 @@ class BinaryWriter {
 
   void writeFile() {
     _referenceSize = bytesNeeded(_objects.size());
+    _out.reserve(_size + (_objects.size() + kBinaryTrailerSize) * sizeof(uint32_t));
     _out.appendBytes("bplist00", kBinaryHeaderSize);
     std::vector<uint64_t> offsets;
     offsets.reserve(_objects.size());
@@ -264,20 +338,13 @@ class BinaryWriter {
     writeNumbers(std::span(_references).subspan(object.references, references), _referenceSize);
   }
 
-  struct Container {
-    uint64_t object;
-    uint16_t height;
-  };
-
   MutableData& _out;
   size_t _referenceSize = 1;
+  size_t _size = kBinaryHeaderSize;  // about what the objects take
   std::vector<Object> _objects;
   std::vector<uint64_t> _references;
   std::vector<Frame> _stack;
-  std::unordered_map<String, uint64_t> _strings;
-  std::unordered_map<Data, uint64_t> _data;
-  std::unordered_map<ScalarKey, uint64_t, ScalarKeyHash> _scalars;
-  std::unordered_map<const void*, Container> _containers;
+  ObjectTable _known;
 };
 
 }  // namespace

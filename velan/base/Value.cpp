@@ -242,6 +242,11 @@ Value::Value(ValueArray values) : _content(detail::ValueArrayReference(new detai
 Value::Value(ValueDictionary entries)
     : _content(detail::ValueDictionaryReference(new detail::DictionaryNode(std::move(entries)))) {}
 
+bool Value::sharesContainer() const {
+  const detail::ValueNode* node = container();
+  return node && node->references.load(std::memory_order_relaxed) > 1;
+}
+
 const detail::ValueNode* Value::container() const {
   if (const auto* array = std::get_if<detail::ValueArrayReference>(&_content)) return array->node();
   if (const auto* entries = std::get_if<detail::ValueDictionaryReference>(&_content)) return entries->node();

@@ -115,6 +115,8 @@ class VELAN_EXPORT Value {
   /// Whether it is a boolean, a character, an integer, a float or a double.
   bool isNumber() const { return kind() >= ValueKind::Boolean && kind() <= ValueKind::Double; }
   bool isInteger() const { return kind() >= ValueKind::Boolean && kind() <= ValueKind::UInt64; }
+  /// Whether it is an array or a dictionary that other values share.
+  bool sharesContainer() const;
   /// Whether both share one array or dictionary.
   bool isSameContainer(const Value& other) const { return container() && container() == other.container(); }
 

@@ -44,7 +44,10 @@ TEST(Log, GoesToTheSinkWithItsContext) {
   setLogSink([](std::string_view message, void* context) { *static_cast<std::string*>(context) += message; }, &seen);
   logFormat("ERROR: %s %d", "x", 5);
   VELAN_DEBUG_ASSERT(seen.empty(), "seen is empty");
+  logMessage("-two\r\nlines\n");
   setLogSink(nullptr, nullptr);
+  EXPECT_TRUE(seen.ends_with("-two\\r\\nlines\\n")) << seen;
+  seen.resize(seen.find("-two"));
   EXPECT_EQ(seen.substr(0, 10), "ERROR: x 5");
   EXPECT_TRUE(seen.ends_with(": Failed debug assertion `seen is empty'")) << seen;
 }

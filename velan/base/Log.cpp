@@ -6,6 +6,7 @@
 #include <memory>
 #include <mutex>
 #include <new>
+#include <string>
 
 namespace velan {
 namespace {
@@ -23,6 +24,16 @@ void writeToStandardError(std::string_view message, void*) {
 std::mutex destinationLock;
 Destination destination{writeToStandardError, nullptr};
 
+// Line ends as "\n" and "\r"; without memory, what stands before the first one.
+std::string_view asOneLine(std::string_view message, std::string& storage) {
+  try {
+    for (const char c : message) storage += c == '\n' ? "\\n" : c == '\r' ? "\\r" : std::string_view(&c, 1);
+    return storage;
+  } catch (const std::bad_alloc&) {
+    return message.substr(0, message.find_first_of("\r\n"));
+  }
+}
+
 }  // namespace
 
 void setLogSink(LogSink sink, void* context) {
@@ -31,6 +42,8 @@ void setLogSink(LogSink sink, void* context) {
 }
 
 void logMessage(std::string_view message) {
+  std::string escaped;
+  if (message.find_first_of("\r\n") != std::string_view::npos) message = asOneLine(message, escaped);
   Destination current{};
   {
     const std::lock_guard lock(destinationLock);

@@ -15,7 +15,8 @@ using LogSink = void (*)(std::string_view message, void* context);
 /// May be called at any time; a message being logged on another thread may still reach the previous sink.
 VELAN_EXPORT void setLogSink(LogSink sink, void* context);
 
-/// Logs `message` as one line. Messages of the library begin with "ERROR: " or "WARNING: ".
+/// Logs `message` as one line: line feeds and carriage returns in it are written as `\n` and `\r`. Messages of the
+/// library begin with "ERROR: " or "WARNING: ".
 VELAN_EXPORT void logMessage(std::string_view message);
 
 /// Formats like `printf` (without the influence of a locale on the texts and integers that the library logs).

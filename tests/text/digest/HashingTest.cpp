@@ -78,11 +78,17 @@ TEST(Hashing, EverySHA1KernelEqualsTheReference) {
   }
 }
 
+template <typename Count>
+concept TakesCount = requires(String text, Count times) {
+  saltedHash(text, text, StringEncoding::UTF8, times);
+};
+
 TEST(SaltedHash, AppendsTheSaltInEveryRound) {
+  static_assert(TakesCount<size_t> && !TakesCount<int>, "-1 would mean 2^64 rounds");
   const String once = saltedHash(u"a"_s, u"bc"_s, StringEncoding::UTF8);
   EXPECT_EQ(once, u"a9993e364706816aba3e25717850c26c9cd0d89d"_s);
-  EXPECT_EQ(saltedHash(u"a"_s, u"bc"_s, StringEncoding::UTF8, 0), once);
-  EXPECT_EQ(saltedHash(u"a"_s, u"bc"_s, StringEncoding::UTF8, 2).toUTF8(), sha1(once.toUTF8() + "bc"));
+  EXPECT_EQ(saltedHash(u"a"_s, u"bc"_s, StringEncoding::UTF8, 0u), once);
+  EXPECT_EQ(saltedHash(u"a"_s, u"bc"_s, StringEncoding::UTF8, 2u).toUTF8(), sha1(once.toUTF8() + "bc"));
   EXPECT_EQ(saltedHash(u"abc"_s, String()), once);
   EXPECT_EQ(saltedHash(u"x"_s).toUTF8(), "7ac59e66063e043cda1a9205b4d043d6371fbe2d");
   EXPECT_EQ(saltedHash(u"a"_s, u"\u0161"_s, StringEncoding::Latin1).toUTF8(), sha1("")) << "does not convert";

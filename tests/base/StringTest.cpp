@@ -54,7 +54,11 @@ TEST(String, SubstringsAreClippedAndOutliveTheirParent) {
     EXPECT_EQ(slice.characters(), text.characters() + 10000) << "a large piece shares";
     sliceOfSlice = slice.substring({5000, 85001});
     EXPECT_EQ(sliceOfSlice.characters(), text.characters() + 15000);
-    EXPECT_NE(text.substring({50, 2000}).characters(), text.characters() + 50) << "a small piece is copied";
+    EXPECT_NE(text.substring({50, 50000 - 1}).characters(), text.characters() + 50) << "less than half is copied";
+    EXPECT_EQ(text.substring({50, 50000}).characters(), text.characters() + 50);
+    const String page(std::u16string(1500, u'x'));
+    EXPECT_NE(page.substring({1, 1023}).characters(), page.characters() + 1) << "less than 1,024 units are copied";
+    EXPECT_EQ(page.substring({1, 1024}).characters(), page.characters() + 1);
   }
   slice = String();
   EXPECT_EQ(sliceOfSlice.length(), 85001);

@@ -42,8 +42,8 @@ VELAN_EXPORT void setDefaultWordSeparationMode(int64_t mode);
 class String;
 
 /// `removeSymbolsFromWordSeparators:`: makes each unit of `symbols` a word character, in the word and in the wildcard
-/// separators, for the whole process and for good. For start-up: texts that are being split on other threads, or
-/// were indexed before, may or may not see the change.
+/// separators, for the whole process and for good. For start-up, before other threads split texts: nothing guards
+/// them against the change. Texts that were indexed before keep their words.
 VELAN_EXPORT void removeSymbolsFromWordSeparators(const String& symbols);
 
 }  // namespace velan

@@ -4,6 +4,7 @@
 #include <random>
 
 #include "velan/base/Base64.h"
+#include "velan/base/Log.h"
 #include "velan/base/MutableData.h"
 #include "velan/base/PropertyList.h"
 
@@ -99,6 +100,17 @@ Data binary(const std::vector<std::string>& objects, std::string_view offsets = 
   return Data::withBytes(file);
 }
 
+TEST(PropertyList, AnEncodingThatIsNotReadIsNamed) {
+  std::string logged;
+  setLogSink([](std::string_view message, void* context) { *static_cast<std::string*>(context) = message; }, &logged);
+  const auto xml = Data::withBytes("<?xml version='1.0' encoding='KOI8-R'?><string>a</string>");
+  EXPECT_TRUE(readPropertyList(xml).isAbsent());
+  const auto ascii = Data::withBytes("<?xml version='1.0' encoding='US-ASCII'?><string>\xC3\xA9</string>");
+  EXPECT_TRUE(readPropertyList(ascii).isAbsent()) << "not what it declares";
+  setLogSink(nullptr, nullptr);
+  EXPECT_EQ(logged, "WARNING: Property list in an encoding that is not read: KOI8-R");
+}
+
 TEST(PropertyList, BinaryObjects) {
   const struct {
     const char* why;
@@ -156,6 +168,10 @@ TEST(PropertyList, XMLDocuments) {
   } cases[] = {
       {"\xEF\xBB\xBF<?xml version=\"1.0\"?><!-- a > b --><!DOCTYPE plist SYSTEM \"a>b\"> <true></true>", true},
       {"<plist><string>a<!-- x -->b<![CDATA[<&\r\n]]>&#x1F600;&amp;&lt;\r</string></plist>", u"ab<&\n\U0001F600&<\n"},
+      {"<?xml version='1.0' encoding = 'ISO-8859-1'?><string>\xE9&#xE9;</string>", u"\u00E9\u00E9"},
+      {"<?xml version='1.0' encoding=\"utf-8\"?><string>\xC3\xA9</string>", u"\u00E9"},
+      {"\xEF\xBB\xBF<?xml version='1.0' encoding='latin1'?><string>\xC3\xA9</string>", u"\u00E9"},
+      {"<?xml version='1.0' encoding='us-ascii'?><string>a</string>", u"a"},
       {"<integer> -0x10 </integer>", -16},
       {"<integer>18446744073709551615</integer>", UINT64_MAX},
       {"<integer>18446744073709551616</integer>", Value()},

@@ -17,6 +17,7 @@ TEST(UTF, EveryCodePointGoesBothWays) {
   }
   const auto utf8 = utf8FromUTF16(all);
   ASSERT_TRUE(utf8);
+  EXPECT_TRUE(isUTF8(*utf8));
   EXPECT_EQ(utf8->size(), 0x80u + 2 * 0x780 + 3 * (0x10000 - 0x800 - 0x800) + 4 * 0x100000);
   EXPECT_EQ(String::fromUTF8(*utf8).view(), all);
   EXPECT_EQ(String(all).toUTF8(), *utf8);
@@ -32,7 +33,12 @@ TEST(UTF, MalformedSequencesAreRefusedOrReplaced) {
       {"overlong, three bytes", "\xE0\x80\xAF", u"\uFFFD\uFFFD\uFFFD"},
       {"a surrogate", "\xED\xA0\x80", u"\uFFFD\uFFFD\uFFFD"},
       {"above U+10FFFF", "\xF4\x90\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD"},
-      {"never a lead byte", "\xFE\xFF", u"\uFFFD\uFFFD"},
+      {"never lead bytes", "\xF8\xFE\xFF", u"\uFFFD\uFFFD\uFFFD"},
+      {"overlong, two bytes", "\xC0\xAF\xC1\xBF", u"\uFFFD\uFFFD\uFFFD\uFFFD"},
+      {"overlong, four bytes", "\xF0\x8F\xBF\xBF", u"\uFFFD\uFFFD\uFFFD\uFFFD"},
+      {"F5", "\xF5\x80\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD"},
+      {"F6", "\xF6\x80\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD"},
+      {"F7", "\xF7\xBF\xBF\xBF", u"\uFFFD\uFFFD\uFFFD\uFFFD"},
       {"cut in the middle of the text", "\xF0\x9F\x98 x", u"\uFFFD x"},
   };
   for (const auto& c : cases) {
@@ -40,6 +46,7 @@ TEST(UTF, MalformedSequencesAreRefusedOrReplaced) {
     const std::vector<char> bytes(c.utf8.begin(), c.utf8.end());
     const std::string_view exact(bytes.data(), bytes.size());
     EXPECT_TRUE(String::fromUTF8(exact).isAbsent()) << c.why;
+    EXPECT_FALSE(isUTF8(std::string(250, 'x') + c.utf8)) << c.why;
     EXPECT_EQ(String::fromUTF8Lossy(exact), c.lossy) << c.why;
   }
 }

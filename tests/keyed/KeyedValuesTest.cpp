@@ -84,7 +84,7 @@ TEST(KeyedValues, TypedReads) {
     int64_t asInteger;
     double asDouble;
   } cases[] = {
-      {pairWithRecord("VLbl", "\2"), true, 2, 1},
+      {pairWithRecord("VLbl", "\2"), true, 2, 2},
       {pairWithRecord("VLun", "\0\0\1\0"s), false, 256, 256},
       {pairWithRecord("VLsi", "\xFF\xFF\xFF\xFE"), true, 4294967294, -2},
       {pairWithRecord("VLul", ones), true, -1, 18446744073709551615.0},

@@ -1,6 +1,7 @@
 #include "velan/base/Base64.h"
 
 #include <array>
+#include <new>
 
 #include "velan/base/MutableData.h"
 
@@ -32,7 +33,7 @@ void appendBase64(std::span<const uint8_t> bytes, std::string& text) {
   }
 }
 
-Data dataFromBase64(std::string_view text) {
+Data dataFromBase64(std::string_view text) try {
   MutableData bytes;
   bytes.reserve(text.size() / 4 * 3 + 3);
   uint32_t group = 0;
@@ -56,6 +57,8 @@ Data dataFromBase64(std::string_view text) {
   }
   const bool whole = bits < 6 && group == 0 && (padding == 0 || padding == bits / 2);
   return whole ? bytes.takeData() : Data();
+} catch (const std::bad_alloc&) {
+  return Data();
 }
 
 }  // namespace velan

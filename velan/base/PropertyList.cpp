@@ -7,11 +7,15 @@
 
 namespace velan {
 
-Value readPropertyList(std::span<const uint8_t> bytes) {
+Value plist::readEither(std::span<const uint8_t> bytes) {
   const bool binary = bytes.size() >= plist::kBinaryMagic.size() &&
                       std::memcmp(bytes.data(), plist::kBinaryMagic.data(), plist::kBinaryMagic.size()) == 0;
+  return binary ? readBinary(bytes) : readXML(bytes);
+}
+
+Value readPropertyList(std::span<const uint8_t> bytes) {
   try {
-    return binary ? plist::readBinary(bytes) : plist::readXML(bytes);
+    return plist::readEither(bytes);
   } catch (const std::bad_alloc&) {
     return Value();
   }

@@ -20,8 +20,10 @@ inline constexpr size_t kPropertyListDepth = 512;
 /// become values of these kinds; a set is read as an array, a UID as an unsigned 64-bit integer. The binary form keeps
 /// strings with U+0000 and lone surrogates. An object that the file refers to in several places is decoded once and
 /// shared. Time and memory are linear in the size of the file, whatever its bytes are: cycles, objects that overlap and
-/// nesting beyond `kPropertyListDepth` are refused. XML may be UTF-8, or UTF-16 with a byte-order mark; document types
-/// with declarations of their own and all but the predefined entities are refused.
+/// nesting beyond `kPropertyListDepth` are refused. XML may be UTF-8, ASCII or Latin-1 as it declares,
+/// or UTF-16 with a byte-order mark, which counts more than the declaration; another encoding is refused with a warning
+/// that names it. Document types with declarations of their own and all but the predefined entities are refused. Reals
+/// that are too large are infinite, those too small 0.
 VELAN_EXPORT Value readPropertyList(std::span<const uint8_t> bytes);
 inline Value readPropertyList(const Data& data) { return readPropertyList(data.span()); }
 

@@ -2,6 +2,7 @@
 #include <optional>
 
 #include "velan/base/ByteOrder.h"
+#include "velan/base/OutOfMemory.h"
 #include "velan/base/PropertyListInternal.h"
 
 namespace velan::plist {
@@ -197,27 +198,28 @@ class BinaryReader {
     return head.low == 3 && claim(head.contents, 8) ? Value(doubleAt(head.contents)) : Value();
   }
 
-  Value data(const Head& head) const { return Data::withBytes(_bytes.data() + head.contents, head.count); }
+  Value data(const Head& head) const { return present(Data::withBytes(_bytes.data() + head.contents, head.count)); }
 
   Value asciiString(const Head& head) const {
     const uint8_t* bytes = _bytes.data() + head.contents;
     const auto count = static_cast<int64_t>(head.count);
-    return String::filled(count, [bytes, count](unichar* units) {
-      uint8_t all = 0;
-      for (int64_t i = 0; i < count; ++i) all |= bytes[i];
+    uint8_t all = 0;
+    for (int64_t i = 0; i < count; ++i) all |= bytes[i];
+    if (all >= 0x80) return Value();
+    return present(String::filled(count, [bytes, count](unichar* units) {
       for (int64_t i = 0; i < count; ++i) units[i] = bytes[i];
-      return all < 0x80 ? count : -1;
-    });
+      return count;
+    }));
   }
 
   Value utf16String(const Head& head) {
     if (head.count > _unclaimed / 2 || !claim(head.contents, head.count * 2)) return Value();
     const uint8_t* bytes = _bytes.data() + head.contents;
     const auto count = static_cast<int64_t>(head.count);
-    return String::filled(count, [bytes, count](unichar* units) {
+    return present(String::filled(count, [bytes, count](unichar* units) {
       for (int64_t i = 0; i < count; ++i) units[i] = loadBigEndian<uint16_t>(bytes + 2 * i);
       return count;
-    });
+    }));
   }
 
   Value uid(const Head& head) {

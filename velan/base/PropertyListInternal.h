@@ -38,6 +38,8 @@ constexpr bool isXMLCharacter(uint32_t c) {
                    : c == '\t' || c == '\n' || c == '\r';
 }
 
+/// As `readPropertyList`, but throws `std::bad_alloc` where memory runs out: absent then means malformed.
+Value readEither(std::span<const uint8_t> bytes);
 Value readBinary(std::span<const uint8_t> bytes);
 Value readXML(std::span<const uint8_t> bytes);
 /// False when the value cannot be written; what `out` then holds is of no use.

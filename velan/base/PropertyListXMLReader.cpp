@@ -1,9 +1,14 @@
+#include <algorithm>
 #include <charconv>
+#include <initializer_list>
 #include <optional>
 
+#include "velan/base/ASCII.h"
 #include "velan/base/Base64.h"
 #include "velan/base/ByteOrder.h"
 #include "velan/base/ISODate.h"
+#include "velan/base/Log.h"
+#include "velan/base/OutOfMemory.h"
 #include "velan/base/PropertyListInternal.h"
 #include "velan/base/TextNumbers.h"
 #include "velan/base/UTF.h"
@@ -49,12 +54,54 @@ Value dateFromText(std::string_view text) {
   return date ? Value(*date) : Value();
 }
 
+// The encoding that the XML declaration at the beginning names; empty when there is none.
+std::string_view declaredEncoding(std::string_view text) {
+  if (!text.starts_with("<?xml") || text.size() < 6 || !isSpace(text[5])) return {};
+  text = text.substr(0, text.find("?>"));
+  const size_t at = text.find("encoding");
+  if (at == std::string_view::npos) return {};
+  text = trimmed(text.substr(at + 8));
+  if (!text.starts_with('=')) return {};
+  text = trimmed(text.substr(1));
+  const char quote = text.empty() ? '\0' : text.front();
+  if (quote != '"' && quote != '\'') return {};
+  return text.substr(1, text.find(quote, 1) - 1);
+}
+
+// A document without a byte-order mark as UTF-8.
+std::optional<std::string_view> fromDeclaredEncoding(std::string_view text, std::string& storage) {
+  const std::string_view name = declaredEncoding(text);
+  const auto isAnyOf = [name](std::initializer_list<std::string_view> names) {
+    return std::any_of(names.begin(), names.end(),
+                       [name](std::string_view each) { return equalsIgnoringASCIICase(name, each); });
+  };
+  const auto isASCII = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
+  if (name.empty() || isAnyOf({"UTF-8", "UTF8"})) return text;
+  if (isAnyOf({"US-ASCII", "ASCII", "ISO646-US"})) {
+    return std::all_of(text.begin(), text.end(), isASCII) ? std::optional(text) : std::nullopt;
+  }
+  if (isAnyOf({"ISO-8859-1", "ISO8859-1", "ISO_8859-1", "LATIN1", "LATIN-1", "L1"})) {
+    storage.reserve(text.size());
+    for (const char c : text) {
+      const auto byte = static_cast<unsigned char>(c);
+      if (isASCII(c)) {
+        storage.push_back(c);
+      } else {
+        storage.append({static_cast<char>(0xC0 | byte >> 6), static_cast<char>(0x80 | (byte & 0x3F))});
+      }
+    }
+    return storage;
+  }
+  logMessage("WARNING: Property list in an encoding that is not read: " + std::string(name.substr(0, 40)));
+  return std::nullopt;
+}
+
 // The document as UTF-8, which `storage` holds when it has to be converted.
 std::optional<std::string_view> utf8Document(std::span<const uint8_t> bytes, std::string& storage) {
   const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
   if (text.starts_with("\xEF\xBB\xBF")) return text.substr(3);
   const bool bigEndian = text.starts_with("\xFE\xFF");
-  if (!bigEndian && !text.starts_with("\xFF\xFE")) return text;
+  if (!bigEndian && !text.starts_with("\xFF\xFE")) return fromDeclaredEncoding(text, storage);
   if (bytes.size() % 2 != 0) return std::nullopt;
   std::u16string units;
   units.reserve(bytes.size() / 2);
@@ -315,7 +362,7 @@ class XMLReader {
     return true;
   }
 
-  String stringFromText() const { return hasOnlyXMLCharacters(_text) ? String::fromUTF8(_text) : String(); }
+  String stringFromText() const { return hasOnlyXMLCharacters(_text) ? decodedUTF8(_text) : String(); }
 
   Value scalar(std::string_view name) const {
     if (name == "string") return stringFromText();

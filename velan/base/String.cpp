@@ -4,6 +4,7 @@
 #include <cstring>
 #include <new>
 
+#include "velan/base/OutOfMemory.h"
 #include "velan/base/StringStorageInternal.h"
 #include "velan/base/UTF.h"
 
@@ -67,6 +68,11 @@ String String::fromUTF8(std::string_view utf8) {
     const Transcoded result = convertUTF8ToUTF16(utf8, units);
     return result.consumed == utf8.size() ? static_cast<int64_t>(result.written) : -1;
   });
+}
+
+String decodedUTF8(std::string_view utf8) {
+  const String string = String::fromUTF8(utf8);
+  return string || !isUTF8(utf8) ? string : present(string);
 }
 
 String String::fromUTF8Lossy(std::string_view utf8) {

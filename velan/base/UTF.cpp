@@ -185,4 +185,15 @@ std::optional<std::string> utf8FromUTF16(std::u16string_view utf16) {
   return utf8;
 }
 
+bool isUTF8(std::string_view utf8) {
+  unichar units[256];
+  while (!utf8.empty()) {
+    // What the end of a piece cuts begins the next one.
+    const size_t consumed = convertUTF8ToUTF16(utf8.substr(0, 256), units).consumed;
+    if (consumed == 0) return false;
+    utf8.remove_prefix(consumed);
+  }
+  return true;
+}
+
 }  // namespace velan

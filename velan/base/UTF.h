@@ -32,6 +32,9 @@ VELAN_EXPORT Transcoded convertUTF8ToUTF16(std::string_view utf8, unichar* units
 /// Returns the number of units written.
 VELAN_EXPORT size_t convertUTF8ToUTF16Lossy(std::string_view utf8, unichar* units);
 
+/// Whether the whole text is well-formed UTF-8.
+VELAN_EXPORT bool isUTF8(std::string_view utf8);
+
 /// Converts UTF-16 to UTF-8; a surrogate without its partner is malformed. `bytes` has room for 3 bytes per unit.
 VELAN_EXPORT Transcoded convertUTF16ToUTF8(std::u16string_view utf16, char* bytes);
 

@@ -1,6 +1,9 @@
 #include "velan/keyed/KeyedInspection.h"
 
-#include "velan/base/PropertyList.h"
+#include <new>
+
+#include "velan/base/OutOfMemory.h"
+#include "velan/base/PropertyListInternal.h"
 #include "velan/keyed/KeyedWalkInternal.h"
 
 namespace velan {
@@ -8,14 +11,14 @@ namespace keyed {
 namespace {
 
 Value valueWithPayload(uint32_t marker, std::span<const uint8_t> payload) {
-  if (marker == VLst) return String::fromUTF8(asText(payload));
-  if (marker == VLdt) return Data::withBytes(payload.data(), payload.size());
-  return readPropertyList(payload);
+  if (marker == VLst) return decodedUTF8(asText(payload));
+  if (marker == VLdt) return present(Data::withBytes(payload.data(), payload.size()));
+  return plist::readEither(payload);
 }
 
 }  // namespace
 
-Value valueWithHeaderAndLength(const Record& record) {
+Value decodedValue(const Record& record) {
   const auto payload = record.payload();
   switch (record.marker()) {
     case VLbl:
@@ -36,6 +39,14 @@ Value valueWithHeaderAndLength(const Record& record) {
       return Date(record.value<double>());
     default:
       return payload ? valueWithPayload(record.marker(), *payload) : Value();
+  }
+}
+
+Value valueWithHeaderAndLength(const Record& record) {
+  try {
+    return decodedValue(record);
+  } catch (const std::bad_alloc&) {
+    return Value();
   }
 }
 

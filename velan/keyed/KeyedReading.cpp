@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "velan/base/CivilTime.h"
+#include "velan/base/OutOfMemory.h"
 #include "velan/base/PropertyList.h"
 #include "velan/base/UTF.h"
 #include "velan/keyed/KeyedWalkInternal.h"
@@ -235,7 +236,8 @@ size_t handleStringsForKey(KeyedBytes bytes, uint32_t key, FunctionRef<bool(cons
   size_t count = 0;
   if (!handler) return count;
   forEachRecord(bytes.span(), VLst, key, [&](const Record& record) {
-    const String string = stringFromPayload(record.payload());
+    const auto payload = record.payload();
+    const String string = payload ? decodedUTF8(asText(*payload)) : String();
     if (string && handler(string)) ++count;
   });
   return count;
@@ -315,16 +317,20 @@ size_t handleKeyedDataUsingHandler(KeyedBytes bytes, KeyedDataClosure handler) {
 bool isEqualToKeyedData(KeyedBytes bytes, KeyedBytes other, uint32_t marker) {
   if (bytes.length() == 0 || other.length() == 0) return bytes.length() == other.length();
   if (numberOfKeyedData(bytes, marker) != numberOfKeyedData(other, marker)) return false;
-  const auto wanted = recordsWithMarker(bytes, marker);
-  if (!wanted) return false;
-  std::vector<Record> index;
-  for (RecordWalk walk(other.span()); walk.atRecord(); walk.advance()) {
-    if (walk.record().fits()) index.push_back(walk.record());
+  try {
+    const auto wanted = recordsWithMarker(bytes, marker);
+    if (!wanted) return false;
+    std::vector<Record> index;
+    for (RecordWalk walk(other.span()); walk.atRecord(); walk.advance()) {
+      if (walk.record().fits()) index.push_back(walk.record());
+    }
+    const auto before = [](const Record& a, const Record& b) { return std::is_lt(compareRecords(a, b)); };
+    std::ranges::sort(index, before);
+    return std::ranges::all_of(*wanted,
+                               [&](const Record& record) { return std::ranges::binary_search(index, record, before); });
+  } catch (const std::bad_alloc&) {
+    return false;
   }
-  const auto before = [](const Record& a, const Record& b) { return std::is_lt(compareRecords(a, b)); };
-  std::ranges::sort(index, before);
-  return std::ranges::all_of(*wanted,
-                             [&](const Record& record) { return std::ranges::binary_search(index, record, before); });
 }
 
 }  // namespace velan

@@ -3,7 +3,8 @@
 //
 // Nothing here fails on damaged bytes. A walk ends before an unknown marker, and behind a record that is longer than
 // the buffer; such a record still counts as present and is counted, but it has no value. All operations may be called
-// from several threads while nobody changes the bytes, and none allocates until it builds its result.
+// from several threads while nobody changes the bytes. Only those that say so and those that return strings, data or
+// lists take memory.
 #ifndef VELAN_KEYED_KEYED_READING_H
 #define VELAN_KEYED_KEYED_READING_H
 
@@ -163,7 +164,8 @@ VELAN_EXPORT size_t handleKeyedDataUsingHandler(KeyedBytes bytes, KeyedDataClosu
 /// counted by `numberOfKeyedData`), and each such record of `bytes` has its equal somewhere in `other`: same marker,
 /// same key, and the same value, all bytes of it. Order does not matter. One equal may serve several records, so the
 /// answer can change when the buffers change places. A record that is longer than its buffer has no equal. When either
-/// buffer is empty: whether both are. Takes time for sorting one side.
+/// buffer is empty: whether both are. Takes time and memory for sorting one side; false when memory runs
+/// out.
 VELAN_EXPORT bool isEqualToKeyedData(KeyedBytes bytes, KeyedBytes other, uint32_t marker);
 
 }  // namespace velan

@@ -4,7 +4,7 @@
 
 #include "velan/base/FunctionRef.h"
 #include "velan/base/Log.h"
-#include "velan/base/PropertyList.h"
+#include "velan/base/OutOfMemory.h"
 #include "velan/base/ScratchBuffer.h"
 #include "velan/base/TextNumbers.h"
 #include "velan/base/UTF.h"
@@ -55,7 +55,17 @@ void retrieveKeyValuePairs(KeyedBytes bytes, bool keys, bool values, FunctionRef
   RecordWalk walk(bytes.span());
   while (const auto pair = nextPair(walk)) {
     if (!pair->value.fits()) return;
-    handle(keys ? String::fromUTF8(pair->keyText) : String(), values ? valueWithHeaderAndLength(pair->value) : Value());
+    handle(keys ? decodedUTF8(pair->keyText) : String(), values ? keyed::decodedValue(pair->value) : Value());
+  }
+}
+
+// Logs `format` with what the values look like, which takes memory.
+template <typename... Values>
+void logAbout(const char* format, const Values&... values) {
+  try {
+    logFormat(format, describe(values).c_str()...);
+  } catch (const std::bad_alloc&) {
+    logMessage(format);
   }
 }
 
@@ -64,11 +74,12 @@ template <typename Use>
 auto withKeyText(const String& key, const Use& use) -> decltype(use(std::string_view())) {
   const std::u16string_view units = key.view();
   ScratchBuffer<char, kInlineUTF8> utf8(units.size() * kMaxUTF8BytesPerUnit);
-  if (utf8 && !units.empty()) {
+  if (!utf8) return decltype(use(std::string_view()))();
+  if (!units.empty()) {
     const Transcoded converted = convertUTF16ToUTF8(units, utf8.data());
     if (converted.consumed == units.size()) return use({utf8.data(), converted.written});
   }
-  logMessage("WARNING: Key encoding failed: " + describe(key));
+  logAbout("WARNING: Key encoding failed: %s", key);
   return decltype(use(std::string_view()))();
 }
 
@@ -112,12 +123,25 @@ int64_t integerFromRecord(const Record& record) {
 
 double doubleFromRecord(const Record& record) {
   switch (record.marker()) {
-    case VLst:
-      return leadingDouble(textOf(record));
+    case VLbl:
+      return record.value<uint8_t>();
+    case VLun:
+      return record.value<uint32_t>();
+    case VLsi:
+      return record.value<int32_t>();
+    case VLul:
+      return static_cast<double>(record.value<uint64_t>());
+    case VLsl:
+      return static_cast<double>(record.value<int64_t>());
+    case VLfl:
+      return static_cast<double>(record.value<float>());
+    case VLdb:
     case VLda:
       return record.value<double>();
+    case VLst:
+      return leadingDouble(textOf(record));
     default:
-      return record.fits() ? valueWithHeaderAndLength(record).doubleValue() : 0;
+      return 0;
   }
 }
 
@@ -158,7 +182,7 @@ bool addValueRecord(MutableData& data, const Value& value, const String& key) {
     case ValueKind::Absent:
       break;
   }
-  logMessage("WARNING: Unsupported keyed value <" + describe(key) + ">: " + describe(value));
+  logAbout("WARNING: Unsupported keyed value <%s>: %s", key, value);
   return false;
 }
 

@@ -73,6 +73,9 @@ class Record {
 };
 
 /// The value of a record whose marker is known; absent when its payload reaches beyond the buffer or cannot be decoded.
+/// Throws `std::bad_alloc`.
+Value decodedValue(const Record& record);
+/// The same, absent also when memory runs out.
 Value valueWithHeaderAndLength(const Record& record);
 
 inline std::string_view asText(std::span<const uint8_t> bytes) {

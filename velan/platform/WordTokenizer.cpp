@@ -41,6 +41,7 @@ std::unique_ptr<WordTokenizer> WordTokenizer::create() {
     Template() {
       UErrorCode error = U_ZERO_ERROR;
       breaks = ubrk_open(UBRK_WORD, "", nullptr, 0, &error);
+      if (error == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();  // the next call tries again
       if (U_FAILURE(error)) breaks = nullptr;
     }
     UBreakIterator* breaks = nullptr;
@@ -48,7 +49,8 @@ std::unique_ptr<WordTokenizer> WordTokenizer::create() {
   if (!original.breaks) return nullptr;
   UErrorCode error = U_ZERO_ERROR;
   UBreakIterator* breaks = ubrk_clone(original.breaks, &error);
-  if (U_FAILURE(error) || !breaks) return nullptr;
+  if (error == U_MEMORY_ALLOCATION_ERROR || !breaks) throw std::bad_alloc();
+  if (U_FAILURE(error)) return nullptr;
   return std::unique_ptr<WordTokenizer>(new WordTokenizer(std::make_unique<Iterator>(breaks)));
 }
 
@@ -64,6 +66,7 @@ bool WordTokenizer::enumerateTokens(std::u16string_view text, FunctionRef<void(c
 bool WordTokenizer::enumeratePiece(std::u16string_view piece, int64_t offset, FunctionRef<void(const Token&)> handler) {
   UErrorCode error = U_ZERO_ERROR;
   ubrk_setText(_iterator->breaks, piece.data(), static_cast<int32_t>(piece.size()), &error);
+  if (error == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
   if (U_FAILURE(error)) return false;
   int32_t start = ubrk_first(_iterator->breaks);
   for (int32_t end; (end = ubrk_next(_iterator->breaks)) != UBRK_DONE; start = end) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <new>
 #include <utility>
 
 #include "velan/query/QueryEvaluatorInternal.h"
@@ -15,16 +16,29 @@ constexpr QueryComparison plainComparison(bool caseSensitive) {
   return caseSensitive ? QueryComparison::Exact : QueryComparison::IgnoreCase;
 }
 
+// What `ask` answers, or the neutral result, which the enumerator takes note of, when memory runs out.
+template <typename Ask>
+auto answer(const FastWordEnumerator& enumerator, decltype(std::declval<Ask>()()) neutral, const Ask& ask) {
+  try {
+    return ask();
+  } catch (const std::bad_alloc&) {
+    enumerator.noteOutOfMemory();
+    return neutral;
+  }
+}
+
 bool matches(const QueryTerms& terms, const String& string, QueryComparison comparison, LeafKind kind) {
   const auto enumerator = enumeratorForComparison(string, comparison);
   if (!enumerator) return false;
-  return QueryEvaluator(*enumerator, comparison, kind).evaluate(terms, {}, {0, string.length()});
+  return answer(*enumerator, false, [&] {
+    return QueryEvaluator(*enumerator, comparison, kind).evaluate(terms, {}, {0, string.length()});
+  });
 }
 
 bool containsAny(const QueryTerms& terms, const String& string, QueryComparison comparison, LeafKind kind) {
   const auto enumerator = enumeratorForComparison(string, comparison);
   if (!enumerator) return false;
-  return QueryEvaluator(*enumerator, comparison, kind).containsAny(terms);
+  return answer(*enumerator, false, [&] { return QueryEvaluator(*enumerator, comparison, kind).containsAny(terms); });
 }
 
 int64_t enumerate(const QueryTerms& terms, const String& string, Range range, QueryComparison comparison, bool wildcard,
@@ -41,17 +55,19 @@ Range bestPlace(const String& string, const QueryTerms& terms, Range range, bool
   const auto enumerator = enumeratorForComparison(string, comparison);
   if (!enumerator) return kAbsentRange;
   const Range searched = clippedRange(range, string.length());
-  QueryEvaluator evaluator(*enumerator, comparison, exactPhrase ? LeafKind::Plain : LeafKind::Tolerant);
-  Range best = kAbsentRange;
-  walkPositiveLeaves(terms, [&](const QueryTerms& leaf) {
-    LeafSearch& search = evaluator.search(leaf);
-    size_t number = search.numberFrom(searched.location);
-    for (const Range* place = search.at(number); place && endOf(*place) <= endOf(searched);
-         place = search.at(++number)) {
-      if (isAllowed(*place, searched) && (!isPresent(best) || isBetter(*place, best))) best = *place;
-    }
+  return answer(*enumerator, kAbsentRange, [&] {
+    QueryEvaluator evaluator(*enumerator, comparison, exactPhrase ? LeafKind::Plain : LeafKind::Tolerant);
+    Range best = kAbsentRange;
+    walkPositiveLeaves(terms, [&](const QueryTerms& leaf) {
+      LeafSearch& search = evaluator.search(leaf);
+      size_t number = search.numberFrom(searched.location);
+      for (const Range* place = search.at(number); place && endOf(*place) <= endOf(searched);
+           place = search.at(++number)) {
+        if (isAllowed(*place, searched) && (!isPresent(best) || isBetter(*place, best))) best = *place;
+      }
+    });
+    return best;
   });
-  return best;
 }
 
 }  // namespace
@@ -59,14 +75,16 @@ Range bestPlace(const String& string, const QueryTerms& terms, Range range, bool
 bool matchesString(const FastWordEnumerator& enumerator, const QueryTerms& node, const QueryTerms* partner,
                    QueryOperator queryOperator, int64_t distance, int64_t start, int64_t length,
                    QueryComparison comparison, bool wildcard) {
-  QueryEvaluator evaluator(enumerator, comparison, leafKind(wildcard));
-  return evaluator.evaluate(node, {partner, queryOperator, distance},
-                            clippedRange({start, length}, enumerator.length()));
+  return answer(enumerator, false, [&] {
+    return QueryEvaluator(enumerator, comparison, leafKind(wildcard))
+        .evaluate(node, {partner, queryOperator, distance}, clippedRange({start, length}, enumerator.length()));
+  });
 }
 
 bool containsString(const FastWordEnumerator& enumerator, const QueryTerms& node, QueryComparison comparison,
                     bool wildcard) {
-  return QueryEvaluator(enumerator, comparison, leafKind(wildcard)).containsAny(node);
+  return answer(enumerator, false,
+                [&] { return QueryEvaluator(enumerator, comparison, leafKind(wildcard)).containsAny(node); });
 }
 
 std::vector<QueryOccurrence> queryOccurrences(const FastWordEnumerator& enumerator, const QueryTerms& node, Range range,
@@ -103,7 +121,9 @@ int64_t callHandlerWithOccurrences(std::vector<QueryOccurrence> occurrences,
 int64_t enumerateOccurrences(const FastWordEnumerator& enumerator, const QueryTerms& node, Range range,
                              QueryComparison comparison, bool wildcard, QueryOccurrenceHandler handler) {
   if (!handler) return 0;
-  return callHandlerWithOccurrences(queryOccurrences(enumerator, node, range, comparison, wildcard), handler);
+  auto occurrences =
+      answer(enumerator, {}, [&] { return queryOccurrences(enumerator, node, range, comparison, wildcard); });
+  return callHandlerWithOccurrences(std::move(occurrences), handler);
 }
 
 bool QueryTerms::matchesPlain(const String& string, bool caseSensitive) const {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "velan/base/ASCII.h"
+#include "velan/base/OutOfMemory.h"
 #include "velan/base/TextNumbers.h"
 #include "velan/query/QueryTerms.h"
 #include "velan/text/CharacterSets.h"
@@ -178,7 +179,7 @@ class QueryParser {
 
   void addTerm(String word, bool substring, bool phrase) {
     _open.back()->appendChild(
-        QueryTerms::_initWithWord(std::move(word), _operator, _not, substring, phrase, _distance));
+        QueryTerms::_initWithWord(present(std::move(word)), _operator, _not, substring, phrase, _distance));
     resetPending();
   }
 

@@ -45,19 +45,22 @@ std::unique_ptr<QueryTerms> QueryTerms::_initWithWord(String word, QueryOperator
   return leaf;
 }
 
-// Takes the tree apart from the top, so that no destructor finds children below its own.
+// Takes the tree apart from the top, so that no destructor finds children below its own. Nodes that wait are linked to
+// each other, which needs no memory.
 QueryTerms::~QueryTerms() {
-  Children pending;
-  const auto takeChildren = [&pending](QueryTerms& node) {
+  QueryTerms* waiting = nullptr;
+  const auto takeChildren = [&waiting](QueryTerms& node) {
     if (auto* children = std::get_if<Children>(&node._object)) {
-      std::move(children->begin(), children->end(), std::back_inserter(pending));
+      for (std::unique_ptr<QueryTerms>& child : *children) {
+        child->_next = waiting;
+        waiting = child.release();
+      }
       children->clear();
     }
   };
   takeChildren(*this);
-  while (!pending.empty()) {
-    const std::unique_ptr<QueryTerms> node = std::move(pending.back());
-    pending.pop_back();
+  while (waiting) {
+    const std::unique_ptr<QueryTerms> node(std::exchange(waiting, waiting->_next));
     takeChildren(*node);
   }
 }

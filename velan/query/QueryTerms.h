@@ -88,7 +88,8 @@ class VELAN_EXPORT QueryTerms {
   static constexpr int64_t kDefaultDistance = 10;
 
   /// `initWithString:`: the tree of `query`; terms are joined by and unless an operator stands between them, proximity
-  /// operators reach 10 words. Never null; an absent or empty query gives a tree without children.
+  /// operators reach 10 words. Never null; an absent or empty query gives a tree without children. Throws
+  /// `std::bad_alloc`, as all that makes a tree.
   static std::unique_ptr<QueryTerms> initWithString(const String& query);
   /// `initWithString:defaultOperator:defaultDistance:`: as above with the operator and distance (in words) to use where
   /// the query names none.
@@ -223,6 +224,7 @@ class VELAN_EXPORT QueryTerms {
   bool _querySubstr = false;
   bool _isWord = false;
   int64_t _proximityDistance;
+  QueryTerms* _next = nullptr;  // while it waits for its destruction
 };
 
 /// `queryTerm`: appends `node` with everything below it to `text` in `style`; `dictionary` may be null.

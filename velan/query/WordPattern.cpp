@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <new>
 #include <optional>
 #include <utility>
 
@@ -13,13 +14,14 @@ namespace {
 
 std::vector<std::u16string> wordsOf(std::u16string_view text, bool wildcard) {
   std::vector<std::u16string> words;
-  if (const auto enumerator = FastWordEnumerator::enumeratorWithString(String(text), false, wildcard)) {
-    enumerator->enumerateWordsInRange({0, enumerator->length()},
-                                      [&words](const FastWordEnumerator& each, int64_t start, int64_t length) {
-                                        words.emplace_back(each.characters() + start, static_cast<size_t>(length));
-                                        return false;
-                                      });
-  }
+  if (text.empty()) return words;
+  const auto enumerator = FastWordEnumerator::enumeratorWithString(String(text), false, wildcard);
+  if (!enumerator) throw std::bad_alloc();
+  enumerator->enumerateWordsInRange({0, enumerator->length()},
+                                    [&words](const FastWordEnumerator& each, int64_t start, int64_t length) {
+                                      words.emplace_back(each.characters() + start, static_cast<size_t>(length));
+                                      return false;
+                                    });
   return words;
 }
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "velan/base/FunctionRef.h"
+#include "velan/base/OutOfMemory.h"
 #include "velan/base/String.h"
 #include "velan/text/CharacterSets.h"
 #include "velan/text/Separators.h"
@@ -43,7 +44,7 @@ List componentsUsingSeparators(const String& string, const uint8_t* separators, 
   enumerateComponentsUsingBlock(
       string,
       [&](const String& text, const unichar*, int64_t start, int64_t length, bool) {
-        if (length >= minLen) components.insert(components.end(), text.substring({start, length}));
+        if (length >= minLen) components.insert(components.end(), present(text.substring({start, length})));
         return false;
       },
       separators);

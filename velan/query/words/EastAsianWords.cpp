@@ -1,6 +1,7 @@
 #include "velan/query/words/EastAsianWords.h"
 
 #include <algorithm>
+#include <new>
 
 #include "velan/base/MutableString.h"
 #include "velan/query/words/FastWordEnumerator.h"
@@ -10,7 +11,7 @@ namespace velan {
 String stringBySeparatingAsianWords(const String& string) {
   if (string.length() < 2 || std::none_of(string.begin(), string.end(), isEastAsianUnichar)) return string;
   const auto enumerator = FastWordEnumerator::enumeratorSplittingAsianWords(string);
-  if (!enumerator) return string;
+  if (!enumerator) throw std::bad_alloc();
   MutableString spaced;
   spaced.reserve(string.length() + string.length() / 2);
   int64_t copied = 0;

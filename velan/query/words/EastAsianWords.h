@@ -14,7 +14,8 @@ constexpr bool isEastAsianUnichar(unichar c) {
 
 /// `stringBySeparatingAsianWords`: a copy of `string` with a space between the words inside each run of word units
 /// that holds an East Asian unit, so that splitting at the word separators finds them. All else is kept. The receiver
-/// itself when nothing is to be inserted. Where the words begin is ICU's judgement and may change with its version.
+/// itself when nothing is to be inserted. Where the words begin is ICU's judgement and may change with its version. May
+/// throw `std::bad_alloc`.
 VELAN_EXPORT String stringBySeparatingAsianWords(const String& string);
 
 }  // namespace velan

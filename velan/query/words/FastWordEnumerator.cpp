@@ -135,8 +135,12 @@ bool FastWordEnumerator::initIndex(bool splitAsianWords) {
   }
   _numWords = _wildcard ? indexWildcardWords(_characters, _length, defaultWildcardSeparators(), _index.get())
                         : indexWords(_characters, _length, defaultWordSeparators(), _index.get());
-  if (splitAsianWords) splitAsianRuns();
-  return true;
+  try {
+    if (splitAsianWords) splitAsianRuns();
+    return true;
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
 }
 
 // Divides each run of word units that holds an East Asian unit, looking at every unit once. A piece of a pattern stays

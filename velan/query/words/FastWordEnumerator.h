@@ -72,6 +72,12 @@ class VELAN_EXPORT FastWordEnumerator {
   /// `locale`: the locale of the tokenizer. Always "root": the dictionaries are chosen by script.
   static String locale();
 
+  /// Whether memory ran out during a query on it (`matchesString`, `containsString` and their like), whose answer was
+  /// then none. Creation that fails for that gives a null pointer.
+  bool ranOutOfMemory() const { return __atomic_load_n(&_ranOutOfMemory, __ATOMIC_RELAXED); }
+  /// For those queries.
+  void noteOutOfMemory() const { __atomic_store_n(&_ranOutOfMemory, true, __ATOMIC_RELAXED); }
+
   /// `string`: the string it was created with. If that were units: a copy of `characters`, made on each call. Absent
   /// after `invalidate`.
   String string() const;
@@ -180,6 +186,7 @@ class VELAN_EXPORT FastWordEnumerator {
   uint64_t _numWords = 0;
   std::unique_ptr<WordTokenizer> _tokenizer;  // made when first needed
   bool _wildcard = false;
+  mutable bool _ranOutOfMemory = false;
 };
 
 }  // namespace velan

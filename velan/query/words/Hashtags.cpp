@@ -1,5 +1,6 @@
 #include "velan/query/words/Hashtags.h"
 
+#include "velan/base/OutOfMemory.h"
 #include "velan/query/words/Components.h"
 
 namespace velan {
@@ -39,7 +40,7 @@ std::optional<std::vector<String>> hashtags(const String& string, bool allowSlas
         const Range tag = tagOfComponent(units, {start, length}, allowSlash);
         if (!isPresent(tag)) return false;
         if (!tags) tags.emplace().reserve(8);
-        tags->push_back(text.substring(tag));
+        tags->push_back(present(text.substring(tag)));
         return false;
       },
       whiteCharacterSetRep());

@@ -65,6 +65,7 @@ int64_t numberOfWordsUsingDefaultSeparation(const String& string, int64_t minLen
 std::optional<std::vector<String>> wordsUsingWildcardSeparation(const String& string, bool* hyphenated) {
   if (hyphenated) *hyphenated = false;
   const auto enumerator = FastWordEnumerator::enumeratorWithString(string, false, true);
+  if (!enumerator && !string.isEmpty()) throw std::bad_alloc();
   return wordListOfEnumerator<std::vector<String>>(enumerator.get(), 1, hyphenated);
 }
 

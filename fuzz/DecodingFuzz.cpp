@@ -65,6 +65,7 @@ void checkDecoding(TextEncoding number, std::span<const uint8_t> bytes, size_t p
   if (lenient.malformed + lenient.unassigned > 0) return;
   // A control character that shifts cannot be written as itself.
   if (hasEscapes(number) && lenient.text.view().find_first_of(u"\x1B\x0E\x0F") != std::u16string_view::npos) return;
+  if (lenient.text.view().starts_with(u'\xFEFF')) return;  // it would be read as a byte-order mark
   if (const Data written = dataUsingEncoding(lenient.text.view(), encoding)) {
     require(stringWithData(written, encoding) == lenient.text);
   }

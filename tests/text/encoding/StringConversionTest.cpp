@@ -133,6 +133,21 @@ TEST(StringConversion, FastestAndSmallest) {
   EXPECT_EQ(smallestEncoding(u"\u0080"_s), StringEncoding::UTF16);
 }
 
+TEST(StringConversion, EveryScalarValueGoesThroughEveryUnicodeForm) {
+  std::u16string all;
+  for (uint32_t c = 0; c < 0x110000; ++c) {
+    if (c >= 0xD800 && c < 0xE000) continue;
+    if (c >= 0x10000) all.push_back(static_cast<unichar>(0xD7C0 + (c >> 10)));
+    all.push_back(static_cast<unichar>(c < 0x10000 ? c : 0xDC00 + (c & 0x3FF)));
+  }
+  using enum TextEncoding;
+  for (const TextEncoding form : {UTF7, UTF8, UTF16, UTF16BigEndian, UTF16LittleEndian, UTF32, UTF32BigEndian,
+                                  UTF32LittleEndian, SCSU, GB18030}) {
+    const Data bytes = dataUsingEncoding(all, stringEncoding(form));
+    EXPECT_TRUE(stringWithData(bytes, stringEncoding(form)).view() == all) << static_cast<uint32_t>(form);
+  }
+}
+
 // Codes that only are read: ICU writes their characters as another code or not at all.
 TEST(StringConversion, WhatIsReadIsWrittenSoThatItReadsTheSame) {
   const std::set<std::pair<TextEncoding, std::string>> exceptions = {

@@ -289,6 +289,14 @@ TEST_F(BlockStorageTest, TheEndOfALongFileIsFoundWithoutReadingItAll) {
       reads[blocks / 400] = files.calls[0];
     }
     EXPECT_LE(reads[1], 2 * reads[0]) << size;
+    const auto storage = updating();
+    for (int64_t n = 0; n < reads[1]; ++n) {
+      files.calls[0] = 0;
+      files.fault = {SimulatedFiles::Call::Read, n, EIO, false};
+      EXPECT_FALSE(storage->recoverTail()) << n;
+      EXPECT_EQ(storage->error().reason(), FileReason::InputOutput) << n;
+    }
+    files.fault = {};
   }
 }
 

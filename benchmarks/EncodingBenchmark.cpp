@@ -16,8 +16,8 @@ namespace {
 
 constexpr const char* kTexts[] = {
     "The quick brown fox jumps over the lazy dog near the old harbour, where \"light\" means more than one thing. ",
-    "Größere Städte wie München, Köln oder Düsseldorf haben für Fußgänger schöne Plätze übrig, müssen aber auch "
-    "bauen. ",
+    ("Größere Städte wie München, Köln oder Düsseldorf haben für Fußgänger schöne Plätze übrig, müssen aber auch "
+     "bauen. "),
     "Съешь же ещё этих мягких французских булок, да выпей чаю; в чащах юга жил бы цитрус? Да, но фальшивый экземпляр! ",
     "天地玄黃，宇宙洪荒。日月盈昃，辰宿列張。寒來暑往，秋收冬藏。閏餘成歲，律呂調陽。雲騰致雨，露結為霜。",
     "English, Größe, Съешь ещё, 天地玄黃, 日本語のテキスト, 한국어, عربى, 😀👍 and plain text again. ",

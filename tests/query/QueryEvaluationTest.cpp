@@ -242,6 +242,28 @@ TEST(QueryEvaluation, EqualsTheReference) {
   }
 }
 
+// What several places of one leaf give to ranges with one beginning is rare to overlap in random queries.
+TEST(QueryEvaluation, PlacesThatGiveDifferentEnds) {
+  const struct {
+    const char* why;
+    std::u16string text;
+    String query;
+    bool matches;
+  } cases[] = {
+      {"what only a place before gives", u"n b n y c q", u"(((b AND y AND NOT c) AFTER/9 n) OR q) BEFORE/2 y"_s, false},
+      {"and with that place", u"n b n y c q", u"(((b AND y AND NOT c) AFTER/9 n) OR q) BEFORE/3 y"_s, true},
+      {"a later place gives a part of it", u"n b n y w c q",
+       u"((((b AND NOT c) OR (y XOR w)) AFTER/9 n) OR q) BEFORE/4 w"_s, true},
+      {"a later place gives all ends earlier", u"v n b n y w", u"((NOT b OR w OR v) AFTER/9 n) BEFORE/4 y"_s, true},
+  };
+  for (const auto& c : cases) {
+    const auto terms = QueryTerms::initWithWildcard(c.query);
+    const ReferenceText reference(c.text, QueryComparison::Exact, true);
+    EXPECT_EQ(reference.matches(referenceOf(*terms), reference.wholeRange()), c.matches) << c.why;
+    EXPECT_EQ(terms->matchesString(c.text, QueryComparison::Exact), c.matches) << c.why;
+  }
+}
+
 bool record(void* argument, const String& term, int64_t location, int64_t length, bool primary) {
   *static_cast<std::string*>(argument) += dumpOf({{{location, length}, term, primary}});
   return term == u"stop"_s;

@@ -75,6 +75,24 @@ struct ClosingLiteral {
   size_t unitsSearched() const { return afterTag.unitsSearched() + afterComment.unitsSearched(); }
 };
 
+// Finds names with the sets at hand.
+class NameFinder {
+ public:
+  // Where the name of the ordinary tag `[tag, end]` stands, `text[end]` being its ">"; absent when it has none.
+  Range nameOf(std::u16string_view text, size_t tag, size_t end) const {
+    size_t begin = tag + 1;
+    while (begin < end && !isMemberOfCharacterSetRep(_alpha, text[begin])) ++begin;
+    if (begin >= end) return kAbsentRange;
+    size_t behind = begin + 1;
+    while (text[behind] != u'/' && text[behind] != u'>' && !isMemberOfCharacterSetRep(_white, text[behind])) ++behind;
+    return {static_cast<int64_t>(begin), static_cast<int64_t>(behind - begin)};
+  }
+
+ private:
+  const uint8_t* const _alpha = alphaCharacterSetRep();
+  const uint8_t* const _white = whiteCharacterSetRep();
+};
+
 class TagScanner {
  public:
   TagScanner(std::u16string_view text, FunctionRef<bool(const TagReport&)> report)
@@ -95,7 +113,7 @@ class TagScanner {
         if (kind != TagKind::Tag) report(tag, end, kAbsentRange, kind);
         break;
       }
-      const Range name = kind == TagKind::Tag ? nameOfTag(_text, tag, end) : kAbsentRange;
+      const Range name = kind == TagKind::Tag ? _names.nameOf(_text, tag, end) : kAbsentRange;
       if (report(tag, kind == TagKind::Tag ? endOfElement(tag, end, name) : end + 1, name, kind)) return;
     }
     report(_text.size(), _text.size(), kAbsentRange, TagKind::End);
@@ -170,6 +188,7 @@ class TagScanner {
 
   const std::u16string_view _text;
   const FunctionRef<bool(const TagReport&)> _report;
+  const NameFinder _names;
   size_t _behindTag = 0;
   ClosingLiteral _script;
   ClosingLiteral _style;
@@ -211,17 +230,6 @@ size_t endOfTag(std::u16string_view text, size_t tag) {
   return text.size();
 }
 
-Range nameOfTag(std::u16string_view text, size_t tag, size_t end) {
-  const uint8_t* const alpha = alphaCharacterSetRep();
-  const uint8_t* const white = whiteCharacterSetRep();
-  size_t begin = tag;
-  while (begin < end && !isMemberOfCharacterSetRep(alpha, text[begin])) ++begin;
-  if (begin == end) return kAbsentRange;
-  size_t behind = begin + 1;
-  while (text[behind] != u'/' && text[behind] != u'>' && !isMemberOfCharacterSetRep(white, text[behind])) ++behind;
-  return {static_cast<int64_t>(begin), static_cast<int64_t>(behind - begin)};
-}
-
 bool hasName(const TagReport& tag, std::u16string_view name) { return equalsLetters(nameOf(tag), name); }
 
 bool GetTagsOfString(const String& string, TagHandler handler, void* context, TagBlock block, bool privateCopy) {
@@ -254,7 +262,7 @@ bool isMetaTagInRange(const String& string, Range range) {
   const std::u16string_view tag = clipped(string, range);
   const size_t end = tag.starts_with(u'<') && !tag.starts_with(u"</") ? endOfTag(tag, 0) : tag.size();
   if (end == tag.size()) return false;
-  const Range name = nameOfTag(tag, 0, end);
+  const Range name = NameFinder().nameOf(tag, 0, end);
   return name.length == 4 && equalsLetters(tag.substr(static_cast<size_t>(name.location), 4), u"meta");
 }
 

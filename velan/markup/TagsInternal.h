@@ -15,9 +15,6 @@ size_t scanTags(std::u16string_view text, FunctionRef<bool(const TagReport&)> re
 /// The position of the ">" that ends the ordinary tag which begins at `tag`, or the length of `text`.
 size_t endOfTag(std::u16string_view text, size_t tag);
 
-/// Where the name of the ordinary tag `[tag, end]` stands, `text[end]` being its ">"; absent when it has none.
-Range nameOfTag(std::u16string_view text, size_t tag, size_t end);
-
 /// Whether the tag is named `name`, ASCII in lower case.
 bool hasName(const TagReport& tag, std::u16string_view name);
 

@@ -42,9 +42,12 @@ inline bool blockHolds(const unichar* starts, const unichar* ends, unichar first
 
 /// The least `i` below `length` with `units[i] == c`, or `length`.
 inline size_t positionOfUnit(const unichar* units, size_t length, unichar c) {
+  constexpr size_t kNear = 16;  // most distances are short
   size_t i = 0;
-  for (; length - i >= kBlock && !blockHolds(units + i, units + i, c, c); i += kBlock) {
+  for (const size_t near = length < kNear ? length : kNear; i < near; ++i) {
+    if (units[i] == c) return i;
   }
+  while (length - i >= kBlock && !blockHolds(units + i, units + i, c, c)) i += kBlock;
   while (i < length && units[i] != c) ++i;
   return i;
 }

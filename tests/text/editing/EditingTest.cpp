@@ -21,29 +21,6 @@ String edited(const String& text, const Edit& edit) {
   return copy;
 }
 
-TEST(RemovingAndTrimming, PlainTextsHaveNoAttributes) {
-  const Edit edit = [](MutableString& text) {
-    removeAttachments(text);
-    removeLinks(text);
-    removeAttribute(text, u"NSLink");
-  };
-  EXPECT_EQ(edited(u"a\xFFFC http://b.c", edit), u"a\xFFFC http://b.c"_s);
-}
-
-TEST(Tabs, Columns) {
-  const struct {
-    const char16_t *tabs, *spaces, *encoded;  // decoded, and encoded again
-  } cases[] = {
-      {u"ab\tc", u"ab  c", u"ab\tc"}, {u"a\n\tb", u"a\n    b", u"a\n\tb"}, {u"abcd\te", u"abcd    e", u"abcd\te"},
-      {u"a  b", u"a  b", u"a  b"},    {u"abc d", u"abc d", u"abc\td"},
-  };
-  for (const auto& c : cases) {
-    const String spaces = edited(c.tabs, [](MutableString& text) { EXPECT_TRUE(decodeTabs(text, 4)); });
-    EXPECT_EQ(spaces, String(c.spaces));
-    EXPECT_EQ(edited(spaces, [](MutableString& text) { encodeTabs(text, 4); }), String(c.encoded));
-  }
-}
-
 TEST(Tabs, ImpossibleWidths) {
   int failures = 0;
   setLogSink([](std::string_view, void* count) { ++*static_cast<int*>(count); }, &failures);
@@ -60,10 +37,12 @@ TEST(Tabs, ImpossibleWidths) {
   EXPECT_EQ(text.string(), u"a\tb\t\t"_s);
 }
 
-TEST(Normalization, FormsAndCase) {
+// Tabs, and texts that are replaced or removed, are held against slow versions.
+TEST(Editing, FormsCaseLigaturesAndUnits) {
   const auto form = [](int number) -> Edit {
     return [=](MutableString& text) { normalizeString(text, static_cast<NormalizationForm>(number)); };
   };
+  const Edit convert = [](MutableString& text) { EXPECT_TRUE(convertLigaturesToCharacters(text)); };
   const struct {
     const char* why;
     Edit edit;
@@ -82,6 +61,16 @@ TEST(Normalization, FormsAndCase) {
       {"to upper case", uppercase, u"stra\x00DF\x0065", u"STRASSE"},
       {"capitals", capitalize, u"o'NEIL e-mail \x01C6", u"O'neil E-Mail \x01C5"},
       {"nothing", capitalize, u"", u""},
+      {"ligatures", convert, u"\xFB00 \xFB01 \xFB02 \xFB03 \xFB04 \xFB05 \xFB06", u"ff fi fl ffi ffl st st"},
+      {"ligatures of letters", convert, u"œuvre ŒUVRE ÆON æon ĲS ĳs", u"oeuvre OEUVRE AEON aeon IJS ijs"},
+      {"no ligatures", convert, u"ß\xFB07", u"ß\xFB07"},
+      {"a unit", [](auto& t) { replaceCharacter(t, u'a', u'x'); }, u"aAb", u"xAb"},
+      {"in any case", [](auto& t) { replaceCharacter(t, u'A', u'x', false); }, u"aAb\x00DF", u"xxb\x00DF"},
+      {"by absence", [](auto& t) { replaceString(t, u"ab", String()); }, u"abAB", u"AB"},
+      {"absence", [](auto& t) { replaceString(t, String(), u"x"); }, u"abAB", u"abAB"},
+      {"no attachments", removeAttachments, u"a\xFFFC", u"a\xFFFC"},
+      {"no links", removeLinks, u"http://b.c", u"http://b.c"},
+      {"no attributes", [](auto& t) { removeAttribute(t, u"NSLink"); }, u"a\xFFFC", u"a\xFFFC"},
   };
   for (const auto& c : cases) EXPECT_EQ(edited(c.text, c.edit), c.result) << c.why;
   EXPECT_EQ(edited(String(std::u16string(200, 0xFDFA)), form(1)).length(), 18 * 200);  // the longest of all
@@ -89,16 +78,6 @@ TEST(Normalization, FormsAndCase) {
   EXPECT_EQ(normalizedUppercaseString(u"AB"), u"ab"_s);
   const String same = u"stra\x00DF\x0065";
   EXPECT_TRUE(normalizedLowercaseString(same).isSameObject(same));
-}
-
-TEST(Replacement, UnitsAndTexts) {
-  EXPECT_EQ(edited(u"aAb\x00DF", [](auto& t) { replaceCharacter(t, u'a', u'x'); }), u"xAb\x00DF"_s);
-  EXPECT_EQ(edited(u"aAb\x00DF", [](auto& t) { replaceCharacter(t, u'A', u'x', false); }), u"xxb\x00DF"_s);
-  EXPECT_EQ(edited(u"abAB", [](auto& t) { replaceString(t, u"ab", u"long"); }), u"longAB"_s);
-  EXPECT_EQ(edited(u"aabbAB", [](auto& t) { deleteString(t, u"ab"); }), u"abAB"_s);
-  EXPECT_EQ(edited(u"abAB", [](auto& t) { replaceString(t, u"ab", String()); }), u"AB"_s);
-  EXPECT_EQ(edited(u"abAB", [](auto& t) { replaceString(t, String(), u"x"); }), u"abAB"_s);
-  EXPECT_EQ(stringByRemovingString(u"abAB", u"AB"), u"ab"_s);
 }
 
 TEST(Replacement, Formats) {
@@ -121,14 +100,6 @@ TEST(Replacement, Formats) {
         edited(u"$$", [&](auto& t) { EXPECT_TRUE(replaceStringWithFormat(t, u"$$", c.format, c.arguments)); });
     EXPECT_EQ(result, c.result) << c.why;
   }
-}
-
-TEST(Ligatures, Letters) {
-  const Edit convert = [](MutableString& text) { EXPECT_TRUE(convertLigaturesToCharacters(text)); };
-  EXPECT_EQ(edited(u"\xFB00 \xFB01 \xFB02 \xFB03 \xFB04 \xFB05 \xFB06 \xFB07", convert),
-            u"ff fi fl ffi ffl st st \xFB07"_s);
-  EXPECT_EQ(edited(u"œuvre ŒUVRE ÆON æon ĲS ĳs", convert), u"oeuvre OEUVRE AEON aeon IJS ijs"_s);
-  EXPECT_EQ(edited(u"ß", convert), u"ß"_s);
 }
 
 TEST(Appending, PartsAndUnits) {

@@ -78,10 +78,7 @@ class TextBuilder {
     if (_preformatted && _break == Effect::EndsParagraph && units.starts_with(u'\n')) units.remove_prefix(1);
     for (const unichar c : units) {
       if (c == 0xAD) continue;  // a soft hyphen
-      if (!isSpace(c)) {
-        beginWord();
-        _text.push_back(c);
-      } else if (!_preformatted) {
+      if (isSpace(c) && !_preformatted) {
         _space = true;
       } else if (c != u'\r') {
         beginWord();

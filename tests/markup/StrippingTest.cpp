@@ -64,6 +64,7 @@ TEST(Stripping, BodyOfTheFirstElement) {
       {"STYLE", u"1<style a='>'><b></style ></style>2"_s, u"<b>"_s, u"<style a='>'><b></style >"_s},
       {"SCRIPT", u"1<script><!--</script>--> x</SCRIPT </script"_s, u"<!--</script>--> x"_s,
        u"<script><!--</script>--> x</SCRIPT </script"_s},
+      {"SCRIPT", u"1</script>2<script>3</script>4"_s, u"24"_s, u"</script>2<script>3</script>4"_s},
       {"B", u"<i>1</i>"_s, String(), String()},
       {"", u"<i>1</i>"_s, String(), String()},
   };

@@ -16,6 +16,7 @@
 namespace velan {
 namespace {
 
+// What the comparison with iconv and the way back of every code do not decide.
 TEST(StringConversion, EncodesOrRefuses) {
   using namespace std::string_view_literals;
   const struct {
@@ -30,12 +31,7 @@ TEST(StringConversion, EncodesOrRefuses) {
       {StringEncoding::Latin1, u"\u20AC", "-"},
       {StringEncoding::UTF16BigEndian, u"\xD800z", "\xD8\0\0z"sv},
       {StringEncoding::UTF32, u"z", "\xFF\xFE\0\0z\0\0\0"sv},
-      {StringEncoding::WindowsLatin1, u"\u20AC", "\x80"},
-      {StringEncoding::WindowsCyrillic, u"\u0416", "\xC6"},
-      {StringEncoding::MacRoman, u"\u00E9", "\x8E"},
       {StringEncoding::MacRoman, u"\u0416", "-"},
-      {StringEncoding::ShiftJIS, u"\u65E5", "\x93\xFA"},
-      {stringEncoding(TextEncoding::WindowsHebrew), u"\u05D0", "\xE0"},
       {static_cast<StringEncoding>(0x88000100), u"\u00E9", "\xC3\xA9"},
       {StringEncoding::NonLossyASCII, u"\\a\u00E9\U0001F600", "\\\\a\\351\\ud83d\\ude00"},
       {stringEncoding(TextEncoding::ISO2022JP), u"a\u65E5", "a\x1B$BF|\x1B(B"},

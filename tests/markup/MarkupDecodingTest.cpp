@@ -1,8 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <fstream>
-
+#include "tests/platform/files/TemporaryFolder.h"
 #include "velan/base/PropertyList.h"
 #include "velan/markup/MarkupDecoding.h"
 #include "velan/text/encoding/CharsetNames.h"
@@ -21,34 +19,18 @@ std::string meta(const std::string& charset) {
   return "<meta http-equiv=\"Content-Type\" content=\"text/html; charset=" + charset + "\">";
 }
 
-struct Sample {
-  const char* charset;
-  String text;
-};
-
-const std::vector<Sample>& samples() {
-  static const std::vector<Sample> samples = {
-      {"UTF-8", u"äßéż 漢字 \U0001F600"_s},  {"ISO-8859-1", u"äßé£ÿ"_s},
-      {"ISO-8859-2", u"ąęłżźćš"_s},          {"ISO-8859-5", u"Привет, мир"_s},
-      {"ISO-8859-7", u"Καλημέρα"_s},         {"ISO-8859-9", u"ğüşıöç"_s},
-      {"ISO-8859-15", u"€Œœäß"_s},           {"windows-1250", u"Příliš žluťoučký"_s},
-      {"windows-1251", u"Съешь же"_s},       {"windows-1252", u"“äß”–€"_s},
-      {"windows-1253", u"Ελλάδα"_s},         {"windows-1254", u"İstanbul’da"_s},
-      {"windows-1257", u"ąčęėįšųū"_s},       {"koi8-r", u"Русский текст"_s},
-      {"koi8-u", u"Україна, їжак"_s},        {"macintosh", u"äöüß†é"_s},
-      {"Shift_JIS", u"日本語のテキスト"_s},  {"EUC-JP", u"日本語のテキスト"_s},
-      {"ISO-2022-JP", u"日本語"_s},          {"gb2312", u"简体中文网页"_s},
-      {"gb18030", u"简体中文€\U0001F600"_s}, {"big5", u"繁體中文網頁"_s},
-      {"euc-kr", u"한국어 문서"_s},          {"koi8-cs2", u"žluťoučký kůň"_s},
-      {"kamenicky", u"Příliš kůň"_s},
-  };
-  return samples;
-}
-
 // Default UTF-8: pages that name their encoding in three ways, or come with it.
 TEST(MarkupDecoding, EveryEncodingIsRead) {
-  ASSERT_GE(samples().size(), 20u);
-  for (const Sample& sample : samples()) {
+  const struct {
+    const char* charset;
+    String text;
+  } samples[] = {
+      {"UTF-8", u"äßéż 漢字 \U0001F600"_s}, {"ISO-8859-1", u"äßé£ÿ"_s},       {"ISO-8859-2", u"ąęłżźćš"_s},
+      {"windows-1251", u"Съешь же"_s},      {"koi8-u", u"Україна, їжак"_s},   {"macintosh", u"äöüß†é"_s},
+      {"Shift_JIS", u"日本語のテキスト"_s}, {"ISO-2022-JP", u"日本語"_s},     {"gb2312", u"简体中文网页"_s},
+      {"big5", u"繁體中文網頁"_s},          {"koi8-cs2", u"žluťoučký kůň"_s}, {"kamenicky", u"Příliš kůň"_s},
+  };
+  for (const auto& sample : samples) {
     const String name = String::fromUTF8(sample.charset);
     const StringEncoding encoding = NSEncodingFromName(name);
     const std::string xml = "<?xml version=\"1.0\" encoding=\"" + std::string(sample.charset) + "\"?>";
@@ -85,7 +67,6 @@ TEST(MarkupDecoding, TheChoiceBetweenResults) {
     String text;  // of the body
   } cases[] = {
       {"nothing is said", UTF8, "", "", "\xC3\xA9", UTF8, Default, u"é"_s},
-      {"nothing is said, another default", WindowsLatin1, "", "", "\xE9\x80", WindowsLatin1, Default, u"é€"_s},
       {"nothing is said, the default does not fit", UTF8, "", "", "a\xE9z", UTF8, Default, u"a\uFFFDz"_s},
       {"an unknown name", UTF8, "no-such", "", "\xC3\xA9", UTF8, Default, u"é"_s},
       {"a name without a converter", UTF8, "x-mac-japanese", "", "\xC3\xA9", UTF8, Default, u"é"_s},
@@ -97,9 +78,6 @@ TEST(MarkupDecoding, TheChoiceBetweenResults) {
        u"aézü"_s},
       {"declared UTF-8 with one bad byte", WindowsLatin1, "", meta("utf-8"), "\xC3\xA9\xC3\xA4\xE9z", UTF8, Declaration,
        u"éä\uFFFDz"_s},
-      {"declared UTF-8 with half of it bad", WindowsLatin1, "", meta("utf-8"), "\xC3\xA9\xE9z", WindowsLatin1, Default,
-       u"Ã©éz"_s},
-      {"a declaration goes before the default", UTF8, "", meta("koi8-r"), "\xC3\xC9", koi8r, Declaration, u"ци"_s},
       {"a declaration goes before a name", UTF8, "koi8-r", meta("windows-1252"), "\xE9", WindowsLatin1, Declaration,
        u"é"_s},
       {"a name leaves less U+FFFD", UTF8, "koi8-r", meta("shift_jis"), "\xE9", koi8r, Fallback, u"И"_s},
@@ -115,8 +93,6 @@ TEST(MarkupDecoding, TheChoiceBetweenResults) {
        Declaration, u"Ã©"_s},
       {"named UTF-8, declared Windows-1251, which fits", UTF8, "utf-8", meta("windows-1251"), "\xC6", WindowsCyrillic,
        Declaration, u"Ж"_s},
-      {"named KOI8, declared Windows-1251", UTF8, "koi8-r", meta("windows-1251"), "\xC6", WindowsCyrillic, Declaration,
-       u"Ж"_s},
       {"Shift-JIS with what only another has", UTF8, "", meta("shift_jis"), "\xC6\xFC\xCB\xDC\xB8\xEC", EUCJapanese,
        Fallback, u"日本語"_s},
       {"Shift-JIS with a bad byte", UTF8, "", meta("shift_jis"), "\x93\xFA\x96\x7B\x8C\xEA\xFD.",
@@ -130,7 +106,6 @@ TEST(MarkupDecoding, TheChoiceBetweenResults) {
       {"Big5, but Latin-1", WindowsLatin1, "", meta("big5"), "\xE9 \xE9 ", WindowsLatin1, Fallback, u"é é "_s},
       {"Big5, but nothing that fits", UTF8, "", meta("big5"), "\xE9 \xFC ", Invalid, Fallback, String()},
       {"UTF-16 that could not be read so", WindowsLatin1, "", meta("utf-16"), "\xE9", WindowsLatin1, Default, u"é"_s},
-      {"UTF-32 that could not be read so", WindowsLatin1, "", meta("utf-32le"), "\xE9", WindowsLatin1, Default, u"é"_s},
       {"declared in the body", UTF8, "", "</head><body>" + meta("koi8-r"), "\xC3\xA9", UTF8, Default, u"é"_s},
   };
   for (const auto& c : cases) {
@@ -184,43 +159,33 @@ TEST(MarkupDecoding, ShorterForms) {
   EXPECT_EQ(stringWithMarkupData(Data::withBytes(""), StringEncoding::UTF8), u""_s);
 }
 
-class MarkupFiles : public testing::Test {
- protected:
-  String write(const std::string& name, std::string_view bytes) {
-    _paths.push_back(testing::TempDir() + "velan_markup_" + name);
-    std::ofstream(_paths.back(), std::ios::binary) << bytes;
-    return String::fromUTF8(_paths.back());
-  }
-  ~MarkupFiles() override {
-    for (const std::string& path : _paths) std::remove(path.c_str());
-  }
-
- private:
-  std::vector<std::string> _paths;
-};
-
-TEST_F(MarkupFiles, AreReadLikeData) {
+TEST(MarkupFiles, AreReadLikeData) {
+  const TemporaryFolder folder;
   StringEncoding used = StringEncoding::ASCII;
-  const String russian = write("russian.html", "<meta charset=koi8-r>\xE9");
-  EXPECT_EQ(stringWithMarkupContentsOfFile(russian, StringEncoding::UTF8, &used), u"<meta charset=koi8-r>И"_s);
+  folder.write("russian.html", "<meta charset=koi8-r>\xE9");
+  EXPECT_EQ(stringWithMarkupContentsOfFile(folder.path("russian.html"), StringEncoding::UTF8, &used),
+            u"<meta charset=koi8-r>И"_s);
   EXPECT_EQ(used, NSEncodingFromName(u"koi8-r"_s));
-  const String nothingFits = write("chinese.html", "<meta charset=big5>\xE9 \x8F \xFF");
-  EXPECT_EQ(stringWithMarkupContentsOfFile(nothingFits, StringEncoding::UTF8, &used), u"<meta charset=big5>È è ˇ"_s);
+  folder.write("chinese.html", "<meta charset=big5>\xE9 \x8F \xFF");
+  EXPECT_EQ(stringWithMarkupContentsOfFile(folder.path("chinese.html"), StringEncoding::UTF8, &used),
+            u"<meta charset=big5>È è ˇ"_s);
   EXPECT_EQ(used, StringEncoding::MacRoman);
   EXPECT_TRUE(stringWithMarkupContentsOfFile(u"/nonexistent.html"_s, StringEncoding::UTF8, &used).isAbsent());
   EXPECT_EQ(used, StringEncoding::Invalid);
 }
 
-TEST_F(MarkupFiles, PropertyListsBecomeXML) {
+TEST(MarkupFiles, PropertyListsBecomeXML) {
+  const TemporaryFolder folder;
   const Value list(ValueDictionary{{u"key"_s, u"wörd"_s}});
   const Data binary = writePropertyList(list, PropertyListFormat::Binary);
   const String xml = String::fromUTF8(writePropertyList(list, PropertyListFormat::XML).view());
   StringEncoding used = StringEncoding::ASCII;
-  const String path = write("list.plist", binary.view());
-  EXPECT_EQ(stringWithMarkupContentsOfFile(path, StringEncoding::Latin1, &used), xml);
+  folder.write("list.plist", std::string(binary.view()));
+  EXPECT_EQ(stringWithMarkupContentsOfFile(folder.path("list.plist"), StringEncoding::Latin1, &used), xml);
   EXPECT_EQ(used, StringEncoding::UTF8);
-  const String old = write("old.strings", "\"a\" = \"\xE9\";");
-  EXPECT_EQ(stringWithMarkupContentsOfFile(old, StringEncoding::Latin1, &used), u"\"a\" = \"é\";"_s);
+  folder.write("old.strings", "\"a\" = \"\xE9\";");
+  EXPECT_EQ(stringWithMarkupContentsOfFile(folder.path("old.strings"), StringEncoding::Latin1, &used),
+            u"\"a\" = \"é\";"_s);
   EXPECT_EQ(used, StringEncoding::Latin1);
 }
 

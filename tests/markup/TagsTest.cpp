@@ -31,48 +31,19 @@ Reports reportsOf(const String& text) {
   return reports;
 }
 
+// The kinds, and what the walk shares with its description below: the sets of characters and the folding of names.
 TEST(Tags, Reports) {
   const struct {
     String text;
     Reports reports;
   } cases[] = {
-      {u"plain"_s, {u"0 |plain|"}},
-      {u"a<p>b</p>"_s, {u"1 p|a|<p>", u"1 p|b|</p>", u"0 ||"}},
       {u"<?xml v='1'?><!DOCTYPE x 'a>b'><br/><h1 a>"_s,
        {u"1 xml||<?xml v='1'?>", u"1 DOCTYPE||<!DOCTYPE x 'a>", u"1 br|b'>|<br/>", u"1 h1||<h1 a>", u"0 ||"}},
-      {u"<a title='x>y'><a b=c \"d>\" e>f"_s, {u"1 a||<a title='x>y'>", u"1 a||<a b=c \"d>\" e>", u"0 |f|"}},
-      {u"<a b=\"'\" c='\">'><a b==\"x\"\"y>"_s, {u"1 a||<a b=\"'\" c='\">'>", u"1 a||<a b==\"x\"\"y>", u"0 ||"}},
       {u"<1><><é/><\u00A0x y>"_s, {u"1 ||<1>", u"1 ||<>", u"1 é||<é/>", u"1 x||<\u00A0x y>", u"0 ||"}},
-      {u"a<!-->b<!->c<!-- a -- b -->d"_s, {u"2 |a|<!-->", u"2 |b|<!->", u"2 |c|<!-- a -- b -->", u"0 |d|"}},
       {u"<!-a->x<!-- --!>y<!-a--!>->z"_s, {u"2 ||<!-a->", u"2 |x|<!-- --!>", u"2 |y|<!-a--!>->", u"0 |z|"}},
       {u"<![CDATA[<b>]]>x<![if IE]>y<![endif]-->z"_s,
        {u"3 ||<![CDATA[<b>]]>", u"3 |x|<![if IE]>", u"3 |y|<![endif]-->", u"0 |z|"}},
-      {u"a<b c='>"_s, {u"0 |a<b c='>|"}},
-      {u"a<b<c"_s, {u"0 |a<b<c|"}},
-      {u"a<!"_s, {u"0 |a<!|"}},
-      {u"a<!-"_s, {u"2 |a|<!-", u"0 ||"}},
-      {u"a<!-- b>"_s, {u"2 |a|<!-- b>", u"0 ||"}},
-      {u"a<![ b>"_s, {u"3 |a|<![ b>", u"0 ||"}},
-  };
-  for (const auto& c : cases) EXPECT_EQ(reportsOf(c.text), c.reports) << c.text.toUTF8();
-}
-
-TEST(Tags, ScriptAndStyleAreOneTag) {
-  const struct {
-    String text;
-    Reports reports;
-  } cases[] = {
-      {u"<script>if (a<b) x='</b>';</script>c"_s, {u"1 script||<script>if (a<b) x='</b>';</script>", u"0 |c|"}},
-      {u"<SCRIPT><b></Script x=1>c</script>"_s,
-       {u"1 SCRIPT||<SCRIPT><b></Script x=1>", u"1 script|c|</script>", u"0 ||"}},
-      {u"<style/><b></style>"_s, {u"1 style||<style/>", u"1 b||<b>", u"1 style||</style>", u"0 ||"}},
-      {u"<style><b></script>"_s, {u"1 style||<style>", u"1 b||<b>", u"1 script||</script>", u"0 ||"}},
       {u"<script><!-- </script> --><b></script>c"_s, {u"1 script||<script><!-- </script> --><b></script>", u"0 |c|"}},
-      {u"<script><!-- </script> --><b>"_s, {u"1 script||<script><!-- </script>", u"1 b| -->|<b>", u"0 ||"}},
-      {u"<script></script><!-- --></script>"_s,
-       {u"1 script||<script></script>", u"2 ||<!-- -->", u"1 script||</script>", u"0 ||"}},
-      {u"<script></script"_s, {u"1 script||<script></script", u"0 ||"}},
-      {u"<script a='</script>'><b></script>"_s, {u"1 script||<script a='</script>'><b></script>", u"0 ||"}},
       {u"<scripts><script ></\u017Fcript>"_s, {u"1 scripts||<scripts>", u"1 script||<script ></\u017Fcript>", u"0 ||"}},
   };
   for (const auto& c : cases) EXPECT_EQ(reportsOf(c.text), c.reports) << c.text.toUTF8();
@@ -199,15 +170,9 @@ TEST(Tags, TheWalkEqualsItsDescription) {
 }
 
 TEST(Tags, SearchesForClosingTagsAreLinear) {
-  static constexpr std::u16string_view kPieces[] = {u"<script>",
-                                                    u"<script><style>",
-                                                    u"<script></scrip",
-                                                    u"<script><!--",
-                                                    u"<!-",
-                                                    u"<script><!--</script> --",
-                                                    u"<script></script> <!-- -->",
-                                                    u"<style><!-- --></style><script>"};
-  for (const std::u16string_view piece : kPieces) {
+  for (const std::u16string_view piece :
+       {u"<script><style>", u"<script></scrip", u"<script><!--", u"<!-", u"<script><!--</script> --",
+        u"<script></script> <!-- -->", u"<style><!-- --></style><script>"}) {
     std::u16string text;
     while (text.size() < 100000) text += piece;
     EXPECT_LE(scanTags(text, [](const TagReport&) { return false; }), 8 * text.size()) << String(piece).toUTF8();

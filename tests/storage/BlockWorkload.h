@@ -87,7 +87,7 @@ class BlockWorkload {
   };
 
   size_t pick(size_t count) { return _random() % count; }
-  size_t events() const { return _files ? _files->events.size() : 0; }
+  size_t events() const { return _files->events.size(); }
 
   std::string newText(size_t most) {
     std::string text = std::to_string(++_texts) + ":";

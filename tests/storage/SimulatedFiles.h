@@ -37,7 +37,7 @@ class SimulatedFiles : public FileCalls {
  public:
   enum class Call { Read, Write, Truncate, Synchronize };
   /// The `at`-th call (from 0) of a kind fails with `error`, or is cut to half when that is 0; `onwards`: all later
-  /// too. When `error` is negative it is cut, and the later ones fail.
+  /// too. When `error` is negative one byte is left, and the later ones fail.
   struct Fault {
     Call call = Call::Read;
     int64_t at = INT64_MAX;
@@ -157,7 +157,7 @@ class SimulatedFiles : public FileCalls {
     if (call != fault.call || n < fault.at || (n > fault.at && !fault.onwards)) return true;
     ++faults;
     const bool cut = fault.error == 0 || (fault.error < 0 && n == fault.at);
-    if (cut) bytes = std::min(bytes, std::max<size_t>(bytes / 2, 1));
+    if (cut) bytes = std::min(bytes, fault.error < 0 ? 1 : std::max<size_t>(bytes / 2, 1));
     errno = std::abs(fault.error);
     return cut;
   }

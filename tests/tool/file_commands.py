@@ -15,16 +15,12 @@ import time
 TOOL = sys.argv[1]
 
 
-def run(*arguments, text=b"", user=None, limit=None):
+def run(*arguments, text=b"", limit=None):
     def prepare():
         if limit is not None:
             import resource
             resource.setrlimit(resource.RLIMIT_FSIZE, (limit, limit))
             signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
-        if user is not None:
-            os.setgroups([])
-            os.setgid(user)
-            os.setuid(user)
     done = subprocess.run([TOOL, *(a if isinstance(a, bytes) else str(a) for a in arguments)], input=text, capture_output=True, check=False,
                           preexec_fn=prepare)
     return done.returncode, done.stdout, done.stderr.decode(errors="replace")
@@ -125,28 +121,9 @@ def check_interruption(folder):
     assert not list(folder.glob("never*")), "nothing is left of it"
 
 
-def check_other_users(folder):
-    """A run as root leaves a file to its owner; whoever may not write is refused."""
-    if os.geteuid() != 0:
-        return
-    for name in ("parent", "child"):
-        folder = folder / name
-        folder.mkdir(mode=0o755)
-        os.chmod(folder, 0o777)
-    path = folder / "owned"
-    assert run("keyed", "set", path, 1, "x", user=65534)[0] == 0
-    assert run("keyed", "set", path, 2, "y")[0] == 0
-    assert os.stat(path).st_uid == 65534 and run("keyed", "set", path, 3, "z", user=65534)[0] == 0
-    path.chmod(0o444)
-    for user in (None, 65534):
-        status, _, errors = run("keyed", "set", path, 4, "z", user=user)
-        assert status == 2 and ("read-only" in errors or "permission" in errors), errors
-    assert b"3 records" in run("keyed", "check", path)[1]
-
-
 def main():
     for check in (check_obstacles, check_foreign_files, check_keyed_files_in_parallel, check_new_block_files,
-                  check_interruption, check_other_users):
+                  check_interruption):
         with tempfile.TemporaryDirectory() as name:
             os.chmod(name, 0o755)
             check(pathlib.Path(name))

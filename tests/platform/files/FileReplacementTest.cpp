@@ -1,12 +1,12 @@
 // Replacing files: the old contents or the new ones, whoever owns them, whatever fails.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
 #include <thread>
 
+#include "tests/platform/files/ChildProcess.h"
 #include "tests/platform/files/InterceptedCalls.h"
 #include "tests/platform/files/TemporaryFolder.h"
 #include "velan/base/Log.h"
@@ -25,16 +25,6 @@ struct stat statusOf(const std::string& path) {
 }
 
 mode_t modeOf(const std::string& path) { return statusOf(path).st_mode & 07777; }
-
-// Runs `body` in a child process: what it changes there, its user or its mask, stays there.
-template <typename Body>
-int inChild(Body body) {
-  const pid_t child = fork();
-  if (child == 0) _exit(body());
-  int status = 0;
-  waitpid(child, &status, 0);
-  return WIFSIGNALED(status) ? -WTERMSIG(status) : WEXITSTATUS(status);
-}
 
 TEST(FileReplacement, KeepsWhatBelongsToTheFile) {
   const TemporaryFolder folder;

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "velan/base/String.h"
 #include "velan/base/UTFKernelsInternal.h"
 
 namespace velan {
@@ -127,19 +128,21 @@ TEST(UTFKernels, RandomBytes) {
   }
 }
 
-// Each code point between others, so that every one of them passes through the vectors.
-TEST(UTFKernels, EveryCodePoint) {
-  for (uint32_t first = 0; first < 0x110000; first += 64) {
-    if (first >= 0xD800 && first < 0xE000) continue;
-    std::u16string text;
-    for (uint32_t codePoint = first; codePoint < first + 64; ++codePoint) {
-      if (codePoint >= 0x10000) text.push_back(static_cast<unichar>(0xD7C0 + (codePoint >> 10)));
-      text.push_back(static_cast<unichar>(codePoint < 0x10000 ? codePoint : 0xDC00 + (codePoint & 0x3FF)));
-    }
-    expectEqualToReference(text, 0);
-    expectEqualToReference(*utf8FromUTF16(text), 0);
-    if (HasFatalFailure()) return;
+TEST(UTFKernels, EveryCodePointGoesBothWays) {
+  std::u16string all;
+  for (uint32_t c = 0; c < 0x110000; ++c) {
+    if (c >= 0xD800 && c < 0xE000) continue;
+    if (c >= 0x10000) all.push_back(static_cast<unichar>(0xD800 + ((c - 0x10000) / 0x400)));
+    all.push_back(static_cast<unichar>(c < 0x10000 ? c : 0xDC00 + c % 0x400));
   }
+  const auto utf8 = utf8FromUTF16(all);
+  ASSERT_TRUE(utf8);
+  EXPECT_TRUE(isUTF8(*utf8));
+  EXPECT_EQ(utf8->size(), 0x80u + 2 * 0x780 + 3 * (0x10000 - 0x800 - 0x800) + 4 * 0x100000);
+  EXPECT_TRUE(String::fromUTF8(*utf8).view() == all);
+  EXPECT_EQ(String(all).toUTF8(), *utf8);
+  expectEqualToReference(all, 0);
+  expectEqualToReference(*utf8, 0);
 }
 
 }  // namespace

@@ -99,19 +99,5 @@ TEST(QueryMatching, NothingIsRelatedInAnEmptyRange) {
   }
 }
 
-int64_t longest = 0;
-bool keepLongest(const FastWordEnumerator&, int64_t, int64_t length) {
-  longest = std::max(longest, length);
-  return false;
-}
-
-TEST(FastWordEnumerator, TakesPlainFunctionsAsBlocks) {
-  const auto enumerator = FastWordEnumerator::enumeratorWithString(u"a bcd"_s);
-  EXPECT_EQ(enumerator->enumerateWordsInRange({0, 5}, keepLongest), 2);
-  EXPECT_EQ(longest, 3);
-  bool (*none)(const FastWordEnumerator&, int64_t, int64_t) = nullptr;
-  EXPECT_EQ(enumerator->enumerateWordsInRange({0, 5}, none), 0);
-}
-
 }  // namespace
 }  // namespace velan

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <random>
+#include <span>
 
 #include "velan/containers/FastArray.h"
 
@@ -26,13 +27,19 @@ std::vector<Item> itemsUpTo(int count) {
   return items;
 }
 
-std::vector<int> keysOf(const Items& array) {
-  std::vector<int> keys;
-  for (const Item* item : array) keys.push_back(item->key);
-  return keys;
+Items arrayOf(std::span<Item> items) {
+  Items array;
+  for (Item& item : items) array.addObject(&item);
+  return array;
 }
 
 using Keys = std::vector<int>;
+
+Keys keysOf(const Items& array) {
+  Keys keys;
+  for (const Item* item : array) keys.push_back(item->key);
+  return keys;
+}
 
 TEST(FastArray, Growth) {
   Item item{1};
@@ -96,8 +103,7 @@ TEST(FastArray, Editing) {
 
 TEST(FastArray, ItsOwnElements) {
   std::vector<Item> items = itemsUpTo(16);
-  Items array;
-  for (Item& item : items) array.addObject(&item);
+  Items array = arrayOf(items);
   array.addObjects(array.getObjectsPtr() + 14, 2);  // the table moves
   EXPECT_EQ(array.count(), 18u);
   EXPECT_EQ(array.lastObject(), &items[15]);
@@ -113,7 +119,7 @@ TEST(FastArray, ItsOwnElements) {
 
 TEST(FastArray, RangesAndEnumeration) {
   std::vector<Item> items = itemsUpTo(3);
-  Items array = Items::arrayWithArray({&items[0], &items[1], &items[2]});
+  Items array = arrayOf(items);
   const struct {
     Range range;
     int copied, applied;
@@ -139,12 +145,10 @@ TEST(FastArray, PartialSort) {
   std::vector<Item> items;
   for (int i = 0; i < 10000; ++i) items.push_back({static_cast<int>(random() % 500)});
   for (const uint64_t size : {0u, 1u, 2u, 9u, 100u, 10000u}) {
-    std::vector<int> sorted;
-    for (uint64_t i = 0; i < size; ++i) sorted.push_back(items[i].key);
-    std::sort(sorted.begin(), sorted.end());
+    Keys sorted = keysOf(arrayOf(std::span(items).first(size)));
+    std::ranges::sort(sorted);
     for (uint64_t count = 0; count <= 200; ++count) {
-      Items array;
-      for (uint64_t i = 0; i < size; ++i) array.addObject(&items[i]);
+      Items array = arrayOf(std::span(items).first(size));
       uint64_t steps = 0;
       array.sortUsingFunction(
           [](const Item* a, const Item* b, void* counter) {
@@ -152,16 +156,15 @@ TEST(FastArray, PartialSort) {
             return byKey(a, b);
           },
           &steps, count);
-      std::vector<int> keys = keysOf(array);
-      if (count > 0) {
-        const auto end = static_cast<std::ptrdiff_t>(std::min(count, size));
-        ASSERT_TRUE(std::equal(keys.begin(), keys.begin() + end, sorted.begin())) << size << ' ' << count;
-      }
+      Keys keys = keysOf(array);
+      ASSERT_TRUE(std::ranges::equal(std::span(keys).first(std::min(count, size)),
+                                     std::span(sorted).first(std::min(count, size))))
+          << size << ' ' << count;
       EXPECT_LE(static_cast<double>(steps), 3 * static_cast<double>(size) * std::log2(static_cast<double>(size) + 1));
       if (size == 10000 && count == 200) {
         EXPECT_EQ(keys, sorted);  // beyond 50 and an eightieth all are sorted
       }
-      std::sort(keys.begin(), keys.end());
+      std::ranges::sort(keys);
       ASSERT_EQ(keys, sorted);
     }
   }
@@ -171,8 +174,7 @@ TEST(FastArray, ComparisonsThatContradictThemselves) {
   std::mt19937 random(1);
   std::vector<Item> items = itemsUpTo(1000);
   for (const uint64_t count : {1u, 10u, 1000u}) {
-    Items array;
-    for (Item& item : items) array.addObject(&item);
+    Items array = arrayOf(items);
     uint64_t steps = 0;
     array.sortUsingFunction(
         [&](const Item*, const Item*) {
@@ -182,8 +184,8 @@ TEST(FastArray, ComparisonsThatContradictThemselves) {
         count);
     EXPECT_LE(steps, 30000u);
     std::vector<int> keys = keysOf(array);
-    std::sort(keys.begin(), keys.end());
-    for (int i = 0; i < 1000; ++i) ASSERT_EQ(keys[static_cast<size_t>(i)], i);
+    std::ranges::sort(keys);
+    EXPECT_EQ(keys, keysOf(arrayOf(items)));
   }
 }
 
@@ -192,8 +194,7 @@ TEST(FastArray, ChangesFromInside) {
   for (const uint64_t count : {10u, 200u}) {
     for (const bool shrinks : {false, true}) {
       for (uint64_t at = 1; at < 400; at += 7) {
-        Items array;
-        for (Item& item : items) array.addObject(&item);
+        Items array = arrayOf(items);
         uint64_t step = 0;
         const auto change = [&] {
           if (++step != at) return;

@@ -7,20 +7,14 @@
 namespace velan {
 namespace {
 
-TEST(KeyedSafety, EverySingleBitFlip) {
+TEST(KeyedSafety, EverySingleBitFlipAndEveryTruncation) {
   const std::string sample(everyType().view());
   for (size_t bit = 0; bit < sample.size() * 8; ++bit) {
     std::string bytes = sample;
     bytes[bit / 8] = static_cast<char>(bytes[bit / 8] ^ (1 << bit % 8));
     EXPECT_EQ(applyEveryOperation(bytes), isTiledByRecords(bytes)) << bit;
-  }
-}
-
-TEST(KeyedSafety, EveryTruncation) {
-  const std::string sample(everyType().view());
-  for (size_t length = 0; length <= sample.size(); ++length) {
-    const std::string bytes = sample.substr(0, length);
-    EXPECT_EQ(applyEveryOperation(bytes), isTiledByRecords(bytes)) << length;
+    bytes = sample.substr(0, bit / 8);
+    EXPECT_TRUE(bit % 8 != 0 || applyEveryOperation(bytes) == isTiledByRecords(bytes)) << bytes.size();
   }
 }
 

@@ -16,14 +16,11 @@ TEST(Attributes, OfTags) {
     String string;  // by the string reader
   } cases[] = {
       {"a part of a longer name", u"<img data-src='a' src = 'b'>"_s, "src", u"b"_s, u"b"_s},
-      {"a longer name", u"<img srcset=a src=b>"_s, "SRC", u"b"_s, u"b"_s},
       {"behind an underscore", u"<img x_src='a' src='b'>"_s, "src", u"b"_s, u"a"_s},
       {"empty", u"<img src=''>"_s, "src", String(), String()},
-      {"only white space", u"<img src='  ' a>"_s, "src", String(), String()},
       {"no quotes", u"<a href=x>"_s, "href", u"x"_s, u"x"_s},
       {"as long as it may be", u"<href=xy>"_s, "href", String(), String()},
       {"trimmed behind, not before", u"<a href=' x y\t '>"_s, "href", u" x y"_s, u" x y"_s},
-      {"several signs", u"<a href== = 'x'>"_s, "href", u"="_s, u"="_s},
       {"a sign each", u"<a href=='x'>y"_s, "href", u"x"_s, u"='x'"_s},
       {"a quoted name", u"<a title=\"href='y'\" href=x>"_s, "href", u"x"_s, u"x"_s},
       {"no sign", u"<a href href=x>"_s, "href", u"x"_s, u"x"_s},
@@ -31,7 +28,6 @@ TEST(Attributes, OfTags) {
       {"an open quote", u"<a href='x>y"_s, "href", u"x"_s, u"x"_s},
       {"an open quote at the end", u"<a b c href='xy"_s, "href", u"xy"_s, u"xy"_s},
       {"nothing behind the sign", u"<abcdefghi href= "_s, "href", String(), String()},
-      {"the end of the tag", u"<a b c href= >"_s, "href", String(), String()},
       {"other white space", u"<a\u2003href\u00A0=\nx>"_s, "href", u"x"_s, u"x"_s},
       {"any letter that folds", u"<a \u017Frc=xyz>"_s, "src", u"xyz"_s, u"xyz"_s},
   };
@@ -57,10 +53,8 @@ TEST(Attributes, ContentOfMetaTagsIsReadTolerantly) {
       {u"<meta content=\"a> b\">"_s, u"a"_s},
       {u"<meta content=\"> b\">"_s, u"> b"_s},
       {u"<meta content=\"text<\">"_s, u"text"_s},
-      {u"<meta content=\"text</\">"_s, u"text"_s},
       {u"<meta content=\"a<<\">"_s, u"a<<"_s},
       {u"<meta content=\"text\n<META name='x'>"_s, u"text"_s},
-      {u"<meta content=\"text"_s, u"text"_s},
   };
   for (const auto& c : cases) {
     EXPECT_EQ(contentAttributeOfTagCharacters(c.tag.characters(), {0, c.tag.length()}), c.value) << c.tag.toUTF8();
@@ -96,7 +90,6 @@ TEST(HeaderFields, StrictAndTolerant) {
       {u"xcharset=;"_s, u""_s, u""_s},
       {u"charset="_s, u""_s, u""_s},
       {u"charset=\"open"_s, u"open"_s, u"open"_s},
-      {u"charset"_s, String(), String()},
       {u"charset=\""_s, String(), String()},
   };
   for (const auto& c : cases) {
@@ -123,7 +116,6 @@ TEST(DeclaredEncoding, FoundInTheHeadOnly) {
     String tag;
   } cases[] = {
       {u"<?xml version='1.0' encoding='koi8-r'?><a>"_s, u"koi8-r"_s, u"<?xml version='1.0' encoding='koi8-r'?>"_s},
-      {u"<xml encoding='koi8-r'><META CHARSET=' utf-8 '>"_s, u" utf-8"_s, u"<META CHARSET=' utf-8 '>"_s},
       {u"<meta name=a content=b><meta charset='&#98;ig5'>"_s, u"big5"_s, u"<meta charset='&#98;ig5'>"_s},
       {u"<?xml encoding='a&amp;b'?>"_s, u"a&amp;b"_s, u"<?xml encoding='a&amp;b'?>"_s},
       {u"<meta content=\"text/html; charset='cp1252';\">"_s, u"cp1252"_s,

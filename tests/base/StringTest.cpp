@@ -107,12 +107,6 @@ TEST(MutableString, EditsAreClippedToTheText) {
   text.appendString(none);
   EXPECT_EQ(text.view(), u"bye");
   EXPECT_TRUE(MutableString(none).isEmpty());
-  text.appendCharacter(u'-', 3);
-  text.insertCharacter(u'x', 7);
-  text.insertCharacter(u'<', 0);
-  text.removeCharacterAtIndex(7);
-  text.removeCharacterAtIndex(4);
-  EXPECT_EQ(text.view(), u"<bye--");
 }
 
 TEST(MutableString, TakesPartsOfItself) {

@@ -55,43 +55,21 @@ std::vector<Range> expectedPlaces(const std::u16string& pattern, const FastWordE
   return places;
 }
 
-TEST(EastAsianWildcards, EveryPartOfEveryWordFindsItsDocument) {
-  const SplitAsianWords split;
-  for (const char* name : {"letters/morita-bijutsukan.txt", "articles/hyaku-no-akari-ten.txt",
-                           "letters/lin-dengta-zhaopian.txt", "notes/exhibition-labels-draft.txt"}) {
-    const auto text = FastWordEnumerator::enumeratorWithString(documentAt(name));
-    ASSERT_TRUE(text) << name;
-    int patterns = 0;
-    for (const Range& range : wordsOf(*text)) {
-      const String substring = text->substringWithRange(range);
-      const std::u16string word(substring.view());
-      if (std::ranges::none_of(word, isEastAsianUnichar)) continue;
-      for (size_t from = 0; from < word.size(); ++from) {
-        for (size_t length = 1; length <= word.size() - from; ++length, ++patterns) {
-          std::u16string pattern = from > 0 ? u"*" : u"";
-          pattern += word.substr(from, length);
-          if (from + length < word.size()) pattern += u'*';
-          ASSERT_FALSE(placesOf(pattern, *text).empty()) << name << ' ' << String(pattern).toUTF8();
-        }
-      }
-    }
-    EXPECT_GT(patterns, 20) << name;
-  }
-}
-
 TEST(EastAsianWildcards, FindsTheShortestRowsOfWords) {
   const SplitAsianWords split;
   std::mt19937 random(1);
   const auto below = [&random](size_t bound) { return random() % bound; };
-  const String document = documentAt("articles/hyaku-no-akari-ten.txt");
-  const auto text = FastWordEnumerator::enumeratorWithString(document);
+  const char* const names[] = {"letters/morita-bijutsukan.txt", "articles/hyaku-no-akari-ten.txt",
+                               "letters/lin-dengta-zhaopian.txt", "notes/exhibition-labels-draft.txt"};
   int found = 0;
   int severalWords = 0;
-  for (int i = 0; i < 2000; ++i) {
+  for (size_t i = 0; i < 6000; ++i) {
+    const String document = documentAt(names[i % 4]);
+    const auto text = FastWordEnumerator::enumeratorWithString(document);
     const auto start = below(static_cast<size_t>(document.length()) - 8);
     std::u16string pattern(document.view().substr(start, 1 + below(8)));
     for (unichar& c : pattern) {
-      if (below(4) == 0 || text->isWordSeparatorAtIndex(static_cast<int64_t>(start) + (&c - pattern.data()))) {
+      if (below(2 + i % 8) == 0 || text->isWordSeparatorAtIndex(static_cast<int64_t>(start) + (&c - pattern.data()))) {
         c = below(2) ? u'*' : u'?';
       }
     }
@@ -104,8 +82,8 @@ TEST(EastAsianWildcards, FindsTheShortestRowsOfWords) {
     found += !places.empty();
     for (const Range& place : places) severalWords += endOf(text->rangeOfWordAtIndex(place.location)) < endOf(place);
   }
-  EXPECT_GT(found, 200);
-  EXPECT_GT(severalWords, 200);
+  EXPECT_GT(found, 600);
+  EXPECT_GT(severalWords, 600);
 }
 
 }  // namespace

@@ -9,10 +9,9 @@
 namespace velan {
 namespace {
 
+using enum QueryOperator;
+using enum QueryComparison;
 using Words = std::vector<std::u16string>;
-
-constexpr auto kIgnoreCase = QueryComparison::IgnoreCase;
-constexpr auto kIgnoreDiacritics = QueryComparison::IgnoreDiacritics;
 
 struct Family {
   const char* name;
@@ -57,9 +56,9 @@ class QueryGenerator {
     ReferenceTerm group;
     for (size_t n = 1 + below(4); n > 0; --n) {
       ReferenceTerm child = depth > 0 && below(3) == 0 ? this->group(depth - 1) : leaf();
-      child.op = group.children.empty() ? QueryOperator::And : oneOf(_family.operators);
+      child.op = group.children.empty() ? And : oneOf(_family.operators);
       if (isProximity(child.op) && below(8) != 0) child.distance = static_cast<int64_t>(below(5));
-      if (isProximity(child.op) && child.distance == QueryTerms::kDefaultDistance && child.op == QueryOperator::Next) {
+      if (isProximity(child.op) && child.distance == QueryTerms::kDefaultDistance && child.op == Next) {
         child.distance = 1;
       }
       child.negated = below(4) == 0;
@@ -108,7 +107,7 @@ class QueryGenerator {
                                               {u" OPT ", u" opt "}};
     std::u16string joint = oneOf(joints[static_cast<size_t>(child.op)]);
     if (!isProximity(child.op)) return joint;
-    const bool next = child.op == QueryOperator::Next;
+    const bool next = child.op == Next;
     if (child.distance == (next ? 1 : QueryTerms::kDefaultDistance) && below(2)) return joint + u" ";
     const std::string distance = std::to_string(child.distance);
     return joint + u"/" + std::u16string(distance.begin(), distance.end()) + u" ";
@@ -122,54 +121,53 @@ class QueryGenerator {
 constexpr std::u16string_view kLetters = u"a;b;c;d;e";
 constexpr std::u16string_view kForms = u"abc;ABC;abd;bc;Äbc;äB;cab;é;E;b";
 constexpr std::u16string_view kSimilar = u"tempor;temper;Tempora;dolor;dolore;dolores;rolod;odlor;labor";
-using enum QueryOperator;
 
 // Rows are kept apart so that a failure names the part of the language it lies in.
 const Family kFamilies[] = {
-    {"Boolean", true, kLetters, u"a;b;c;zz", {And, Or, Xor, Optional}, {QueryComparison::Exact}},
-    {"pairs in proximity", true, u"a;b;x;y", u"a;b", {Near, Before, After, Next}, {QueryComparison::Exact}},
+    {"Boolean", true, kLetters, u"a;b;c;zz", {And, Or, Xor, Optional}, {Exact}},
+    {"pairs in proximity", true, u"a;b;x;y", u"a;b", {Near, Before, After, Next}, {Exact}},
     {"proximity in groups",
      true,
      u"a;b;c;x",
      u"a;b;c;zz",
      {And, Or, Xor, Near, Near, Before, After, Next, Optional},
-     {QueryComparison::Exact}},
+     {Exact}},
     {"proximity around negation",
      true,
      u"a;b;c;x;y;z",
      u"a;b;c;x;a;b;*",
      {And, Or, Xor, Near, Near, Near, Before, After, Near, Before, After},
-     {QueryComparison::Exact}},
+     {Exact}},
     {"proximity of plain words",
      false,
      u"a;b;A;ab",
      u"a;b;ab;\"a b\";a-b;\"OR\";\"!b\";\"a|b\";\"a*b\"",
      {And, Or, Xor, Near, Before, After, Next},
-     {QueryComparison::Exact, kIgnoreCase}},
+     {Exact, IgnoreCase}},
     {"wildcards",
      true,
      kForms,
      u"abc;a*;*c;*b*;a?c;???;?b;[ab]*;*[bc];[a-c]b?;a**c;*;\"[^a]*\";b;ab-cab;a*-b",
      {And, Or, Xor, Near, Before, After},
-     {QueryComparison::Exact, kIgnoreCase, kIgnoreCase | kIgnoreDiacritics}},
+     {Exact, IgnoreCase, IgnoreCase | IgnoreDiacritics}},
     {"phrases",
      true,
      u"a;b;ab",
      u"\"a b\";\"a, a\";\"a* b ab\";\"? ab\";\"* b\";\"??\";\"AND\";\"near/3\";\"-b\";\"a(b\";a;b",
      {And, Or, Near, Before, After, Next},
-     {QueryComparison::Exact}},
+     {Exact}},
     {"fuzzy",
      true,
      kSimilar,
      u"tempor;dolor;dolores;temp*;\"tempor dolore\";LABOR;d?lor",
      {And, Or, Near, Before},
-     {QueryComparison::Fuzzy, QueryComparison::Fuzzy | kIgnoreCase}},
+     {Fuzzy, Fuzzy | IgnoreCase}},
     {"folding of plain words",
      false,
      kForms,
      u"abc;äbc;Ab;\"e b\";É;\"abc, abd\";a",
      {And, Or, Near},
-     {QueryComparison::Exact, kIgnoreCase, kIgnoreDiacritics, kIgnoreCase | kIgnoreDiacritics}},
+     {Exact, IgnoreCase, IgnoreDiacritics, IgnoreCase | IgnoreDiacritics}},
 };
 
 // One matcher for all that can be asked of a text, part by part.
@@ -208,7 +206,7 @@ void expectEqualsReference(const Family& family) {
     ASSERT_EQ(dumpOf(*terms), dumpOf(expected)) << query.toUTF8();
 
     const auto comparison = family.comparisons[generator.below(family.comparisons.size())];
-    const bool upper = contains(comparison, kIgnoreCase) && generator.below(2);
+    const bool upper = contains(comparison, IgnoreCase) && generator.below(2);
     const auto enumerator = FastWordEnumerator::enumeratorWithString(text, upper, false);
     ASSERT_TRUE(enumerator);
     const ReferenceText reference(text, comparison, family.wildcard);
@@ -258,9 +256,9 @@ TEST(QueryEvaluation, PlacesThatGiveDifferentEnds) {
   };
   for (const auto& c : cases) {
     const auto terms = QueryTerms::initWithWildcard(c.query);
-    const ReferenceText reference(c.text, QueryComparison::Exact, true);
+    const ReferenceText reference(c.text, Exact, true);
     EXPECT_EQ(reference.matches(referenceOf(*terms), reference.wholeRange()), c.matches) << c.why;
-    EXPECT_EQ(terms->matchesString(c.text, QueryComparison::Exact), c.matches) << c.why;
+    EXPECT_EQ(terms->matchesString(c.text, Exact), c.matches) << c.why;
   }
 }
 

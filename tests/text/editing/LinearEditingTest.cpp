@@ -86,17 +86,12 @@ int64_t replaceSlowly(std::u16string& text, const std::u16string& search, const 
   return count;
 }
 
-class RandomTexts {
- public:
-  std::u16string text(const std::u16string& units, size_t longest) {
-    std::u16string result(_random() % (longest + 1), u'\0');
-    for (unichar& c : result) c = units[_random() % units.size()];
-    return result;
-  }
-
- private:
-  std::mt19937 _random{1};  // fixed: a failure can be repeated
-};
+std::u16string randomText(const std::u16string& units, size_t longest) {
+  static std::mt19937 random{1};  // fixed: a failure can be repeated
+  std::u16string result(random() % (longest + 1), u'\0');
+  for (unichar& c : result) c = units[random() % units.size()];
+  return result;
+}
 
 const std::u16string kUnits = u"aabA1\x0661  \t\t\n\r\f\v\x0003\x2028\x2029\xFFFC\x00A0\x0085\xFEFF\0"s;
 
@@ -134,9 +129,8 @@ TEST(LinearEditing, RemovingTrimmingAndCollapsing) {
       {"runs of feeds", [](auto& t) { removeMultipleFeeds(t); }, stringByRemovingMultipleFeeds,
        collapsing(endsLine, u'\n')},
   };
-  RandomTexts random;
   for (int round = 0; round < 3000; ++round) {
-    const std::u16string text = random.text(round % 2 ? kUnits : u"ab \n"s, round % 2 ? 24 : 5);
+    const std::u16string text = randomText(round % 2 ? kUnits : u"ab \n"s, round % 2 ? 24 : 5);
     const String string(text);
     for (const auto& c : cases) {
       std::u16string slow = text;
@@ -152,9 +146,8 @@ TEST(LinearEditing, RemovingTrimmingAndCollapsing) {
 }
 
 TEST(LinearEditing, Tabs) {
-  RandomTexts random;
   for (int round = 0; round < 3000; ++round) {
-    const std::u16string text = random.text(kUnits, 24);
+    const std::u16string text = randomText(kUnits, 24);
     for (const int width : {1, 2, 3, 8}) {
       std::u16string decoded = text, encoded = text;
       decodeTabsSlowly(decoded, static_cast<size_t>(width));
@@ -170,10 +163,9 @@ TEST(LinearEditing, Tabs) {
 }
 
 TEST(LinearEditing, ReplacingCountingAndDeleting) {
-  RandomTexts random;
   for (int round = 0; round < 20000; ++round) {
-    const std::u16string text = random.text(u"abA", 80), by = random.text(u"aBx", 6);
-    const String string(text), search(random.text(u"abA", 4));
+    const std::u16string text = randomText(u"abA", 80), by = randomText(u"aBx", 6);
+    const String string(text), search(randomText(u"abA", 4));
     for (const bool caseSensitive : {true, false}) {
       MutableString fast(string);
       std::u16string slow = text, deleted = text;

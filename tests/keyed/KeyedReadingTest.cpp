@@ -26,6 +26,14 @@ TEST(KeyedReading, ReadsWhatBytesStandFor) {
   EXPECT_EQ(dataNoCopyForKey(bytes, 7).bytes(), bytes.bytes() + 16);
 }
 
+TEST(KeyedReading, ShortBuffersHoldNothing) {
+  const std::string bytes = record("VLun", "\1\1\1\1");
+  for (size_t length = 0; length < 16; ++length) {
+    const Data cut = Data::withBytes(bytes.data(), length);
+    EXPECT_FALSE(containsUnsignedForKey(cut, 7) || numberOfKeyedData(cut, 0) != 0) << length;
+  }
+}
+
 TEST(KeyedReading, TheLengthOfARecordReachesBeyondTheBuffer) {
   const Data data = Data::withBytes(record("VLun", "\0\0\0\5"s) + record("VLst", "\0\0\0\1"s, "a") +
                                     record("VLst", "\0\0\0\3"s, "bc"));

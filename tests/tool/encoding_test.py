@@ -10,13 +10,9 @@ from tool_test import velan  # takes the arguments
 
 # Each with a word that it can express; Python has them from another hand.
 ENCODINGS = {
-    "utf-8": ("utf-8", "ключ"), "utf-16": ("utf-16", "ключ"), "utf-16be": ("utf-16-be", "řeka"),
-    "utf-16le": ("utf-16-le", "日本"), "utf-32": ("utf-32", "한국"), "iso-8859-1": ("latin-1", "Größe"),
-    "iso-8859-2": ("iso8859-2", "řeka"), "iso-8859-5": ("iso8859-5", "ключ"), "windows-1250": ("cp1250", "řeka"),
-    "windows-1251": ("cp1251", "ключ"), "windows-1252": ("cp1252", "Größe"), "koi8-r": ("koi8-r", "ключ"),
-    "ibm866": ("cp866", "ключ"), "ibm852": ("cp852", "řeka"), "macintosh": ("mac-roman", "Größe"),
-    "shift_jis": ("shift-jis", "日本"), "euc-jp": ("euc-jp", "日本"), "gb18030": ("gb18030", "日本"),
-    "big5": ("big5", "日本"), "euc-kr": ("euc-kr", "한국"), "johab": ("johab", "한국"),
+    "utf-8": ("utf-8", "ключ"), "utf-16": ("utf-16", "ключ"), "utf-32": ("utf-32", "한국"),
+    "iso-8859-1": ("latin-1", "Größe"), "windows-1250": ("cp1250", "řeka"), "ibm866": ("cp866", "ключ"),
+    "shift_jis": ("shift-jis", "日本"), "gb18030": ("gb18030", "日本"), "johab": ("johab", "한국"),
     "iso-8859-16": ("iso8859-16", "Größe"), "x-mac-croatian": ("mac-croatian", "Größe"),
 }
 

@@ -147,7 +147,7 @@ const Family kFamilies[] = {
     {"wildcards",
      true,
      kForms,
-     u"abc;a*;*c;*b*;a?c;???;?b;[ab]*;*[bc];[a-c]b?;a**c;*;\"[^a]*\";b;ab-cab;a*-b",
+     u"abc;a*;*c;*b*;a?c;???;?b;[ab]*;[^a]*;[a|b]?c;*[bc];[a-c]b?;a**c;*;\"[^a]*\";b;ab-cab;a*-b",
      {And, Or, Xor, Near, Before, After},
      {Exact, IgnoreCase, IgnoreCase | IgnoreDiacritics}},
     {"phrases",

@@ -18,6 +18,15 @@ PROJECT = os.path.abspath(sys.argv.pop(1))
 DOCUMENTS = os.path.join(PROJECT, "examples", "documents")
 
 
+# Each with a word that it can express; Python has them from another hand.
+ENCODINGS = {
+    "utf-8": ("utf-8", "ключ"), "utf-16": ("utf-16", "ключ"), "utf-32": ("utf-32", "한국"),
+    "iso-8859-1": ("latin-1", "Größe"), "windows-1250": ("cp1250", "řeka"), "ibm866": ("cp866", "ключ"),
+    "shift_jis": ("shift-jis", "日本"), "gb18030": ("gb18030", "日本"), "johab": ("johab", "한국"),
+    "iso-8859-16": ("iso8859-16", "Größe"), "x-mac-croatian": ("mac-croatian", "Größe"),
+}
+
+
 def velan(*arguments, stdin=b"", folder=None, environment=None):
     """Exit status, standard output and standard error. Standard input is a pipe."""
     done = subprocess.run([TOOL, *arguments], input=stdin, capture_output=True, cwd=folder,
@@ -73,11 +82,10 @@ class OnDocuments(unittest.TestCase):
             self.assertGreater(len(one[1]), 1000)
 
 
-class OnFiles(unittest.TestCase):
+class InFolder(unittest.TestCase):
+    """Tests that run the tool in a folder of their own."""
     def setUp(self):
-        temporary = tempfile.TemporaryDirectory()
-        self.addCleanup(temporary.cleanup)
-        self.folder = temporary.name
+        self.folder = self.enterContext(tempfile.TemporaryDirectory())
 
     def write(self, name, content):
         path = os.path.join(self.folder, name)
@@ -85,8 +93,13 @@ class OnFiles(unittest.TestCase):
         with open(path, "wb") as file:
             file.write(content.encode() if isinstance(content, str) else content)
 
+    def velan(self, *arguments, **options):
+        return velan(*arguments, folder=self.folder, **options)
+
+
+class OnFiles(InFolder):
     def search(self, *arguments, **options):
-        return velan("search", *arguments, folder=self.folder, **options)
+        return self.velan("search", *arguments, **options)
 
     def test_output_forms(self):
         self.write("a.txt", "top\nkey one\nmid key\nlow\n\nend key\nkey key\nx\n")
@@ -135,11 +148,18 @@ class OnFiles(unittest.TestCase):
         key = "ключ".encode()
         malformed = b"\xff\xf0\x9f\x98 " + key + b" \xe2\x82\r\n\xed\xa0\x80 " + key
         self.write("malformed", malformed)
-        for options, files, expected in (([], encodings, 4), (["--encoding", "utf-8"], {"malformed": "utf-8"}, 2)):
-            status, output, errors = self.search("--json", *options, '"ein ключ" OR ключ', *files)
-            self.assertEqual((status, errors), (0, ""))
-            found = self.check_events([json.loads(line) for line in output.splitlines()], files)
-            self.assertEqual(found, {name: expected for name in files})
+        query = '"ein ключ" OR ключ'
+        searches = [([], query, encodings, 4), (["--encoding", "utf-8"], query, {"malformed": "utf-8"}, 2)]
+        for name, (python, word) in ENCODINGS.items():
+            self.write(python, f"One line\nand {word} twice: {word}.\n".encode(python))
+            searches.append((["--encoding", name], word, {python: python}, 2))
+        for options, query, files, expected in searches:
+            status, output, errors = self.search("--json", *options, query, *files)
+            self.assertEqual((status, errors), (0, ""), options)
+            events = [json.loads(line) for line in output.splitlines()]
+            self.assertEqual(self.check_events(events, files), {name: expected for name in files}, options)
+            if options:
+                self.assertEqual(events[0]["data"]["encoding"].lower(), options[1])
 
     def check_events(self, events, encodings):
         self.assertEqual(events[-1]["type"], "summary")

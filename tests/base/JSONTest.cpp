@@ -8,12 +8,6 @@
 namespace velan {
 namespace {
 
-String repeated(std::u16string_view piece, size_t count) {
-  std::u16string text;
-  for (size_t i = 0; i < count; ++i) text += piece;
-  return String(text);
-}
-
 TEST(JSON, NumbersKeepTheirKindAndLeaveTheRangeOfDoubles) {
   const struct {
     const char* json;
@@ -23,11 +17,9 @@ TEST(JSON, NumbersKeepTheirKindAndLeaveTheRangeOfDoubles) {
       {"18446744073709551615", UINT64_MAX},
       {"18446744073709551616", 18446744073709551616.0},
       {"1e0", 1.0},
-      {"1e999", HUGE_VAL},
       {"-1E+99999999999999999999", -HUGE_VAL},
       {"1e-99999999999999999999", 0.0},
       {"0.0001e-400", 0.0},
-      {"0e999", 0.0},
       {"12345678901234567890123456789e300", HUGE_VAL},
   };
   for (const auto& c : cases) {
@@ -49,10 +41,13 @@ TEST(JSON, TheReaderRefusesWhatIsNoTextOrTooDeep) {
 }
 
 TEST(JSON, AMillionNestedBracketsOnASmallStack) {
-  const String deep = repeated(u"[{\"a\":", 500000);
-  const String ends = repeated(u"}]", 500000);
+  std::u16string deep, ends;
+  for (int i = 0; i < 500000; ++i) {
+    deep += u"[{\"a\":";
+    ends += u"}]";
+  }
   runOnSmallStack([&] {
-    EXPECT_TRUE(isJSON(String(std::u16string(deep.view()) + u"0" + std::u16string(ends.view()))) && !isJSON(deep));
+    EXPECT_TRUE(isJSON(String(deep + u"0" + ends)) && !isJSON(String(deep)));
     EXPECT_TRUE(isJSON(String(std::u16string(1000000, u'[') + std::u16string(1000000, u']'))));
     EXPECT_FALSE(isJSON(String(std::u16string(1000000, u'[') + std::u16string(999999, u']') + u'}')));
   });

@@ -12,11 +12,6 @@
 namespace velan {
 namespace {
 
-struct SplitAsianWords {
-  SplitAsianWords() { FastWordEnumerator::setSplitAsianWords(true); }
-  ~SplitAsianWords() { FastWordEnumerator::setSplitAsianWords(false); }
-};
-
 String documentAt(const std::string& name) {
   std::ifstream file("../../examples/documents/" + name, std::ios::binary);
   return String::fromUTF8(std::string(std::istreambuf_iterator<char>(file), {}));
@@ -56,7 +51,7 @@ std::vector<Range> expectedPlaces(const std::u16string& pattern, const FastWordE
 }
 
 TEST(EastAsianWildcards, FindsTheShortestRowsOfWords) {
-  const SplitAsianWords split;
+  FastWordEnumerator::setSplitAsianWords(true);
   std::mt19937 random(1);
   const auto below = [&random](size_t bound) { return random() % bound; };
   const char* const names[] = {"letters/morita-bijutsukan.txt", "articles/hyaku-no-akari-ten.txt",
@@ -78,10 +73,11 @@ TEST(EastAsianWildcards, FindsTheShortestRowsOfWords) {
     if (below(2)) pattern += u'*';
     if (pattern.find_first_of(u"*?[") == pattern.npos || pattern.find_first_not_of(u"*?") == pattern.npos) continue;
     const std::vector<Range> places = placesOf(pattern, *text);
-    ASSERT_EQ(places, expectedPlaces(pattern, *text)) << String(pattern).toUTF8();
+    EXPECT_EQ(places, expectedPlaces(pattern, *text)) << String(pattern).toUTF8();
     found += !places.empty();
     for (const Range& place : places) severalWords += endOf(text->rangeOfWordAtIndex(place.location)) < endOf(place);
   }
+  FastWordEnumerator::setSplitAsianWords(false);
   EXPECT_GT(found, 600);
   EXPECT_GT(severalWords, 600);
 }

@@ -7,23 +7,13 @@
 namespace velan {
 namespace {
 
-struct Membership {
-  const char* name;
-  const uint8_t* rep;
-  std::u16string_view members;
-  std::u16string_view others;
-};
-
-void check(const Membership& expected) {
-  for (const unichar c : expected.members)
-    EXPECT_TRUE(isMemberOfCharacterSetRep(expected.rep, c)) << expected.name << ' ' << int{c};
-  for (const unichar c : expected.others)
-    EXPECT_FALSE(isMemberOfCharacterSetRep(expected.rep, c)) << expected.name << ' ' << int{c};
-}
-
 TEST(CharacterSets, Members) {
   using namespace std::string_view_literals;
-  const Membership sets[] = {
+  const struct {
+    const char* name;
+    const uint8_t* rep;
+    std::u16string_view members, others;
+  } sets[] = {
       {"empty", emptyCharacterSetRep(), u"", u"\0a \xFFFF"sv},
       {"space", spaceCharacterSetRep(), u"\0\t \x00A0\x3000"sv, u"a\n\r\x2028\x200B"},
       {"white", whiteCharacterSetRep(), u"\0\x03\t\n\v\f\r \x0085\x00A0\x2028\x2029\x3000\xFEFF\xFFFC"sv,
@@ -39,13 +29,6 @@ TEST(CharacterSets, Members) {
       {"symbol", bitmap(CharacterSet::Symbol), u"+$^\x309B", u"!a"},
       {"control", bitmap(CharacterSet::Control), u"\x01\x7F\x00AD\x200B", u" a"},
       {"illegal", bitmap(CharacterSet::Illegal), u"\x0378\xFFFE\xFFFF", u"a\xE000\xD800"},
-  };
-  for (const auto& set : sets) check(set);
-}
-
-TEST(Separators, Members) {
-  using namespace std::string_view_literals;
-  const Membership sets[] = {
       {"word", defaultWordSeparators(),
        u"\0 -_'#*?[]\x02C6\x00BD\x00B2\x200D\xD800\xDFFF\xF400\xF8FF\xFFFD\xFFFE\xFFFF\x20AC"sv,
        u"a1\x00DF\x65E5\xE000\xF3FF\xF900\x0301\x2160\x00AA"},
@@ -53,7 +36,10 @@ TEST(Separators, Members) {
       {"sentence", defaultSentenceSeparators(), u"!.:?", u",;\n\x3002"},
       {"line", defaultLineSeparators(), u"\r\n\f\x2028\x2029\x03\xFFFC\x0085", u"\v \xFEFF"},
   };
-  for (const auto& set : sets) check(set);
+  for (const auto& set : sets) {
+    for (const unichar c : set.members) EXPECT_TRUE(isMemberOfCharacterSetRep(set.rep, c)) << set.name << ' ' << int{c};
+    for (const unichar c : set.others) EXPECT_FALSE(isMemberOfCharacterSetRep(set.rep, c)) << set.name << ' ' << int{c};
+  }
 }
 
 TEST(CharacterSetOperations, WholeStrings) {

@@ -15,25 +15,19 @@ namespace velan {
 namespace {
 
 // In two parts, so that bytes are held between the calls.
-std::string md5(std::string_view text) {
-  isc_md5_t context;
-  uint8_t digest[ISC_MD5_DIGESTLENGTH];
-  isc_md5_init(&context);
-  isc_md5_update(&context, text.data(), text.size() / 3);
-  isc_md5_update(&context, text.data() + text.size() / 3, text.size() - text.size() / 3);
-  isc_md5_final(&context, digest);
+template <typename Context, size_t kLength, auto kInit, auto kUpdate, auto kFinal>
+std::string digestOf(std::string_view text) {
+  Context context;
+  uint8_t digest[kLength];
+  kInit(&context);
+  kUpdate(&context, text.data(), text.size() / 3);
+  kUpdate(&context, text.data() + text.size() / 3, text.size() - text.size() / 3);
+  kFinal(&context, digest);
   return hexadecimalString(digest).toUTF8();
 }
 
-std::string sha1(std::string_view text) {
-  isc_sha1_t context;
-  uint8_t digest[ISC_SHA1_DIGESTLENGTH];
-  isc_sha1_init(&context);
-  isc_sha1_update(&context, text.data(), text.size() / 3);
-  isc_sha1_update(&context, text.data() + text.size() / 3, text.size() - text.size() / 3);
-  isc_sha1_final(&context, digest);
-  return hexadecimalString(digest).toUTF8();
-}
+constexpr auto md5 = digestOf<isc_md5_t, ISC_MD5_DIGESTLENGTH, isc_md5_init, isc_md5_update, isc_md5_final>;
+constexpr auto sha1 = digestOf<isc_sha1_t, ISC_SHA1_DIGESTLENGTH, isc_sha1_init, isc_sha1_update, isc_sha1_final>;
 
 TEST(Hashing, PublishedDigests) {
   const struct {

@@ -9,14 +9,9 @@
 namespace velan {
 namespace {
 
-struct Converted {
-  int32_t status;
-  std::u16string units;
-};
-
 // Into a heap buffer of exactly `capacity` units, from one of exactly the bytes: the address sanitizer sees one too
 // far. What is written shows because the buffer is filled before.
-Converted converted(std::string_view utf8, size_t capacity) {
+std::pair<int32_t, std::u16string> converted(std::string_view utf8, size_t capacity) {
   const auto bytes = std::make_unique<char[]>(utf8.size());
   utf8.copy(bytes.get(), utf8.size());
   const auto units = std::make_unique<unichar[]>(capacity);
@@ -48,9 +43,7 @@ TEST(UnicodeConverters, UTF8Statuses) {
       {"malformed where room ends", "\xE2\x82\xAC\xFF", 1, ConverterMalformedInput, u"\u20AC"},
   };
   for (const auto& c : cases) {
-    const Converted result = converted(c.utf8, c.capacity);
-    EXPECT_EQ(result.status, c.status) << c.why;
-    EXPECT_EQ(result.units, c.units) << c.why;
+    EXPECT_EQ(converted(c.utf8, c.capacity), std::pair(c.status, c.units)) << c.why;
   }
   EXPECT_EQ(convertUTF8ToUnicode(nullptr, 3, nullptr, 3), ConverterSuccess);
 }
@@ -59,10 +52,10 @@ TEST(UnicodeConverters, EveryCapacityCutsBetweenCharacters) {
   const std::string utf8 = "a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80z\xF0\x9F\x98\x80\xE2\x82\xAC";
   const std::u16string_view utf16 = u"a\u00E9\u20AC\U0001F600z\U0001F600\u20AC";
   for (size_t capacity = 0; capacity <= utf16.size(); ++capacity) {
-    const Converted result = converted(utf8, capacity);
-    EXPECT_EQ(result.status, capacity == utf16.size() ? ConverterSuccess : ConverterOutputFull) << capacity;
-    EXPECT_TRUE(utf16.starts_with(result.units)) << capacity;
-    EXPECT_GE(result.units.size() + 1, capacity) << capacity;
+    const auto [status, units] = converted(utf8, capacity);
+    EXPECT_EQ(status, capacity == utf16.size() ? ConverterSuccess : ConverterOutputFull) << capacity;
+    EXPECT_TRUE(utf16.starts_with(units)) << capacity;
+    EXPECT_GE(units.size() + 1, capacity) << capacity;
   }
   for (size_t capacity = 0; capacity <= utf8.size(); ++capacity) {
     const auto bytes = std::make_unique<char[]>(capacity);

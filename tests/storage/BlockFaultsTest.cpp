@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <utility>
 
 #include "tests/storage/BlockWorkload.h"
 #include "velan/storage/Compression.h"

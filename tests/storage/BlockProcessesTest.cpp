@@ -41,21 +41,8 @@ TEST(BlockProcesses, OnlyReadersShare) {
 TEST(BlockProcesses, AKilledProcessHoldsNoLock) {
   const TemporaryFolder folder;
   const String file = folder.path("held");
-  int ready[2];
-  ASSERT_EQ(pipe(ready), 0);
-  const pid_t child = startChild([&] {
-    const auto storage = openFor(FileAccess::Updating, file);
-    if (write(ready[1], "r", 1) != 1) return 1;
-    return pause();
-  });
-  char byte = 0;
-  ASSERT_EQ(read(ready[0], &byte, 1), 1);
-  EXPECT_FALSE(openFor(FileAccess::Reading, file));
-  kill(child, SIGKILL);
-  EXPECT_EQ(resultOf(child), -SIGKILL);
+  EXPECT_EQ(inChild([&] { return openFor(FileAccess::Updating, file) ? raise(SIGKILL) : 1; }), -SIGKILL);
   EXPECT_TRUE(openFor(FileAccess::Appending, file));
-  close(ready[0]);
-  close(ready[1]);
 }
 
 TEST(BlockProcesses, FourProcessesAppendTenThousandBlocks) {

@@ -4,6 +4,7 @@
 #include <sys/xattr.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <thread>
 
 #include "tests/platform/files/ChildProcess.h"
@@ -147,11 +148,10 @@ class FailingReplacement : public testing::TestWithParam<const char*> {
   }
   // The new contents, complete, in a file beside the one that is being written.
   bool isSavedBeside(const TemporaryFolder& folder) const {
-    for (const auto& entry : std::filesystem::directory_iterator(folder / "")) {
+    return std::ranges::any_of(std::filesystem::directory_iterator(folder / ""), [&](const auto& entry) {
       const std::string name = entry.path().filename();
-      if (name.starts_with("file.velan-") && folder.read(name) == changed) return true;
-    }
-    return false;
+      return name.starts_with("file.velan-") && folder.read(name) == changed;
+    });
   }
 
   const std::string changed = std::string(140000, 'n');

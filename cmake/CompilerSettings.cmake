@@ -11,9 +11,10 @@ if(VELAN_SANITIZE)
   target_compile_options(velan_settings INTERFACE -fsanitize=${VELAN_SANITIZE} -fno-omit-frame-pointer
                                                   -fno-sanitize-recover=all)
   target_link_options(velan_settings INTERFACE -fsanitize=${VELAN_SANITIZE})
-  # Between the checks g++ loses sight of what is initialised, even in its own headers of instructions.
+  # Between the checks g++ loses sight of what is initialised, even in its own headers of instructions. Its checks take
+  # the address of constants, which would then be unique in the process and keep the library loaded.
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-    target_compile_options(velan_settings INTERFACE -Wno-uninitialized -Wno-maybe-uninitialized)
+    target_compile_options(velan_settings INTERFACE -Wno-uninitialized -Wno-maybe-uninitialized -fno-gnu-unique)
   endif()
 endif()
 if(VELAN_FUZZ)

@@ -33,13 +33,9 @@ String hashedOnce(std::u16string_view text, const String& salt, Encoder* encoder
 String detail::saltedHashRepeated(const String& string, const String& salt, StringEncoding encoding, uint64_t times) {
   if (string.isEmpty()) return String();
   try {
-    const auto newEncoder = [encoding] {
-      return asksForDetection(encoding) ? nullptr : encoderFor(textEncoding(encoding));
-    };
-    auto encoder = newEncoder();
-    // None for an unknown encoding and for a lack of memory: only the latter may be over by now. While it lasts, the
-    // digest finds no room either.
-    if (!encoder) encoder = newEncoder();
+    const bool known = !asksForDetection(encoding) && encodingEntry(textEncoding(encoding));
+    const auto encoder = known ? encoderFor(textEncoding(encoding)) : nullptr;
+    if (known && !encoder) return String();  // too little memory, which must not give the hash of nothing
     String hash = string;
     do {
       hash = hashedOnce(hash.view(), salt, encoder.get());

@@ -17,7 +17,8 @@ VELAN_EXPORT String saltedHashRepeated(const String& string, const String& salt,
 
 /// `saltedHash:encoding:times:`: appends `salt` (may be absent), takes the bytes in `encoding`, and replaces the text
 /// by their SHA-1 digest in 40 lower-case hexadecimal digits; `times` times, at least once. Text that `encoding` cannot
-/// express counts as no bytes. Absent for an absent or empty string, and when memory runs out. Only unsigned counts are taken: -1 would mean 2^64.
+/// express counts as no bytes. Absent for an absent or empty string, and when memory runs out. Only unsigned counts are
+/// taken: -1 would mean 2^64.
 String saltedHash(const String& string, const String& salt, StringEncoding encoding,
                   std::unsigned_integral auto times) {
   return detail::saltedHashRepeated(string, salt, encoding, times);

@@ -24,6 +24,10 @@ ENCODINGS = {
     "iso-8859-1": ("latin-1", "Größe"), "windows-1250": ("cp1250", "řeka"), "ibm866": ("cp866", "ключ"),
     "shift_jis": ("shift-jis", "日本"), "gb18030": ("gb18030", "日本"), "johab": ("johab", "한국"),
     "iso-8859-16": ("iso8859-16", "Größe"), "x-mac-croatian": ("mac-croatian", "Größe"),
+    "utf-16be": ("utf-16-be", "ключ"), "utf-16le": ("utf-16-le", "ключ"), "iso-8859-2": ("iso8859-2", "řeka"),
+    "iso-8859-5": ("iso8859-5", "ключ"), "windows-1251": ("cp1251", "ключ"), "windows-1252": ("cp1252", "Größe"),
+    "koi8-r": ("koi8-r", "ключ"), "macintosh": ("mac-roman", "Größe"), "euc-jp": ("euc-jp", "日本"),
+    "big5": ("big5", "中文"), "euc-kr": ("euc-kr", "한국"),
 }
 
 

@@ -1,13 +1,12 @@
 // The command "language".
 #include <fmt/format.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
-#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "tools/CommandLine.h"
 #include "tools/Commands.h"
 #include "tools/Console.h"
 #include "tools/search/DocumentReading.h"
@@ -95,25 +94,31 @@ int run(const Options& options) {
   }
   DocumentReader reader(options.decoding);
   bool something = false;
+  bool ranOutOfMemory = false;
   for (const InputFile& file : collectFiles(options.paths, options.hidden)) {
     const auto document = reader.read(file);
     if (!document) continue;
     const LanguageCounts counts = filter->countsOfText(document->text);
+    if (counts.outOfMemory) {
+      complain(displayName(file.path) + ": there is not enough memory to count its words");
+      ranOutOfMemory = true;
+      continue;
+    }
     if (filter->isFiltered(counts)) continue;
     const Findings findings = findingsOf(*filter, counts, document->text);
     const std::string path = displayName(file.path);
     something = true;
     if (!print(options.json ? jsonOf(path, findings) : lineOf(path, findings, options.verbose))) break;
   }
-  return reader.hadTrouble() ? Trouble : something ? Something : Nothing;
+  return reader.hadTrouble() || ranOutOfMemory ? Trouble : something ? Something : Nothing;
 }
 
 }  // namespace
 
 void addLanguageCommand(CLI::App& app, int& status) {
-  CLI::App* command = app.add_subcommand("language", "Say which language documents are in");
-  const auto options = std::make_shared<Options>();
-  command->add_option("PATH", options->paths, "Files, folders and - for standard input")->type_name("");
+  const auto [command, options] =
+      addCommand<Options>(app, status, "language", "Say which language documents are in", run);
+  addArgument(*command, "PATH", options->paths, "Files, folders and - for standard input");
   command->add_option("--filter", options->filter, "Leave out what is clearly in another language than KEY (EN, de)")
       ->type_name("KEY");
   command->add_flag("--verbose", options->verbose, "Show how many stop words of each language were found, too");
@@ -128,7 +133,6 @@ void addLanguageCommand(CLI::App& app, int& status) {
       "Examples:\n"
       "  velan language documents/\n"
       "  velan language --filter DE letters/");
-  command->callback([options, &status] { status = run(*options); });
 }
 
 }  // namespace velan::tool

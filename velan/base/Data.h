@@ -45,7 +45,7 @@ class VELAN_EXPORT Data {
   requires(!std::is_lvalue_reference_v<Object>) static Data
       withOwner(Object&& owner, const void* bytes, size_t length) {
     if (length == 0) return withBytes(nullptr, 0);
-    auto* holder = bytes ? new (std::nothrow) Holder<Object>(std::move(owner)) : nullptr;
+    auto* holder = bytes ? new (std::nothrow) Holder<Object>(std::forward<Object>(owner)) : nullptr;
     return holder ? Data(holder, static_cast<const uint8_t*>(bytes), length) : Data();
   }
 

@@ -1,0 +1,58 @@
+// Stop-word files of any bytes: what is read is written and read again alike, and every count is one of the text's.
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "velan/language/LanguageFilter.h"
+
+using namespace velan;
+
+namespace {
+
+void require(bool condition) {
+  if (!condition) std::abort();
+}
+
+// The folder of this process, with as many files as there are parts.
+String folder(const char* name) {
+  static const std::string path =
+      (std::filesystem::temp_directory_path() / ("velan-stop-words-fuzz-" + std::to_string(getpid()))).string();
+  std::filesystem::create_directories(path + name);
+  return String::fromUTF8(path + name);
+}
+
+}  // namespace
+
+// The bytes before the first U+0000 are the file of one language, those up to the second of another; then comes a text.
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
+  const std::string_view input(reinterpret_cast<const char*>(bytes), size);
+  const String source = folder("/source");
+  const String copy = folder("/copy");
+  const size_t first = std::min(input.find('\0'), size);
+  const size_t second = std::min(input.find('\0', first + 1), size);
+  const auto part = [&](size_t from, size_t to) { return from < to ? input.substr(from, to - from) : ""; };
+  std::ofstream(source.toUTF8() + "/StopWordsAA") << part(0, first);
+  std::ofstream(source.toUTF8() + "/StopWordsBB") << part(first + 1, second);
+  const String text = String::fromUTF8Lossy(part(second + 1, size));
+
+  const bool ignoreUmlauts = size % 2 == 0;
+  const auto filter = LanguageFilter::initWithDirectory(source, ignoreUmlauts);
+  require(filter && filter->languages().size() == 2);
+  const LanguageCounts counts = filter->countsOfText(text);
+  for (const StopWordHits& hits : counts.languages) {
+    require(hits.distinct <= StopWordHits::kEnough && static_cast<int64_t>(hits.distinct) <= hits.words);
+    require(hits.words + counts.nonWords <= counts.words);
+  }
+  require(filter->languageOfText(text) == filter->languageOfCounts(counts));
+
+  require(filter->writeToDirectory(copy));
+  const auto again = LanguageFilter::initWithDirectory(copy, ignoreUmlauts);
+  for (size_t language = 0; language < 2; ++language) {
+    require(again->stopWords(language) == filter->stopWords(language));
+  }
+  require(again->languageOfText(text) == filter->languageOfText(text));
+  return 0;
+}

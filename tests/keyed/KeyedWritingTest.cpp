@@ -116,6 +116,10 @@ TEST(KeyedWriting, SettingStringsMovesThemToTheEnd) {
   EXPECT_EQ(numberOfKeyedData(data, 0), 3u);
   EXPECT_EQ(plistForKey(data, 1), Value(ValueArray{2}));
   EXPECT_EQ(dataForKey(data, 1).view(), "two");
+  data.appendBytes("damaged", 7);
+  EXPECT_TRUE(setString(data, u"newer", 1));
+  EXPECT_TRUE(isValid(data)) << "the damaged end goes, the new record does not";
+  EXPECT_EQ(stringForKey(data, 1), String(u"newer"));
 }
 
 TEST(KeyedWriting, RemovesTheFirstMatchOrAll) {

@@ -1,11 +1,12 @@
 // Too little memory, over the public operations: with each allocation failing in turn, once and from then on, an
 // operation gives the right answer, its neutral result, or, where lists and strings come back by value or are filled,
-// `std::bad_alloc`. New operations that allocate get a line in the table, unless they need ICU's break iterators, which
-// do not survive themselves.
+// `std::bad_alloc`; a buffer that it edits is complete or as it was before. New operations that allocate get a line in
+// the table, unless they need ICU's break iterators, which do not survive themselves.
 #include <gtest/gtest.h>
 
 #include <functional>
 #include <new>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -65,7 +66,13 @@ std::string shown(const std::optional<Element>& element) {
   return element ? shown(*element) : "absent";
 }
 std::string shown(const ValueDictionary& entries) { return shown(Value(entries)); }
-std::string shown(const MutableData& data) { return shown(data.data()); }
+
+// A buffer after an operation on it, which was done, or answered NO or threw.
+struct Edited {
+  bool done;
+  MutableData data;
+};
+std::string shown(const Edited& edited) { return shown(edited.done) + shown(edited.data.data()); }
 
 struct Operation {
   std::string name;
@@ -98,6 +105,7 @@ MutableData someRecords() {
   addValue(data, u"value", u"key");
   addValue(data, someValues(), u"plist");
   addValue(data, 7, u"seven");
+  addValue(data, 8, longText());
   return data;
 }
 
@@ -142,13 +150,21 @@ std::vector<Operation> operations() {
   const String salt = u"salt";
   const String plist = u"plist";
   const String key = u"key";
-  const auto edited = [](auto edit) {
-    auto spared = std::make_unique<SparedAllocations>();
-    MutableData data = someRecords();
+  const auto edited = [records](auto edit) {
+    std::optional<SparedAllocations> spared(std::in_place);
+    Edited result{false, MutableData(records)};
     spared.reset();
-    edit(data);
-    return data;
+    try {
+      result.done = edit(result.data);
+    } catch (const std::bad_alloc&) {
+      result.done = false;
+    }
+    return result;
   };
+  const std::string unedited = shown(Edited{false, MutableData(records)});
+  const std::vector<String> strings{u"short", text, u"another"};
+  const std::vector<URL> urls{url, URL::fileURLWithPath(text)};
+  const ValueDictionary entries{{u"a", 1}, {text, values}, {u"b", text}};
   return {
       // base
       OPERATION("absent", false, String(text.view())),
@@ -217,7 +233,18 @@ std::vector<Operation> operations() {
       OPERATION("NO", false, containsValueForKey(records, plist)),
       OPERATION("absent", false, getValueForKey(records, plist)),
       OPERATION("NO", false, isEqualToKeyedData(records, reversed, 0)),
-      OPERATION("", true, edited([&](MutableData& data) { removeStringsForKey(data, 2); })),
+      OPERATION(unedited, false, edited([&](auto& data) { return removeStringsForKey(data, 2), true; })),
+      OPERATION(unedited, false, edited([&](auto& data) { return addStrings(data, strings, 2), true; })),
+      OPERATION(unedited, false, edited([&](auto& data) { return addURLs(data, urls, 3), true; })),
+      OPERATION(unedited, false, edited([&](auto& data) { return addRecord(data, VLdb, 6, 1.5); })),
+      OPERATION(unedited, false, edited([&](auto& data) { return setUnsigned(data, 1, 6); })),
+      OPERATION(unedited, false, edited([&](auto& data) { return setString(data, text, 1); })),
+      OPERATION(unedited, false, edited([&](auto& data) { return setPlist(data, values, 4); })),
+      OPERATION(unedited, false, edited([&](auto& data) { return setData(data, binary, 5); })),
+      OPERATION(unedited, false, edited([&](auto& data) { return addValue(data, values, text), true; })),
+      OPERATION(unedited, false, edited([&](auto& data) { return setValue(data, values, text), true; })),
+      OPERATION(unedited, false, edited([&](auto& data) { return setKeyedValues(data, entries), true; })),
+      OPERATION(unedited, false, edited([&](auto& data) { return removeValueForKey(data, text), true; })),
   };
 }
 

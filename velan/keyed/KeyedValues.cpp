@@ -8,12 +8,17 @@
 #include "velan/base/ScratchBuffer.h"
 #include "velan/base/TextNumbers.h"
 #include "velan/base/UTF.h"
+#include "velan/keyed/KeyedAppendInternal.h"
 #include "velan/keyed/KeyedWalkInternal.h"
 #include "velan/keyed/KeyedWriting.h"
 
 namespace velan {
 namespace {
 
+using keyed::allOrNothing;
+using keyed::appendPlist;
+using keyed::appendString;
+using keyed::appendVariable;
 using keyed::asText;
 using keyed::Record;
 using keyed::RecordWalk;
@@ -69,12 +74,13 @@ void logAbout(const char* format, const Values&... values) {
   }
 }
 
-// Calls `use` with the key in UTF-8, and returns what that returns; logs a key that has no UTF-8 form.
+// Calls `use` with the key in UTF-8, and returns what that returns; logs a key that has no UTF-8 form. Throws
+// `std::bad_alloc`.
 template <typename Use>
 auto withKeyText(const String& key, const Use& use) -> decltype(use(std::string_view())) {
   const std::u16string_view units = key.view();
   ScratchBuffer<char, kInlineUTF8> utf8(units.size() * kMaxUTF8BytesPerUnit);
-  if (!utf8) return decltype(use(std::string_view()))();
+  if (!utf8) throw std::bad_alloc();
   if (!units.empty()) {
     const Transcoded converted = convertUTF16ToUTF8(units, utf8.data());
     if (converted.consumed == units.size()) return use({utf8.data(), converted.written});
@@ -150,14 +156,14 @@ bool isCharacterOfBoolean(const Value& value) {
   return value.kind() == ValueKind::Boolean || number == 0 || number == 1;
 }
 
-// The value record of a pair whose key record is there already. False when none was appended.
+// The value record of a pair whose key record is there already. False when none was appended. Throws `std::bad_alloc`.
 bool addValueRecord(MutableData& data, const Value& value, const String& key) {
   constexpr uint32_t kKey = kKeyedPairValue;
   switch (value.kind()) {
     case ValueKind::String:
-      return addString(data, value.string(), kKey);
+      return appendString(data, value.string(), kKey);
     case ValueKind::URL:
-      return addURL(data, value.url(), kKey);
+      return appendString(data, value.url().absoluteString(), kKey);
     case ValueKind::Float:
       return addFloat(data, static_cast<float>(value.doubleValue()), kKey), true;
     case ValueKind::Double:
@@ -175,15 +181,36 @@ bool addValueRecord(MutableData& data, const Value& value, const String& key) {
     case ValueKind::Date:
       return addDate(data, value.date(), kKey), true;
     case ValueKind::Data:
-      return addData(data, value.data(), kKey);
+      return appendVariable(data, VLdt, value.data().bytes(), value.data().length(), kKey);
     case ValueKind::Array:
     case ValueKind::Dictionary:
-      return addPlist(data, value, kKey);
+      return appendPlist(data, value, kKey);
     case ValueKind::Absent:
       break;
   }
   logAbout("WARNING: Unsupported keyed value <%s>: %s", key, value);
   return false;
+}
+
+// Where a pair lies in the buffer.
+struct PairPlace {
+  size_t start;
+  size_t size;
+};
+
+std::optional<PairPlace> placeOfPair(const MutableData& data, const String& key) {
+  const auto pair =
+      withKeyText(key, [&data](std::string_view text) { return getKeyedValueHeaderForKey(data.span(), text); });
+  if (!pair || !pair->value.fits()) return std::nullopt;
+  return PairPlace{static_cast<size_t>(pair->key.start() - data.bytes()),
+                   static_cast<size_t>(pair->key.size() + pair->value.size())};
+}
+
+void removePair(MutableData& data, const std::optional<PairPlace>& pair) {
+  if (!pair) return;
+  uint8_t* const start = data.mutableBytes() + pair->start;
+  std::memmove(start, start + pair->size, data.length() - pair->start - pair->size);
+  data.setLength(data.length() - pair->size);
 }
 
 }  // namespace
@@ -216,14 +243,20 @@ std::vector<Value> getValues(KeyedBytes bytes) {
 }
 
 bool containsValueForKey(KeyedBytes bytes, const String& key) {
-  return withKeyText(key, [bytes](std::string_view text) { return valueRecord(bytes, text).has_value(); });
+  try {
+    return withKeyText(key, [bytes](std::string_view text) { return valueRecord(bytes, text).has_value(); });
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
 }
 
 Value getValueForKey(KeyedBytes bytes, const String& key) {
-  return withKeyText(key, [bytes](std::string_view text) {
-    const auto record = valueRecord(bytes, text);
+  try {
+    const auto record = withKeyText(key, [bytes](std::string_view text) { return valueRecord(bytes, text); });
     return record ? valueWithHeaderAndLength(*record) : Value();
-  });
+  } catch (const std::bad_alloc&) {
+    return Value();
+  }
 }
 
 bool containsValueForKeyBuffer(KeyedBytes bytes, KeyedKeyBuffer key) { return valueRecord(bytes, key).has_value(); }
@@ -254,34 +287,31 @@ double doubleValueForKeyBuffer(KeyedBytes bytes, KeyedKeyBuffer key) {
 
 void addValue(MutableData& data, const Value& value, const String& key) {
   if (value.isAbsent()) return;
-  const size_t start = data.length();
-  if (!addString(data, key, kKeyedPairKey)) return;
-  if (!addValueRecord(data, value, key) && value.kind() == ValueKind::String) data.setLength(start);
+  allOrNothing(data, [&] {
+    const size_t start = data.length();
+    if (!appendString(data, key, kKeyedPairKey)) return;
+    if (!addValueRecord(data, value, key) && value.kind() == ValueKind::String) data.setLength(start);
+  });
 }
 
 void setValue(MutableData& data, const Value& value, const String& key) {
-  removeValueForKey(data, key);
+  const auto old = placeOfPair(data, key);
   addValue(data, value, key);
+  removePair(data, old);
 }
 
 void addKeyedValues(MutableData& data, const ValueDictionary& values) {
-  for (const auto& entry : values) addValue(data, entry.value, entry.key);
+  allOrNothing(data, [&] {
+    for (const auto& entry : values) addValue(data, entry.value, entry.key);
+  });
 }
 
 void setKeyedValues(MutableData& data, const ValueDictionary& values) {
-  data.clear();
-  addKeyedValues(data, values);
+  MutableData written;
+  addKeyedValues(written, values);
+  data = std::move(written);
 }
 
-void removeValueForKey(MutableData& data, const String& key) {
-  const auto pair =
-      withKeyText(key, [&data](std::string_view text) { return getKeyedValueHeaderForKey(data.span(), text); });
-  if (!pair || !pair->value.fits()) return;
-  const auto first = static_cast<size_t>(pair->key.start() - data.bytes());
-  const auto past = static_cast<size_t>(pair->value.start() - data.bytes() + static_cast<int64_t>(pair->value.size()));
-  uint8_t* bytes = data.mutableBytes();
-  std::memmove(bytes + first, bytes + past, data.length() - past);
-  data.setLength(data.length() - (past - first));
-}
+void removeValueForKey(MutableData& data, const String& key) { removePair(data, placeOfPair(data, key)); }
 
 }  // namespace velan

@@ -1,6 +1,8 @@
 // Values under string keys in keyed data: each pair is a string record with the key `_key` that holds the key string,
 // and directly behind it a record of any type with the key `_val`. Pairs may stand among other records; a `_key` record
 // without its `_val` record is no pair. Lookups take the first pair with the key.
+//
+// Writing and removing throw `std::bad_alloc` when memory runs out, and leave the buffer as it was before.
 #ifndef VELAN_KEYED_KEYED_VALUES_H
 #define VELAN_KEYED_KEYED_VALUES_H
 

@@ -6,20 +6,35 @@
 #include <new>
 
 #include "velan/base/Log.h"
-#include "velan/base/PropertyList.h"
+#include "velan/base/PropertyListInternal.h"
 #include "velan/base/ScratchBuffer.h"
 #include "velan/base/UTF.h"
+#include "velan/keyed/KeyedAppendInternal.h"
 #include "velan/keyed/KeyedWalkInternal.h"
 
 namespace velan {
 namespace {
 
+using keyed::allOrNothing;
+using keyed::appendPlist;
+using keyed::appendString;
+using keyed::appendVariable;
 using keyed::findRecord;
 using keyed::Record;
 using keyed::RecordWalk;
 
 constexpr size_t kValueOffset = 8;
 constexpr size_t kInlineUTF8 = 512;
+
+// What `edit` answers; false when memory runs out in it.
+template <typename Edit>
+bool falseWithoutMemory(const Edit& edit) {
+  try {
+    return edit();
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
+}
 
 void writeHeader(uint8_t* header, uint32_t marker, uint32_t key) {
   storeBigEndian(header, marker);
@@ -61,46 +76,47 @@ template <typename Number>
 bool setFixed(MutableData& data, uint32_t marker, Number value, uint32_t key) {
   if (const auto record = findRecord(data.span(), marker, key)) {
     storeValue(data.mutableBytes() + (record->start() - data.bytes()) + kValueOffset, value);
-  } else {
-    addFixed(data, marker, value, key);
+    return true;
   }
-  return true;
+  return falseWithoutMemory([&] { return addFixed(data, marker, value, key), true; });
 }
 
-// The one place where a length becomes the field of a record.
-bool addVariable(MutableData& data, uint32_t marker, const void* bytes, size_t length, uint32_t key) {
-  const auto* source = static_cast<const uint8_t*>(bytes);
-  if (!source || length == 0 || length > UINT32_MAX) return false;
-  const std::less<const uint8_t*> before;
-  const bool isInside = !before(source, data.bytes()) && before(source, data.bytes() + data.length());
-  const size_t inside = isInside ? static_cast<size_t>(source - data.bytes()) : 0;
-  const size_t start = data.length();
-  try {
-    data.setLength(start + kKeyedHeaderSize + length);
-  } catch (const std::bad_alloc&) {
-    return false;
+bool appendRecord(MutableData& data, uint32_t marker, uint32_t key, const Value& value) {
+  switch (marker) {
+    case VLbl:
+      return value.kind() == ValueKind::Boolean && (addFixed(data, marker, value.boolValue(), key), true);
+    case VLun:
+      return addInteger<uint32_t>(data, marker, value, key);
+    case VLsi:
+      return addInteger<int32_t>(data, marker, value, key);
+    case VLul:
+      return addInteger<uint64_t>(data, marker, value, key);
+    case VLsl:
+      return addInteger<int64_t>(data, marker, value, key);
+    case VLfl:
+      return isFloat(value) && (addFixed(data, marker, static_cast<float>(value.doubleValue()), key), true);
+    case VLdb:
+      return value.isNumber() && (addFixed(data, marker, value.doubleValue(), key), true);
+    case VLda:
+      return value.kind() == ValueKind::Date &&
+             (addFixed(data, marker, value.date().timeIntervalSinceReferenceDate(), key), true);
+    case VLst:
+      return appendString(data, value.string(), key);
+    case VLdt:
+      return appendVariable(data, VLdt, value.data().bytes(), value.data().length(), key);
+    case VLpl:
+      return appendPlist(data, value, key);
+    default:
+      return false;
   }
-  uint8_t* record = data.mutableBytes() + start;
-  writeHeader(record, marker, key);
-  storeBigEndian(record + kValueOffset, static_cast<uint32_t>(length));
-  std::memcpy(record + kKeyedHeaderSize, isInside ? data.bytes() + inside : source, length);
-  return true;
 }
 
-bool addStringToKeyedDataUsingEncoding(MutableData& data, const String& string, uint32_t key) {
-  const std::u16string_view units = string.view();
-  if (units.empty()) return false;
-  ScratchBuffer<char, kInlineUTF8> utf8(units.size() * kMaxUTF8BytesPerUnit);
-  if (!utf8) return false;
-  const Transcoded converted = convertUTF16ToUTF8(units, utf8.data());
-  return converted.consumed == units.size() && addVariable(data, VLst, utf8.data(), converted.written, key);
-}
-
-// Moves the records that stay together and cuts off the rest, a damaged end included.
+// Moves together those of the records in the first `end` bytes that stay, and what lies behind `end`. The rest of the
+// first `end` bytes goes, a damaged end included.
 template <typename Removes>
-void removeRecords(MutableData& data, const Removes& removes) {
+void removeRecords(MutableData& data, size_t end, const Removes& removes) {
   uint8_t* write = data.mutableBytes();
-  for (RecordWalk walk(data.span()); walk.atRecord() && walk.record().fits();) {
+  for (RecordWalk walk(data.span().first(end)); walk.atRecord() && walk.record().fits();) {
     const Record record = walk.record();
     const auto size = static_cast<size_t>(record.size());
     walk.advance();  // before its bytes are overwritten
@@ -109,20 +125,72 @@ void removeRecords(MutableData& data, const Removes& removes) {
     write += size;
   }
   const auto kept = static_cast<size_t>(write - data.bytes());
-  VELAN_DEBUG_ASSERT(kept <= data.length(), "removeKeyedData: kept <= length");
-  data.setLength(kept);
+  VELAN_DEBUG_ASSERT(kept <= end, "removeKeyedData: kept <= length");
+  const size_t behind = data.length() - end;
+  if (behind > 0) std::memmove(write, data.bytes() + end, behind);
+  data.setLength(kept + behind);
 }
 
-void removeKeyedHeader(MutableData& data, uint32_t marker, uint32_t key, bool firstOnly) {
+void removeFirst(MutableData& data, size_t end, uint32_t marker, uint32_t key) {
   bool active = true;
-  removeRecords(data, [&](uint32_t foundMarker, uint32_t foundKey) {
+  removeRecords(data, end, [&](uint32_t foundMarker, uint32_t foundKey) {
     const bool matches = active && foundMarker == marker && foundKey == key;
-    if (matches && firstOnly) active = false;
+    if (matches) active = false;
     return matches;
   });
 }
 
+void removeKeyedHeader(MutableData& data, uint32_t marker, uint32_t key) {
+  removeFirst(data, data.length(), marker, key);
+}
+
+// The old record goes only when the new one is there: without the memory for that nothing changes.
+template <typename Append>
+bool setVariable(MutableData& data, uint32_t marker, uint32_t key, const Append& append) {
+  return falseWithoutMemory([&] {
+    const size_t end = data.length();
+    const bool appended = append();
+    removeFirst(data, end, marker, key);
+    return appended;
+  });
+}
+
 }  // namespace
+
+// The one place where a length becomes the field of a record.
+bool keyed::appendVariable(MutableData& data, uint32_t marker, const void* bytes, size_t length, uint32_t key) {
+  const auto* source = static_cast<const uint8_t*>(bytes);
+  if (!source || length == 0 || length > UINT32_MAX) return false;
+  const std::less<const uint8_t*> before;
+  const bool isInside = !before(source, data.bytes()) && before(source, data.bytes() + data.length());
+  const size_t inside = isInside ? static_cast<size_t>(source - data.bytes()) : 0;
+  const size_t start = data.length();
+  data.setLength(start + kKeyedHeaderSize + length);
+  uint8_t* record = data.mutableBytes() + start;
+  writeHeader(record, marker, key);
+  storeBigEndian(record + kValueOffset, static_cast<uint32_t>(length));
+  std::memcpy(record + kKeyedHeaderSize, isInside ? data.bytes() + inside : source, length);
+  return true;
+}
+
+bool keyed::appendString(MutableData& data, const String& string, uint32_t key) {
+  const std::u16string_view units = string.view();
+  if (units.empty()) return false;
+  ScratchBuffer<char, kInlineUTF8> utf8(units.size() * kMaxUTF8BytesPerUnit);
+  if (!utf8) throw std::bad_alloc();
+  const Transcoded converted = convertUTF16ToUTF8(units, utf8.data());
+  return converted.consumed == units.size() && appendVariable(data, VLst, utf8.data(), converted.written, key);
+}
+
+bool keyed::appendPlist(MutableData& data, const Value& plist, uint32_t key) {
+  if (plist.isAbsent()) return false;
+  MutableData file;
+  if (!plist::writeBinary(plist, file)) {
+    logMessage("WARNING: Property list serializaiton failed: " + describe(plist));
+    return false;
+  }
+  return appendVariable(data, VLpl, file.bytes(), file.length(), key);
+}
 
 void addBool(MutableData& data, bool value, uint32_t key) { addFixed(data, VLbl, value, key); }
 
@@ -151,60 +219,33 @@ bool addData(MutableData& data, const Data& contents, uint32_t key) {
 }
 
 bool addBytes(MutableData& data, const void* bytes, size_t length, uint32_t key) {
-  return addVariable(data, VLdt, bytes, length, key);
+  return falseWithoutMemory([&] { return appendVariable(data, VLdt, bytes, length, key); });
 }
 
 bool addPlist(MutableData& data, const Value& plist, uint32_t key) {
-  if (plist.isAbsent()) return false;
-  const Data file = writePropertyList(plist, PropertyListFormat::Binary);
-  if (file.isAbsent()) {
-    logMessage("WARNING: Property list serializaiton failed: " + describe(plist));
-    return false;
-  }
-  return addVariable(data, VLpl, file.bytes(), file.length(), key);
+  return falseWithoutMemory([&] { return appendPlist(data, plist, key); });
 }
 
 bool addString(MutableData& data, const String& string, uint32_t key) {
-  return addStringToKeyedDataUsingEncoding(data, string, key);
+  return falseWithoutMemory([&] { return appendString(data, string, key); });
 }
 
 void addStrings(MutableData& data, const std::vector<String>& strings, uint32_t key) {
-  for (const String& string : strings) addString(data, string, key);
+  allOrNothing(data, [&] {
+    for (const String& string : strings) appendString(data, string, key);
+  });
 }
 
 bool addURL(MutableData& data, const URL& url, uint32_t key) { return addString(data, url.absoluteString(), key); }
 
 void addURLs(MutableData& data, const std::vector<URL>& urls, uint32_t key) {
-  for (const URL& url : urls) addURL(data, url, key);
+  allOrNothing(data, [&] {
+    for (const URL& url : urls) appendString(data, url.absoluteString(), key);
+  });
 }
 
 bool addRecord(MutableData& data, uint32_t marker, uint32_t key, const Value& value) {
-  switch (marker) {
-    case VLbl:
-      return value.kind() == ValueKind::Boolean && (addBool(data, value.boolValue(), key), true);
-    case VLun:
-      return addInteger<uint32_t>(data, marker, value, key);
-    case VLsi:
-      return addInteger<int32_t>(data, marker, value, key);
-    case VLul:
-      return addInteger<uint64_t>(data, marker, value, key);
-    case VLsl:
-      return addInteger<int64_t>(data, marker, value, key);
-    case VLfl:
-      return isFloat(value) && (addFloat(data, static_cast<float>(value.doubleValue()), key), true);
-    case VLdb:
-      return value.isNumber() && (addDouble(data, value.doubleValue(), key), true);
-    case VLda:
-      return value.kind() == ValueKind::Date && (addDate(data, value.date(), key), true);
-    case VLst:
-      return addString(data, value.string(), key);
-    case VLdt:
-      return addData(data, value.data(), key);
-    case VLpl:
-      return addPlist(data, value, key);
-    default:
-      return false;
-  }
+  return falseWithoutMemory([&] { return appendRecord(data, marker, key, value); });
 }
 
 bool setBool(MutableData& data, bool value, uint32_t key) { return setFixed(data, VLbl, value, key); }
@@ -230,65 +271,60 @@ bool setDate(MutableData& data, Date date, uint32_t key) {
 }
 
 bool setData(MutableData& data, const Data& contents, uint32_t key) {
-  removeDataForKey(data, key);
-  return addData(data, contents, key);
+  return setBytes(data, contents.bytes(), contents.length(), key);
 }
 
 bool setBytes(MutableData& data, const void* bytes, size_t length, uint32_t key) {
-  removeDataForKey(data, key);
-  return addBytes(data, bytes, length, key);
+  return setVariable(data, VLdt, key, [&] { return appendVariable(data, VLdt, bytes, length, key); });
 }
 
 bool setPlist(MutableData& data, const Value& plist, uint32_t key) {
-  removePlistForKey(data, key);
-  return addPlist(data, plist, key);
+  return setVariable(data, VLpl, key, [&] { return appendPlist(data, plist, key); });
 }
 
 bool setString(MutableData& data, const String& string, uint32_t key) {
-  removeStringForKey(data, key);
-  return addString(data, string, key);
+  return setVariable(data, VLst, key, [&] { return appendString(data, string, key); });
 }
 
-bool setURL(MutableData& data, const URL& url, uint32_t key) {
-  removeURLForKey(data, key);
-  return addURL(data, url, key);
+bool setURL(MutableData& data, const URL& url, uint32_t key) { return setString(data, url.absoluteString(), key); }
+
+void removeBoolForKey(MutableData& data, uint32_t key) { removeKeyedHeader(data, VLbl, key); }
+
+void removeUnsignedForKey(MutableData& data, uint32_t key) { removeKeyedHeader(data, VLun, key); }
+
+void removeSignedForKey(MutableData& data, uint32_t key) { removeKeyedHeader(data, VLsi, key); }
+
+void removeUnsignedLongLongForKey(MutableData& data, uint32_t key) { removeKeyedHeader(data, VLul, key); }
+
+void removeSignedLongLongForKey(MutableData& data, uint32_t key) { removeKeyedHeader(data, VLsl, key); }
+
+void removeFloatForKey(MutableData& data, uint32_t key) { removeKeyedHeader(data, VLfl, key); }
+
+void removeDoubleForKey(MutableData& data, uint32_t key) { removeKeyedHeader(data, VLdb, key); }
+
+void removeDateForKey(MutableData& data, uint32_t key) { removeKeyedHeader(data, VLda, key); }
+
+void removeDataForKey(MutableData& data, uint32_t key) { removeKeyedHeader(data, VLdt, key); }
+
+void removePlistForKey(MutableData& data, uint32_t key) { removeKeyedHeader(data, VLpl, key); }
+
+void removeStringForKey(MutableData& data, uint32_t key) { removeKeyedHeader(data, VLst, key); }
+
+void removeStringsForKey(MutableData& data, uint32_t key) {
+  removeRecords(data, data.length(), [key](uint32_t marker, uint32_t found) { return marker == VLst && found == key; });
 }
-
-void removeBoolForKey(MutableData& data, uint32_t key) { removeKeyedHeader(data, VLbl, key, true); }
-
-void removeUnsignedForKey(MutableData& data, uint32_t key) { removeKeyedHeader(data, VLun, key, true); }
-
-void removeSignedForKey(MutableData& data, uint32_t key) { removeKeyedHeader(data, VLsi, key, true); }
-
-void removeUnsignedLongLongForKey(MutableData& data, uint32_t key) { removeKeyedHeader(data, VLul, key, true); }
-
-void removeSignedLongLongForKey(MutableData& data, uint32_t key) { removeKeyedHeader(data, VLsl, key, true); }
-
-void removeFloatForKey(MutableData& data, uint32_t key) { removeKeyedHeader(data, VLfl, key, true); }
-
-void removeDoubleForKey(MutableData& data, uint32_t key) { removeKeyedHeader(data, VLdb, key, true); }
-
-void removeDateForKey(MutableData& data, uint32_t key) { removeKeyedHeader(data, VLda, key, true); }
-
-void removeDataForKey(MutableData& data, uint32_t key) { removeKeyedHeader(data, VLdt, key, true); }
-
-void removePlistForKey(MutableData& data, uint32_t key) { removeKeyedHeader(data, VLpl, key, true); }
-
-void removeStringForKey(MutableData& data, uint32_t key) { removeKeyedHeader(data, VLst, key, true); }
-
-void removeStringsForKey(MutableData& data, uint32_t key) { removeKeyedHeader(data, VLst, key, false); }
 
 void removeURLForKey(MutableData& data, uint32_t key) { removeStringForKey(data, key); }
 
 void removeURLsForKey(MutableData& data, uint32_t key) { removeStringsForKey(data, key); }
 
 void removeKeyedDataUsingHandler(MutableData& data, FunctionRef<bool(uint32_t marker, uint32_t key)> handler) {
-  if (handler) removeRecords(data, handler);
+  if (handler) removeRecords(data, data.length(), handler);
 }
 
 void removeKeyedDataUsingHandler(MutableData& data, KeyedRemovalHandler handler, void* context) {
   if (!handler) return;
-  removeRecords(data, [=](uint32_t marker, uint32_t key) { return handler(marker, key, context); });
+  removeRecords(data, data.length(), [=](uint32_t marker, uint32_t key) { return handler(marker, key, context); });
 }
 
 }  // namespace velan

@@ -4,6 +4,9 @@
 // and key where it stands, or appends one. Removing closes the gap; it also cuts off what lies behind the last whole
 // record, so that it repairs damaged buffers. Behind a damaged record lookups find nothing: what is added or set there
 // is lost to them until something is removed, or `isValid` is asked first.
+//
+// When memory runs out, what answers YES or NO answers NO, everything else throws `std::bad_alloc`, and the buffer is
+// as it was before. Removing takes no memory.
 #ifndef VELAN_KEYED_KEYED_WRITING_H
 #define VELAN_KEYED_KEYED_WRITING_H
 
@@ -53,11 +56,11 @@ VELAN_EXPORT bool addPlist(MutableData& data, const Value& plist, uint32_t key);
 /// `addString:forKey`: appends a `VLst` record with `string` in UTF-8. NO, and nothing appended, when it is absent,
 /// empty, holds a lone surrogate, or takes 4 GiB or more.
 VELAN_EXPORT bool addString(MutableData& data, const String& string, uint32_t key);
-/// `addStrings:forKey`: `addString` for each string of the list in its order.
+/// `addStrings:forKey`: `addString` for each string of the list in its order, or none when memory runs out.
 VELAN_EXPORT void addStrings(MutableData& data, const std::vector<String>& strings, uint32_t key);
 /// `addURL:forKey`: `addString` with the absolute string.
 VELAN_EXPORT bool addURL(MutableData& data, const URL& url, uint32_t key);
-/// `addURLs:forKey`: `addURL` for each URL of the list in its order.
+/// `addURLs:forKey`: `addURL` for each URL of the list in its order, or none when memory runs out.
 VELAN_EXPORT void addURLs(MutableData& data, const std::vector<URL>& urls, uint32_t key);
 
 /// Appends a record with any of the eleven markers and a value of the kind that belongs to it: a boolean for `VLbl`, an
@@ -66,25 +69,31 @@ VELAN_EXPORT void addURLs(MutableData& data, const std::vector<URL>& urls, uint3
 /// `addString`, `addData` and `addPlist` answer so. The way back is `valueOfRecord`.
 VELAN_EXPORT bool addRecord(MutableData& data, uint32_t marker, uint32_t key, const Value& value);
 
-/// `setBool:forKey`: overwrites the value of the first `VLbl` record with `key`, or appends one. Always YES.
+/// `setBool:forKey`: overwrites the value of the first `VLbl` record with `key`, or appends one. NO only when memory
+/// runs out.
 VELAN_EXPORT bool setBool(MutableData& data, bool value, uint32_t key);
 template <typename T>
 requires(!std::same_as<T, bool>) bool setBool(MutableData& data, T value, uint32_t key) = delete;
-/// `setUnsigned:forKey`: overwrites the value of the first `VLun` record with `key`, or appends one. Always YES.
+/// `setUnsigned:forKey`: overwrites the value of the first `VLun` record with `key`, or appends one. NO only when
+/// memory runs out.
 VELAN_EXPORT bool setUnsigned(MutableData& data, uint32_t value, uint32_t key);
-/// `setSigned:forKey`: overwrites the value of the first `VLsi` record with `key`, or appends one. Always YES.
+/// `setSigned:forKey`: overwrites the value of the first `VLsi` record with `key`, or appends one. NO only when memory
+/// runs out.
 VELAN_EXPORT bool setSigned(MutableData& data, int32_t value, uint32_t key);
-/// `setUnsignedLongLong:forKey`: overwrites the value of the first `VLul` record with `key`, or appends one. Always
-/// YES.
+/// `setUnsignedLongLong:forKey`: overwrites the value of the first `VLul` record with `key`, or appends one. NO only
+/// when memory runs out.
 VELAN_EXPORT bool setUnsignedLongLong(MutableData& data, uint64_t value, uint32_t key);
-/// `setSignedLongLong:forKey`: overwrites the value of the first `VLsl` record with `key`, or appends one. Always YES.
+/// `setSignedLongLong:forKey`: overwrites the value of the first `VLsl` record with `key`, or appends one. NO only when
+/// memory runs out.
 VELAN_EXPORT bool setSignedLongLong(MutableData& data, int64_t value, uint32_t key);
-/// `setFloat:forKey`: overwrites the value of the first `VLfl` record with `key`, or appends one. Always YES.
+/// `setFloat:forKey`: overwrites the value of the first `VLfl` record with `key`, or appends one. NO only when memory
+/// runs out.
 VELAN_EXPORT bool setFloat(MutableData& data, float value, uint32_t key);
-/// `setDouble:forKey`: overwrites the value of the first `VLdb` record with `key`, or appends one. Always YES.
+/// `setDouble:forKey`: overwrites the value of the first `VLdb` record with `key`, or appends one. NO only when memory
+/// runs out.
 VELAN_EXPORT bool setDouble(MutableData& data, double value, uint32_t key);
 /// `setTimeIntervalSinceReferenceDate:forKey`: overwrites the value of the first `VLda` record with `key`, or appends
-/// one. Always YES.
+/// one. NO only when memory runs out.
 VELAN_EXPORT bool setTimeIntervalSinceReferenceDate(MutableData& data, double seconds, uint32_t key);
 /// `setDate:forKey`: `setTimeIntervalSinceReferenceDate` with the date's seconds.
 VELAN_EXPORT bool setDate(MutableData& data, Date date, uint32_t key);

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "velan/text/ConversionTables.h"
+#include "velan/text/UnitMappingInternal.h"
 
 namespace velan {
 namespace {
@@ -64,6 +65,18 @@ TEST(ConversionTables, PartOfAnother) {
   const unichar own[1] = {0};
   EXPECT_TRUE(isUnicharTablePartOfConversionTable(own, own));
   EXPECT_FALSE(isUnicharTablePartOfConversionTable(own, tables[4]));
+}
+
+// Every unit, so the ASCII ones among their like, where they are calculated.
+TEST(UnitMapping, RunsEqualTheTable) {
+  std::u16string all;
+  for (size_t c = 0; c < VelanTableLength; ++c) all += static_cast<char16_t>(c);
+  for (const unichar* table : {initUpperCharsTable(), initLowerCharsTable()}) {
+    EXPECT_EQ(mappedString(all, table).view(), std::u16string_view(table, VelanTableLength));
+    std::u16string inPlace = all;
+    mapUnits(inPlace.data(), inPlace.size(), table, inPlace.data());
+    EXPECT_EQ(inPlace, std::u16string_view(table, VelanTableLength));
+  }
 }
 
 }  // namespace

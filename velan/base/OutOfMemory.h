@@ -3,7 +3,8 @@
 //  - Functions with C linkage and operations of classes let no exception out. They give the neutral result that their
 //    comments name (false, 0, absent, `NSNotFound`, a null pointer), and change nothing that they would have changed.
 //  - C++ functions that return a list, a string of the standard library or several values, fill one of the caller's, or
-//    edit a `MutableString` or `MutableData` throw `std::bad_alloc`. No list comes back shortened.
+//    edit a `MutableString` or `MutableData` throw `std::bad_alloc`, or answer NO where they answer YES or NO. No list
+//    comes back shortened.
 //  - Where the neutral result could be taken for an answer ("no match"), the object can be asked: see
 //    `FastWordEnumerator::ranOutOfMemory` and `QueryMatcher::ranOutOfMemory`.
 //  - Destruction and moving never take memory.

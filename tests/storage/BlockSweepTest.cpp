@@ -86,9 +86,13 @@ const Operation kOperations[] = {
      }},
     {"enumerateStoredBlocks",
      [](BlockStorage& s) {
-       int64_t sum = 0;
-       const auto found = [&](const StoredBlock& block) { return sum = 31 * sum + block.end(), false; };
-       const auto damaged = [&](const DamagedPlace& place) { return sum = 31 * sum - place.offset, false; };
+       uint64_t sum = 0;  // wraps
+       const auto found = [&](const StoredBlock& block) {
+         return sum = 31 * sum + static_cast<uint64_t>(block.end()), false;
+       };
+       const auto damaged = [&](const DamagedPlace& place) {
+         return sum = 31 * sum - static_cast<uint64_t>(place.offset), false;
+       };
        const bool whole = s.enumerateStoredBlocks(found, nullptr) && s.enumerateStoredBlocks(found, damaged);
        const SparedAllocations spared;
        return whole ? Claim(std::to_string(sum)) : std::nullopt;

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "velan/base/UTF.h"
-#include "velan/base/UTFKernelsInternal.h"
+#include "velan/base/utf/UTF.h"
+#include "velan/base/utf/UTFKernelsInternal.h"
 #include "velan/text/encoding/StringConversion.h"
 
 namespace velan {

@@ -7,7 +7,7 @@
 #include <fstream>
 #include <msgpack.hpp>
 
-#include "velan/base/PropertyList.h"
+#include "velan/base/propertylist/PropertyList.h"
 #include "velan/keyed/KeyedFiles.h"
 #include "velan/keyed/KeyedReading.h"
 #include "velan/keyed/KeyedWriting.h"

@@ -6,7 +6,7 @@
 
 #include <string>
 
-#include "velan/base/JSON.h"
+#include "velan/base/json/JSON.h"
 #include "velan/markup/Entities.h"
 #include "velan/markup/ScriptEscapes.h"
 #include "velan/markup/Stripping.h"

@@ -11,10 +11,10 @@
 #include <string>
 
 #include "velan/text/CharacterSets.h"
-#include "velan/text/Comparison.h"
-#include "velan/text/Containment.h"
 #include "velan/text/ConversionTables.h"
 #include "velan/text/Separators.h"
+#include "velan/text/comparison/Comparison.h"
+#include "velan/text/search/Containment.h"
 
 namespace velan {
 namespace {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "velan/base/UTFKernelsInternal.h"
+#include "velan/base/utf/UTFKernelsInternal.h"
 #include "velan/text/encoding/Decoding.h"
 #include "velan/text/encoding/DecodingInternal.h"
 #include "velan/text/encoding/EncodingTableInternal.h"

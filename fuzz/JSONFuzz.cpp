@@ -1,7 +1,7 @@
 // The test for JSON and its reader agree, what is read can be written and comes back, and escapes are undone.
 #include <cstdlib>
 
-#include "velan/base/JSON.h"
+#include "velan/base/json/JSON.h"
 #include "velan/markup/ScriptEscapes.h"
 
 using namespace velan;

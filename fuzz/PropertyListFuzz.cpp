@@ -1,7 +1,7 @@
 // What can be read as a property list can be written, and comes back the same.
 #include <cstdlib>
 
-#include "velan/base/PropertyList.h"
+#include "velan/base/propertylist/PropertyList.h"
 
 using namespace velan;
 

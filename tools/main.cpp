@@ -6,7 +6,7 @@
 
 #include "tools/Commands.h"
 #include "tools/Console.h"
-#include "tools/search/TextCommands.h"
+#include "tools/text/TextCommands.h"
 
 namespace velan::tool {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <cmath>
 
-#include "velan/base/CivilTime.h"
 #include "velan/base/Value.h"
+#include "velan/base/dates/CivilTime.h"
 
 namespace velan {
 namespace {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/platform/files/TemporaryFolder.h"
-#include "velan/base/PropertyList.h"
+#include "velan/base/propertylist/PropertyList.h"
 #include "velan/markup/MarkupDecoding.h"
 #include "velan/text/encoding/CharsetNames.h"
 #include "velan/text/encoding/StringConversion.h"

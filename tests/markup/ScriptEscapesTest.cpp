@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "velan/base/JSON.h"
+#include "velan/base/json/JSON.h"
 #include "velan/markup/ScriptEscapes.h"
 
 namespace velan {

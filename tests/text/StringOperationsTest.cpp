@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 
-#include "velan/text/CharacterSearch.h"
 #include "velan/text/CharacterSets.h"
 #include "velan/text/ConversionTables.h"
-#include "velan/text/SetFilteredComparison.h"
-#include "velan/text/StringEquality.h"
+#include "velan/text/comparison/SetFilteredComparison.h"
+#include "velan/text/comparison/StringEquality.h"
+#include "velan/text/search/CharacterSearch.h"
 
 namespace velan {
 namespace {

@@ -10,7 +10,7 @@
 #include "tools/Console.h"
 #include "tools/Interruption.h"
 #include "tools/keyed/KeyedText.h"
-#include "velan/base/JSON.h"
+#include "velan/base/json/JSON.h"
 #include "velan/keyed/KeyedReading.h"
 #include "velan/keyed/KeyedValues.h"
 #include "velan/keyed/KeyedWriting.h"

@@ -5,8 +5,8 @@
 
 #include "velan/base/Base64.h"
 #include "velan/base/ByteOrder.h"
-#include "velan/base/CivilTime.h"
-#include "velan/base/JSON.h"
+#include "velan/base/dates/CivilTime.h"
+#include "velan/base/json/JSON.h"
 #include "velan/keyed/KeyedWriting.h"
 
 namespace velan::tool {

@@ -9,8 +9,8 @@
 #include "tools/CommandLine.h"
 #include "tools/Commands.h"
 #include "tools/Console.h"
-#include "tools/search/DocumentReading.h"
-#include "velan/base/JSON.h"
+#include "tools/documents/DocumentReading.h"
+#include "velan/base/json/JSON.h"
 #include "velan/language/DominantLanguage.h"
 #include "velan/language/LanguageFilter.h"
 

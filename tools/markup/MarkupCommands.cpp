@@ -8,7 +8,7 @@
 #include "tools/Commands.h"
 #include "tools/Console.h"
 #include "tools/markup/MarkupText.h"
-#include "velan/base/UTF.h"
+#include "velan/base/utf/UTF.h"
 #include "velan/markup/Attributes.h"
 #include "velan/markup/Entities.h"
 #include "velan/markup/Tags.h"

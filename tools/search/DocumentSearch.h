@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <vector>
 
+#include "tools/documents/TextLines.h"
 #include "tools/search/Query.h"
-#include "tools/search/TextLines.h"
 
 namespace velan::tool {
 

@@ -8,10 +8,10 @@
 
 #include "tools/Commands.h"
 #include "tools/Console.h"
-#include "tools/search/DocumentReading.h"
-#include "tools/search/TextCommands.h"
-#include "tools/search/TextLines.h"
-#include "tools/search/TextOffsets.h"
+#include "tools/documents/DocumentReading.h"
+#include "tools/documents/TextLines.h"
+#include "tools/documents/TextOffsets.h"
+#include "tools/text/TextCommands.h"
 #include "velan/wildcard/WildcardPattern.h"
 
 namespace velan::tool {

@@ -4,9 +4,9 @@
 
 #include <iterator>
 
-#include "tools/search/TextOffsets.h"
+#include "tools/documents/TextOffsets.h"
 #include "velan/base/Base64.h"
-#include "velan/base/JSON.h"
+#include "velan/base/json/JSON.h"
 #include "velan/text/encoding/CharsetNames.h"
 
 namespace velan::tool {

@@ -4,8 +4,8 @@
 
 #include <string>
 
+#include "tools/documents/TextDecoding.h"
 #include "tools/search/DocumentSearch.h"
-#include "tools/search/TextDecoding.h"
 
 namespace velan::tool {
 

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <iterator>
 
-#include "velan/base/UTF.h"
+#include "velan/base/utf/UTF.h"
 
 namespace velan::tool {
 namespace {

@@ -13,11 +13,11 @@
 #include "tools/Commands.h"
 #include "tools/Console.h"
 #include "tools/Progress.h"
-#include "tools/search/DocumentReading.h"
+#include "tools/documents/DocumentReading.h"
 #include "tools/search/JsonPrinter.h"
 #include "tools/search/LinePrinter.h"
 #include "tools/search/OrderedWork.h"
-#include "tools/search/TextCommands.h"
+#include "tools/text/TextCommands.h"
 
 namespace velan::tool {
 namespace {

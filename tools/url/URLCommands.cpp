@@ -9,7 +9,7 @@
 #include "tools/Commands.h"
 #include "tools/Console.h"
 #include "velan/base/FunctionRef.h"
-#include "velan/base/JSON.h"
+#include "velan/base/json/JSON.h"
 #include "velan/text/encoding/CharsetNames.h"
 #include "velan/url/PercentEscapes.h"
 #include "velan/url/QueryParameters.h"

@@ -6,7 +6,7 @@
 
 #include "velan/base/OutOfMemory.h"
 #include "velan/base/StringStorageInternal.h"
-#include "velan/base/UTF.h"
+#include "velan/base/utf/UTF.h"
 
 namespace velan {
 

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "velan/base/ASCII.h"
-#include "velan/base/UTF.h"
+#include "velan/base/utf/UTF.h"
 
 namespace velan {
 namespace {

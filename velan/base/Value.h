@@ -11,9 +11,9 @@
 #include <vector>
 
 #include "velan/base/Data.h"
-#include "velan/base/Date.h"
 #include "velan/base/String.h"
 #include "velan/base/URL.h"
+#include "velan/base/dates/Date.h"
 
 namespace velan {
 

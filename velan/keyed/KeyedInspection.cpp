@@ -3,7 +3,7 @@
 #include <new>
 
 #include "velan/base/OutOfMemory.h"
-#include "velan/base/PropertyListInternal.h"
+#include "velan/base/propertylist/PropertyListInternal.h"
 #include "velan/keyed/KeyedWalkInternal.h"
 
 namespace velan {

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
-#include "velan/base/CivilTime.h"
 #include "velan/base/OutOfMemory.h"
-#include "velan/base/PropertyList.h"
-#include "velan/base/UTF.h"
+#include "velan/base/dates/CivilTime.h"
+#include "velan/base/propertylist/PropertyList.h"
+#include "velan/base/utf/UTF.h"
 #include "velan/keyed/KeyedWalkInternal.h"
 
 namespace velan {

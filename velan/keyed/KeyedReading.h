@@ -12,11 +12,11 @@
 #include <vector>
 
 #include "velan/base/Data.h"
-#include "velan/base/Date.h"
 #include "velan/base/FunctionRef.h"
 #include "velan/base/String.h"
 #include "velan/base/URL.h"
 #include "velan/base/Value.h"
+#include "velan/base/dates/Date.h"
 #include "velan/keyed/KeyedRecords.h"
 
 namespace velan {

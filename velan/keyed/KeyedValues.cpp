@@ -7,7 +7,7 @@
 #include "velan/base/OutOfMemory.h"
 #include "velan/base/ScratchBuffer.h"
 #include "velan/base/TextNumbers.h"
-#include "velan/base/UTF.h"
+#include "velan/base/utf/UTF.h"
 #include "velan/keyed/KeyedAppendInternal.h"
 #include "velan/keyed/KeyedWalkInternal.h"
 #include "velan/keyed/KeyedWriting.h"

@@ -6,9 +6,9 @@
 #include <new>
 
 #include "velan/base/Log.h"
-#include "velan/base/PropertyListInternal.h"
 #include "velan/base/ScratchBuffer.h"
-#include "velan/base/UTF.h"
+#include "velan/base/propertylist/PropertyListInternal.h"
+#include "velan/base/utf/UTF.h"
 #include "velan/keyed/KeyedAppendInternal.h"
 #include "velan/keyed/KeyedWalkInternal.h"
 

@@ -8,7 +8,7 @@
 #include "velan/markup/EntityTableInternal.h"
 #include "velan/text/CharacterSets.h"
 #include "velan/text/ConversionTables.h"
-#include "velan/text/UnitBlocksInternal.h"
+#include "velan/text/search/UnitBlocksInternal.h"
 
 namespace velan {
 namespace {

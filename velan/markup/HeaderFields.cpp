@@ -4,7 +4,7 @@
 #include "velan/markup/AttributesInternal.h"
 #include "velan/text/CharacterSets.h"
 #include "velan/text/ConversionTables.h"
-#include "velan/text/UnitSearchInternal.h"
+#include "velan/text/search/UnitSearchInternal.h"
 
 namespace velan {
 namespace {

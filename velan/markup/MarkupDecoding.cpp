@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <optional>
 
-#include "velan/base/PropertyList.h"
+#include "velan/base/propertylist/PropertyList.h"
 #include "velan/markup/DeclaredEncoding.h"
 #include "velan/markup/FileTypes.h"
 #include "velan/platform/files/FileContents.h"

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "velan/base/ASCII.h"
-#include "velan/text/UnitBlocksInternal.h"
+#include "velan/text/search/UnitBlocksInternal.h"
 
 namespace velan {
 namespace {

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "velan/markup/TagsInternal.h"
-#include "velan/text/Comparison.h"
+#include "velan/text/comparison/Comparison.h"
 
 namespace velan {
 namespace {

@@ -11,7 +11,7 @@
 #include <unicode/uscript.h>
 #include <unicode/utf16.h>
 
-#include "velan/base/UTF.h"
+#include "velan/base/utf/UTF.h"
 #include "velan/platform/ServicesInternal.h"
 
 namespace velan {

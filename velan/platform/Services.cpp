@@ -4,7 +4,7 @@
 #include <unicode/uversion.h>
 #include <zlib.h>
 
-#include "velan/base/CPUInternal.h"
+#include "velan/base/kernels/CPUInternal.h"
 #include "velan/platform/ServicesInternal.h"
 
 namespace velan {

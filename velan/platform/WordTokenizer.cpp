@@ -5,7 +5,7 @@
 #include <new>
 #include <utility>
 
-#include "velan/base/UTF.h"
+#include "velan/base/utf/UTF.h"
 
 namespace velan {
 

@@ -3,8 +3,8 @@
 #include <new>
 #include <utility>
 
-#include "velan/query/QueryEvaluatorInternal.h"
-#include "velan/query/QueryOccurrencesInternal.h"
+#include "velan/query/evaluation/QueryEvaluatorInternal.h"
+#include "velan/query/evaluation/QueryOccurrencesInternal.h"
 
 namespace velan {
 

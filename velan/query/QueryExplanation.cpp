@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "velan/query/PreparedQuery.h"
-#include "velan/query/QueryEvaluatorInternal.h"
+#include "velan/query/evaluation/QueryEvaluatorInternal.h"
 
 namespace velan {
 namespace {

@@ -5,9 +5,9 @@
 #include <new>
 #include <utility>
 
-#include "velan/query/QueryEvaluatorInternal.h"
-#include "velan/query/QueryOccurrencesInternal.h"
-#include "velan/query/QueryWalkInternal.h"
+#include "velan/query/evaluation/QueryEvaluatorInternal.h"
+#include "velan/query/evaluation/QueryOccurrencesInternal.h"
+#include "velan/query/evaluation/QueryWalkInternal.h"
 
 namespace velan {
 namespace {

@@ -4,7 +4,7 @@
 #include <unordered_set>
 #include <utility>
 
-#include "velan/query/QueryWalkInternal.h"
+#include "velan/query/evaluation/QueryWalkInternal.h"
 #include "velan/query/words/Components.h"
 #include "velan/query/words/WordSeparation.h"
 #include "velan/wildcard/WildcardPattern.h"

@@ -1,6 +1,6 @@
 #include "velan/query/WordFinder.h"
 
-#include "velan/query/WordPatternInternal.h"
+#include "velan/query/evaluation/WordPatternInternal.h"
 
 namespace velan {
 namespace {

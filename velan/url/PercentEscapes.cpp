@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "velan/base/ASCII.h"
-#include "velan/base/UTF.h"
+#include "velan/base/utf/UTF.h"
 #include "velan/text/encoding/StringConversion.h"
 
 namespace velan {

@@ -5,8 +5,8 @@
 #include <utility>
 #include <vector>
 
-#include "velan/text/CharacterSearch.h"
 #include "velan/text/CharacterSets.h"
+#include "velan/text/search/CharacterSearch.h"
 
 namespace velan {
 namespace {

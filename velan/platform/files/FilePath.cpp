@@ -1,4 +1,4 @@
-#include "velan/base/UTF.h"
+#include "velan/base/utf/UTF.h"
 #include "velan/platform/files/FilePathInternal.h"
 
 namespace velan {

@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <memory>
 
-#include "velan/base/UTF.h"
+#include "velan/base/utf/UTF.h"
 #include "velan/platform/files/FileCallsInternal.h"
 #include "velan/platform/files/FileErrorInternal.h"
 #include "velan/platform/files/FilePathInternal.h"

@@ -5,7 +5,7 @@
 #include <cstddef>
 
 #include "velan/base/CTypes.h"
-#include "velan/base/KernelsInternal.h"
+#include "velan/base/kernels/KernelsInternal.h"
 
 namespace velan {
 

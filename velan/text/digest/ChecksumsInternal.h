@@ -6,7 +6,7 @@
 #include <cstdint>
 
 #include "velan/base/CTypes.h"
-#include "velan/base/KernelsInternal.h"
+#include "velan/base/kernels/KernelsInternal.h"
 
 namespace velan {
 

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "velan/base/KernelsInternal.h"
+#include "velan/base/kernels/KernelsInternal.h"
 
 namespace velan {
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "velan/base/UTF.h"
+#include "velan/base/utf/UTF.h"
 #include "velan/platform/TextMappingInternal.h"
 
 namespace velan {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "velan/base/UTF.h"
+#include "velan/base/utf/UTF.h"
 #include "velan/text/encoding/DecodingInternal.h"
 #include "velan/text/encoding/EncodingTableInternal.h"
 

@@ -3,8 +3,8 @@
 #include <new>
 
 #include "velan/base/ByteOrder.h"
-#include "velan/base/UTF.h"
-#include "velan/base/UTFInternal.h"
+#include "velan/base/utf/UTF.h"
+#include "velan/base/utf/UTFInternal.h"
 #include "velan/text/encoding/UnicodeFormsInternal.h"
 
 namespace velan {

@@ -7,9 +7,9 @@
 #include <string>
 
 #include "velan/base/ASCII.h"
-#include "velan/base/ISODate.h"
 #include "velan/base/TextNumbers.h"
-#include "velan/text/StringEquality.h"
+#include "velan/base/dates/ISODate.h"
+#include "velan/text/comparison/StringEquality.h"
 #include "velan/text/inspection/LineEndsInternal.h"
 #include "velan/text/inspection/TrimmedUnitsInternal.h"
 

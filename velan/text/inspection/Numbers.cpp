@@ -1,7 +1,7 @@
 #include "velan/text/inspection/Numbers.h"
 
 #include "velan/base/ASCII.h"
-#include "velan/text/UnitSearchInternal.h"
+#include "velan/text/search/UnitSearchInternal.h"
 
 namespace velan {
 

@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <string_view>
 
-#include "velan/text/Containment.h"
-#include "velan/text/UnitSearchInternal.h"
+#include "velan/text/search/Containment.h"
+#include "velan/text/search/UnitSearchInternal.h"
 
 namespace velan {
 

@@ -1,0 +1,40 @@
+// A file's way from its path to its text.
+#ifndef VELAN_TOOLS_DOCUMENTS_DOCUMENT_READING_H
+#define VELAN_TOOLS_DOCUMENTS_DOCUMENT_READING_H
+
+#include <optional>
+#include <string>
+
+#include "tools/documents/FileWalk.h"
+#include "tools/documents/TextDecoding.h"
+
+namespace velan::tool {
+
+/// What to tell when a file gives no text.
+struct Complaint {
+  std::string text;
+  bool isTrouble = false;  // counts for the exit status
+};
+
+/// Nothing when the file cannot be read or is not text; `complaint` then has one line about it. Folders hold files that
+/// are not text as a matter of course, so those are trouble only when they were named.
+std::optional<Document> readDocument(const InputFile& file, const DecodingOptions& decoding, Complaint& complaint);
+
+/// The same for commands that read one file after the other: complains, and warns once where an encoding is assumed.
+class DocumentReader {
+ public:
+  explicit DocumentReader(const DecodingOptions& decoding) : _decoding(decoding) {}
+
+  std::optional<Document> read(const InputFile& file);
+  /// Whether something could not be read that should have been.
+  bool hadTrouble() const { return _trouble; }
+
+ private:
+  const DecodingOptions _decoding;
+  AssumedEncodingWarning _warning;
+  bool _trouble = false;
+};
+
+}  // namespace velan::tool
+
+#endif  // VELAN_TOOLS_DOCUMENTS_DOCUMENT_READING_H

@@ -1,0 +1,116 @@
+#include "tools/documents/TextDecoding.h"
+
+#include <new>
+#include <stdexcept>
+#include <string_view>
+#include <utility>
+
+#include "tools/CommandLine.h"
+#include "velan/text/encoding/CharsetNames.h"
+#include "velan/text/encoding/Decoding.h"
+#include "velan/text/encoding/EncodingDetection.h"
+
+namespace velan::tool {
+namespace {
+
+constexpr StringEncoding kAssumed = StringEncoding::WindowsLatin1;
+
+Data borrowed(const std::string& bytes) {
+  return Data::withBytesNoCopy(const_cast<char*>(bytes.data()), bytes.size(), false);
+}
+
+// Whether text in this encoding may hold zero bytes.
+bool isWide(StringEncoding encoding) {
+  return isUTF16(encoding) || encoding == StringEncoding::UTF32 || encoding == StringEncoding::UTF32BigEndian ||
+         encoding == StringEncoding::UTF32LittleEndian;
+}
+
+size_t markLengthOf(std::string_view bytes, StringEncoding encoding) {
+  if (encoding == StringEncoding::UTF8) return bytes.starts_with("\xEF\xBB\xBF") ? 3 : 0;
+  const bool marked = bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF");
+  return encoding == StringEncoding::UTF16 && marked ? 2 : 0;
+}
+
+String lenientText(const std::string& bytes, StringEncoding encoding) {
+  return decodedText(borrowed(bytes), encoding, MalformedText::Replace).text;
+}
+
+// The text is absent where it is to be decoded.
+struct Choice {
+  StringEncoding encoding;
+  bool assumed = false;
+  String text = {};
+};
+
+Choice choose(const std::string& bytes, const std::string& path, const DecodingOptions& options) {
+  if (options.encoding != StringEncoding::Detect) return {options.encoding};
+  const Data data = borrowed(bytes);
+  DetectedEncoding found =
+      path.empty() ? detectedEncodingOfData(data) : detectedEncodingOfFile(String::fromUTF8(path), data);
+  if (found.evidence == EncodingEvidence::None) {
+    const bool assumed = options.defaultEncoding == StringEncoding::Detect;
+    return {assumed ? kAssumed : options.defaultEncoding, assumed};
+  }
+  // What is printed is UTF-8, so half a pair has to go.
+  if (isUTF16(found.encoding)) found.text = String();
+  return {found.encoding, false, std::move(found.text)};
+}
+
+}  // namespace
+
+bool isUTF16(StringEncoding encoding) {
+  return encoding == StringEncoding::UTF16 || encoding == StringEncoding::UTF16BigEndian ||
+         encoding == StringEncoding::UTF16LittleEndian;
+}
+
+void addEncodingName(CLI::App& command, const char* name, StringEncoding& encoding, const char* description) {
+  const auto choose = [&encoding](const std::string& charset) {
+    encoding = charset2NSStringEncoding(charset);
+    if (!charsetName(encoding)) fail("no encoding is called " + charset);
+  };
+  command.add_option_function<std::string>(name, choose, description)->type_name("NAME");
+}
+
+void addDecodingOptions(CLI::App& command, DecodingOptions& options) {
+  addEncodingName(command, "--encoding", options.encoding, "The encoding of all files, instead of detecting it");
+  addEncodingName(command, "--default-encoding", options.defaultEncoding,
+                  "The encoding of files that nothing tells about");
+}
+
+std::optional<Document> decodeDocument(std::string bytes, const std::string& path, const DecodingOptions& options,
+                                       std::string& why) {
+  constexpr const char* kBinary = "binary file, not searched";
+  Choice choice = choose(bytes, path, options);
+  if (!isWide(choice.encoding) && bytes.find('\0') != std::string::npos) {
+    why = kBinary;
+    return std::nullopt;
+  }
+  const String text = choice.text ? std::move(choice.text) : lenientText(bytes, choice.encoding);
+  if (text.isAbsent()) {
+    why = "there is not enough memory for its text";
+    return std::nullopt;
+  }
+  if (text.view().find(u'\0') != std::u16string_view::npos) {
+    why = kBinary;
+    return std::nullopt;
+  }
+  const size_t markLength = markLengthOf(bytes, choice.encoding);
+  return Document{std::move(bytes), choice.encoding, choice.assumed, markLength, text};
+}
+
+std::vector<int32_t> sourceOffsets(const Document& document) {
+  std::vector<int32_t> offsets;
+  if (document.bytes.size() > INT32_MAX) throw std::length_error("it is too long to tell places in its bytes");
+  decodedText(borrowed(document.bytes), document.encoding, MalformedText::Replace, offsets);
+  if (offsets.size() != document.text.view().size() + 1) throw std::bad_alloc();
+  return offsets;
+}
+
+std::string AssumedEncodingWarning::about(const std::string& name, bool assumed) {
+  if (!assumed || _given) return {};
+  _given = true;
+  return name + ": nothing tells the encoding of this file and perhaps of others: read as " + charsetName(kAssumed) +
+         "; --encoding and --default-encoding know better";
+}
+
+}  // namespace velan::tool

@@ -1,0 +1,67 @@
+// From the bytes of a file to the text that is searched: the one place to extend when markup is to be understood.
+#ifndef VELAN_TOOLS_DOCUMENTS_TEXT_DECODING_H
+#define VELAN_TOOLS_DOCUMENTS_TEXT_DECODING_H
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "velan/base/Data.h"
+#include "velan/base/String.h"
+#include "velan/base/StringEncoding.h"
+
+namespace CLI {
+class App;
+}
+
+namespace velan::tool {
+
+/// What is known about the encodings of files.
+struct DecodingOptions {
+  StringEncoding encoding = StringEncoding::Detect;  // of all of them
+  StringEncoding defaultEncoding =
+      StringEncoding::Detect;  // of those that nothing tells about: Windows-1252 and a warning
+};
+
+/// Declares `--encoding` and `--default-encoding`.
+void addDecodingOptions(CLI::App& command, DecodingOptions& options);
+
+/// Declares an option that takes the name of an encoding.
+void addEncodingName(CLI::App& command, const char* name, StringEncoding& encoding, const char* description);
+
+/// Whether the encoding is UTF-16 in either byte order or with a mark.
+bool isUTF16(StringEncoding encoding);
+
+/// A file and its text.
+struct Document {
+  std::string bytes;
+  StringEncoding encoding;
+  bool assumed;       // nothing tells the encoding, and nobody named a default
+  size_t markLength;  // bytes of the byte-order mark of UTF-8 or UTF-16, which does not belong to the text
+  String text;
+};
+
+/// Decodes a file in the encoding that is named or detected (see `detectedEncodingOfFile`); `path` is where its
+/// extended attributes are, empty for standard input. Malformed parts become U+FFFD. Nothing for a file that is not
+/// text, which shows by a character U+0000; `why` says so.
+std::optional<Document> decodeDocument(std::string bytes, const std::string& path, const DecodingOptions& options,
+                                       std::string& why);
+
+/// Where the sequence of each unit of the document's text begins in its bytes, and where the last one ends. Throws
+/// `std::length_error` for more than INT32_MAX bytes, and `std::bad_alloc`.
+std::vector<int32_t> sourceOffsets(const Document& document);
+
+/// One warning a run for documents whose encoding is assumed.
+class AssumedEncodingWarning {
+ public:
+  /// Nothing when the encoding is not assumed, or when the warning was given before.
+  std::string about(const std::string& name, bool assumed);
+
+ private:
+  bool _given = false;
+};
+
+}  // namespace velan::tool
+
+#endif  // VELAN_TOOLS_DOCUMENTS_TEXT_DECODING_H

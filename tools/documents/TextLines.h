@@ -1,0 +1,40 @@
+// The lines and paragraphs of a text.
+#ifndef VELAN_TOOLS_DOCUMENTS_TEXT_LINES_H
+#define VELAN_TOOLS_DOCUMENTS_TEXT_LINES_H
+
+#include <cstddef>
+#include <string_view>
+#include <vector>
+
+#include "velan/base/Range.h"
+
+namespace velan::tool {
+
+/// Lines end with LF or CR LF; in a text without any LF with CR. Borrows the text. Positions are in units, lines are
+/// numbered from 0.
+class TextLines {
+ public:
+  explicit TextLines(std::u16string_view text);
+
+  size_t count() const { return _starts.size(); }
+  /// The line of the unit at `index`, of the last unit for an index beyond the end. There must be a line.
+  size_t lineAt(int64_t index) const;
+  /// With what ends the line.
+  Range fullRange(size_t line) const;
+  /// Without it.
+  Range range(size_t line) const;
+  /// Longest runs of lines that are not blank.
+  std::vector<Range> paragraphs() const;
+  /// The first line in `range` that is not blank, the line where it begins if all are.
+  size_t firstLineWithText(Range range) const;
+
+ private:
+  bool isBlank(size_t line) const;
+
+  std::u16string_view _text;
+  std::vector<int64_t> _starts;
+};
+
+}  // namespace velan::tool
+
+#endif  // VELAN_TOOLS_DOCUMENTS_TEXT_LINES_H

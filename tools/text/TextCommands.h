@@ -1,0 +1,65 @@
+// The commands for text: what they are told, and the functions that do them and return an `ExitStatus`.
+#ifndef VELAN_TOOLS_TEXT_TEXT_COMMANDS_H
+#define VELAN_TOOLS_TEXT_TEXT_COMMANDS_H
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "tools/documents/TextDecoding.h"
+#include "tools/search/DocumentSearch.h"
+#include "tools/search/Query.h"
+
+namespace velan::tool {
+
+enum class ColorChoice : uint8_t { Auto, Always, Never };
+
+enum class SearchOutput : uint8_t { Lines, Names, LineCounts, OccurrenceCounts, JSON };
+
+struct SearchOptions {
+  QueryOptions query;
+  std::vector<std::string> paths;
+  SearchUnit unit = SearchUnit::Document;
+  SearchOutput output = SearchOutput::Lines;
+  DecodingOptions decoding;
+  bool hidden = false;
+  size_t context = 0;
+  size_t threads = 0;  // 0: as many as the machine has processors
+  ColorChoice color = ColorChoice::Auto;
+};
+int runSearch(const SearchOptions& options);
+
+struct ExplainOptions {
+  QueryOptions query;
+  std::string path;  // empty: only the query is explained
+  DecodingOptions decoding;
+};
+int runExplain(const ExplainOptions& options);
+
+struct MatchOptions {
+  std::string pattern;
+  std::vector<std::string> words;  // none: the lines of standard input
+  bool sets = false;
+  bool ignoreCase = false;
+  bool invert = false;
+};
+int runMatch(const MatchOptions& options);
+
+struct WordsOptions {
+  std::vector<std::string> paths;
+  bool ignoreCase = false;
+  DecodingOptions decoding;
+  bool hidden = false;
+  int64_t minLength = 1;
+  size_t top = 0;  // 0: all
+};
+int runWords(const WordsOptions& options);
+
+int runSelfTest();
+
+/// What `--version` prints.
+void printVersion(bool verbose);
+
+}  // namespace velan::tool
+
+#endif  // VELAN_TOOLS_TEXT_TEXT_COMMANDS_H

@@ -1,0 +1,98 @@
+// The places of one leaf of a query in a text, each found once.
+#ifndef VELAN_QUERY_EVALUATION_LEAF_SEARCH_INTERNAL_H
+#define VELAN_QUERY_EVALUATION_LEAF_SEARCH_INTERNAL_H
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "velan/query/QueryExplanation.h"
+#include "velan/query/QueryTerms.h"
+#include "velan/query/evaluation/PhraseSearchInternal.h"
+#include "velan/query/evaluation/WordSearchInternal.h"
+
+namespace velan {
+
+/// What the leaves of a query are.
+enum class LeafKind : uint8_t {
+  Plain,     // words and phrases, found unit by unit
+  Tolerant,  // the same, but any separators may lie between the words of a phrase
+  Wildcard   // wildcard patterns
+};
+
+constexpr LeafKind leafKind(bool wildcard) { return wildcard ? LeafKind::Wildcard : LeafKind::Plain; }
+
+/// What a leaf looks for, prepared for a comparison. Never changes, so any number of searches may use it at once.
+class LeafPattern {
+ public:
+  LeafPattern(const QueryTerms& leaf, LeafKind kind, QueryComparison comparison);
+
+  /// `Words` for every leaf that is found by a pattern of words.
+  LeafMeaning meaning() const;
+  /// Whether the leaf is a lone `*`: found as the whole of any range that is not empty, and nowhere else.
+  bool isWholeRange() const { return _pattern.isWholeRange(); }
+  /// The units of a leaf that is found by them, mapped; null for any other.
+  const std::u16string* literal() const { return _literal ? &_word : nullptr; }
+  /// Whether a literal begins and ends where words do.
+  bool isWhole() const { return _whole; }
+  /// The pattern of any other leaf.
+  const WordPattern& pattern() const { return _pattern; }
+
+ private:
+  bool _literal;  // found by its units rather than by a pattern
+  bool _whole;
+  std::u16string _word;  // of a literal, mapped
+  WordPattern _pattern;  // of any other
+};
+
+/// The patterns of all leaves of a tree.
+class LeafPatterns {
+ public:
+  LeafPatterns(const QueryTerms& root, LeafKind kind, QueryComparison comparison);
+  /// Null for a leaf of another tree.
+  const LeafPattern* find(const QueryTerms& leaf) const;
+
+ private:
+  std::unordered_map<const QueryTerms*, LeafPattern> _patterns;
+};
+
+/// The pieces of a leaf that is a wildcard pattern.
+std::vector<ExplainedPiece> explainedPieces(const QueryTerms& leaf, QueryComparison comparison);
+
+/// Searches only as far as it is asked to and remembers what it found, in the order of the text. Both the beginnings
+/// and the ends of the places grow, so the first place at or after a location is the only one to look at when one that
+/// lies wholly in a range is wanted.
+class LeafSearch {
+ public:
+  /// Borrows a pattern that was prepared for the units of `text`.
+  LeafSearch(const SearchedText& text, const LeafPattern& pattern);
+  /// With a pattern of its own.
+  LeafSearch(const SearchedText& text, std::unique_ptr<const LeafPattern> pattern) : LeafSearch(text, *pattern) {
+    _own = std::move(pattern);
+  }
+
+  bool isWholeRange() const { return _pattern.isWholeRange(); }
+  /// The first place that lies wholly in `range`; absent if there is none.
+  Range firstIn(Range range);
+  /// The place with this number, or null when there are not so many.
+  const Range* at(size_t number);
+  /// The number of the first place that begins at or after `location`.
+  size_t numberFrom(int64_t location);
+
+ private:
+  Range next();
+
+  const SearchedText& _text;
+  const LeafPattern& _pattern;
+  std::unique_ptr<const LeafPattern> _own;
+  std::optional<PhraseSearch> _phrase;
+  std::optional<WordSearch> _word;
+  std::vector<Range> _found;
+  int64_t _frontier = 0;  // everything that begins before is found
+};
+
+}  // namespace velan
+
+#endif  // VELAN_QUERY_EVALUATION_LEAF_SEARCH_INTERNAL_H

@@ -1,0 +1,19 @@
+// Where the leaves of a query occur in a text, and which of these places satisfy it.
+#ifndef VELAN_QUERY_EVALUATION_QUERY_OCCURRENCES_INTERNAL_H
+#define VELAN_QUERY_EVALUATION_QUERY_OCCURRENCES_INTERNAL_H
+
+#include <vector>
+
+#include "velan/query/QueryMatching.h"
+#include "velan/query/evaluation/QueryEvaluatorInternal.h"
+
+namespace velan {
+
+/// All places in `range` where a leaf matches that is neither negated nor below a negated group, by location, the
+/// longer first, each range once. A place is primary when it takes part in the match: under a proximity operator when
+/// it lies in a span (or piece) that satisfied the relation, elsewhere always.
+std::vector<QueryOccurrence> occurrencesOfQuery(QueryEvaluator& evaluator, const QueryTerms& root, Range range);
+
+}  // namespace velan
+
+#endif  // VELAN_QUERY_EVALUATION_QUERY_OCCURRENCES_INTERNAL_H

@@ -1,0 +1,36 @@
+// Walking over the nodes of a query, of any depth, in the order of the tree.
+#ifndef VELAN_QUERY_EVALUATION_QUERY_WALK_INTERNAL_H
+#define VELAN_QUERY_EVALUATION_QUERY_WALK_INTERNAL_H
+
+#include <vector>
+
+#include "velan/query/QueryTerms.h"
+
+namespace velan {
+
+/// Calls `visit(node)` for `root` and, where that returns true, for everything below it; parents come first.
+template <typename Visit>
+void walkQuery(const QueryTerms& root, Visit visit) {
+  std::vector<const QueryTerms*> pending{&root};
+  while (!pending.empty()) {
+    const QueryTerms* node = pending.back();
+    pending.pop_back();
+    if (!visit(*node)) continue;
+    const auto& children = node->children();
+    for (auto child = children.rbegin(); child != children.rend(); ++child) pending.push_back(child->get());
+  }
+}
+
+/// Calls `visit(leaf)` for every leaf at or below `root` that is neither negated nor below a negated group.
+template <typename Visit>
+void walkPositiveLeaves(const QueryTerms& root, Visit visit) {
+  walkQuery(root, [&visit](const QueryTerms& node) {
+    if (node.queryNot()) return false;
+    if (node.isWord()) visit(node);
+    return true;
+  });
+}
+
+}  // namespace velan
+
+#endif  // VELAN_QUERY_EVALUATION_QUERY_WALK_INTERNAL_H

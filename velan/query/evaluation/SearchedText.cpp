@@ -1,0 +1,122 @@
+#include <algorithm>
+
+#include "velan/query/evaluation/SearchedTextInternal.h"
+#include "velan/text/ConversionTables.h"
+#include "velan/text/UnitMappingInternal.h"
+#include "velan/text/search/UnitSearchInternal.h"
+#include "velan/wildcard/WildcardPattern.h"
+
+namespace velan {
+namespace {
+
+// Counting so many words by walking costs less than finding all words of the text first.
+constexpr int64_t kWalkedWords = 64;
+
+}  // namespace
+
+QueryComparison comparisonOn(const FastWordEnumerator& enumerator, QueryComparison comparison) {
+  return enumerator.isCaseInsensitive() ? comparison | QueryComparison::IgnoreCase : comparison;
+}
+
+std::unique_ptr<FastWordEnumerator> enumeratorForComparison(const String& text, QueryComparison comparison) {
+  const bool upperCase =
+      contains(comparison, QueryComparison::IgnoreCase) && !contains(comparison, QueryComparison::IgnoreDiacritics);
+  return FastWordEnumerator::enumeratorWithString(text, upperCase, false);
+}
+
+const unichar* comparisonTable(QueryComparison comparison) {
+  return unicharTableForWildcardComparison(static_cast<uint32_t>(comparison));
+}
+
+std::u16string mappedUnits(std::u16string_view units, const unichar* table) {
+  std::u16string mapped(units);
+  if (table) mapUnits(units.data(), units.size(), table, mapped.data());
+  return mapped;
+}
+
+SearchedText::SearchedText(const FastWordEnumerator& enumerator, QueryComparison comparison, Mapping mapping)
+    : _words(enumerator),
+      _length(static_cast<int64_t>(enumerator.length())),
+      _patternTable(comparisonTable(comparisonOn(enumerator, comparison))),
+      _table(_patternTable),
+      _units(enumerator.characters()) {
+  if (enumerator.isCaseInsensitive() && _table == initUpperCharsTable()) _table = nullptr;
+  if (_table && mapping == Mapping::InAdvance) {
+    _mapped.resize(static_cast<size_t>(_length));
+    mapUnits(_units, _mapped.size(), _table, _mapped.data());
+    _units = _mapped.data();
+    _table = nullptr;
+  }
+}
+
+Range SearchedText::firstWordIn(int64_t location, int64_t end) const {
+  while (location < end && !wordBeginsAt(location)) ++location;
+  for (int64_t last = location; last < end; ++last) {
+    if (wordEndsAt(last)) return {location, last + 1 - location};
+  }
+  return kAbsentRange;
+}
+
+bool SearchedText::hasUnitsAt(int64_t location, std::u16string_view literal) const {
+  const unichar* units = _units + location;
+  if (!_table) return std::equal(literal.begin(), literal.end(), units);
+  return std::equal(literal.begin(), literal.end(), units,
+                    [this](unichar pattern, unichar unit) { return pattern == _table[unit]; });
+}
+
+int64_t SearchedText::find(std::u16string_view literal, int64_t location, int64_t end) const {
+  const unichar* units = _units + location;
+  const auto length = static_cast<size_t>(end - location);
+  const size_t found = _table ? findMappedUnits(units, length, literal.data(), literal.size(), _table)
+                              : findUnits(units, length, literal.data(), literal.size());
+  return found == length ? -1 : location + static_cast<int64_t>(found);
+}
+
+Range SearchedText::findWord(std::u16string_view literal, Range range, bool whole) const {
+  if (literal.empty()) return kAbsentRange;
+  const auto length = static_cast<int64_t>(literal.size());
+  const int64_t end = endOf(range);
+  for (int64_t from = range.location; from <= end;) {
+    from = find(literal, from, end);
+    if (from < 0) return kAbsentRange;
+    if (!whole || (wordBeginsAt(from) && wordEndsAt(from + length - 1))) return {from, length};
+    // Going on at the next word, not the next unit, keeps a long literal in a text that repeats its units from being
+    // compared again and again.
+    from = _words.locationOfNextWordFromIndex(from + 1, end);
+  }
+  return kAbsentRange;
+}
+
+int64_t SearchedText::wordStartBefore(int64_t location, int64_t count, int64_t start) const {
+  if (count <= kWalkedWords) {
+    while (location > start && count > 0) {
+      if (wordBeginsAt(--location)) --count;
+    }
+    return location;
+  }
+  indexWords();
+  const auto before = std::lower_bound(_wordStarts.begin(), _wordStarts.end(), location) - _wordStarts.begin();
+  return before < count ? start : std::max(start, _wordStarts[static_cast<size_t>(before - count)]);
+}
+
+int64_t SearchedText::wordEndAfter(int64_t location, int64_t count, int64_t end) const {
+  if (count <= kWalkedWords) {
+    while (location < end && count > 0) {
+      if (wordEndsAt(location++)) --count;
+    }
+    return location;
+  }
+  indexWords();
+  const auto after = _wordEnds.end() - std::upper_bound(_wordEnds.begin(), _wordEnds.end(), location);
+  return after < count ? end : std::min(end, *(_wordEnds.end() - after + count - 1));
+}
+
+void SearchedText::indexWords() const {
+  if (!_wordStarts.empty()) return;
+  for (int64_t i = 0; i < _length; ++i) {
+    if (wordBeginsAt(i)) _wordStarts.push_back(i);
+    if (wordEndsAt(i)) _wordEnds.push_back(i + 1);
+  }
+}
+
+}  // namespace velan

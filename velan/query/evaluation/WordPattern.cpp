@@ -1,0 +1,170 @@
+#include <algorithm>
+#include <new>
+#include <optional>
+#include <utility>
+
+#include "velan/query/evaluation/PhraseSearchInternal.h"
+#include "velan/query/evaluation/WordPatternInternal.h"
+#include "velan/query/evaluation/WordSearchInternal.h"
+#include "velan/wildcard/WildcardMatching.h"
+#include "velan/wildcard/WildcardPattern.h"
+
+namespace velan {
+namespace {
+
+std::vector<std::u16string> wordsOf(std::u16string_view text, bool wildcard) {
+  std::vector<std::u16string> words;
+  if (text.empty()) return words;
+  const auto enumerator = FastWordEnumerator::enumeratorWithString(String(text), false, wildcard);
+  if (!enumerator) throw std::bad_alloc();
+  enumerator->enumerateWordsInRange({0, enumerator->length()},
+                                    [&words](const FastWordEnumerator& each, int64_t start, int64_t length) {
+                                      words.emplace_back(each.characters() + start, static_cast<size_t>(length));
+                                      return false;
+                                    });
+  return words;
+}
+
+// The normal form of a pattern that would be usable if it had a literal: with one at its end it is. Nothing for a
+// malformed pattern.
+std::optional<std::u16string> normalFormWithoutLiteral(std::u16string_view pattern) {
+  std::u16string units(pattern);
+  units.push_back(u'a');
+  Range range{};
+  const uint32_t type = optimizeWildcard(units.data(), units.data() + units.size(), &range, 1);
+  if (type == WildcardTypeUnusable) return std::nullopt;
+  units.resize(static_cast<size_t>(normalWildcardLen(type, range) - 1));
+  return units;
+}
+
+struct SplitPattern {
+  std::vector<std::u16string> pieces;
+  bool holdsSeparators;
+  bool anyWord;  // a piece without a literal stands for any word
+};
+
+SplitPattern splitPattern(std::u16string_view pattern, bool phrase) {
+  SplitPattern parts{wordsOf(pattern, true), false, false};
+  parts.holdsSeparators = parts.pieces.size() != 1 || parts.pieces.front().size() != pattern.size();
+  parts.anyWord = parts.holdsSeparators || phrase;
+  return parts;
+}
+
+}  // namespace
+
+WordPattern::Piece WordPattern::wildcardPiece(std::u16string pattern, bool anyWord, bool fuzzy) {
+  const auto withoutLiteral = anyWord ? normalFormWithoutLiteral(pattern) : std::nullopt;
+  Piece piece{std::move(pattern), WildcardTypeUnusable, {0, 0}, 0, 0, fuzzy, false};
+  unichar* start = piece.units.data();
+  piece.type = optimizeWildcard(start, start + piece.units.size(), &piece.literal, 1);
+  if (piece.type != WildcardTypeUnusable) {
+    piece.units.resize(static_cast<size_t>(normalWildcardLen(piece.type, piece.literal)));
+  } else if (withoutLiteral) {
+    piece.units = *withoutLiteral;
+    piece.type = WildcardTypeGeneral;
+    piece.standsForAnyWord = true;
+  } else {
+    return piece;
+  }
+  start = piece.units.data();
+  piece.minLength = minWildcardLen(start, start + piece.units.size());
+  piece.maxLength = maxWildcardLen(start, start + piece.units.size());
+  return piece;
+}
+
+WordPattern::Piece WordPattern::literalPiece(std::u16string word) {
+  const auto length = static_cast<int64_t>(word.size());
+  return {std::move(word), WildcardTypeExact, {0, length}, length, length, false, false};
+}
+
+WordPattern WordPattern::withWildcard(std::u16string_view pattern, bool split, bool phrase, bool fuzzy,
+                                      const unichar* table) {
+  WordPattern result;
+  if (normalFormWithoutLiteral(pattern) == u"*") {
+    result._wholeRange = true;
+    return result;
+  }
+  const SplitPattern parts = splitPattern(pattern, phrase);
+  if (parts.holdsSeparators && !split) return result;
+  for (const std::u16string& piece : parts.pieces) {
+    result._pieces.push_back(wildcardPiece(mappedUnits(piece, table), parts.anyWord, fuzzy));
+    if (result._pieces.back().type == WildcardTypeUnusable) {
+      result._pieces.clear();
+      break;
+    }
+  }
+  return result;
+}
+
+std::vector<ExplainedPiece> WordPattern::explained(std::u16string_view pattern, bool phrase, bool fuzzy) {
+  std::vector<ExplainedPiece> explained;
+  const SplitPattern parts = splitPattern(pattern, phrase);
+  for (const std::u16string& units : parts.pieces) {
+    const Piece piece = wildcardPiece(units, parts.anyWord, fuzzy);
+    const bool isUsable = piece.type != WildcardTypeUnusable;
+    const uint32_t type = wildcardType(units);
+    explained.push_back({units, type, isUsable ? String(piece.units) : String(), piece.standsForAnyWord,
+                         fuzzy && type == WildcardTypeExact});
+  }
+  return explained;
+}
+
+WordPattern WordPattern::withPhrase(std::u16string_view phrase, const unichar* table) {
+  WordPattern result;
+  for (const std::u16string& word : wordsOf(phrase, false)) {
+    result._pieces.push_back(literalPiece(mappedUnits(word, table)));
+  }
+  return result;
+}
+
+std::u16string_view WordPattern::literalOf(const Piece& piece) {
+  return std::u16string_view(piece.units)
+      .substr(static_cast<size_t>(piece.literal.location), static_cast<size_t>(piece.literal.length));
+}
+
+// Comparisons with the threshold are written so that a similarity that is not a number is never enough.
+bool WordPattern::isSimilar(const Piece& piece, const SearchedText& text, Range word) {
+  const double threshold = minWildcardFuzzyAnalogy();
+  const auto wordLength = static_cast<size_t>(word.length);
+  const auto [shorter, longer] = std::minmax({piece.units.size(), wordLength});
+  if (!(static_cast<double>(shorter) / static_cast<double>(longer) >= threshold)) return false;
+  const unichar* units = text.units() + word.location;
+  // The pattern is mapped already; mapping it again changes nothing, because the tables' results map to themselves.
+  const double similarity =
+      text.table() ? stringMatchesUnixWildcardFuzzyUsingUnicharTable(piece.units.data(), piece.units.size(), units,
+                                                                     wordLength, text.table())
+                   : stringMatchesUnixWildcardFuzzy(piece.units.data(), piece.units.size(), units, wordLength);
+  return similarity >= threshold;
+}
+
+bool WordPattern::matches(const Piece& piece, const SearchedText& text, Range word) {
+  if (piece.type == WildcardTypeExact && piece.fuzzy) return isSimilar(piece, text, word);
+  if (word.length < piece.minLength || word.length > piece.maxLength) return false;
+  const unichar* start = text.units() + word.location;
+  const unichar* end = start + word.length;
+  const unichar* pattern = piece.units.data();
+  const unichar* patternEnd = pattern + piece.units.size();
+  switch (piece.type) {
+    case WildcardTypeExact:
+    case WildcardTypePrefix:
+      return text.hasUnitsAt(word.location, literalOf(piece));
+    case WildcardTypeSuffix:
+      return text.hasUnitsAt(endOf(word) - piece.literal.length, literalOf(piece));
+    case WildcardTypeContains:
+      return text.find(literalOf(piece), word.location, endOf(word)) >= 0;
+    case WildcardTypeAnyOne:
+    case WildcardTypeGeneral:
+      return stringMatchesWildcardUsingUnicharTable(start, end, pattern, patternEnd, text.table());
+    default:
+      return stringMatchesUnixWildcardUsingUnicharTable(start, end, pattern, patternEnd, text.table());
+  }
+}
+
+Range WordPattern::firstIn(const SearchedText& text, Range range) const {
+  if (_wholeRange) return range.length > 0 ? range : kAbsentRange;
+  if (_pieces.empty()) return kAbsentRange;
+  if (isPhrase()) return PhraseSearch(*this, text, range).next();
+  return WordSearch(*this, text, range).next();
+}
+
+}  // namespace velan

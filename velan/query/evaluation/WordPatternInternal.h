@@ -1,0 +1,66 @@
+// Patterns for one word or for several words in a row, prepared for many comparisons.
+#ifndef VELAN_QUERY_EVALUATION_WORD_PATTERN_INTERNAL_H
+#define VELAN_QUERY_EVALUATION_WORD_PATTERN_INTERNAL_H
+
+#include <string>
+#include <vector>
+
+#include "velan/base/Range.h"
+#include "velan/query/QueryExplanation.h"
+#include "velan/query/evaluation/SearchedTextInternal.h"
+
+namespace velan {
+
+/// A wildcard pattern, split at the separators outside its sets into one piece for each of several consecutive words;
+/// or the words of a phrase. Pieces are kept in normal form, mapped like the texts that they are searched in.
+class WordPattern {
+ public:
+  /// The pieces of a wildcard pattern; one that holds separators is never found without `split`. Where it does, and in
+  /// a `phrase`, a piece without a literal stands for any word of fitting length. With `fuzzy` pieces without wildcards
+  /// accept similar words. `table` maps the units of the texts; null for none.
+  static WordPattern withWildcard(std::u16string_view pattern, bool split, bool phrase, bool fuzzy,
+                                  const unichar* table);
+  /// The words of a phrase as they are, by the word separators.
+  static WordPattern withPhrase(std::u16string_view phrase, const unichar* table);
+
+  /// What a wildcard pattern that may be split is split into.
+  static std::vector<ExplainedPiece> explained(std::u16string_view pattern, bool phrase, bool fuzzy);
+
+  /// False for a pattern that is found nowhere.
+  bool isFound() const { return _wholeRange || !_pieces.empty(); }
+  /// Whether the pattern is a lone `*`, which stands for whatever range is searched.
+  bool isWholeRange() const { return _wholeRange; }
+  /// Whether the pattern has one piece, or several.
+  bool isOneWord() const { return _pieces.size() == 1; }
+  bool isPhrase() const { return _pieces.size() > 1; }
+  /// The first place in `range` where the pieces match consecutive words, from the first word's start to the last one's
+  /// end; words that `range` cuts do not count. Absent if there is none.
+  Range firstIn(const SearchedText& text, Range range) const;
+
+ private:
+  friend class PhraseSearch;
+  friend class WordSearch;
+
+  struct Piece {
+    std::u16string units;
+    uint32_t type;
+    Range literal;  // of the literal units, for types 0 and 2 to 4
+    int64_t minLength;
+    int64_t maxLength;
+    bool fuzzy;
+    bool standsForAnyWord;  // of fitting length: it has no literal
+  };
+
+  static Piece wildcardPiece(std::u16string pattern, bool anyWord, bool fuzzy);
+  static Piece literalPiece(std::u16string word);
+  static bool matches(const Piece& piece, const SearchedText& text, Range word);
+  static bool isSimilar(const Piece& piece, const SearchedText& text, Range word);
+  static std::u16string_view literalOf(const Piece& piece);
+
+  std::vector<Piece> _pieces;
+  bool _wholeRange = false;
+};
+
+}  // namespace velan
+
+#endif  // VELAN_QUERY_EVALUATION_WORD_PATTERN_INTERNAL_H

@@ -1,0 +1,131 @@
+#include <algorithm>
+
+#include "velan/query/evaluation/WordSearchInternal.h"
+#include "velan/wildcard/WildcardMatching.h"
+#include "velan/wildcard/WildcardPattern.h"
+
+namespace velan {
+namespace {
+
+// Types whose literal units stand in one run.
+constexpr bool hasOneLiteral(uint32_t type) {
+  return type == WildcardTypeExact || type == WildcardTypePrefix || type == WildcardTypeSuffix ||
+         type == WildcardTypeContains;
+}
+
+}  // namespace
+
+bool WordSearch::Element::matches(unichar unit) const {
+  if (pattern.size() == 1) return pattern.front() == u'?' || pattern.front() == unit;
+  return stringMatchesUnixWildcard(&unit, &unit + 1, pattern.data(), pattern.data() + pattern.size());
+}
+
+WordSearch::WordSearch(const WordPattern& pattern, const SearchedText& text, Range range)
+    : _piece(pattern._pieces.front()),
+      _text(text),
+      _location(range.location),
+      _end(endOf(range)),
+      _seeksLiteral(hasOneLiteral(_piece.type) && !(_piece.type == WildcardTypeExact && _piece.fuzzy)),
+      _mayStandForSeveral(_piece.type != WildcardTypeExact && !_piece.standsForAnyWord) {}
+
+Range WordSearch::next() {
+  while (_taken == _found.size()) {
+    _found.clear();
+    _taken = 0;
+    if (!searchOn()) return kAbsentRange;
+  }
+  return _found[_taken++];
+}
+
+// Searches the next word or run that comes into question. False when there is none.
+bool WordSearch::searchOn() {
+  const Range word = nextWord();
+  if (!isPresent(word)) {
+    _location = _end;
+    return false;
+  }
+  const Range run = _mayStandForSeveral ? runAround(word) : word;
+  if (run.length > word.length) {
+    searchRun(run);
+  } else if (WordPattern::matches(_piece, _text, word)) {
+    _found.push_back(word);
+  }
+  _location = endOf(run);
+  return true;
+}
+
+// The next whole word, or the next one with a literal in it.
+Range WordSearch::nextWord() {
+  if (!_seeksLiteral) return _text.firstWordIn(_location, _end);
+  while (_location < _end) {
+    const int64_t hit = _text.find(WordPattern::literalOf(_piece), _location, _end);
+    if (hit < 0) return kAbsentRange;
+    const Range word = _text.words().rangeOfWordAtIndex(hit);
+    if (isPresent(word) && word.location >= _location && endOf(word) <= _end) return word;
+    _location = isPresent(word) ? endOf(word) : hit + 1;
+  }
+  return kAbsentRange;
+}
+
+// The word with all whole words to be searched that touch it or each other.
+Range WordSearch::runAround(Range word) const {
+  int64_t start = word.location;
+  while (start > _location && _text.wordEndsAt(start - 1)) {
+    const int64_t before = _text.words().locationOfPreviousWordFromIndex(start - 1, _location);
+    if (before == NSNotFound) break;
+    start = before;
+  }
+  int64_t end = endOf(word);
+  while (end < _end && _text.wordBeginsAt(end)) {
+    const Range next = _text.firstWordIn(end, _end);
+    if (!isPresent(next)) break;
+    end = endOf(next);
+  }
+  return {start, end - start};
+}
+
+// At the end of each word: the shortest stretch that ends there, unless a shorter one lies in it.
+void WordSearch::searchRun(Range run) {
+  splitPattern();
+  _starts.assign(_elements.size() + 1, -1);
+  const unichar* table = _text.table();
+  int64_t lastStart = -1;
+  for (Range word = _text.firstWordIn(run.location, endOf(run)); isPresent(word);
+       word = _text.firstWordIn(endOf(word), endOf(run))) {
+    _starts.front() = word.location;
+    passStars();
+    for (int64_t i = word.location; i < endOf(word); ++i) {
+      const unichar unit = _text.units()[i];
+      read(table ? table[unit] : unit);
+    }
+    const int64_t start = WordPattern::matches(_piece, _text, word) ? word.location : _starts.back();
+    if (start <= lastStart) continue;
+    _found.push_back({start, endOf(word) - start});
+    lastStart = start;
+  }
+}
+
+void WordSearch::splitPattern() {
+  if (!_elements.empty()) return;
+  for (std::u16string_view rest = _piece.units; !rest.empty(); rest.remove_prefix(_elements.back().pattern.size())) {
+    const size_t close = rest.front() == u'[' ? rest.find(u']') : 0;
+    _elements.push_back({rest.substr(0, std::min(close, rest.size() - 1) + 1)});
+  }
+}
+
+void WordSearch::read(unichar unit) {
+  for (size_t i = _elements.size() + 1; i-- > 0;) {
+    const int64_t stays = i < _elements.size() && _elements[i].isStar() ? _starts[i] : -1;
+    const bool comes = i > 0 && _starts[i - 1] > stays && !_elements[i - 1].isStar() && _elements[i - 1].matches(unit);
+    _starts[i] = comes ? _starts[i - 1] : stays;
+  }
+  passStars();
+}
+
+void WordSearch::passStars() {
+  for (size_t i = 0; i < _elements.size(); ++i) {
+    if (_elements[i].isStar()) _starts[i + 1] = std::max(_starts[i + 1], _starts[i]);
+  }
+}
+
+}  // namespace velan

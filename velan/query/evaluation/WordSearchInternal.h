@@ -1,0 +1,56 @@
+// All places of a pattern of one word, one after the other.
+#ifndef VELAN_QUERY_EVALUATION_WORD_SEARCH_INTERNAL_H
+#define VELAN_QUERY_EVALUATION_WORD_SEARCH_INTERNAL_H
+
+#include <string_view>
+#include <vector>
+
+#include "velan/query/evaluation/WordPatternInternal.h"
+
+namespace velan {
+
+/// Where words touch, a dictionary has divided a run of East Asian units, and where it does so nobody can see. There a
+/// pattern with wildcards also stands for several words: for the fewest in a row that it matches, so that `*本*` and
+/// `日本*` find 日本語 whether that is one word or two.
+class WordSearch {
+ public:
+  /// Borrows both. `pattern` has one piece.
+  WordSearch(const WordPattern& pattern, const SearchedText& text, Range range);
+
+  /// The next place; absent when there is none. Both beginnings and ends grow.
+  Range next();
+
+ private:
+  // One unit of the text, or any number of them.
+  struct Element {
+    std::u16string_view pattern;
+    bool isStar() const { return pattern == u"*"; }
+    bool matches(unichar unit) const;
+  };
+
+  bool searchOn();
+  Range nextWord();
+  Range runAround(Range word) const;
+  void searchRun(Range run);
+  void splitPattern();
+  void read(unichar unit);
+  void passStars();
+
+  const WordPattern::Piece& _piece;
+  const SearchedText& _text;
+  int64_t _location;  // what begins before was searched
+  const int64_t _end;
+  const bool _seeksLiteral;  // looks at words only where the literal stands
+  const bool _mayStandForSeveral;
+  std::vector<Range> _found;  // in the last run
+  size_t _taken = 0;          // of these
+
+  std::vector<Element> _elements;
+  // Of the stretches that the elements up to here match and that go on where reading has come to, the last one's start;
+  // -1 for none.
+  std::vector<int64_t> _starts;
+};
+
+}  // namespace velan
+
+#endif  // VELAN_QUERY_EVALUATION_WORD_SEARCH_INTERNAL_H

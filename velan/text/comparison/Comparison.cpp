@@ -1,0 +1,80 @@
+#include "velan/text/comparison/Comparison.h"
+
+#include <algorithm>
+
+#include "velan/text/ConversionTables.h"
+#include "velan/text/search/UnitBlocksInternal.h"
+
+namespace velan {
+namespace {
+
+int64_t lengthDifference(size_t a, size_t b) { return static_cast<int64_t>(a - b); }
+
+// `equal` accepts only blocks that `map` makes equal.
+template <typename Equal, typename Map>
+int64_t compareUnits(const unichar* a, size_t lengthA, const unichar* b, size_t lengthB, Equal equal, Map map) {
+  if (!a) lengthA = 0;
+  if (!b) lengthB = 0;
+  const size_t shorter = std::min(lengthA, lengthB);
+  const size_t i = firstDifference(a, b, shorter, equal, [=](size_t k) { return map(a[k]) != map(b[k]); });
+  return i < shorter ? int64_t{map(a[i])} - int64_t{map(b[i])} : lengthDifference(lengthA, lengthB);
+}
+
+template <typename A, typename B, typename MapA, typename MapB>
+int64_t compareMixed(const A* a, size_t lengthA, const B* b, size_t lengthB, MapA mapA, MapB mapB) {
+  if (!a) lengthA = 0;
+  if (!b) lengthB = 0;
+  const size_t shorter = std::min(lengthA, lengthB);
+  for (size_t i = 0; i < shorter; ++i) {
+    if (mapA(a[i]) != mapB(b[i])) return int64_t{mapA(a[i])} - int64_t{mapB(b[i])};
+  }
+  return lengthDifference(lengthA, lengthB);
+}
+
+constexpr auto identity = [](auto unit) { return unit; };
+
+}  // namespace
+
+int64_t fastCompareUnichars(const unichar* a, size_t lengthA, const unichar* b, size_t lengthB) {
+  if (!a) lengthA = 0;
+  if (!b) lengthB = 0;
+  const size_t shorter = std::min(lengthA, lengthB);
+  const size_t i = commonPrefixLength(a, b, shorter);
+  return i < shorter ? int64_t{a[i]} - int64_t{b[i]} : lengthDifference(lengthA, lengthB);
+}
+
+int64_t fastCompareUnicharsUsingConversionTable(const unichar* a, size_t lengthA, const unichar* b, size_t lengthB,
+                                                const unichar* table) {
+  if (!table) return fastCompareUnichars(a, lengthA, b, lengthB);
+  return compareUnits(a, lengthA, b, lengthB, equalBlocks, [table](unichar c) { return table[c]; });
+}
+
+int64_t fastCompareUnicharsWithChars(const unichar* a, size_t lengthA, const char* bytes, size_t lengthB) {
+  return compareMixed(a, lengthA, bytes, lengthB, identity, widened);
+}
+
+int64_t fastCompareChars(const char* bytesA, size_t lengthA, const char* bytesB, size_t lengthB) {
+  const auto number = [](char byte) { return static_cast<signed char>(byte); };
+  return compareMixed(bytesA, lengthA, bytesB, lengthB, number, number);
+}
+
+int64_t fastCaseInsensitiveCompareUnichars(const unichar* a, size_t lengthA, const unichar* b, size_t lengthB) {
+  const unichar* upper = initUpperCharsTable();
+  return compareUnits(a, lengthA, b, lengthB, equalBlocksIgnoringAsciiCase, [upper](unichar c) { return upper[c]; });
+}
+
+int64_t fastCaseInsensitiveCompareUnicharsWithChars(const unichar* a, size_t lengthA, const char* bytes,
+                                                    size_t lengthB) {
+  const unichar* upper = initUpperCharsTable();
+  return compareMixed(
+      a, lengthA, bytes, lengthB, [upper](unichar c) { return upper[c]; },
+      [upper](char byte) { return upper[widened(byte)]; });
+}
+
+int64_t fastCaseInsensitiveCompareChars(const char* bytesA, size_t lengthA, const char* bytesB, size_t lengthB) {
+  const unichar* upper = initUpperCharsTable();
+  const auto map = [upper](char byte) { return upper[widened(byte)]; };
+  return compareMixed(bytesA, lengthA, bytesB, lengthB, map, map);
+}
+
+}  // namespace velan

@@ -1,0 +1,66 @@
+#include "velan/text/search/CharacterSearch.h"
+
+#include <algorithm>
+
+#include "velan/text/CharacterSetBitsInternal.h"
+#include "velan/text/CharacterSets.h"
+#include "velan/text/ConversionTables.h"
+
+namespace velan {
+namespace {
+
+std::u16string_view tailOf(const String& string, int64_t startAt) {
+  const int64_t start = std::clamp<int64_t>(startAt, 0, string.length());
+  return string.view().substr(static_cast<size_t>(start));
+}
+
+// Calls `search` with the test that a unit must pass to count as `ch`.
+template <typename Search>
+auto searchWithTest(unichar ch, bool caseInsensitive, Search search) {
+  const unichar* upper = initUpperCharsTable();
+  const unichar upperForm = upper[ch];
+  const bool hasCase = upperForm != initLowerCharsTable()[ch];
+  if (hasCase && caseInsensitive) return search([=](unichar c) { return upper[c] == upperForm; });
+  const unichar exact = hasCase ? upperForm : ch;
+  return search([exact](unichar c) { return c == exact; });
+}
+
+int64_t positionIn(const String& string, const unichar* unit) { return unit - string.characters(); }
+
+}  // namespace
+
+int64_t findCharacter(const String& string, unichar ch, int64_t startAt, bool caseInsensitive) {
+  const std::u16string_view tail = tailOf(string, startAt);
+  return searchWithTest(ch, caseInsensitive, [&](auto test) {
+    const auto found = std::ranges::find_if(tail, test);
+    return found == tail.end() ? NSNotFound : positionIn(string, &*found);
+  });
+}
+
+int64_t findLastCharacter(const String& string, unichar ch, int64_t startAt, bool caseInsensitive) {
+  const std::u16string_view tail = tailOf(string, startAt);
+  return searchWithTest(ch, caseInsensitive, [&](auto test) {
+    const auto found = std::find_if(tail.rbegin(), tail.rend(), test);
+    return found == tail.rend() ? NSNotFound : positionIn(string, &*found);
+  });
+}
+
+int64_t countCharacter(const String& string, unichar ch, int64_t startAt, bool caseInsensitive) {
+  const std::u16string_view tail = tailOf(string, startAt);
+  return searchWithTest(ch, caseInsensitive,
+                        [tail](auto test) -> int64_t { return std::ranges::count_if(tail, test); });
+}
+
+int64_t findOneOf(const String& string, const String& characters, int64_t startAt, bool caseInsensitive) {
+  const std::u16string_view tail = tailOf(string, startAt);
+  if (tail.empty() || characters.isEmpty()) return NSNotFound;
+  const unichar* upper = caseInsensitive ? initUpperCharsTable() : nullptr;
+  const auto mapped = [upper](unichar c) { return upper ? upper[c] : c; };
+  CharacterSetBits wanted{};  // a bit test per unit, however many characters there are
+  for (const unichar c : characters.view()) addUnit(wanted, mapped(c));
+  const auto found =
+      std::ranges::find_if(tail, [&](unichar c) { return isMemberOfCharacterSetRep(wanted.data(), mapped(c)); });
+  return found == tail.end() ? NSNotFound : positionIn(string, &*found);
+}
+
+}  // namespace velan

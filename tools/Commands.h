@@ -15,7 +15,9 @@ enum ExitStatus : int {
   Trouble = 2,    // something went wrong; a message on standard error tells what
 };
 
-/// Search, explain, match, words, selftest.
+/// `velan search`.
+void addSearchCommand(CLI::App& app, int& status);
+/// Explain, match, words, selftest.
 void addTextCommands(CLI::App& app, int& status);
 /// `velan keyed …`: files of keyed data records. `app` and `status` must outlive the parsing.
 void addKeyedCommands(CLI::App& app, int& status);

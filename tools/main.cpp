@@ -38,6 +38,7 @@ int run(int argc, char** argv) {
       "Examples:\n"
       "  velan search 'budget NEAR/5 exhibition' documents/\n"
       "  velan search --help");
+  addSearchCommand(app, status);
   addTextCommands(app, status);
   addKeyedCommands(app, status);
   addBlockCommands(app, status);

@@ -3,11 +3,14 @@
 #include <new>
 #include <utility>
 
+#include "tools/CommandLine.h"
 #include "tools/Console.h"
 #include "velan/wildcard/WildcardPattern.h"
 
 namespace velan::tool {
 namespace {
+
+constexpr int64_t kMaxDistance = 1'000'000'000;
 
 QueryComparison comparisonOf(const QueryOptions& options) {
   QueryComparison comparison = options.caseSensitive ? QueryComparison::Exact : QueryComparison::IgnoreCase;
@@ -17,6 +20,23 @@ QueryComparison comparisonOf(const QueryOptions& options) {
 }
 
 }  // namespace
+
+void addQueryOptions(CLI::App& command, QueryOptions& options) {
+  addArgument(command, "QUERY", options.query, "Words, \"phrases\", AND OR XOR NOT NEAR/5 BEFORE AFTER NEXT, ( )")
+      ->required();
+  command.add_flag("-s,--case-sensitive", options.caseSensitive, "Tell capital from small letters");
+  command.add_flag("-d,--ignore-diacritics", options.ignoreDiacritics, "Find Zürich with Zurich");
+  command
+      .add_flag_function(
+          "--fuzzy{0.75}", [](int64_t) {}, "Find similar words, too; --fuzzy=0.9 for more similar ones")
+      ->each([&options](const std::string& value) {
+        options.fuzzy = true;
+        if (!CLI::detail::lexical_cast(value, options.similarity)) fail("a number is expected, not " + value);
+      });
+  addNumber(command, "--distance", options.distance, int64_t{0}, kMaxDistance,
+            "How many words NEAR, BEFORE, AFTER reach (10)");
+  command.add_flag("--no-wildcards", options.noWildcards, "Take * and ? as they are; not with -d, --fuzzy");
+}
 
 std::unique_ptr<const PreparedQuery> makeQuery(const QueryOptions& options) {
   if (options.noWildcards && (options.ignoreDiacritics || options.fuzzy)) {

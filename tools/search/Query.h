@@ -7,6 +7,10 @@
 
 #include "velan/query/PreparedQuery.h"
 
+namespace CLI {
+class App;
+}
+
 namespace velan::tool {
 
 /// As given on the command line.
@@ -19,6 +23,9 @@ struct QueryOptions {
   int64_t distance = QueryTerms::kDefaultDistance;
   bool noWildcards = false;
 };
+
+/// Declares the query and what it is told.
+void addQueryOptions(CLI::App& command, QueryOptions& options);
 
 /// Parses the query and sets what the library keeps per process: East Asian text is split into words, and how similar
 /// fuzzy words must be. Null after a complaint about options that exclude each other.

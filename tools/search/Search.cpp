@@ -17,7 +17,7 @@
 #include "tools/search/JsonPrinter.h"
 #include "tools/search/LinePrinter.h"
 #include "tools/search/OrderedWork.h"
-#include "tools/text/TextCommands.h"
+#include "tools/search/SearchOptions.h"
 
 namespace velan::tool {
 namespace {

@@ -37,8 +37,8 @@ class VELAN_EXPORT PreparedQuery {
   QueryComparison comparison() const { return _comparison; }
   bool wildcard() const { return _wildcard; }
 
-  /// The index of `text` that suits the comparison best. Null for an empty or absent text, or when there is too little
-  /// memory.
+  /// The index of `text` that suits the comparison best: `FastWordEnumerator::enumeratorDividingOnDemand`. Null for an
+  /// empty or absent text, or when there is too little memory.
   std::unique_ptr<FastWordEnumerator> enumeratorWithString(const String& text) const;
 
   /// The terms in the order of the tree with what they look for, down to `deepest` groups below the root; groups beyond

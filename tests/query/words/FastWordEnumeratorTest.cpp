@@ -258,6 +258,16 @@ TEST(FastWordEnumerator, SplitsAsianWords) {
   EXPECT_EQ(unsplit, 5);
   FastWordEnumerator::setSplitAsianWords(true);
   const auto enumerator = FastWordEnumerator::initWithString(text);
+  for (int64_t i = 0; i < text.length(); ++i) {
+    const auto fresh = [&text] { return FastWordEnumerator::enumeratorDividingOnDemand(text, false); };
+    EXPECT_EQ(fresh()->typeAtIndex(i), enumerator->typeAtIndex(i)) << i;
+    EXPECT_EQ(fresh()->rangeOfNextWordFromIndex(i, text.length()),
+              enumerator->rangeOfNextWordFromIndex(i, text.length()));
+    const auto onDemand = fresh();
+    EXPECT_EQ(onDemand->rangeOfPreviousWordFromIndex(i, 0), enumerator->rangeOfPreviousWordFromIndex(i, 0)) << i;
+    EXPECT_EQ(onDemand->numberOfWords(), enumerator->numberOfWords());
+    EXPECT_EQ(wordsOf(*onDemand), wordsOf(*enumerator));
+  }
   FastWordEnumerator::setSplitAsianWords(false);
   EXPECT_GT(enumerator->numberOfWords(), unsplit + 2);
   EXPECT_EQ(enumerator->numberOfWords(), std::ssize(wordsOf(*enumerator)));

@@ -21,7 +21,7 @@ QueryComparison comparisonOn(const FastWordEnumerator& enumerator, QueryComparis
 std::unique_ptr<FastWordEnumerator> enumeratorForComparison(const String& text, QueryComparison comparison) {
   const bool upperCase =
       contains(comparison, QueryComparison::IgnoreCase) && !contains(comparison, QueryComparison::IgnoreDiacritics);
-  return FastWordEnumerator::enumeratorWithString(text, upperCase, false);
+  return FastWordEnumerator::enumeratorDividingOnDemand(text, upperCase);
 }
 
 const unichar* comparisonTable(QueryComparison comparison) {

@@ -6,10 +6,12 @@
 
 namespace velan {
 
+inline constexpr unichar kFirstEastAsian = 0x3000;
+
 /// Whether `c` is a unified ideograph (U+4E00 to U+9FFF, U+3400 to U+4DBF) or lies in U+3000 to U+30FF (the
 /// ideographic space and punctuation, hiragana, katakana).
 constexpr bool isEastAsianUnichar(unichar c) {
-  return c >= 0x3000 && (c < 0x3100 || (c >= 0x3400 && c <= 0x4DBF) || (c >= 0x4E00 && c <= 0x9FFF));
+  return c >= kFirstEastAsian && (c < 0x3100 || (c >= 0x3400 && c <= 0x4DBF) || (c >= 0x4E00 && c <= 0x9FFF));
 }
 
 /// `stringBySeparatingAsianWords`: a copy of `string` with a space between the words inside each run of word units

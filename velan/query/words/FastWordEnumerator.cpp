@@ -35,7 +35,7 @@ FastWordEnumerator::FastWordEnumerator(bool wildcard) : _wildcard(wildcard) {}
 FastWordEnumerator::~FastWordEnumerator() { invalidate(); }
 
 std::unique_ptr<FastWordEnumerator> FastWordEnumerator::create(const String& string, bool caseInsensitive,
-                                                               bool wildcard, bool splitAsianWords) {
+                                                               bool wildcard, Division division) {
   if (string.isEmpty()) return nullptr;
   std::unique_ptr<FastWordEnumerator> enumerator(new (std::nothrow) FastWordEnumerator(wildcard));
   if (!enumerator) return nullptr;
@@ -46,20 +46,25 @@ std::unique_ptr<FastWordEnumerator> FastWordEnumerator::create(const String& str
     enumerator->_characters = string.characters();
     enumerator->_length = static_cast<uint64_t>(string.length());
   }
-  return enumerator->initIndex(splitAsianWords) ? std::move(enumerator) : nullptr;
+  return enumerator->initIndex(division) ? std::move(enumerator) : nullptr;
 }
 
 std::unique_ptr<FastWordEnumerator> FastWordEnumerator::enumeratorWithString(const String& string) {
-  return create(string, false, false, splitAsianWords());
+  return create(string, false, false, divisionBySetting());
 }
 
 std::unique_ptr<FastWordEnumerator> FastWordEnumerator::enumeratorWithString(const String& string, bool caseInsensitive,
                                                                              bool wildcard) {
-  return create(string, caseInsensitive, wildcard, splitAsianWords());
+  return create(string, caseInsensitive, wildcard, divisionBySetting());
 }
 
 std::unique_ptr<FastWordEnumerator> FastWordEnumerator::enumeratorSplittingAsianWords(const String& string) {
-  return create(string, false, false, true);
+  return create(string, false, false, Division::Now);
+}
+
+std::unique_ptr<FastWordEnumerator> FastWordEnumerator::enumeratorDividingOnDemand(const String& string,
+                                                                                   bool caseInsensitive) {
+  return create(string, caseInsensitive, false, splitAsianWords() ? Division::OnDemand : Division::Never);
 }
 
 std::unique_ptr<FastWordEnumerator> FastWordEnumerator::initWithString(const String& string) {
@@ -77,7 +82,7 @@ std::unique_ptr<FastWordEnumerator> FastWordEnumerator::initWithCharacters(const
   if (!caseInsensitive) return enumeratorWithString(String::withCharacters(characters, length));
   std::unique_ptr<FastWordEnumerator> enumerator(new (std::nothrow) FastWordEnumerator(false));
   const bool ready =
-      enumerator && enumerator->copyInUpperCase(characters, length) && enumerator->initIndex(splitAsianWords());
+      enumerator && enumerator->copyInUpperCase(characters, length) && enumerator->initIndex(divisionBySetting());
   return ready ? std::move(enumerator) : nullptr;
 }
 
@@ -94,7 +99,7 @@ bool FastWordEnumerator::setCharacters(const unichar* characters, int64_t length
   _characters = characters;
   _freeCharacters = freeWhenDone;
   _length = characters && length > 0 ? static_cast<uint64_t>(length) : 0;
-  if (_length > 0 && initIndex(splitAsianWords())) return true;
+  if (_length > 0 && initIndex(divisionBySetting())) return true;
   invalidate();
   return false;
 }
@@ -107,6 +112,7 @@ void FastWordEnumerator::releaseCharacters() {
   _string = String();
   _length = 0;
   _numWords = 0;
+  _hasUndivided = false;
 }
 
 void FastWordEnumerator::invalidate() {
@@ -127,7 +133,7 @@ bool FastWordEnumerator::copyInUpperCase(const unichar* characters, int64_t leng
   return true;
 }
 
-bool FastWordEnumerator::initIndex(bool splitAsianWords) {
+bool FastWordEnumerator::initIndex(Division division) {
   if (_indexCapacity < _length) {
     _index.reset(new (std::nothrow) uint8_t[_length]);
     _indexCapacity = _index ? _length : 0;
@@ -135,22 +141,25 @@ bool FastWordEnumerator::initIndex(bool splitAsianWords) {
   }
   _numWords = _wildcard ? indexWildcardWords(_characters, _length, defaultWildcardSeparators(), _index.get())
                         : indexWords(_characters, _length, defaultWordSeparators(), _index.get());
+  _hasUndivided = false;
+  if (division != Division::Never) markAsianRuns();
   try {
-    if (splitAsianWords) splitAsianRuns();
+    if (division == Division::Now && _hasUndivided) divideAll();
     return true;
   } catch (const std::bad_alloc&) {
     return false;
   }
 }
 
-// Divides each run of word units that holds an East Asian unit, looking at every unit once. A piece of a pattern stays
+// Marks each run of word units that holds an East Asian unit, looking at every unit once. A piece of a pattern stays
 // whole: the dictionary would take its wildcards for words.
-void FastWordEnumerator::splitAsianRuns() {
-  const unichar* const end = _characters + _length;
-  for (const unichar* found = _characters; (found = std::find_if(found, end, isEastAsianUnichar)) != end;) {
-    const Range run = rangeOfWordAtIndex(found - _characters);
-    if (isPresent(run) && !(_wildcard && holdsWildcard(run))) initWordInRange(run);
-    found = isPresent(run) ? _characters + endOf(run) : found + 1;
+void FastWordEnumerator::markAsianRuns() {
+  for (size_t found = 0; (found = findEastAsian(_characters, found, _length)) < _length;) {
+    const Range run = rangeOfWordAtIndex(static_cast<int64_t>(found));
+    found = isPresent(run) ? static_cast<size_t>(endOf(run)) : found + 1;
+    if (!isPresent(run) || (_wildcard && holdsWildcard(run))) continue;
+    for (int64_t i = run.location; i < endOf(run); ++i) _index[static_cast<size_t>(i)] |= kUndivided;
+    _hasUndivided = true;
   }
 }
 
@@ -160,16 +169,54 @@ bool FastWordEnumerator::holdsWildcard(Range run) const {
                      [](unichar c) { return c == u'*' || c == u'?' || c == u'[' || c == u']'; });
 }
 
+void FastWordEnumerator::divideAll() const {
+  for (size_t found = 0; (found = findType(_index.get(), found, _length, kUndivided)) < _length;) divideRunAt(found);
+  _hasUndivided = false;
+}
+
+// A run that could not be divided stays marked.
+void FastWordEnumerator::divideRunAt(size_t index) const {
+  uint8_t* const types = _index.get();
+  size_t start = index;
+  while (start > 0 && (types[start - 1] & kUndivided)) --start;
+  size_t end = index + 1;
+  while (end < _length && (types[end] & kUndivided)) ++end;
+  initWordInRange({static_cast<int64_t>(start), static_cast<int64_t>(end - start)});
+  for (size_t i = start; i < end; ++i) types[i] &= static_cast<uint8_t>(~kUndivided);
+}
+
+uint8_t FastWordEnumerator::typeAfterDividing(size_t index) const {
+  divideRunAt(index);
+  return _index[index];
+}
+
+// `findType` in an index whose runs are divided as far as it looks.
+size_t FastWordEnumerator::findDivided(size_t from, size_t end, uint8_t mask) const {
+  while (true) {
+    from = findType(_index.get(), from, end, mask | kUndivided);
+    if (from == end || !(_index[from] & kUndivided)) return from;
+    divideRunAt(from);
+  }
+}
+
+size_t FastWordEnumerator::findDividedBackwards(size_t start, size_t end, uint8_t mask) const {
+  while (true) {
+    const size_t found = findTypeBackwards(_index.get(), start, end, mask | kUndivided);
+    if (found == end || !(_index[found] & kUndivided)) return found;
+    divideRunAt(found);
+  }
+}
+
 // Divides a word where the tokens inside it meet; they cover it without gaps. The word itself was counted, and stays
 // one when there is no tokenizer.
-void FastWordEnumerator::initWordInRange(Range range) {
+void FastWordEnumerator::initWordInRange(Range range) const {
   if (!_tokenizer) _tokenizer = WordTokenizer::create();
   if (!_tokenizer) return;
   const std::u16string_view run(_characters + range.location, static_cast<size_t>(range.length));
   uint8_t* const types = _index.get();
   _tokenizer->enumerateTokens(run, [&](const WordTokenizer::Token& token) {
     const int64_t start = range.location + token.location;
-    if (token.location == 0) return;
+    if (token.location == 0 || (types[start] & kWordBeginning)) return;
     types[start - 1] |= kWordEnd;
     types[start] |= kWordBeginning;
     ++_numWords;
@@ -202,7 +249,7 @@ int64_t FastWordEnumerator::locationOfPreviousWordFromIndex(int64_t index, int64
   start = std::max<int64_t>(start, 0);
   if (index < start || index >= length()) return NSNotFound;
   const auto end = static_cast<size_t>(index) + 1;
-  const size_t found = findTypeBackwards(_index.get(), static_cast<size_t>(start), end, kWordBeginning);
+  const size_t found = findDividedBackwards(static_cast<size_t>(start), end, kWordBeginning);
   return found < end ? static_cast<int64_t>(found) : NSNotFound;
 }
 
@@ -210,13 +257,13 @@ int64_t FastWordEnumerator::locationOfNextWordFromIndex(int64_t index, int64_t e
   end = std::min(end, length());
   if (index < 0 || index >= end) return NSNotFound;
   const auto limit = static_cast<size_t>(end);
-  const size_t found = findType(_index.get(), static_cast<size_t>(index), limit, kWordBeginning);
+  const size_t found = findDivided(static_cast<size_t>(index), limit, kWordBeginning);
   return found < limit ? static_cast<int64_t>(found) : NSNotFound;
 }
 
 // The last unit of the word that goes on at `index`.
 int64_t FastWordEnumerator::wordEndFromIndex(int64_t index) const {
-  return static_cast<int64_t>(findType(_index.get(), static_cast<size_t>(index), _length, kWordEnd));
+  return static_cast<int64_t>(findDivided(static_cast<size_t>(index), _length, kWordEnd));
 }
 
 Range FastWordEnumerator::rangeOfWordAtIndex(int64_t index) const {
@@ -274,7 +321,7 @@ int64_t FastWordEnumerator::_enumerateWordsUsingBlock(WordBlock block, WordHandl
   const auto end = static_cast<size_t>(endOf(clipped));
   int64_t count = 0;
   for (auto start = static_cast<size_t>(clipped.location); start < end;) {
-    const size_t stop = findType(_index.get(), start, end, kSeparator | kWordEnd);
+    const size_t stop = findDivided(start, end, kSeparator | kWordEnd);
     const size_t wordEnd = stop < end && (_index[stop] & kWordEnd) ? stop + 1 : stop;
     if (wordEnd > start) {
       const auto location = static_cast<int64_t>(start);

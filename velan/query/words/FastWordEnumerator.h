@@ -42,6 +42,9 @@ class VELAN_EXPORT FastWordEnumerator {
                                                                   bool wildcard);
   /// Over the units of `string`, dividing runs with ideographs or kana whatever `splitAsianWords` says.
   static std::unique_ptr<FastWordEnumerator> enumeratorSplittingAsianWords(const String& string);
+  /// The same words, but such a run is divided only when a query first comes to it. For one thread at a time; queries
+  /// may throw `std::bad_alloc`. With `caseInsensitive` over a copy in upper case.
+  static std::unique_ptr<FastWordEnumerator> enumeratorDividingOnDemand(const String& string, bool caseInsensitive);
   /// `initWithString:`: like `enumeratorWithString:`.
   static std::unique_ptr<FastWordEnumerator> initWithString(const String& string);
   /// `initWithString:caseInsensitive:wildcard:`: like `enumeratorWithString:caseInsensitive:wildcard:`.
@@ -89,13 +92,18 @@ class VELAN_EXPORT FastWordEnumerator {
   /// `length`: the number of units.
   int64_t length() const { return static_cast<int64_t>(_length); }
   /// `numberOfWords`: counted when the text was indexed.
-  int64_t numberOfWords() const { return static_cast<int64_t>(_numWords); }
+  int64_t numberOfWords() const {
+    if (_hasUndivided) divideAll();
+    return static_cast<int64_t>(_numWords);
+  }
   /// `numberOfWords:`: how many words have at least `minLen` units. Walks the index when `minLen` is above 1.
   int64_t numberOfWords(int64_t minLen) const;
 
   /// `typeAtIndex:`: the bits of `Type`; 0 beyond the end.
   uint8_t typeAtIndex(int64_t index) const {
-    return static_cast<uint64_t>(index) < _length ? _index[static_cast<uint64_t>(index)] : 0;
+    if (static_cast<uint64_t>(index) >= _length) return 0;
+    const uint8_t type = _index[static_cast<uint64_t>(index)];
+    return (type & kUndivided) == 0 ? type : typeAfterDividing(static_cast<uint64_t>(index));
   }
   /// `isWordSeparatorAtIndex:`
   bool isWordSeparatorAtIndex(int64_t index) const { return (typeAtIndex(index) & kSeparator) != 0; }
@@ -161,17 +169,26 @@ class VELAN_EXPORT FastWordEnumerator {
   String stringBySeparatingWords() const;
 
  private:
+  enum class Division : uint8_t { Never, Now, OnDemand };
+  static constexpr uint8_t kUndivided = 8;  // a type's bit: the run is one that a dictionary has yet to divide
+
   explicit FastWordEnumerator(bool wildcard);
 
+  static Division divisionBySetting() { return splitAsianWords() ? Division::Now : Division::Never; }
   static std::unique_ptr<FastWordEnumerator> create(const String& string, bool caseInsensitive, bool wildcard,
-                                                    bool splitAsianWords);
+                                                    Division division);
   static void storeSplitAsianWords(bool split);
   bool copyInUpperCase(const unichar* characters, int64_t length);
-  bool initIndex(bool splitAsianWords);
+  bool initIndex(Division division);
   void releaseCharacters();
-  void splitAsianRuns();
+  void markAsianRuns();
   bool holdsWildcard(Range run) const;
-  void initWordInRange(Range range);
+  void divideAll() const;
+  void divideRunAt(size_t index) const;
+  uint8_t typeAfterDividing(size_t index) const;
+  size_t findDivided(size_t from, size_t end, uint8_t mask) const;
+  size_t findDividedBackwards(size_t start, size_t end, uint8_t mask) const;
+  void initWordInRange(Range range) const;
   int64_t wordEndFromIndex(int64_t index) const;
   int64_t continuationAfterHyphen(int64_t wordEnd) const;
   int64_t _enumerateWordsUsingBlock(WordBlock block, WordHandler handler, void* context, Range range) const;
@@ -183,8 +200,9 @@ class VELAN_EXPORT FastWordEnumerator {
   uint64_t _length = 0;                  // 0 while invalid: every query then fails its bounds check
   std::unique_ptr<uint8_t[]> _index;     // a type per unit
   uint64_t _indexCapacity = 0;           // in units
-  uint64_t _numWords = 0;
-  std::unique_ptr<WordTokenizer> _tokenizer;  // made when first needed
+  mutable uint64_t _numWords = 0;
+  mutable std::unique_ptr<WordTokenizer> _tokenizer;  // made when first needed
+  mutable bool _hasUndivided = false;                 // some types may have that bit
   bool _wildcard = false;
   mutable bool _ranOutOfMemory = false;
 };

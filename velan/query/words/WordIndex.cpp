@@ -2,6 +2,7 @@
 #include <bit>
 #include <cstring>
 
+#include "velan/query/words/EastAsianWords.h"
 #include "velan/query/words/WordIndexInternal.h"
 #include "velan/text/CharacterSets.h"
 
@@ -101,6 +102,25 @@ size_t indexWildcardWords(const unichar* units, size_t length, const uint8_t* se
   }
   return indexBlocks(length, types,
                      [&](size_t first, size_t count, uint8_t* marks) { std::memcpy(marks, types + first, count); });
+}
+
+size_t findEastAsian(const unichar* units, size_t from, size_t end) {
+  constexpr size_t kStep = 32;
+  const auto isBelow = [](const unichar* step) {
+    unsigned high = 0;
+    for (size_t i = 0; i < kStep; ++i) high |= static_cast<unsigned>(step[i] >= kFirstEastAsian);
+    return high == 0;
+  };
+  while (from < end) {
+    if (end - from >= kStep && isBelow(units + from)) {
+      from += kStep;
+      continue;
+    }
+    for (const size_t stop = std::min(end, from + kStep); from < stop; ++from) {
+      if (isEastAsianUnichar(units[from])) return from;
+    }
+  }
+  return end;
 }
 
 size_t findType(const uint8_t* types, size_t from, size_t end, uint8_t mask) {

@@ -25,6 +25,9 @@ void markSeparatorsScalar(const unichar* units, size_t length, const uint8_t* se
 /// 32 units at a time. Only where the CPU has AVX2.
 void markSeparatorsAvx2(const unichar* units, size_t length, const uint8_t* separators, uint8_t* marks);
 
+/// The first unit in `[from, end)` that `isEastAsianUnichar` accepts, else `end`.
+size_t findEastAsian(const unichar* units, size_t from, size_t end);
+
 /// The first index in `[from, end)` whose type has a bit of `mask`, else `end`.
 size_t findType(const uint8_t* types, size_t from, size_t end, uint8_t mask);
 

@@ -2,7 +2,7 @@
 # that VELAN_PACKAGES names, and configures build/test.
 
 packages=(g++ cmake ninja-build ccache pkg-config python3 zlib1g-dev libicu-dev libssl-dev libhunspell-dev libcld2-dev
-  libcli11-dev libfmt-dev libgtest-dev libgmock-dev meson ${VELAN_PACKAGES:-})
+  libisal-dev libdeflate-dev   libcli11-dev libfmt-dev libgtest-dev libgmock-dev meson ${VELAN_PACKAGES:-})
 
 missing=()
 for package in "${packages[@]}"; do

@@ -1,4 +1,7 @@
 #include <gtest/gtest.h>
+#include <zlib.h>
+
+#include <random>
 
 #include "tests/storage/SimulatedFiles.h"
 #include "velan/storage/Compression.h"
@@ -41,6 +44,35 @@ TEST(Compression, InflatesWholeStreamsOnly) {
   EXPECT_EQ(receiver.length(), kText.length()) << "refused at once: left alone";
   EXPECT_FALSE(setDataByInflatingBytes(receiver, stream.bytes(), stream.length(), 20000));
   EXPECT_EQ(receiver.length(), 20000u) << "the output so far";
+}
+
+// Words, noise and zeros of lengths around the sizes of parts, through zlib itself in both directions.
+TEST(Compression, IsReadableByZlibAndTheOtherWayRound) {
+  std::mt19937 random(1);
+  for (const size_t length : {1u, 2u, 300u, 4096u, 65535u, 65537u, 1000000u}) {
+    for (const unsigned kinds : {1u, 7u, 256u}) {
+      std::string text(length, '\0');
+      for (char& byte : text) byte = static_cast<char>(random() % kinds);
+      for (const bool useGzip : {false, true}) {
+        const Data stream = dataByCompressingBytes(text.data(), length, 1, useGzip);
+        EXPECT_LE(stream.length(), compressBound(length) + 12) << length << ' ' << kinds;
+        std::string back(length, 'x');
+        z_stream zlib{};
+        ASSERT_EQ(inflateInit2(&zlib, useGzip ? 31 : 15), Z_OK);
+        zlib.next_in = const_cast<Bytef*>(stream.bytes());
+        zlib.avail_in = static_cast<uInt>(stream.length());
+        zlib.next_out = reinterpret_cast<Bytef*>(back.data());
+        zlib.avail_out = static_cast<uInt>(length);
+        EXPECT_EQ(inflate(&zlib, Z_FINISH), Z_STREAM_END);
+        EXPECT_EQ(zlib.avail_in, 0u);
+        inflateEnd(&zlib);
+        EXPECT_TRUE(back == text) << length << ' ' << kinds;
+        for (const int level : {1, 6}) {
+          EXPECT_EQ(dataByInflatingData(dataByCompressingBytes(text.data(), length, level, useGzip)).view(), text);
+        }
+      }
+    }
+  }
 }
 
 // The algorithms themselves are tested where they are implemented.

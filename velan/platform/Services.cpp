@@ -30,7 +30,8 @@ Service zlibService() { return {"zlib", zlibVersion(), "compression"}; }
 // Required ones first, then the options; an adapter's own source file knows its version.
 std::vector<Service> services() {
   return {
-      icuService(), zlibService(), encryptionService(), hunspellService(), languageDetectionService(),
+      icuService(),         zlibService(),        encryptionService(), hunspellService(), languageDetectionService(),
+      fastDeflateService(), fastInflateService(),
   };
 }
 

@@ -7,6 +7,8 @@
 namespace velan {
 
 Service encryptionService();
+Service fastDeflateService();
+Service fastInflateService();
 Service hunspellService();
 Service languageDetectionService();
 

@@ -6,6 +6,7 @@
 #include <new>
 #include <utility>
 
+#include "velan/platform/compression/FastDeflateInternal.h"
 #include "velan/storage/CompressionInternal.h"
 
 namespace velan {
@@ -17,6 +18,7 @@ constexpr int kGzipWindow = 31;
 constexpr int kEitherWindow = 47;
 constexpr int kMemoryLevel = 8;
 constexpr int kDefaultLevel = -1;
+constexpr int kFastLevel = 1;
 
 int clampedLevel(int level) { return level == kDefaultLevel ? level : std::clamp(level, 1, 9); }
 
@@ -52,6 +54,19 @@ Inflation inflateTo(MutableData& output, const void* bytes, size_t length, size_
   });
 }
 
+std::span<const uint8_t> spanOf(const void* bytes, size_t length) {
+  return {static_cast<const uint8_t*>(bytes), length};
+}
+
+bool replaceBy(MutableData& receiver, const Data& data) {
+  try {
+    receiver = MutableData(data);
+    return true;
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
+}
+
 // Absent when memory runs out.
 Data taken(MutableData& output) {
   try {
@@ -79,6 +94,10 @@ Inflation inflateInParts(const void* bytes, size_t length, FunctionRef<bool(std:
 }
 
 Inflation inflateInto(Data& result, const Data& data, size_t limit) {
+  if (Data whole = fastInflated(data.span(), limit)) {
+    result = std::move(whole);
+    return Inflation::Whole;
+  }
   MutableData output;
   const Inflation inflation = inflateTo(output, data.bytes(), data.length(), limit);
   if (inflation != Inflation::Whole) return inflation;
@@ -89,6 +108,9 @@ Inflation inflateInto(Data& result, const Data& data, size_t limit) {
 }
 
 Data dataByCompressingBytes(const void* bytes, size_t length, int compressionLevel, bool useGzip) {
+  if (fitsZlib(bytes, length) && clampedLevel(compressionLevel) == kFastLevel) {
+    if (Data compressed = fastDeflated(spanOf(bytes, length), useGzip)) return compressed;
+  }
   z_stream stream{};
   setInput(stream, bytes, length);
   if (!fitsZlib(bytes, length) ||
@@ -137,8 +159,10 @@ Data dataByDeflatingData(const Data& data, int compressionLevel) {
 Data dataByInflatingBytes(const void* bytes, size_t length) { return dataByInflatingBytes(bytes, length, SIZE_MAX); }
 
 Data dataByInflatingBytes(const void* bytes, size_t length, size_t limit) {
+  if (!fitsZlib(bytes, length)) return Data();
+  if (Data whole = fastInflated(spanOf(bytes, length), limit)) return whole;
   MutableData output;
-  return setDataByInflatingBytes(output, bytes, length, limit) ? taken(output) : Data();
+  return inflateTo(output, bytes, length, limit) == Inflation::Whole ? taken(output) : Data();
 }
 
 Data dataByInflatingData(const Data& data) { return dataByInflatingData(data, SIZE_MAX); }
@@ -157,6 +181,7 @@ bool setDataByInflatingBytes(MutableData& receiver, const void* bytes, size_t le
 
 bool setDataByInflatingBytes(MutableData& receiver, const void* bytes, size_t length, size_t limit) {
   if (!fitsZlib(bytes, length)) return false;
+  if (const Data whole = fastInflated(spanOf(bytes, length), limit)) return replaceBy(receiver, whole);
   MutableData output;
   const Inflation inflation = inflateTo(output, bytes, length, limit);
   receiver = std::move(output);

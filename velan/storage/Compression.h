@@ -1,4 +1,4 @@
-// Deflate and gzip over byte buffers, through zlib.
+// Deflate and gzip over byte buffers, through zlib and libraries that are faster at some of it.
 #ifndef VELAN_STORAGE_COMPRESSION_H
 #define VELAN_STORAGE_COMPRESSION_H
 
@@ -8,7 +8,8 @@
 namespace velan {
 
 // Compressing. Absent for null bytes, a length of 0 or above 4,294,967,295, and when memory runs out. Level -1 is
-// zlib's default; below 1 counts as 1, above 9 as 9. May be called from any thread.
+// zlib's default; below 1 counts as 1, above 9 as 9. Level 1 is ISA-L's where the build has it: several times as fast
+// for about the same size. May be called from any thread.
 
 /// `dataByCompressingBytes:length:compressionLevel:useGzip`: with the gzip wrapper (RFC 1952) or the zlib wrapper (RFC
 /// 1950: two bytes of header, an Adler-32 at the end).

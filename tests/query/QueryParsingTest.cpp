@@ -5,6 +5,7 @@
 #include "QueryReference.h"
 #include "velan/base/Log.h"
 #include "velan/query/QueryMatching.h"
+#include "velan/query/QueryTokens.h"
 
 namespace velan {
 namespace {
@@ -51,7 +52,15 @@ TEST(QueryParsing, WordsMode) {
       {"empty groups", u"a () b (()) ( [ ] )"_s, "a & b"},
       {"brackets group", u"a [b OR c] d"_s, "a & (b | c) & d"},
   };
-  for (const auto& c : cases) EXPECT_EQ(dumpOf(*QueryTerms::initWithString(c.query)), c.tree) << c.why;
+  for (const auto& c : cases) {
+    EXPECT_EQ(dumpOf(*QueryTerms::initWithString(c.query)), c.tree) << c.why;
+    for (const QueryToken& token : queryTokens(c.query, false)) {
+      const auto source =
+          c.query.view().substr(static_cast<size_t>(token.range.location), static_cast<size_t>(token.range.length));
+      EXPECT_NE(source.find(token.word.view()), source.npos) << c.why;
+      EXPECT_FALSE(source.empty() || source.front() == u' ' || source.back() == u' ') << c.why;
+    }
+  }
   EXPECT_EQ(dumpOf(*QueryTerms::initWithString(String())), "");
 }
 

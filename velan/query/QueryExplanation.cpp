@@ -20,6 +20,10 @@ ExplainedTerm explainedChild(const ExplainedTerm& parent, size_t index) {
 
 }  // namespace
 
+LeafMeaning leafMeaning(const QueryTerms& leaf, QueryComparison comparison, bool wildcard) {
+  return leaf.isWord() ? LeafPattern(leaf, leafKind(wildcard), comparison).meaning() : LeafMeaning::Nothing;
+}
+
 std::vector<ExplainedTerm> PreparedQuery::explanation(size_t deepest) const {
   std::vector<ExplainedTerm> explained;
   std::vector<ExplainedTerm> pending(1);

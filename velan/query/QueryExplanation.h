@@ -42,6 +42,10 @@ struct ExplainedTerm {
   std::vector<Range> places;  // in a text: where a leaf is found, negated or not; they may overlap
 };
 
+/// What a leaf looks for, asked without preparing a query: whether it can match at all. With `wildcard` it is a
+/// pattern, otherwise plain words. `Nothing` for a group. May throw `std::bad_alloc`.
+VELAN_EXPORT LeafMeaning leafMeaning(const QueryTerms& leaf, QueryComparison comparison, bool wildcard);
+
 }  // namespace velan
 
 #endif  // VELAN_QUERY_QUERY_EXPLANATION_H

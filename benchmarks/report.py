@@ -1,0 +1,111 @@
+#!/usr/bin/env python3
+"""One table of what the benchmarks measure: each operation beside its best peer on the same input, in one run.
+
+Usage: report.py FOLDER [--only TEXT] [--time SECONDS]
+
+FOLDER holds the benchmark programs: `cmake --build --preset release --target benchmark-report` builds and runs it all.
+The ratio is the peer's time by ours: above 1 we are faster. Rates count the bytes of our input (UTF-16 for text), also where
+a peer reads UTF-8. The last column is what the machine does at most, reading or copying so many bytes.
+"""
+import argparse
+import json
+import pathlib
+import re
+import subprocess
+import sys
+
+KB, MB = 1 << 10, 1 << 20
+
+# Program, operation, our benchmark, those of the peers, inputs, the machine's limit. An input stands for `*`.
+ROWS = [
+    ("compression", "deflate, level 1", "BM_Deflate/*", ["BM_DeflateZlib/*", "BM_DeflateLibdeflate/*", "BM_DeflateISAL/*"],
+     [4 * KB, 64 * KB, 8 * MB], "read"),
+    ("compression", "inflate", "BM_Inflate/*", ["BM_InflateZlib/*", "BM_InflateLibdeflate/*", "BM_InflateISAL/*"],
+     [4 * KB, 64 * KB, 8 * MB], "copy"),
+]
+
+
+def names_of(row):
+    _, _, ours, peers, inputs, _ = row
+    for name in [ours, *peers]:
+        for given in inputs:
+            yield name.replace("*", str(given))
+
+
+def run(program, names, seconds):
+    """The measurements of a program by name; none where it is not built."""
+    if not program.exists() or not names:
+        return {}
+    pattern = "^(" + "|".join(re.escape(name) for name in sorted(set(names))) + ")(/real_time|/iterations:.*)?$"
+    command = [program, f"--benchmark_filter={pattern}", f"--benchmark_min_time={seconds}", "--benchmark_format=json"]
+    done = subprocess.run(command, capture_output=True, text=True, check=False)
+    if done.returncode:
+        sys.exit(f"{program}: {done.stderr}")
+    measured = {}
+    for one in json.loads(done.stdout)["benchmarks"]:
+        if "error_occurred" in one:
+            print(f"{one['name']}: {one['error_message']}", file=sys.stderr)
+            continue
+        measured[re.sub(r"/(real_time|iterations:.*)$", "", one["name"])] = one
+    return measured
+
+
+def rate(one):
+    if "bytes_per_second" in one:
+        return f"{one['bytes_per_second'] / 1e9:.3g} GB/s"
+    if "items_per_second" in one:
+        return f"{one['items_per_second'] / 1e6:.3g} M/s"
+    return f"{one['cpu_time']:.3g} {one['time_unit']}"
+
+
+def size_of(given):
+    number = re.search(r"\d+", str(given))
+    value = int(number.group()) if number else 0
+    shown = f"{value // MB} MB" if value >= MB else f"{value // KB} KB" if value >= KB and value % KB == 0 else ""
+    return str(given).replace(number.group(), shown) if shown else str(given)
+
+
+def limit_of(kind, given, machine):
+    """The machine's rate at the size that is nearest to the input's."""
+    number = re.search(r"\d{4,}", str(given))
+    sizes = [KB, 64 * KB, 8 * MB]
+    wanted = int(number.group()) if number else 64 * KB
+    nearest = min(sizes, key=lambda size: max(size, wanted) / min(size, wanted))
+    one = machine.get(f"BM_{kind.capitalize()}/{nearest}")
+    return rate(one) if one else ""
+
+
+def lines(rows, folder, seconds):
+    machine = run(folder / "machine_benchmark", [f"BM_{k}/{s}" for k in ("Read", "Copy") for s in (KB, 64 * KB, 8 * MB)],
+                  seconds)
+    for program in dict.fromkeys(row[0] for row in rows):
+        own = [row for row in rows if row[0] == program]
+        measured = run(folder / f"{program}_benchmark", [name for row in own for name in names_of(row)], seconds)
+        for _, operation, ours, peers, inputs, limit in own:
+            for given in inputs:
+                mine = measured.get(ours.replace("*", str(given)))
+                if not mine:
+                    yield f"| {operation} | {size_of(given)} | not built | | | |"
+                    continue
+                others = [(measured[name], name) for name in (peer.replace("*", str(given)) for peer in peers)
+                          if name in measured]
+                best, name = min(others, key=lambda other: other[0]["cpu_time"], default=(None, ""))
+                ratio = f"{best['cpu_time'] / mine['cpu_time']:.2f}" if best else ""
+                peer = f"{re.sub('^BM_|/.*', '', name)} {rate(best)}" if best else ""
+                yield (f"| {operation} | {size_of(given)} | {rate(mine)} | {peer} | {ratio} | "
+                       f"{limit_of(limit, given, machine) if limit else ''} |")
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("folder", type=pathlib.Path)
+    parser.add_argument("--only", default="", metavar="TEXT", help="operations or programs whose name holds it")
+    parser.add_argument("--time", type=float, default=0.05, metavar="SECONDS", help="the least of a measurement")
+    given = parser.parse_args()
+    rows = [row for row in ROWS if given.only in f"{row[0]} {row[1]}"]
+    print("| operation | input | ours | best peer | ratio | machine |\n|---|---|---|---|---|---|")
+    for line in lines(rows, given.folder, given.time):
+        print(line, flush=True)
+
+
+main()

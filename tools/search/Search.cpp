@@ -28,6 +28,8 @@ struct Outcome {
   Complaint complaint;
   SearchCounts counts;
   std::string assumedName;  // of a document whose encoding is assumed
+
+  bool isToBeSeen() const { return !output.empty() || !complaint.text.empty() || !assumedName.empty(); }
 };
 
 bool wantsColor(ColorChoice choice) {
@@ -56,10 +58,10 @@ class Search {
     workInOrder(
         _files.size(), _options.threads ? _options.threads : processors,
         [this](size_t number) { return searchFile(_files[number]); },
+        [](const Outcome& outcome) { return outcome.isToBeSeen(); },
         [&](size_t number, const Outcome& outcome) {
           taken = static_cast<int64_t>(number) + 1;
-          if (!outcome.output.empty() || !outcome.complaint.text.empty() || !outcome.assumedName.empty())
-            progress.hide();
+          if (outcome.isToBeSeen()) progress.hide();
           progress.show(taken, total);
           return take(outcome);
         },

@@ -1,11 +1,16 @@
 #include "tools/documents/TextDecoding.h"
 
 #include <new>
+#include <optional>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
 
 #include "tools/CommandLine.h"
+#include "tools/markup/MarkupFiles.h"
+#include "tools/markup/MarkupText.h"
+#include "velan/markup/DeclaredEncoding.h"
+#include "velan/markup/MarkupDecoding.h"
 #include "velan/text/encoding/CharsetNames.h"
 #include "velan/text/encoding/Decoding.h"
 #include "velan/text/encoding/EncodingDetection.h"
@@ -42,11 +47,30 @@ struct Choice {
   String text = {};
 };
 
-Choice choose(const std::string& bytes, const std::string& path, const DecodingOptions& options) {
+// What a page of which no mark and no attribute says anything declares for itself. Nothing where that is `utf8`, which
+// is its text if it is valid UTF-8, or where its declaration is of no use.
+std::optional<Choice> choiceForPage(const Data& data, const String& utf8, const DecodingOptions& options) {
+  if (utf8) {
+    const StringEncoding declared = markupEncoding(utf8);
+    if (declared == StringEncoding::Invalid || declared == StringEncoding::UTF8) return std::nullopt;
+  }
+  const bool hasDefault = options.defaultEncoding != StringEncoding::Detect;
+  const StringEncoding fallback = utf8 ? StringEncoding::UTF8 : hasDefault ? options.defaultEncoding : kAssumed;
+  DecodedMarkup page = decodedMarkup(data, String(), fallback);
+  if (!page.text) return std::nullopt;
+  const bool isDeclared = NSEncodingFromName(page.declaredCharset) == page.encoding;
+  const bool isAssumed = page.evidence == MarkupEvidence::Default && !utf8 && !hasDefault && !isDeclared;
+  return Choice{page.encoding, isAssumed, std::move(page.text)};
+}
+
+Choice choose(const std::string& bytes, const std::string& path, const DecodingOptions& options, bool isPage) {
   if (options.encoding != StringEncoding::Detect) return {options.encoding};
   const Data data = borrowed(bytes);
   DetectedEncoding found =
       path.empty() ? detectedEncodingOfData(data) : detectedEncodingOfFile(String::fromUTF8(path), data);
+  if (isPage && (found.evidence == EncodingEvidence::None || found.evidence == EncodingEvidence::ValidUTF8)) {
+    if (auto choice = choiceForPage(data, found.text, options)) return std::move(*choice);
+  }
   if (found.evidence == EncodingEvidence::None) {
     const bool assumed = options.defaultEncoding == StringEncoding::Detect;
     return {assumed ? kAssumed : options.defaultEncoding, assumed};
@@ -75,34 +99,44 @@ void addDecodingOptions(CLI::App& command, DecodingOptions& options) {
   addEncodingName(command, "--encoding", options.encoding, "The encoding of all files, instead of detecting it");
   addEncodingName(command, "--default-encoding", options.defaultEncoding,
                   "The encoding of files that nothing tells about");
+  command.add_flag("!--no-markup", options.markup, "Read pages (HTML, XML) as they stand, with their tags");
 }
 
 std::optional<Document> decodeDocument(std::string bytes, const std::string& path, const DecodingOptions& options,
                                        std::string& why) {
   constexpr const char* kBinary = "binary file, not searched";
-  Choice choice = choose(bytes, path, options);
+  const bool isPage = textDiffersFromSource(path, bytes, options);
+  Choice choice = choose(bytes, path, options, isPage);
   if (!isWide(choice.encoding) && bytes.find('\0') != std::string::npos) {
     why = kBinary;
     return std::nullopt;
   }
-  const String text = choice.text ? std::move(choice.text) : lenientText(bytes, choice.encoding);
-  if (text.isAbsent()) {
+  String source = choice.text ? std::move(choice.text) : lenientText(bytes, choice.encoding);
+  if (source.isAbsent()) {
     why = "there is not enough memory for its text";
     return std::nullopt;
   }
-  if (text.view().find(u'\0') != std::u16string_view::npos) {
+  if (source.view().find(u'\0') != std::u16string_view::npos) {
     why = kBinary;
     return std::nullopt;
   }
   const size_t markLength = markLengthOf(bytes, choice.encoding);
-  return Document{std::move(bytes), choice.encoding, choice.assumed, markLength, text};
+  MarkupText shown = isPage ? textOfMarkup(source) : MarkupText{source, {}};
+  return Document{std::move(bytes),  choice.encoding,       choice.assumed,      markLength,
+                  std::move(source), std::move(shown.text), std::move(shown.map)};
+}
+
+bool textDiffersFromSource(const std::string& path, std::string_view bytes, const DecodingOptions& options) {
+  return options.markup && isMarkup(path, bytes);
 }
 
 std::vector<int32_t> sourceOffsets(const Document& document) {
   std::vector<int32_t> offsets;
   if (document.bytes.size() > INT32_MAX) throw std::length_error("it is too long to tell places in its bytes");
   decodedText(borrowed(document.bytes), document.encoding, MalformedText::Replace, offsets);
-  if (offsets.size() != document.text.view().size() + 1) throw std::bad_alloc();
+  const size_t expected = document.source.view().size() + 1;
+  if (offsets.size() == expected + 1) offsets.erase(offsets.begin());  // a page's mark in an encoding that keeps it
+  if (offsets.size() != expected) throw std::bad_alloc();
   return offsets;
 }
 

@@ -1,12 +1,14 @@
-// From the bytes of a file to the text that is searched: the one place to extend when markup is to be understood.
+// From the bytes of a file to the text that is searched.
 #ifndef VELAN_TOOLS_DOCUMENTS_TEXT_DECODING_H
 #define VELAN_TOOLS_DOCUMENTS_TEXT_DECODING_H
 
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "tools/documents/SourceMap.h"
 #include "velan/base/Data.h"
 #include "velan/base/String.h"
 #include "velan/base/StringEncoding.h"
@@ -17,14 +19,15 @@ class App;
 
 namespace velan::tool {
 
-/// What is known about the encodings of files.
+/// What is known about the encodings of files, and how they are read.
 struct DecodingOptions {
   StringEncoding encoding = StringEncoding::Detect;  // of all of them
   StringEncoding defaultEncoding =
       StringEncoding::Detect;  // of those that nothing tells about: Windows-1252 and a warning
+  bool markup = true;          // pages are read without their markup
 };
 
-/// Declares `--encoding` and `--default-encoding`.
+/// Declares `--encoding`, `--default-encoding` and `--no-markup`.
 void addDecodingOptions(CLI::App& command, DecodingOptions& options);
 
 /// Declares an option that takes the name of an encoding.
@@ -33,22 +36,32 @@ void addEncodingName(CLI::App& command, const char* name, StringEncoding& encodi
 /// Whether the encoding is UTF-16 in either byte order or with a mark.
 bool isUTF16(StringEncoding encoding);
 
-/// A file and its text.
+/// A file and its text. The source is what the bytes stand for; the text is the same string, or for a page what its
+/// reader sees of it.
 struct Document {
   std::string bytes;
   StringEncoding encoding;
   bool assumed;       // nothing tells the encoding, and nobody named a default
-  size_t markLength;  // bytes of the byte-order mark of UTF-8 or UTF-16, which does not belong to the text
+  size_t markLength;  // bytes of the byte-order mark of UTF-8 or UTF-16, which does not belong to the source
+  String source;
   String text;
+  SourceMap map;  // from the text to the source
+
+  bool textIsSource() const { return text.isSameObject(source); }
 };
 
-/// Decodes a file in the encoding that is named or detected (see `detectedEncodingOfFile`); `path` is where its
+/// Whether the text of a file is not just what its bytes stand for, so that words may be in it that are not in the
+/// bytes. `path` is empty for standard input.
+bool textDiffersFromSource(const std::string& path, std::string_view bytes, const DecodingOptions& options);
+
+/// Decodes a file in the encoding that is named or detected (see `detectedEncodingOfFile` and, for pages that declare
+/// one, `decodedMarkup`); `path` is where its
 /// extended attributes are, empty for standard input. Malformed parts become U+FFFD. Nothing for a file that is not
 /// text, which shows by a character U+0000; `why` says so.
 std::optional<Document> decodeDocument(std::string bytes, const std::string& path, const DecodingOptions& options,
                                        std::string& why);
 
-/// Where the sequence of each unit of the document's text begins in its bytes, and where the last one ends. Throws
+/// Where the sequence of each unit of the document's source begins in its bytes, and where the last one ends. Throws
 /// `std::length_error` for more than INT32_MAX bytes, and `std::bad_alloc`.
 std::vector<int32_t> sourceOffsets(const Document& document);
 

@@ -13,6 +13,15 @@ TextLines::TextLines(std::u16string_view text) : _text(text) {
   }
 }
 
+TextLines::TextLines(const Document& document) : TextLines(document.text.view()) {
+  if (document.textIsSource()) return;
+  const TextLines source(document.source.view());
+  _numbers.reserve(count());
+  for (const int64_t start : _starts) {
+    _numbers.push_back(source.lineAt(document.map.sourceOf({start, 1}).location) + 1);
+  }
+}
+
 size_t TextLines::lineAt(int64_t index) const {
   const auto after = std::upper_bound(_starts.begin(), _starts.end(), index);
   return static_cast<size_t>(after - _starts.begin()) - 1;

@@ -6,17 +6,22 @@
 #include <string_view>
 #include <vector>
 
+#include "tools/documents/TextDecoding.h"
 #include "velan/base/Range.h"
 
 namespace velan::tool {
 
-/// Lines end with LF or CR LF; in a text without any LF with CR. Borrows the text. Positions are in units, lines are
-/// numbered from 0.
+/// Lines end with LF or CR LF; in a text without any LF with CR. Borrows the text. Positions are in units, and a line
+/// is told by how many there are before it.
 class TextLines {
  public:
   explicit TextLines(std::u16string_view text);
+  /// Of the document's text.
+  explicit TextLines(const Document& document);
 
   size_t count() const { return _starts.size(); }
+  /// What people call the line: the number, from 1, of the line of the source where it begins.
+  size_t number(size_t line) const { return _numbers.empty() ? line + 1 : _numbers[line]; }
   /// The line of the unit at `index`, of the last unit for an index beyond the end. There must be a line.
   size_t lineAt(int64_t index) const;
   /// With what ends the line.
@@ -33,6 +38,7 @@ class TextLines {
 
   std::u16string_view _text;
   std::vector<int64_t> _starts;
+  std::vector<size_t> _numbers;  // empty where the lines are those of the source
 };
 
 }  // namespace velan::tool

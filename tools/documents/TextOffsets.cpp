@@ -24,14 +24,19 @@ int64_t malformedLength(std::string_view bytes) {
 
 }  // namespace
 
-TextOffsets::TextOffsets(const Document& document) : _document(document) {
-  if (!isUTF8() && !isUTF16(document.encoding)) _sources = sourceOffsets(document);
-  TextOffset offset{static_cast<int64_t>(document.markLength), 0, 0};
-  for (int64_t unit = 0; unit < document.text.length(); ++unit) {
+TextOffsets::TextOffsets(const Document& document) : _text(document.source), _document(&document) {
+  if (document.encoding != StringEncoding::UTF8 && !isUTF16(document.encoding)) _sources = sourceOffsets(document);
+  addCheckpoints({static_cast<int64_t>(document.markLength), 0, 0});
+}
+
+TextOffsets::TextOffsets(const String& text) : _text(text), _document(nullptr) { addCheckpoints({0, 0, 0}); }
+
+void TextOffsets::addCheckpoints(TextOffset offset) {
+  for (int64_t unit = 0; unit < _text.length(); ++unit) {
     if (unit % kStride == 0) _checkpoints.push_back(offset);
     offset = after(offset, unit);
   }
-  if (document.text.length() % kStride == 0) _checkpoints.push_back(offset);
+  if (_text.length() % kStride == 0) _checkpoints.push_back(offset);
 }
 
 TextOffset TextOffsets::at(int64_t unit) const {
@@ -44,20 +49,23 @@ TextOffset TextOffsets::at(int64_t unit) const {
 
 // A pair counts with its first unit. `offset` is that of `unit`.
 TextOffset TextOffsets::after(TextOffset offset, int64_t unit) const {
-  const String& text = _document.text;
-  const unichar c = text[unit];
-  const bool pairBegins = isHighSurrogate(c) && unit + 1 < text.length() && isLowSurrogate(text[unit + 1]);
-  const bool pairEnds = isLowSurrogate(c) && unit > 0 && isHighSurrogate(text[unit - 1]);
+  const unichar c = _text[unit];
+  const bool pairBegins = isHighSurrogate(c) && unit + 1 < _text.length() && isLowSurrogate(_text[unit + 1]);
+  const bool pairEnds = isLowSurrogate(c) && unit > 0 && isHighSurrogate(_text[unit - 1]);
   const int64_t utf8 = pairBegins ? 4 : pairEnds ? 0 : c < 0x80 ? 1 : c < 0x800 ? 2 : 3;
-  int64_t bytes = utf8;
-  if (!isUTF8()) {
-    bytes = 2;
-  } else if (c == 0xFFFD) {
-    const std::string_view rest = std::string_view(_document.bytes).substr(static_cast<size_t>(offset.bytes));
-    bytes = rest.starts_with("\xEF\xBF\xBD") ? kReplacementLength : malformedLength(rest);
+  const int64_t bytes = _document ? lengthInFile(offset, c, utf8) : utf8;
+  return {offset.bytes + bytes, offset.utf8 + utf8, offset.characters + (pairEnds ? 0 : 1)};
+}
+
+int64_t TextOffsets::lengthInFile(TextOffset offset, unichar c, int64_t utf8) const {
+  const std::string_view bytes = _document->bytes;
+  const auto rest = static_cast<int64_t>(bytes.size()) - offset.bytes;
+  if (_document->encoding != StringEncoding::UTF8) {
+    return std::min<int64_t>(2, rest);  // a last byte of UTF-16 may lack its partner
   }
-  const auto end = static_cast<int64_t>(_document.bytes.size());  // a last byte of UTF-16 may lack its partner
-  return {std::min(offset.bytes + bytes, end), offset.utf8 + utf8, offset.characters + (pairEnds ? 0 : 1)};
+  if (c != 0xFFFD) return std::min(utf8, rest);
+  const std::string_view replaced = bytes.substr(static_cast<size_t>(offset.bytes));
+  return replaced.starts_with("\xEF\xBF\xBD") ? kReplacementLength : malformedLength(replaced);
 }
 
 }  // namespace velan::tool

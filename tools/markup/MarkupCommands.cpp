@@ -43,7 +43,7 @@ int printText(const TextOptions& options) {
     const String page = readPage(file);
     std::string text;
     if (!page) status = Trouble;
-    appendUTF8Lossy(textOfMarkup(page), text);
+    appendUTF8Lossy(textOfMarkup(page).text.view(), text);
     if (!print(text)) break;
   }
   return status;

@@ -1,9 +1,14 @@
 #include "tools/markup/MarkupText.h"
 
 #include <algorithm>
+#include <new>
+#include <string>
 #include <string_view>
+#include <utility>
 
 #include "velan/base/ASCII.h"
+#include "velan/base/MutableString.h"
+#include "velan/base/utf/UTF.h"
 #include "velan/markup/Entities.h"
 #include "velan/markup/Tags.h"
 #include "velan/text/CharacterSets.h"
@@ -33,76 +38,129 @@ Effect effectOf(std::u16string_view name) {
   return paragraph ? Effect::EndsParagraph : Effect::EndsLine;
 }
 
+// A text that is built from left to right out of parts of the markup.
 class TextBuilder {
  public:
-  explicit TextBuilder(const String& markup) : _markup(markup) {}
+  explicit TextBuilder(const String& markup) : _markup(markup), _source(markup.view()) {}
 
-  std::u16string build() {
+  MarkupText build() {
     parseXmlWithHandler(_markup, [this](const TagReport& tag) {
-      addText(_markup.substring({tag.textLocation, tag.tagLocation - tag.textLocation}));
+      addText(at(tag.textLocation), at(tag.tagLocation));
       addTag(tag);
       return false;
     });
-    while (!_text.empty() && isSpace(_text.back())) _text.pop_back();
-    if (!_text.empty()) _text.push_back(u'\n');
-    return std::move(_text);
+    removeSpaceAtEnd();
+    if (!_text.isEmpty()) write(u"\n", {_map.sourceEnd(), 0});
+    String text = _text.takeString();
+    if (!text) throw std::bad_alloc();
+    return {std::move(text), std::move(_map)};
   }
 
  private:
   static bool isSpace(unichar c) { return isMemberOfCharacterSetRep(whiteCharacterSetRep(), c); }
+  // A soft hyphen, or a part of a line end.
+  static bool isDropped(unichar c) { return c == 0xAD || c == u'\r'; }
+  bool divides(unichar c) const { return !_preformatted && isSpace(c); }
 
   void addTag(const TagReport& tag) {
-    if (tag.kind == TagKind::Section) addSection(_markup.view().substr(at(tag.tagLocation), at(tag.tagLength)));
+    if (tag.kind == TagKind::Section) addSection(at(tag.tagLocation), at(tag.tagLocation + tag.tagLength));
     if (tag.kind != TagKind::Tag || tag.nameLength == 0) return;
-    std::u16string name(_markup.view().substr(at(tag.nameLocation), at(tag.nameLength)));
+    std::u16string name(_source.substr(at(tag.nameLocation), at(tag.nameLength)));
     for (unichar& c : name) c = toASCIILower(c);
-    const bool closes = _markup[tag.tagLocation + 1] == u'/';
-    const Effect effect = effectOf(name);
-    if (name == u"pre") _preformatted = !closes;
-    if (effect == Effect::EndsCell && closes) _break = std::max(_break, Effect::EndsCell);
-    if (effect != Effect::EndsCell) _break = std::max(_break, effect);
+    if (name == u"pre") _preformatted = _markup[tag.tagLocation + 1] != u'/';
+    _break = std::max(_break, effectOf(name));
   }
 
-  void addSection(std::u16string_view section) {
-    if (!section.starts_with(u"<![CDATA[")) return;
-    section.remove_prefix(9);
-    if (section.ends_with(u"]]>")) section.remove_suffix(3);
-    addUnits(section);
+  void addSection(size_t start, size_t end) {
+    constexpr std::u16string_view kOpening = u"<![CDATA[";
+    constexpr std::u16string_view kClosing = u"]]>";
+    const std::u16string_view section = _source.substr(start, end - start);
+    if (!section.starts_with(kOpening)) return;
+    if (section.size() >= kOpening.size() + kClosing.size() && section.ends_with(kClosing)) end -= kClosing.size();
+    addUnits(start + kOpening.size(), end);
   }
 
-  void addText(const String& run) {
-    if (!run.isEmpty()) addUnits(stringByConvertingEntitiesToCharacters(run).view());
+  void addText(size_t start, size_t end) {
+    const bool beginsPreformatted = _preformatted && _break == Effect::EndsParagraph;
+    if (beginsPreformatted && start < end && _source[start] == u'\r') ++start;
+    if (beginsPreformatted && start < end && _source[start] == u'\n') ++start;
+    while (start < end) {
+      const size_t entity = start + std::min(end - start, _source.substr(start, end - start).find(u'&'));
+      addUnits(start, entity);
+      start = entity < end ? addEntity(entity, end) : end;
+    }
   }
 
-  void addUnits(std::u16string_view units) {
-    if (_preformatted && _break == Effect::EndsParagraph && units.starts_with(u'\n')) units.remove_prefix(1);
-    for (const unichar c : units) {
-      if (c == 0xAD) continue;  // a soft hyphen
-      if (isSpace(c) && !_preformatted) {
-        _space = true;
-      } else if (c != u'\r') {
-        beginWord();
-        _text.push_back(c);
+  // `start` is the place of an ampersand. Returns where what begins there ends.
+  size_t addEntity(size_t start, size_t end) {
+    constexpr size_t kLongest = 40;  // more than any entity has
+    unichar decoded[kLongest];
+    std::u16string_view rest = _source.substr(start + 1, std::min(end - start, kLongest) - 1);
+    rest = rest.substr(0, rest.find(u'&'));
+    const size_t length = rest.size() + 1;
+    const size_t written = convertEntities2Characters(_source.data(), decoded, start, length, true, false, false);
+    const size_t entityEnd = start + 1 + (length - written);
+    if (written == length) {
+      addUnits(start, entityEnd);
+      return entityEnd;
+    }
+    const bool isPair = written > 1 && isHighSurrogate(decoded[0]) && isLowSurrogate(decoded[1]);
+    const size_t stop = entityEnd + (isPair ? 1 : 0);
+    if (divides(decoded[0])) {
+      _space = true;
+    } else if (!isDropped(decoded[0])) {
+      beginWord(start);
+      write({decoded, isPair ? 2u : 1u}, rangeOf(start, stop));
+    }
+    return stop;
+  }
+
+  void addUnits(size_t start, size_t end) {
+    while (start < end) {
+      size_t stop = start;
+      while (stop < end && !isDropped(_source[stop]) && !divides(_source[stop])) ++stop;
+      if (stop > start) {
+        beginWord(start);
+        write(_source.substr(start, stop - start), rangeOf(start, stop));
+      } else {
+        if (divides(_source[stop])) _space = true;
+        ++stop;
       }
+      start = stop;
     }
   }
 
   // Writes what lies between the last word and the next.
-  void beginWord() {
+  void beginWord(size_t start) {
     static constexpr std::u16string_view kBreaks[] = {u" ", u"\t", u"\n", u"\n\n"};
-    const bool isFirst = _text.empty();
-    if (_break >= Effect::EndsLine) {
-      while (!_text.empty() && isSpace(_text.back())) _text.pop_back();
-    }
-    if (!isFirst && (_space || _break != Effect::Nothing)) _text += kBreaks[static_cast<size_t>(_break)];
+    if (_break >= Effect::EndsLine) removeSpaceAtEnd();
+    const bool divided = _space || _break != Effect::Nothing;
+    if (divided && !_text.isEmpty()) write(kBreaks[static_cast<size_t>(_break)], rangeOf(at(_map.sourceEnd()), start));
     _space = false;
     _break = Effect::Nothing;
   }
 
+  void removeSpaceAtEnd() {
+    int64_t length = _text.length();
+    while (length > 0 && isSpace(_text.characters()[length - 1])) --length;
+    _text.truncate(length);
+    _map.truncate(length);
+  }
+
+  void write(std::u16string_view units, Range source) {
+    _text.appendString(units);
+    _map.add(source, static_cast<int64_t>(units.size()));
+  }
+
   static size_t at(int64_t position) { return static_cast<size_t>(position); }
+  static Range rangeOf(size_t start, size_t end) {
+    return {static_cast<int64_t>(start), static_cast<int64_t>(end - start)};
+  }
 
   const String& _markup;
-  std::u16string _text;
+  const std::u16string_view _source;
+  MutableString _text;
+  SourceMap _map;
   Effect _break = Effect::Nothing;
   bool _space = false;
   bool _preformatted = false;
@@ -110,7 +168,7 @@ class TextBuilder {
 
 }  // namespace
 
-std::u16string textOfMarkup(const String& markup) { return TextBuilder(markup).build(); }
+MarkupText textOfMarkup(const String& markup) { return TextBuilder(markup).build(); }
 
 DecodedMarkup decodePage(const std::string& path, const Data& contents) {
   const bool isUTF8 = !String::fromUTF8(contents.view()).isAbsent();

@@ -9,8 +9,7 @@
 #include "tools/Commands.h"
 #include "tools/Console.h"
 #include "tools/documents/DocumentReading.h"
-#include "tools/documents/TextLines.h"
-#include "tools/documents/TextOffsets.h"
+#include "tools/documents/SourcePlaces.h"
 #include "tools/text/TextCommands.h"
 #include "velan/wildcard/WildcardPattern.h"
 
@@ -62,30 +61,20 @@ std::vector<std::string> explainLeaf(const ExplainedTerm& leaf, bool wildcard) {
   return lines;
 }
 
-// A text with what people count in it.
-struct ExaminedText {
-  explicit ExaminedText(const Document& document) : lines(document.text.view()), offsets(document) {}
-
-  std::string placesOf(const std::vector<Range>& places) const {
-    if (places.empty()) return "not found";
-    std::string shown;
-    for (size_t i = 0; i < std::min(places.size(), kPlacesShown); ++i) {
-      const size_t line = lines.lineAt(places[i].location);
-      const int64_t column =
-          offsets.at(places[i].location).characters - offsets.at(lines.fullRange(line).location).characters + 1;
-      shown += fmt::format("{}{}:{}", i > 0 ? ", " : "", line + 1, column);
-    }
-    return fmt::format("found {} time{}, at {}{}", places.size(), places.size() == 1 ? "" : "s", shown,
-                       places.size() > kPlacesShown ? ", …" : "");
+std::string describePlaces(const std::vector<Range>& places, const SourcePlaces& source) {
+  if (places.empty()) return "not found";
+  std::string shown;
+  for (size_t i = 0; i < std::min(places.size(), kPlacesShown); ++i) {
+    const SourcePlace place = source.of(places[i]);
+    shown += fmt::format("{}{}:{}", i > 0 ? ", " : "", place.line, place.column);
   }
-
-  const TextLines lines;
-  const TextOffsets offsets;
-};
+  return fmt::format("found {} time{}, at {}{}", places.size(), places.size() == 1 ? "" : "s", shown,
+                     places.size() > kPlacesShown ? ", …" : "");
+}
 
 class TreePrinter {
  public:
-  TreePrinter(const PreparedQuery& query, const ExaminedText* text) : _query(query), _text(text) {}
+  TreePrinter(const PreparedQuery& query, const SourcePlaces* source) : _query(query), _source(source) {}
 
   std::string print(const std::vector<ExplainedTerm>& terms) {
     for (const ExplainedTerm& term : terms) {
@@ -100,7 +89,7 @@ class TreePrinter {
     addLine(term.depth, heading(term));
     if (term.term->isWord()) {
       for (const std::string& line : explainLeaf(term, _query.wildcard())) addLine(term.depth + 1, line);
-      if (_text) addLine(term.depth + 1, _text->placesOf(term.places));
+      if (_source) addLine(term.depth + 1, describePlaces(term.places, *_source));
     }
     if (!term.holds) return;
     const char* verdict = *term.holds ? "holds" : "does not hold";
@@ -121,7 +110,7 @@ class TreePrinter {
   void addLine(size_t depth, std::string_view text) { _out.append(2 * depth, ' ').append(text).push_back('\n'); }
 
   const PreparedQuery& _query;
-  const ExaminedText* const _text;  // null: there is no document
+  const SourcePlaces* const _source;  // null: there is no document
   std::string _out;
 };
 
@@ -139,10 +128,10 @@ int runExplain(const ExplainOptions& options) {
   const auto query = makeQuery(options.query);
   if (!query) return Trouble;
   const QueryTerms& tree = query->terms();
-  const auto describe = [&](const std::vector<ExplainedTerm>& terms, const ExaminedText* text) {
+  const auto describe = [&](const std::vector<ExplainedTerm>& terms, const SourcePlaces* source) {
     print(fmt::format("query:        {}\nnormalized:   {}\nstandardized: {}\ntree:\n{}", options.query.query,
                       tree.normalizedQueryTerm().toUTF8(), tree.standardizedQueryTerm().toUTF8(),
-                      TreePrinter(*query, text).print(terms)));
+                      TreePrinter(*query, source).print(terms)));
   };
   if (options.path.empty()) {
     describe(query->explanation(kDeepest + 1), nullptr);
@@ -151,9 +140,9 @@ int runExplain(const ExplainOptions& options) {
   DocumentReader reader(options.decoding);
   const std::optional<Document> document = reader.read({options.path, true, ""});
   if (!document) return Trouble;
-  const ExaminedText text(*document);
+  const SourcePlaces places(*document);
   const std::vector<ExplainedTerm> terms = explanationOf(*query, document->text);
-  describe(terms, &text);
+  describe(terms, &places);
   const bool matches = terms.front().holds == true;
   print(fmt::format("{}: {}\n", displayName(options.path), matches ? "matches" : "does not match"));
   return matches ? Something : Nothing;

@@ -4,7 +4,7 @@
 
 #include <iterator>
 
-#include "tools/documents/TextOffsets.h"
+#include "tools/documents/SourcePlaces.h"
 #include "velan/base/Base64.h"
 #include "velan/base/json/JSON.h"
 #include "velan/text/encoding/CharsetNames.h"
@@ -38,7 +38,7 @@ class Printer {
       : _path(jsonPath(path)),
         _encoding(document.encoding),
         _text(document.text),
-        _offsets(document),
+        _places(document),
         _lines(lines),
         _hits(hits) {}
 
@@ -63,28 +63,27 @@ class Printer {
   void addLines(std::string_view type, const LineBlock& block) {
     const int64_t start = _lines.fullRange(block.firstLine).location;
     const int64_t end = endOf(_lines.fullRange(block.lastLine));
-    const TextOffset offset = _offsets.at(start);
+    const int64_t utf8 = _places.utf8Offset(start);
     std::string submatches;
     for (size_t i = block.firstOccurrence; i < block.endOccurrence; ++i) {
       if (!submatches.empty()) submatches += ',';
-      submatches += submatch(_hits.occurrences[i], offset);
+      submatches += submatch(_hits.occurrences[i], utf8);
     }
     add(R"({{"type":"{}","data":{{"path":{},"lines":{{"text":{}}},"line_number":{},"absolute_offset":{},"submatches":[{}]}}}})",
-        type, _path, jsonString(units(start, end)), block.firstLine + 1, offset.bytes, submatches);
+        type, _path, jsonString(units(start, end)), _lines.number(block.firstLine),
+        _places.of({start, 1}).bytes.location, submatches);
   }
 
-  std::string submatch(const QueryOccurrence& occurrence, const TextOffset& blockOffset) const {
+  // `before` is how many bytes of UTF-8 lie before the lines.
+  std::string submatch(const QueryOccurrence& occurrence, int64_t before) const {
     const Range& range = occurrence.range;
-    const TextOffset start = _offsets.at(range.location);
-    const TextOffset end = _offsets.at(endOf(range));
-    const size_t line = _lines.lineAt(range.location);
-    const TextOffset lineStart = _offsets.at(_lines.fullRange(line).location);
+    const SourcePlace place = _places.of(range);
     return fmt::format(R"({{"match":{{"text":{}}},"start":{},"end":{},"term":{},"primary":{},"line":{},"column":{},)"
                        R"("byte_offset":{},"byte_length":{},"utf16_offset":{},"utf16_length":{}}})",
-                       jsonString(units(range.location, endOf(range))), start.utf8 - blockOffset.utf8,
-                       end.utf8 - blockOffset.utf8, jsonString(occurrence.term), occurrence.primary, line + 1,
-                       start.characters - lineStart.characters + 1, start.bytes, end.bytes - start.bytes,
-                       range.location, range.length);
+                       jsonString(units(range.location, endOf(range))), _places.utf8Offset(range.location) - before,
+                       _places.utf8Offset(endOf(range)) - before, jsonString(occurrence.term), occurrence.primary,
+                       place.line, place.column, place.bytes.location, place.bytes.length, place.units.location,
+                       place.units.length);
   }
 
   String units(int64_t start, int64_t end) const { return _text.substring({start, end - start}); }
@@ -92,7 +91,7 @@ class Printer {
   const std::string _path;
   const StringEncoding _encoding;
   const String _text;
-  const TextOffsets _offsets;
+  const SourcePlaces _places;
   const TextLines& _lines;
   const DocumentHits& _hits;
   std::string _out;

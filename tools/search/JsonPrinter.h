@@ -23,10 +23,11 @@ struct SearchCounts {
 /// The objects of one document with hits, from "begin", which names its encoding, to "end".
 ///
 /// A "match" is a `LineBlock`. Its "lines" have their line ends; "line_number" and "absolute_offset" (in bytes of the
-/// file) are those of the first line. Each of its "submatches" has "start" and "end" in UTF-8 bytes of "lines", the
-/// "term" that was found, "primary" (whether it takes part in the match), "line" and "column" (from 1, in characters),
-/// and its place as "byte_offset" and "byte_length" in the file's bytes and as "utf16_offset" and "utf16_length" in
-/// code units of the text. The byte-order mark belongs to the bytes and not to the text.
+/// file) tell where the first line begins. Each of its "submatches" has "start" and "end" in UTF-8 bytes of "lines",
+/// the "term" that was found, "primary" (whether it takes part in the match), and its place: "line" and "column" (from
+/// 1, in characters), "byte_offset" and "byte_length" in the file's bytes, "utf16_offset" and "utf16_length" in code
+/// units. Places are those of the source, in a page those among its tags; the byte-order mark belongs to the bytes
+/// only.
 std::string printJson(const std::string& path, const Document& document, const TextLines& lines,
                       const DocumentHits& hits, const SearchCounts& counts, size_t context);
 

@@ -60,7 +60,7 @@ class Printer {
     if (_style.context > 0 && _next > 0 && line > _next) _out += "--\n";
     _next = line + 1;
     if (_style.withPath && !_style.heading) _out.append(_path).push_back(separator);
-    _out += painted(fmt::to_string(line + 1), kNumberColor, _style.color);
+    _out += painted(fmt::to_string(_lines.number(line)), kNumberColor, _style.color);
     _out += separator;
     appendLine(_lines.range(line));
     _out += '\n';

@@ -97,7 +97,7 @@ class Search {
       }
       return outcome;
     }
-    const TextLines lines(document.text.view());
+    const TextLines lines(document);
     const DocumentHits hits = searchDocument(document.text, lines, _query, _options.unit);
     if (hits.blocks.empty()) return outcome;
     outcome.counts.documentsWithMatch = 1;

@@ -48,9 +48,9 @@ void addChoice(CLI::App& command, const char* name, const char* type, Choice& ch
   command.add_option_function<std::string>(name, choose, description)->type_name(type);
 }
 
-/// An option that takes a whole number.
-template <typename Number>
-void addNumber(CLI::App& command, const char* name, Number& number, Number least, Number greatest,
+/// An option that takes a whole number; `number` may be a `std::optional`.
+template <typename Target, typename Number>
+void addNumber(CLI::App& command, const char* name, Target& number, Number least, Number greatest,
                const char* description) {
   command.add_option(name, number, description)->check(CLI::Range(least, greatest).description(""))->type_name("N");
 }

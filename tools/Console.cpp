@@ -31,6 +31,10 @@ int trouble(std::string_view message) {
   return Trouble;
 }
 
+std::string counted(uint64_t count, std::string_view unit) {
+  return std::to_string(count) + ' ' + std::string(unit) + (count == 1 ? "" : "s");
+}
+
 bool print(std::string_view text) {
   return checkOutput(std::fwrite(text.data(), 1, text.size(), stdout) == text.size());
 }

@@ -2,6 +2,7 @@
 #ifndef VELAN_TOOLS_CONSOLE_H
 #define VELAN_TOOLS_CONSOLE_H
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -15,6 +16,9 @@ namespace velan::tool {
 void complain(std::string_view message);
 /// `complain`, and the exit status that goes with it.
 int trouble(std::string_view message);
+
+/// Such as "1 file" and "2 files".
+std::string counted(uint64_t count, std::string_view unit);
 
 /// Writes to standard output; false when that has failed, now or before: then nobody reads any more, or the disk is
 /// full.

@@ -12,8 +12,11 @@ std::optional<Document> readDocument(const InputFile& file, const DecodingOption
   if (why.empty()) bytes = readFile(file.path, why);
   std::optional<Document> document;
   if (bytes) document = decodeDocument(std::move(*bytes), file.path == "-" ? "" : file.path, decoding, why);
-  if (!document) complaint = {displayName(file.path) + ": " + why, !bytes || file.named};
-  return document;
+  if (document) return document;
+  const bool isBinary = why == kBinaryFile;
+  const std::string text = isBinary && !file.named ? "" : displayName(file.path) + ": " + why;
+  complaint = {text, !bytes || file.named, isBinary};
+  return std::nullopt;
 }
 
 std::optional<Document> DocumentReader::read(const InputFile& file) {

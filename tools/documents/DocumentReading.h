@@ -14,10 +14,11 @@ namespace velan::tool {
 struct Complaint {
   std::string text;
   bool isTrouble = false;  // counts for the exit status
+  bool isBinary = false;
 };
 
 /// Nothing when the file cannot be read or is not text; `complaint` then has one line about it. Folders hold files that
-/// are not text as a matter of course, so those are trouble only when they were named.
+/// are not text as a matter of course, so only of those that were named anything is said.
 std::optional<Document> readDocument(const InputFile& file, const DecodingOptions& decoding, Complaint& complaint);
 
 /// The same for commands that read one file after the other: complains, and warns once where an encoding is assumed.

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 namespace velan::tool {
 namespace {
@@ -86,6 +87,21 @@ std::vector<InputFile> collectFiles(const std::vector<std::string>& paths, bool 
     }
   }
   return files;
+}
+
+void sortByPath(std::vector<InputFile>& files) {
+  std::stable_sort(files.begin(), files.end(), [](const auto& a, const auto& b) { return a.path < b.path; });
+}
+
+void sortByModification(std::vector<InputFile>& files) {
+  std::vector<std::pair<fs::file_time_type, InputFile>> timed;
+  for (InputFile& file : files) {
+    std::error_code unknown;
+    const fs::file_time_type time = fs::last_write_time(file.path, unknown);
+    timed.emplace_back(unknown ? fs::file_time_type::min() : time, std::move(file));
+  }
+  std::stable_sort(timed.begin(), timed.end(), [](const auto& a, const auto& b) { return a.first > b.first; });
+  for (size_t i = 0; i < files.size(); ++i) files[i] = std::move(timed[i].second);
 }
 
 std::string displayName(const std::string& path) { return path == "-" ? "(standard input)" : path; }

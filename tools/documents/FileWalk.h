@@ -18,6 +18,11 @@ struct InputFile {
 /// unless `hidden`. Without paths: standard input when it is a file or a pipe, otherwise the current folder.
 std::vector<InputFile> collectFiles(const std::vector<std::string>& paths, bool hidden);
 
+/// In the order of the bytes of their paths.
+void sortByPath(std::vector<InputFile>& files);
+/// The files that were changed last come first; those whose time cannot be told come last.
+void sortByModification(std::vector<InputFile>& files);
+
 /// How the file is called in output.
 std::string displayName(const std::string& path);
 

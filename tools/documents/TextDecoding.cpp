@@ -104,11 +104,10 @@ void addDecodingOptions(CLI::App& command, DecodingOptions& options) {
 
 std::optional<Document> decodeDocument(std::string bytes, const std::string& path, const DecodingOptions& options,
                                        std::string& why) {
-  constexpr const char* kBinary = "binary file, not searched";
   const bool isPage = textDiffersFromSource(path, bytes, options);
   Choice choice = choose(bytes, path, options, isPage);
   if (!isWide(choice.encoding) && bytes.find('\0') != std::string::npos) {
-    why = kBinary;
+    why = kBinaryFile;
     return std::nullopt;
   }
   String source = choice.text ? std::move(choice.text) : lenientText(bytes, choice.encoding);
@@ -117,7 +116,7 @@ std::optional<Document> decodeDocument(std::string bytes, const std::string& pat
     return std::nullopt;
   }
   if (source.view().find(u'\0') != std::u16string_view::npos) {
-    why = kBinary;
+    why = kBinaryFile;
     return std::nullopt;
   }
   const size_t markLength = markLengthOf(bytes, choice.encoding);

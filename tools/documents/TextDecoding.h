@@ -54,10 +54,12 @@ struct Document {
 /// bytes. `path` is empty for standard input.
 bool textDiffersFromSource(const std::string& path, std::string_view bytes, const DecodingOptions& options);
 
+inline constexpr const char* kBinaryFile = "binary file, not searched";
+
 /// Decodes a file in the encoding that is named or detected (see `detectedEncodingOfFile` and, for pages that declare
 /// one, `decodedMarkup`); `path` is where its
 /// extended attributes are, empty for standard input. Malformed parts become U+FFFD. Nothing for a file that is not
-/// text, which shows by a character U+0000; `why` says so.
+/// text, which shows by a character U+0000; `why` then is `kBinaryFile`.
 std::optional<Document> decodeDocument(std::string bytes, const std::string& path, const DecodingOptions& options,
                                        std::string& why);
 

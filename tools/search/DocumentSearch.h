@@ -23,6 +23,13 @@ struct LineBlock {
   size_t lineCount() const { return lastLine - firstLine + 1; }
 };
 
+/// What is asked of a document besides the query.
+struct SearchScope {
+  SearchUnit unit = SearchUnit::Document;
+  bool invert = false;          // units that do not match
+  bool allOccurrences = false;  // also those that take no part in the match
+};
+
 struct DocumentHits {
   std::vector<QueryOccurrence> occurrences;  // by location
   /// By line, none overlapping. A unit that matches without an occurrence, such as by "NOT x", has a block without
@@ -30,30 +37,34 @@ struct DocumentHits {
   std::vector<LineBlock> blocks;
 };
 
-/// Goes through the lines to print: `printBlock(block)` for each block and `printContext(line)` for up to `context`
-/// lines before and after it, each line once and in order.
+/// Cuts off the blocks behind the first `most` lines; a block that begins there stays whole.
+void limitLines(DocumentHits& hits, size_t most);
+
+/// Goes through the lines to print: `printBlock(block)` for each block and `printContext(line)` for up to `before`
+/// lines before and `after` lines after it, each line once and in order.
 template <typename PrintBlock, typename PrintContext>
-void walkBlocks(const std::vector<LineBlock>& blocks, size_t lineCount, size_t context, PrintBlock printBlock,
-                PrintContext printContext) {
+void walkBlocks(const std::vector<LineBlock>& blocks, size_t lineCount, size_t before, size_t after,
+                PrintBlock printBlock, PrintContext printContext) {
   size_t next = 0;
   for (size_t i = 0; i < blocks.size(); ++i) {
     const LineBlock& block = blocks[i];
-    for (next = std::max(next, block.firstLine - std::min(block.firstLine, context)); next < block.firstLine; ++next) {
+    for (next = std::max(next, block.firstLine - std::min(block.firstLine, before)); next < block.firstLine; ++next) {
       printContext(next);
     }
     printBlock(block);
     next = block.lastLine + 1;
     const size_t limit = i + 1 < blocks.size() ? blocks[i + 1].firstLine : lineCount;
-    const size_t end = next + std::min(limit - next, context);
+    const size_t end = next + std::min(limit - next, after);
     for (; next < end; ++next) printContext(next);
   }
 }
 
 /// Whether anything in `text` matches. Throws `std::bad_alloc`.
-bool matchesDocument(const String& text, const PreparedQuery& query, SearchUnit unit);
+bool matchesDocument(const String& text, const PreparedQuery& query, const SearchScope& scope);
 
 /// The hits in `text`, whose lines are `lines`; no blocks when nothing matches. Throws `std::bad_alloc`.
-DocumentHits searchDocument(const String& text, const TextLines& lines, const PreparedQuery& query, SearchUnit unit);
+DocumentHits searchDocument(const String& text, const TextLines& lines, const PreparedQuery& query,
+                            const SearchScope& scope);
 
 }  // namespace velan::tool
 

@@ -42,10 +42,10 @@ class Printer {
         _lines(lines),
         _hits(hits) {}
 
-  std::string print(const SearchCounts& counts, size_t context) {
+  std::string print(const SearchCounts& counts, size_t before, size_t after) {
     add(R"({{"type":"begin","data":{{"path":{},"encoding":"{}"}}}})", _path, charsetName(_encoding));
     walkBlocks(
-        _hits.blocks, _lines.count(), context, [this](const LineBlock& block) { addLines("match", block); },
+        _hits.blocks, _lines.count(), before, after, [this](const LineBlock& block) { addLines("match", block); },
         [this](size_t line) {
           addLines("context", {line, line, 0, 0});
         });
@@ -99,18 +99,9 @@ class Printer {
 
 }  // namespace
 
-SearchCounts& SearchCounts::operator+=(const SearchCounts& other) {
-  documents += other.documents;
-  documentsWithMatch += other.documentsWithMatch;
-  bytes += other.bytes;
-  lines += other.lines;
-  occurrences += other.occurrences;
-  return *this;
-}
-
 std::string printJson(const std::string& path, const Document& document, const TextLines& lines,
-                      const DocumentHits& hits, const SearchCounts& counts, size_t context) {
-  return Printer(path, document, lines, hits).print(counts, context);
+                      const DocumentHits& hits, const SearchCounts& counts, size_t before, size_t after) {
+  return Printer(path, document, lines, hits).print(counts, before, after);
 }
 
 std::string printJsonSummary(const SearchCounts& counts) {

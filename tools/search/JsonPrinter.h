@@ -6,19 +6,9 @@
 
 #include "tools/documents/TextDecoding.h"
 #include "tools/search/DocumentSearch.h"
+#include "tools/search/SearchCounts.h"
 
 namespace velan::tool {
-
-/// What a search counted, of one document or of all.
-struct SearchCounts {
-  size_t documents = 0;
-  size_t documentsWithMatch = 0;
-  size_t bytes = 0;
-  size_t lines = 0;  // with occurrences
-  size_t occurrences = 0;
-
-  SearchCounts& operator+=(const SearchCounts& other);
-};
 
 /// The objects of one document with hits, from "begin", which names its encoding, to "end".
 ///
@@ -29,7 +19,7 @@ struct SearchCounts {
 /// units. Places are those of the source, in a page those among its tags; the byte-order mark belongs to the bytes
 /// only.
 std::string printJson(const std::string& path, const Document& document, const TextLines& lines,
-                      const DocumentHits& hits, const SearchCounts& counts, size_t context);
+                      const DocumentHits& hits, const SearchCounts& counts, size_t before, size_t after);
 
 /// The last object.
 std::string printJsonSummary(const SearchCounts& counts);

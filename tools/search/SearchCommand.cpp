@@ -13,10 +13,46 @@ constexpr size_t kMaxThreads = 1024;
 void addOutputFlag(CLI::App& command, const char* name, SearchOutput& output, SearchOutput value,
                    const char* description) {
   const auto choose = [&output, value] {
-    if (output != SearchOutput::Lines) fail("only one of -l, -c, --count-matches and --json can be given");
+    if (output != SearchOutput::Lines) {
+      fail("only one of -o, -l, -c, --count-matches, --vimgrep and --json can be given");
+    }
     output = value;
   };
   command.add_flag_callback(name, choose, description);
+}
+
+void addFormOptions(CLI::App& command, SearchOptions& options) {
+  SearchOutput& output = options.output;
+  addOutputFlag(command, "-l,--files-with-matches", output, SearchOutput::Names, "Print only names of files");
+  addOutputFlag(command, "-c,--count", output, SearchOutput::LineCounts, "Count the lines with occurrences");
+  addOutputFlag(command, "--count-matches", output, SearchOutput::OccurrenceCounts, "Count the occurrences");
+  addOutputFlag(command, "-o,--only-matching", output, SearchOutput::Occurrences, "Print only the occurrences");
+  addOutputFlag(command, "--vimgrep", output, SearchOutput::Columns, "Print path:line:column:line for each occurrence");
+  addOutputFlag(command, "--json", output, SearchOutput::JSON, "Print JSON Lines: begin, match, end, summary");
+  command.add_flag("-q,--quiet", options.quiet, "Print nothing: the exit status tells");
+  command.add_flag("--stats", options.statistics, "Print what was counted at the end");
+}
+
+void addLineOptions(CLI::App& command, SearchOptions& options) {
+  addNumber(command, "-C,--context", options.context, size_t{0}, kMaxCount, "Print N lines before and after, too");
+  addNumber(command, "-A,--after-context", options.after, size_t{0}, kMaxCount, "Print N lines after, too");
+  addNumber(command, "-B,--before-context", options.before, size_t{0}, kMaxCount, "Print N lines before, too");
+  addNumber(command, "-m,--max-count", options.maxCount, size_t{1}, kMaxCount, "Print at most N lines of each file");
+  addNumber(command, "--max-columns", options.maxColumns, size_t{0}, kMaxCount,
+            "Print N characters of longer lines, around the occurrence (on a terminal 400; 0 for all)");
+  command.add_flag("--all-occurrences", options.scope.allOccurrences,
+                   "Print other places of the words, too, as where they stand alone in spite of NEAR");
+  const auto showPath = [&](const char* name, bool shown, const char* description) {
+    command.add_flag_callback(
+        name, [&options, shown] { options.withPath = shown; }, description);
+  };
+  showPath("-H,--with-filename", true, "Print names of files before the lines");
+  showPath("-h,--no-filename", false, "Print no names of files before the lines");
+  command.add_flag("-n,--line-number,!-N,!--no-line-number", options.withNumber,
+                   "Print the numbers of lines (default)");
+  command.add_flag("-0,--null", options.nulAfterPath, "Print U+0000 behind names of files");
+  addChoice(command, "--color", "WHEN", options.color, "auto (default), always, never",
+            {{"auto", ColorChoice::Auto}, {"always", ColorChoice::Always}, {"never", ColorChoice::Never}});
 }
 
 }  // namespace
@@ -24,36 +60,32 @@ void addOutputFlag(CLI::App& command, const char* name, SearchOutput& output, Se
 void addSearchCommand(CLI::App& app, int& status) {
   const auto [command, options] =
       addCommand<SearchOptions>(app, status, "search", "Find the documents that match a query, and where", runSearch);
+  command->set_help_flag("--help", "Print this help");
   addQueryOptions(*command, options->query);
   addArgument(*command, "PATH", options->paths, "Files, folders and - for standard input");
-  addChoice(*command, "--unit", "UNIT", options->unit, "What must match: document (default), paragraph, line",
+  addChoice(*command, "--unit", "UNIT", options->scope.unit, "What must match: document (default), paragraph, line",
             {{"document", SearchUnit::Document}, {"paragraph", SearchUnit::Paragraph}, {"line", SearchUnit::Line}});
-  addOutputFlag(*command, "-l,--files-with-matches", options->output, SearchOutput::Names, "Print only names of files");
-  addOutputFlag(*command, "-c,--count", options->output, SearchOutput::LineCounts, "Count the lines with occurrences");
-  addOutputFlag(*command, "--count-matches", options->output, SearchOutput::OccurrenceCounts, "Count the occurrences");
-  addOutputFlag(*command, "--json", options->output, SearchOutput::JSON,
-                "Print JSON Lines: begin, match, end, summary");
-  addNumber(*command, "-C,--context", options->context, size_t{0}, kMaxCount, "Print N lines before and after, too");
+  command->add_flag("-v,--invert-match", options->scope.invert, "Find the documents or units that do not match");
+  addFormOptions(*command, *options);
+  addLineOptions(*command, *options);
+  addChoice(*command, "--sort", "ORDER", options->order, "path, modified (the latest first), hits (the most first)",
+            {{"path", DocumentOrder::Path}, {"modified", DocumentOrder::Modified}, {"hits", DocumentOrder::Hits}});
   command->add_flag("--hidden", options->hidden, "Search hidden files and folders, too");
   addDecodingOptions(*command, options->decoding);
   addNumber(*command, "-j,--threads", options->threads, size_t{1}, kMaxThreads,
             "Search with N threads (one per processor)");
-  addChoice(*command, "--color", "WHEN", options->color, "auto (default), always, never",
-            {{"auto", ColorChoice::Auto}, {"always", ColorChoice::Always}, {"never", ColorChoice::Never}});
   command->footer(
       "Without PATH standard input is searched if it is a file or a pipe, otherwise the current folder. Folders are\n"
-      "searched with all below them, sorted by name, without symbolic links. A file's encoding is told by --encoding, "
-      "a\n"
-      "byte-order mark, or its extended attributes, or it is UTF-8; otherwise --default-encoding, or windows-1252 with "
-      "a\n"
-      "warning. Binary files are skipped with a message. HTML and XML are searched without their markup;\n"
+      "searched with all below them, sorted by name, without symbolic links. A file's encoding is told by --encoding,\n"
+      "a byte-order mark, or its extended attributes, or it is UTF-8; otherwise --default-encoding, or windows-1252\n"
+      "with a warning. Binary files in folders are passed over. HTML and XML are searched without their markup;\n"
       "places and numbers of lines are those of the source. A unit that matches without an occurrence, such as by\n"
-      "NOT, shows its first line.\n"
-      "Colors: bold occurrences take part in the match, others are further places of the same words. --color auto\n"
+      "NOT, shows its first line. Long lines are cut on a terminal only.\n"
+      "Colors: bold occurrences take part in the match, dim ones are other places of the same words. --color auto\n"
       "means on a terminal, unless NO_COLOR is set.\n"
-      "JSON: byte_offset counts the file's bytes; utf16_offset the source's UTF-16 units after a byte-order mark; line "
-      "and\n"
-      "column count from 1, columns in characters; start and end are UTF-8 bytes of \"lines\".\n"
+      "JSON has all occurrences; \"primary\" tells which take part in the match. byte_offset counts the file's bytes;\n"
+      "utf16_offset the source's UTF-16 units after a byte-order mark; line and column count from 1, columns in\n"
+      "characters; start and end are UTF-8 bytes of \"lines\". The column of --vimgrep counts bytes of UTF-8.\n"
       "Exit status: 0 something matched, 1 nothing, 2 something went wrong, even if something matched (a file\n"
       "that cannot be read, or a named one that is not text).\n"
       "Examples:\n"

@@ -3,6 +3,7 @@
 #define VELAN_TOOLS_SEARCH_SEARCH_OPTIONS_H
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,16 +15,29 @@ namespace velan::tool {
 
 enum class ColorChoice : uint8_t { Auto, Always, Never };
 
-enum class SearchOutput : uint8_t { Lines, Names, LineCounts, OccurrenceCounts, JSON };
+enum class SearchOutput : uint8_t { Lines, Occurrences, Columns, Names, LineCounts, OccurrenceCounts, JSON };
+
+/// The order in which documents are shown. Without one they are in the order of the paths.
+enum class DocumentOrder : uint8_t { AsGiven, Path, Modified, Hits };
 
 struct SearchOptions {
   QueryOptions query;
   std::vector<std::string> paths;
-  SearchUnit unit = SearchUnit::Document;
+  SearchScope scope;
   SearchOutput output = SearchOutput::Lines;
   DecodingOptions decoding;
   bool hidden = false;
   size_t context = 0;
+  std::optional<size_t> before;  // instead of `context`
+  std::optional<size_t> after;
+  std::optional<size_t> maxColumns;  // 0: any number
+  size_t maxCount = SIZE_MAX;        // of lines of one document
+  std::optional<bool> withPath;
+  bool withNumber = true;
+  bool nulAfterPath = false;
+  bool quiet = false;
+  bool statistics = false;
+  DocumentOrder order = DocumentOrder::AsGiven;
   size_t threads = 0;  // 0: as many as the machine has processors
   ColorChoice color = ColorChoice::Auto;
 };

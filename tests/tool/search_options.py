@@ -1,0 +1,72 @@
+#!/usr/bin/env python3
+"""What the options of the search do. Called like tool_test.py."""
+
+import os
+import pty
+import subprocess
+import unittest
+
+from tool_test import TOOL, InFolder  # takes the arguments
+
+
+class Output(InFolder):
+    def setUp(self):
+        super().setUp()
+        self.write("a", "top\nkey one\nmid key\nlow\n\nend key far\nkey key\nx\n")
+        self.write("b", "no\n")
+        self.write("c", "😀" * 30 + " key " + "z" * 30)
+        self.write("d", "lamp far\nx far\ny ä far lamp z\n")
+        self.write("binary", b"key\0")
+        for age, name in enumerate("cba"):
+            os.utime(os.path.join(self.folder, name), (1000 + age, 1000 + age))
+
+    def test_forms(self):
+        cases = [
+            ("-o end|\"one_mid\" a", "2:one\n3:mid\n6:end\n"),
+            ("--vimgrep key a c", "a:2:1:key one\na:3:5:mid key\na:6:5:end key far\na:7:1:key key\na:7:5:key key\n"
+                                  f"c:1:122:{'😀' * 30} key {'z' * 30}\n"),
+            ("-C1 -A2 -B0 end a", "6:end key far\n7-key key\n8-x\n"),
+            ("-m3 -H key a", "a:2:key one\na:3:mid key\na:6:end key far\n"),
+            ("--max-columns 11 key c", "1:…😀 key zzz…\n"),
+            ("--max-columns 1 -oN key c", "k…\n"),
+            ("-v --unit line key a", "1:top\n4:low\n5:\n8:x\n"),
+            ("-v -l key .", "./b\n./d\n"),
+            ("-v key b a", "b:1:no\n"),
+            ("-c -h key a c", "4\n1\n"),
+            ("-l0 key .", "./a\0./c\0"),
+            ("-0 one .", "./a\0002:key one\n"),
+            ("--sort hits --count-matches key|no c b a", "a:5\nc:1\nb:1\n"),
+            ("--sort modified -l key|no .", "./a\n./b\n./c\n"),
+            ("--sort path -l key|no c b a", "a\nb\nc\n"),
+            ("-q key absent a", ""),
+        ]
+        for line, output in cases:
+            self.assertEqual(self.velan("search", *(word.replace("_", " ") for word in line.split(" ")))[:2], (0, output), line)
+
+    def test_other_places_are_shown_on_demand(self):
+        query = "lamp NEAR/1 far"
+        lines = ["1:lamp far\n", "2:x far\n", "3:y ä far lamp z\n"]
+        self.assertEqual(self.velan("search", query, "d")[1], lines[0] + lines[2])
+        self.assertEqual(self.velan("search", "--all-occurrences", query, "d")[1], "".join(lines))
+        self.assertEqual(self.velan("search", "--json", query, "d")[1].count('"primary":false'), 1)
+
+    def test_statistics(self):
+        counts = ("6 occurrences\n5 lines with occurrences\n2 files with matches\n4 files searched\n"
+                  "1 binary file passed over\n")
+        for form in ([], ["-q"], ["-l"]):
+            self.assertIn(counts, self.velan("search", "--stats", *form, "key", ".")[1], form)
+
+    def test_long_lines_on_terminals(self):
+        self.write("long", "key " + "x" * 1000)
+        try:
+            controller, terminal = pty.openpty()
+        except OSError:
+            self.skipTest("this machine has no terminals to give")
+        with subprocess.Popen([TOOL, "search", "--color=never", "key", "long"], cwd=self.folder, stdout=terminal):
+            os.close(terminal)
+            self.assertEqual(os.read(controller, 65536).decode(), "1:key " + "x" * 396 + "…\r\n")
+        os.close(controller)
+
+
+if __name__ == "__main__":
+    unittest.main()

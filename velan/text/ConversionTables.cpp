@@ -6,6 +6,7 @@
 #include "velan/base/ASCII.h"
 #include "velan/platform/CharacterDataInternal.h"
 #include "velan/text/CharacterSets.h"
+#include "velan/text/PreimagesInternal.h"
 
 namespace velan {
 
@@ -23,6 +24,9 @@ namespace {
 struct Table {
   std::once_flag once;
   unichar entries[VelanTableLength];
+  std::once_flag ringsOnce;
+  bool hasRings = false;
+  unichar rings[VelanTableLength];
 };
 Table lower, upper, umlauts, lowerUmlauts, upperUmlauts;
 
@@ -51,6 +55,19 @@ void fillMapped(unichar* entries, CharacterSet set, unichar (*mapping)(unichar))
 
 void fillCombined(unichar* entries, const unichar* first, const unichar* second) {
   for (size_t c = 0; c < VelanTableLength; ++c) entries[c] = second[first[c]];
+}
+
+// Each unit joins the ring of its entry, which therefore has to be its own entry.
+void fillRings(Table& table) {
+  for (size_t c = 0; c < VelanTableLength; ++c) table.rings[c] = static_cast<unichar>(c);
+  for (size_t c = 0; c < VelanTableLength; ++c) {
+    const unichar entry = table.entries[c];
+    if (entry == c) continue;
+    if (table.entries[entry] != entry) return;
+    table.rings[c] = table.rings[entry];
+    table.rings[entry] = static_cast<unichar>(c);
+  }
+  table.hasRings = true;
 }
 
 unichar asciiOrSpace(unichar c) { return c < 0x80 ? c : u' '; }
@@ -90,6 +107,15 @@ unichar umlautsToLowerAscii(unichar c) { return initLowerUmlautsCharsTable()[c];
 unichar toAscii(unichar c) { return asciiOrSpace(umlautsToAscii(c)); }
 unichar toUpperAscii(unichar c) { return toASCIIUpper(toAscii(c)); }
 unichar toLowerAscii(unichar c) { return toASCIILower(toAscii(c)); }
+
+const unichar* ringsOfTable(const unichar* table) {
+  for (Table* own : {&upper, &lower, &umlauts, &upperUmlauts, &lowerUmlauts}) {
+    if (table != own->entries) continue;
+    std::call_once(own->ringsOnce, fillRings, *own);
+    return own->hasRings ? own->rings : nullptr;
+  }
+  return nullptr;
+}
 
 bool isUnicharTablePartOfConversionTable(const unichar* table, const unichar* conversionTable) {
   if (!table || !conversionTable) return false;

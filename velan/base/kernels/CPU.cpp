@@ -41,7 +41,7 @@ CPUFeatures detected() {
   __builtin_cpu_init();
   CPUFeatures features = None;
   const auto add = [&](CPUFeatures feature, bool present) { features = present ? features | feature : features; };
-  add(SSE41, __builtin_cpu_supports("sse4.1") && __builtin_cpu_supports("ssse3"));
+  add(SSE41, __builtin_cpu_supports("sse4.1") && __builtin_cpu_supports("ssse3") && __builtin_cpu_supports("popcnt"));
   add(PCLMUL, __builtin_cpu_supports("pclmul"));
   add(SHA, hasSHA());
   add(AVX2, __builtin_cpu_supports("avx2"));

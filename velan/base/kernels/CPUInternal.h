@@ -12,7 +12,7 @@ namespace velan {
 /// The instruction sets that kernels are written for, to combine with `|`.
 enum class CPUFeatures : uint32_t {
   None = 0,
-  SSE41 = 1,     // SSE4.1 with SSSE3
+  SSE41 = 1,     // SSE4.1 with SSSE3 and POPCNT
   PCLMUL = 2,    // carry-less multiplication on 128 bits
   SHA = 4,       // SHA-1 rounds
   AVX2 = 8,      // 256-bit integers, with gathers

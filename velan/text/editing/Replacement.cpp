@@ -80,7 +80,7 @@ bool replaceString(MutableString& text, const String& substring, const String& r
         copyReplaced(text.view(), substring.view(), replacement.view(), caseSensitive, text.mutableCharacters()));
     return true;
   }
-  if (findOccurrence(text.view(), substring.view(), caseSensitive) == text.view().size()) return true;
+  if (!hasOccurrence(text.view(), substring.view(), caseSensitive)) return true;
   return rebuild(text, text.length(), [&](MutableString& result) {
     appendReplaced(text.view(), substring.view(), replacement.view(), caseSensitive,
                    [&result](std::u16string_view part) { result.appendString(part); });

@@ -7,13 +7,12 @@
 namespace velan {
 
 bool containsSubstring(const String& string, const String& substring, bool caseSensitive) {
-  return findOccurrence(string.view(), substring.view(), caseSensitive) != string.view().size();
+  return hasOccurrence(string.view(), substring.view(), caseSensitive);
 }
 
 int64_t countSubstring(const String& string, const String& substring, bool caseSensitive) {
-  int64_t count = 0;
-  forEachOccurrence(string.view(), substring.view(), caseSensitive, [&count](std::u16string_view) { ++count; });
-  return count;
+  const std::u16string_view text = string.view();
+  return static_cast<int64_t>(occurrenceSearch(substring.view(), caseSensitive).count(text.data(), text.size()));
 }
 
 bool containsSubstrings(const String& string, const std::vector<String>& substrings, bool caseSensitive) {

@@ -5,6 +5,7 @@
 #include "velan/text/CharacterSetBitsInternal.h"
 #include "velan/text/CharacterSets.h"
 #include "velan/text/ConversionTables.h"
+#include "velan/text/PreimagesInternal.h"
 
 namespace velan {
 namespace {
@@ -14,15 +15,13 @@ std::u16string_view tailOf(const String& string, int64_t startAt) {
   return string.view().substr(static_cast<size_t>(start));
 }
 
-// Calls `search` with the test that a unit must pass to count as `ch`.
-template <typename Search>
-auto searchWithTest(unichar ch, bool caseInsensitive, Search search) {
+// The units that count as `ch`.
+UnitFilter filterOf(unichar ch, bool caseInsensitive) {
   const unichar* upper = initUpperCharsTable();
   const unichar upperForm = upper[ch];
   const bool hasCase = upperForm != initLowerCharsTable()[ch];
-  if (hasCase && caseInsensitive) return search([=](unichar c) { return upper[c] == upperForm; });
-  const unichar exact = hasCase ? upperForm : ch;
-  return search([exact](unichar c) { return c == exact; });
+  if (hasCase && caseInsensitive) return filterOfPreimages(upperForm, upper);
+  return UnitFilter(hasCase ? upperForm : ch);
 }
 
 int64_t positionIn(const String& string, const unichar* unit) { return unit - string.characters(); }
@@ -31,24 +30,19 @@ int64_t positionIn(const String& string, const unichar* unit) { return unit - st
 
 int64_t findCharacter(const String& string, unichar ch, int64_t startAt, bool caseInsensitive) {
   const std::u16string_view tail = tailOf(string, startAt);
-  return searchWithTest(ch, caseInsensitive, [&](auto test) {
-    const auto found = std::ranges::find_if(tail, test);
-    return found == tail.end() ? NSNotFound : positionIn(string, &*found);
-  });
+  const size_t found = unitKernels().find(tail.data(), tail.size(), filterOf(ch, caseInsensitive));
+  return found == tail.size() ? NSNotFound : positionIn(string, &tail[found]);
 }
 
 int64_t findLastCharacter(const String& string, unichar ch, int64_t startAt, bool caseInsensitive) {
   const std::u16string_view tail = tailOf(string, startAt);
-  return searchWithTest(ch, caseInsensitive, [&](auto test) {
-    const auto found = std::find_if(tail.rbegin(), tail.rend(), test);
-    return found == tail.rend() ? NSNotFound : positionIn(string, &*found);
-  });
+  const size_t found = unitKernels().findLast(tail.data(), tail.size(), filterOf(ch, caseInsensitive));
+  return found == tail.size() ? NSNotFound : positionIn(string, &tail[found]);
 }
 
 int64_t countCharacter(const String& string, unichar ch, int64_t startAt, bool caseInsensitive) {
   const std::u16string_view tail = tailOf(string, startAt);
-  return searchWithTest(ch, caseInsensitive,
-                        [tail](auto test) -> int64_t { return std::ranges::count_if(tail, test); });
+  return static_cast<int64_t>(unitKernels().count(tail.data(), tail.size(), filterOf(ch, caseInsensitive)));
 }
 
 int64_t findOneOf(const String& string, const String& characters, int64_t startAt, bool caseInsensitive) {

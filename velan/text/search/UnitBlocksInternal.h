@@ -7,6 +7,7 @@
 
 #include "velan/base/ASCII.h"
 #include "velan/base/CTypes.h"
+#include "velan/text/kernels/UnitKernelsInternal.h"
 
 namespace velan {
 
@@ -31,15 +32,6 @@ inline bool equalBlocksIgnoringAsciiCase(const unichar* a, const unichar* b) {
   return different == 0;
 }
 
-/// Whether some `i` below `kBlock` has `first` at `starts[i]` and `last` at `ends[i]`.
-inline bool blockHolds(const unichar* starts, const unichar* ends, unichar first, unichar last) {
-  unsigned found = 0;
-  for (size_t i = 0; i < kBlock; ++i) {
-    found |= static_cast<unsigned>(starts[i] == first) & static_cast<unsigned>(ends[i] == last);
-  }
-  return found != 0;
-}
-
 /// The least `i` below `length` with `units[i] == c`, or `length`.
 inline size_t positionOfUnit(const unichar* units, size_t length, unichar c) {
   constexpr size_t kNear = 16;  // most distances are short
@@ -47,9 +39,7 @@ inline size_t positionOfUnit(const unichar* units, size_t length, unichar c) {
   for (const size_t near = length < kNear ? length : kNear; i < near; ++i) {
     if (units[i] == c) return i;
   }
-  while (length - i >= kBlock && !blockHolds(units + i, units + i, c, c)) i += kBlock;
-  while (i < length && units[i] != c) ++i;
-  return i;
+  return i == length ? length : i + unitKernels().find(units + i, length - i, UnitFilter(c));
 }
 
 /// The least `i` below `length` where `differ(i)` holds, or `length`; asks only in blocks that `equal` rejects.

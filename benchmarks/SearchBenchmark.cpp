@@ -1,0 +1,262 @@
+// Searching, counting and sets beside compiled searches (PCRE2 with its just-in-time compiler, Hyperscan), ICU and the
+// C++ library, on the same texts. Hyperscan reads UTF-8; all rates are in bytes of the UTF-16 form. What peers compile
+// or allocate in advance is not measured, what we set up is.
+//
+// Names are operation/who/text/bytes: --benchmark_filter=every_hit shows one operation.
+#include <benchmark/benchmark.h>
+#include <hs/hs.h>
+#define PCRE2_CODE_UNIT_WIDTH 16
+#include <pcre2.h>
+#include <unicode/ustring.h>
+
+#include <algorithm>
+#include <cstring>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "velan/base/String.h"
+#include "velan/text/CharacterSetOperations.h"
+#include "velan/text/CharacterSets.h"
+#include "velan/text/ConversionTables.h"
+#include "velan/text/inspection/SubstringSearch.h"
+#include "velan/text/search/CharacterSearch.h"
+#include "velan/text/search/UnitSearchInternal.h"
+
+namespace velan {
+namespace {
+
+struct Text {
+  const char* name;
+  std::u16string units;
+  std::u16string frequentWord;
+  std::u16string absentPhrase;  // its words are in the text
+  unichar absentUnit;
+};
+
+std::u16string wordsOf(const std::vector<std::u16string_view>& words, size_t length) {
+  std::mt19937 random(1);
+  std::u16string text;
+  while (text.size() < length) (text += words[random() % words.size()]) += u' ';
+  text.resize(length);
+  return text;
+}
+
+// A real text of ASCII that every Debian system has, again and again.
+std::u16string licenceText(size_t length) {
+  std::ifstream file("/usr/share/common-licenses/GPL-3");
+  std::u16string text{std::istreambuf_iterator<char>(file), {}};
+  while (!text.empty() && text.size() < length) text += text;
+  text.resize(length, u' ');
+  return text;
+}
+
+Text textOf(const std::string& name, size_t length) {
+  if (name == "english") {
+    return {"english",
+            wordsOf({u"the", u"of", u"and", u"to", u"in", u"is", u"that", u"searching", u"archive", u"contract",
+                     u"document", u"between", u"needle,", u"quarterly", u"report.", u"a"},
+                    length),
+            u"the", u"contract needles", u'#'};
+  }
+  if (name == "mixed") {
+    return {"mixed",
+            wordsOf({u"the", u"Velan", u"of", u"a", u"straße", u"Äpfel", u"документ", u"Σοφία", u"2026", u"and,",
+                     u"searching", u"in", u"text.", u"日本語", u"contract", u"needle", u"Archive", u"to"},
+                    length),
+            u"the", u"contract needles", u'#'};
+  }
+  if (name == "russian") {
+    return {"russian",
+            wordsOf({u"и", u"в", u"не", u"на", u"документ", u"договор", u"поиск", u"между", u"архив,", u"который",
+                     u"быстро", u"Москва", u"это", u"страница.", u"они", u"слово"},
+                    length),
+            u"который", u"договор поиска", u'#'};
+  }
+  return {"licence", licenceText(length), u"the", u"software licenses of", u'#'};
+}
+
+std::string utf8Of(std::u16string_view units) {
+  std::string bytes(units.size() * 3, 0);
+  int32_t length = 0;
+  UErrorCode error = U_ZERO_ERROR;
+  u_strToUTF8(bytes.data(), static_cast<int32_t>(bytes.size()), &length, units.data(),
+              static_cast<int32_t>(units.size()), &error);
+  bytes.resize(static_cast<size_t>(length));
+  return bytes;
+}
+
+// Counts matches, one behind the other.
+class Pcre {
+ public:
+  Pcre(const std::u16string& pattern, uint32_t options) {
+    int error = 0;
+    size_t offset = 0;
+    _code =
+        pcre2_compile(reinterpret_cast<PCRE2_SPTR>(pattern.data()), pattern.size(), options, &error, &offset, nullptr);
+    pcre2_jit_compile(_code, PCRE2_JIT_COMPLETE);
+    _match = pcre2_match_data_create(1, nullptr);
+  }
+  ~Pcre() {
+    pcre2_match_data_free(_match);
+    pcre2_code_free(_code);
+  }
+
+  size_t count(std::u16string_view text) const {
+    size_t count = 0;
+    for (size_t at = 0;
+         pcre2_jit_match(_code, reinterpret_cast<PCRE2_SPTR>(text.data()), text.size(), at, 0, _match, nullptr) > 0;
+         ++count) {
+      at = pcre2_get_ovector_pointer(_match)[1];
+    }
+    return count;
+  }
+
+ private:
+  pcre2_code* _code;
+  pcre2_match_data* _match;
+};
+
+class Hyperscan {
+ public:
+  Hyperscan(const std::string& pattern, unsigned flags) {
+    hs_compile_error_t* error = nullptr;
+    hs_compile(pattern.c_str(), flags, HS_MODE_BLOCK, nullptr, &_database, &error);
+    hs_alloc_scratch(_database, &_scratch);
+  }
+  ~Hyperscan() {
+    hs_free_scratch(_scratch);
+    hs_free_database(_database);
+  }
+
+  size_t count(const std::string& text) const {
+    size_t count = 0;
+    const auto onMatch = [](unsigned, unsigned long long, unsigned long long, unsigned, void* counter) {
+      ++*static_cast<size_t*>(counter);
+      return 0;
+    };
+    hs_scan(_database, text.data(), static_cast<unsigned>(text.size()), 0, _scratch, onMatch, &count);
+    return count;
+  }
+
+ private:
+  hs_database_t* _database = nullptr;
+  hs_scratch_t* _scratch = nullptr;
+};
+
+using Run = std::function<size_t()>;
+
+void add(const std::string& operation, const std::string& who, const Text& text, Run run) {
+  const size_t bytes = text.units.size() * sizeof(unichar);
+  const std::string name = operation + '/' + who + '/' + text.name + '/' + std::to_string(bytes >> 10) + 'K';
+  benchmark::RegisterBenchmark(name.c_str(), [run = std::move(run), bytes](benchmark::State& state) {
+    size_t result = 0;
+    for (auto _ : state) benchmark::DoNotOptimize(result = run());
+    state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(bytes));
+    state.counters["result"] = static_cast<double>(result);
+  });
+}
+
+void addSearch(const std::string& operation, const Text& text, const std::u16string& needle, bool caseSensitive) {
+  const std::u16string_view units = text.units;
+  const String string(units), wanted(needle);
+  add(operation, "velan", text, [=] { return static_cast<size_t>(countSubstring(string, wanted, caseSensitive)); });
+  const auto pcre =
+      std::make_shared<Pcre>(needle, caseSensitive ? 0u : static_cast<uint32_t>(PCRE2_CASELESS | PCRE2_UTF));
+  add(operation, "pcre2", text, [=] { return pcre->count(units); });
+  const auto hyperscan = std::make_shared<Hyperscan>(
+      utf8Of(needle), caseSensitive ? 0u : static_cast<unsigned>(HS_FLAG_CASELESS | HS_FLAG_UTF8));
+  add(operation, "hyperscan", text, [hyperscan, bytes = utf8Of(units)] { return hyperscan->count(bytes); });
+  if (!caseSensitive) return;
+  add(operation, "icu", text, [=] {
+    size_t count = 0;
+    for (const unichar *at = units.data(), *end = at + units.size();; ++count) {
+      at = u_strFindFirst(at, static_cast<int32_t>(end - at), needle.data(), static_cast<int32_t>(needle.size()));
+      if (!at) return count;
+      at += needle.size();
+    }
+  });
+}
+
+void addWithoutDiacritics(const Text& text, const std::u16string& needle) {
+  const unichar* table = initUpperUmlautsCharsTable();
+  std::u16string mapped = needle;
+  for (unichar& c : mapped) c = table[c];
+  const std::u16string_view units = text.units;
+  add("no_diacritics_absent", "velan", text,
+      [=] { return findMappedUnits(units.data(), units.size(), mapped.data(), mapped.size(), table); });
+  add("no_diacritics_absent", "table_loop", text, [=] {
+    const auto found = std::search(units.begin(), units.end(), mapped.begin(), mapped.end(),
+                                   [table](unichar a, unichar b) { return table[a] == b; });
+    return static_cast<size_t>(found - units.begin());
+  });
+}
+
+void addUnits(const Text& text) {
+  const std::u16string_view units = text.units;
+  const String string(units);
+  const unichar absent = text.absentUnit;
+  add("find_unit", "velan", text, [=] { return static_cast<size_t>(findCharacter(string, absent)); });
+  add("find_unit", "std", text, [=] { return units.find(absent); });
+  add("count_unit", "velan", text, [=] { return static_cast<size_t>(countCharacter(string, u' ')); });
+  add("count_unit", "std", text, [=] { return static_cast<size_t>(std::ranges::count(units, u' ')); });
+  add("count_unit_no_case", "velan", text, [=] { return static_cast<size_t>(countCharacter(string, u'e', true)); });
+  add("one_of", "velan", text, [=] { return static_cast<size_t>(findOneOf(string, u"#<>&@")); });
+  add("one_of", "std", text, [=] { return units.find_first_of(u"#<>&@"); });
+
+  const uint8_t* letters = alphaCharacterSetRep();
+  const auto isLetter = [letters](unichar c) { return isMemberOfCharacterSetRep(letters, c); };
+  const uint8_t* symbols = bitmap(CharacterSet::Symbol);
+  add("one_of_set", "velan", text, [=] { return static_cast<size_t>(characterPartOfSet(string, symbols)); });
+  add("one_of_set", "bitmap_loop", text, [=] {
+    return static_cast<size_t>(
+        std::ranges::any_of(units, [symbols](unichar c) { return isMemberOfCharacterSetRep(symbols, c); }));
+  });
+  add("count_set", "velan", text, [=] { return static_cast<size_t>(countCharactersPartOfSet(string, letters)); });
+  add("count_set", "bitmap_loop", text, [=] { return static_cast<size_t>(std::ranges::count_if(units, isLetter)); });
+}
+
+// What the memory gives: every word of the text is read.
+void addLimit(const Text& text) {
+  const std::u16string_view units = text.units;
+  add("read", "memory", text, [=] {
+    uint64_t sum = 0;
+    for (size_t i = 0; i + 4 <= units.size(); i += 4) {
+      uint64_t four;
+      std::memcpy(&four, &units[i], sizeof four);
+      sum ^= four;
+    }
+    return static_cast<size_t>(sum & 1);
+  });
+}
+
+std::u16string otherCase(std::u16string text) {
+  for (unichar& c : text) c = toUpper(c) != c ? toUpper(c) : toLower(c);
+  return text;
+}
+
+}  // namespace
+}  // namespace velan
+
+int main(int argc, char** argv) {
+  using namespace velan;
+  benchmark::Initialize(&argc, argv);
+  std::vector<std::unique_ptr<Text>> texts;
+  for (const size_t length : {size_t{512}, size_t{32} << 10, size_t{4} << 20}) {
+    for (const char* name : {"english", "mixed", "russian", "licence"}) {
+      const Text& text = *texts.emplace_back(std::make_unique<Text>(textOf(name, length)));
+      addLimit(text);
+      addSearch("exact_absent", text, text.absentPhrase, true);
+      addSearch("exact_every_hit", text, text.frequentWord, true);
+      addSearch("no_case_absent", text, otherCase(text.absentPhrase), false);
+      addSearch("no_case_every_hit", text, otherCase(text.frequentWord), false);
+      addWithoutDiacritics(text, text.absentPhrase);
+      addUnits(text);
+    }
+  }
+  benchmark::RunSpecifiedBenchmarks();
+}

@@ -1,0 +1,85 @@
+// Every kernel equals the reference, which does one position after another.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <memory>
+#include <random>
+#include <string>
+
+#include "velan/text/ConversionTables.h"
+#include "velan/text/PreimagesInternal.h"
+#include "velan/text/search/UnitSearchInternal.h"
+
+namespace velan {
+namespace {
+
+// Letters of several lengths of rings, surrogates, the first and the last unit, and pages of all kinds.
+constexpr std::u16string_view kLetters =
+    u"aAbBkK\x212A\xE4\xC4sS\x17F\x390\x3B9\x434\x414\x440\x420. \x3042\x4E00\xFFFF";
+
+// Calls `result(operations, units, length)` for each kernel with the same random text of every length up to some
+// blocks, at every alignment, in heap blocks that end where the text does; all results must be those of the reference.
+template <typename Result>
+void expectEqualResults(std::u16string_view letters, Result result) {
+  std::mt19937 random(1);
+  for (size_t length = 0; length <= 300; ++length) {
+    const size_t shift = random() % 32;
+    const auto buffer = std::make_unique<unichar[]>(shift + length);
+    unichar* units = buffer.get() + shift;
+    const size_t kinds = 1 + random() % letters.size();
+    std::generate_n(units, length, [&] { return letters[random() % kinds]; });
+    const auto expected = result(unitKernelList().reference(), units, length);
+    for (const auto& kernel : unitKernelList()) {
+      ASSERT_EQ(result(kernel.run, units, length), expected)
+          << kernel.name << ' ' << testing::PrintToString(std::u16string(units, length));
+    }
+  }
+}
+
+TEST(UnitKernels, FindAndCountUnits) {
+  const UnitFilter filters[] = {UnitFilter(u'\xFFFF'), UnitFilter(u'B'), UnitFilter(u'a', u'\x434'),
+                                filterOfPreimages(u'S', upperCharsTable()),
+                                filterOfPreimages(u'A', upperUmlautsCharsTable())};
+  for (const UnitFilter& filter : filters) {
+    expectEqualResults(kLetters, [&](const UnitKernels& run, const unichar* units, size_t length) {
+      return std::array{run.find(units, length, filter), run.findLast(units, length, filter),
+                        run.count(units, length, filter)};
+    });
+  }
+}
+
+// Also near matches by the thousand, after which kernels may give up at different places.
+TEST(UnitKernels, FindAndCountNeedles) {
+  const std::u16string needles[] = {u"a", u"ab", u"aab", u"KSA", u"abababab", std::u16string(70, u'a')};
+  for (const unichar* table : {static_cast<const unichar*>(nullptr), upperCharsTable(), upperUmlautsCharsTable()}) {
+    for (const std::u16string& needle : needles) {
+      const UnitSearch search(NeedleUnits{needle.data(), table}, needle.size(), table);
+      for (const std::u16string_view letters : {kLetters, kLetters.substr(0, 4)}) {
+        expectEqualResults(letters, [&](const UnitKernels& run, const unichar* units, size_t length) {
+          return std::array{search.find(units, length, run), search.count(units, length, run)};
+        });
+      }
+    }
+  }
+}
+
+TEST(Preimages, FiltersOfEveryUnit) {
+  for (const unichar* table : {upperCharsTable(), umlautsCharsTable(), lowerUmlautsCharsTable()}) {
+    const std::u16string_view entries(table, VelanTableLength);
+    for (const unichar c : kLetters) {
+      const UnitFilter filter = filterOfPreimages(table[c], table);
+      size_t passing = 0;
+      for (size_t unit = 0; unit < VelanTableLength; ++unit) {
+        const auto one = static_cast<unichar>(unit);
+        const bool passes = unitKernelList().reference().count(&one, 1, filter) == 1;
+        EXPECT_TRUE(passes || table[unit] != table[c]) << unit;
+        passing += passes;
+      }
+      const bool isExact = table == upperCharsTable();
+      EXPECT_TRUE(!isExact || passing == static_cast<size_t>(std::ranges::count(entries, table[c]))) << int{c};
+    }
+  }
+}
+
+}  // namespace
+}  // namespace velan

@@ -1,0 +1,148 @@
+// Vectors of code units, one class for each instruction set that the including file is compiled for. Loops are
+// templates over such a class, so that they are written once. Only kernels' sources may include this; the anonymous
+// namespace keeps what is compiled for one processor from standing in for what is compiled for another.
+//
+// A class has `kUnits`, the units in it, and `Narrower`, the class for what is left at the end (`Scalar` in the
+// narrowest). `Matches` are the answers of a comparison, one a unit; `bits` brings them to a number with `kBits` bits a
+// unit, all of them 1 where the answer is yes, and the first unit's lowest.
+#ifndef VELAN_BASE_KERNELS_UNIT_VECTORS_INTERNAL_H
+#define VELAN_BASE_KERNELS_UNIT_VECTORS_INTERNAL_H
+
+#include "velan/base/CTypes.h"
+
+#ifdef __x86_64__
+#ifndef __clang__
+#pragma GCC diagnostic ignored "-Wuninitialized"  // of the compiler's own intrinsics
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#endif
+#include <immintrin.h>
+#elif defined(__aarch64__)
+#include <arm_neon.h>
+#endif
+
+namespace velan {
+namespace {
+
+struct Scalar {
+  static constexpr size_t kUnits = 1;
+};
+
+#ifdef __SSE4_1__
+
+struct Units128 {
+  using Narrower = Scalar;
+  using Matches = __m128i;
+  static constexpr size_t kUnits = 8;
+  static constexpr unsigned kBits = 2;
+
+  __m128i v;
+
+  static Units128 load(const unichar* p) { return {_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))}; }
+  static Units128 of(unichar c) { return {_mm_set1_epi16(static_cast<short>(c))}; }
+  void store(unichar* p) const { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v); }
+
+  Units128 operator-(Units128 other) const { return {_mm_sub_epi16(v, other.v)}; }
+  /// 0 where a unit has `bits` among those of `mask`.
+  Units128 differing(Units128 mask, Units128 bits) const { return {_mm_xor_si128(_mm_and_si128(v, mask.v), bits.v)}; }
+  static Units128 unionOf(Units128 a, Units128 b, Units128 c) { return {_mm_or_si128(_mm_or_si128(a.v, b.v), c.v)}; }
+  Matches operator==(Units128 other) const { return _mm_cmpeq_epi16(v, other.v); }
+  Matches operator<=(Units128 other) const { return _mm_cmpeq_epi16(_mm_min_epu16(v, other.v), v); }
+
+  static Matches both(Matches a, Matches b) { return _mm_and_si128(a, b); }
+  static Matches either(Matches a, Matches b) { return _mm_or_si128(a, b); }
+  static uint64_t bits(Matches m) { return static_cast<uint32_t>(_mm_movemask_epi8(m)); }
+};
+
+#endif
+#ifdef __AVX2__
+
+struct Units256 {
+  using Narrower = Units128;
+  using Matches = __m256i;
+  static constexpr size_t kUnits = 16;
+  static constexpr unsigned kBits = 2;
+
+  __m256i v;
+
+  static Units256 load(const unichar* p) { return {_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p))}; }
+  static Units256 of(unichar c) { return {_mm256_set1_epi16(static_cast<short>(c))}; }
+  void store(unichar* p) const { _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), v); }
+
+  Units256 operator-(Units256 other) const { return {_mm256_sub_epi16(v, other.v)}; }
+  /// 0 where a unit has `bits` among those of `mask`.
+  Units256 differing(Units256 mask, Units256 bits) const {
+    return {_mm256_xor_si256(_mm256_and_si256(v, mask.v), bits.v)};
+  }
+  static Units256 unionOf(Units256 a, Units256 b, Units256 c) {
+    return {_mm256_or_si256(_mm256_or_si256(a.v, b.v), c.v)};
+  }
+  Matches operator==(Units256 other) const { return _mm256_cmpeq_epi16(v, other.v); }
+  Matches operator<=(Units256 other) const { return _mm256_cmpeq_epi16(_mm256_min_epu16(v, other.v), v); }
+
+  static Matches both(Matches a, Matches b) { return _mm256_and_si256(a, b); }
+  static Matches either(Matches a, Matches b) { return _mm256_or_si256(a, b); }
+  static uint64_t bits(Matches m) { return static_cast<uint32_t>(_mm256_movemask_epi8(m)); }
+};
+
+#endif
+#ifdef __AVX512VBMI2__
+
+struct Units512 {
+  using Narrower = Units256;
+  using Matches = __mmask32;
+  static constexpr size_t kUnits = 32;
+  static constexpr unsigned kBits = 1;
+
+  __m512i v;
+
+  static Units512 load(const unichar* p) { return {_mm512_loadu_si512(p)}; }
+  static Units512 of(unichar c) { return {_mm512_set1_epi16(static_cast<short>(c))}; }
+  void store(unichar* p) const { _mm512_storeu_si512(p, v); }
+
+  Units512 operator-(Units512 other) const { return {_mm512_sub_epi16(v, other.v)}; }
+  Units512 differing(Units512 mask, Units512 bits) const {
+    return {_mm512_ternarylogic_epi64(v, mask.v, bits.v, 0x6A)};
+  }
+  static Units512 unionOf(Units512 a, Units512 b, Units512 c) {
+    return {_mm512_ternarylogic_epi64(a.v, b.v, c.v, 0xFE)};
+  }
+  Matches operator==(Units512 other) const { return _mm512_cmpeq_epi16_mask(v, other.v); }
+  Matches operator<=(Units512 other) const { return _mm512_cmple_epu16_mask(v, other.v); }
+
+  static Matches both(Matches a, Matches b) { return a & b; }
+  static Matches either(Matches a, Matches b) { return a | b; }
+  static uint64_t bits(Matches m) { return m; }
+};
+
+#endif
+#ifdef __aarch64__
+
+struct UnitsNeon {
+  using Narrower = Scalar;
+  using Matches = uint16x8_t;
+  static constexpr size_t kUnits = 8;
+  static constexpr unsigned kBits = 8;
+
+  uint16x8_t v;
+
+  static UnitsNeon load(const unichar* p) { return {vld1q_u16(reinterpret_cast<const uint16_t*>(p))}; }
+  static UnitsNeon of(unichar c) { return {vdupq_n_u16(c)}; }
+  void store(unichar* p) const { vst1q_u16(reinterpret_cast<uint16_t*>(p), v); }
+
+  UnitsNeon operator-(UnitsNeon other) const { return {vsubq_u16(v, other.v)}; }
+  UnitsNeon differing(UnitsNeon mask, UnitsNeon bits) const { return {veorq_u16(vandq_u16(v, mask.v), bits.v)}; }
+  static UnitsNeon unionOf(UnitsNeon a, UnitsNeon b, UnitsNeon c) { return {vorrq_u16(vorrq_u16(a.v, b.v), c.v)}; }
+  Matches operator==(UnitsNeon other) const { return vceqq_u16(v, other.v); }
+  Matches operator<=(UnitsNeon other) const { return vcleq_u16(v, other.v); }
+
+  static Matches both(Matches a, Matches b) { return vandq_u16(a, b); }
+  static Matches either(Matches a, Matches b) { return vorrq_u16(a, b); }
+  static uint64_t bits(Matches m) { return vget_lane_u64(vreinterpret_u64_u8(vmovn_u16(m)), 0); }
+};
+
+#endif
+
+}  // namespace
+}  // namespace velan
+
+#endif  // VELAN_BASE_KERNELS_UNIT_VECTORS_INTERNAL_H

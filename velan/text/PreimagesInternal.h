@@ -1,0 +1,19 @@
+// The units that a conversion table turns into a given one: comparing units of text with these finds what is equal
+// through the table without looking any of them up.
+#ifndef VELAN_TEXT_PREIMAGES_INTERNAL_H
+#define VELAN_TEXT_PREIMAGES_INTERNAL_H
+
+#include "velan/text/kernels/UnitKernelsInternal.h"
+
+namespace velan {
+
+/// For one of the library's tables: the next unit with the same entry for each unit, in a ring. Null for other tables.
+const unichar* ringsOfTable(const unichar* table);
+
+/// A filter that all units pass which `table` turns into `c`; no others if there are at most `UnitFilter::kMost` of
+/// them and the table is one of the library's. Only `c` passes without a table, and any unit with a foreign one.
+UnitFilter filterOfPreimages(unichar c, const unichar* table);
+
+}  // namespace velan
+
+#endif  // VELAN_TEXT_PREIMAGES_INTERNAL_H

@@ -1,0 +1,87 @@
+// What is done to runs of code units in vectors: finding, counting. One list of kernels for all of it; each operation
+// is a template in UnitLoopsInternal.h, and each instruction set a source of some lines.
+#ifndef VELAN_TEXT_KERNELS_UNIT_KERNELS_INTERNAL_H
+#define VELAN_TEXT_KERNELS_UNIT_KERNELS_INTERNAL_H
+
+#include "velan/base/CTypes.h"
+#include "velan/base/kernels/KernelsInternal.h"
+
+namespace velan {
+
+/// Some units, as up to four ranges: cheap to compare with a vector of units, and to set up.
+struct UnitFilter {
+  static constexpr size_t kMost = 4;
+
+  /// How many are looked at: one or two units, which are the first, or all ranges.
+  enum class Kind : uint8_t { One, Two, Ranges };
+
+  UnitFilter() = default;
+  explicit UnitFilter(unichar c) : UnitFilter(c, c) { kind = Kind::One; }
+  UnitFilter(unichar a, unichar b) : low{a, b, b, b}, span{}, kind(Kind::Two) {}
+
+  unichar low[kMost];
+  unichar span[kMost];  // the last unit of the range less the first
+  Kind kind;
+};
+
+/// The beginning of a needle, ready for the kernels: three of its units are looked for in vectors, the rest is compared
+/// where all of them are found.
+struct NeedleHead {
+  static constexpr size_t kMost = 64;
+  static constexpr size_t kProbes = 3;
+
+  /// Units that a table may turn into the one at `position`, told in two ways, of which the first is faster.
+  struct Probe {
+    size_t position;
+    unichar mask, bits;  // `(unit & mask) == bits`
+    UnitFilter filter;
+  };
+
+  unichar units[kMost];
+  size_t length;          // at least 1
+  const unichar* table;   // what units of text go through before they are compared, or null
+  Probe probes[kProbes];  // some may be the same
+  bool usesFilters;       // because too many units pass a mask
+};
+
+struct NeedlePosition {
+  size_t position;
+  bool gaveUp;  // after too many near matches, all of them before `position`
+};
+
+struct NeedleCount {
+  size_t count;
+  NeedlePosition end;  // where to go on after giving up
+};
+
+/// Lengths and positions are in units, and what is not found is at `length`.
+struct UnitKernels {
+  size_t (*find)(const unichar* units, size_t length, const UnitFilter& filter);
+  size_t (*findLast)(const unichar* units, size_t length, const UnitFilter& filter);
+  size_t (*count)(const unichar* units, size_t length, const UnitFilter& filter);
+  /// The least of `positions` where `head` lies in `text`, which has `positions + head.length - 1` units, or
+  /// `positions`.
+  NeedlePosition (*findHead)(const unichar* text, size_t positions, const NeedleHead& head);
+  /// How often `head` lies in `text`, each time behind the time before.
+  NeedleCount (*countHead)(const unichar* text, size_t positions, const NeedleHead& head);
+};
+
+const Kernels<UnitKernels>& unitKernelList();
+
+/// The best of them here.
+inline const UnitKernels& unitKernels() {
+  static const UnitKernels best = unitKernelList().best();
+  return best;
+}
+
+#ifdef __x86_64__
+extern const UnitKernels kUnitKernelsSse4;
+extern const UnitKernels kUnitKernelsAvx2;
+extern const UnitKernels kUnitKernelsAvx512;
+#elif defined(__aarch64__)
+extern const UnitKernels kUnitKernelsNeon;
+#endif
+
+}  // namespace velan
+
+#endif  // VELAN_TEXT_KERNELS_UNIT_KERNELS_INTERNAL_H

@@ -1,0 +1,260 @@
+// The operations of `UnitKernels` over any class of vectors. `Scalar` gives the reference: one position after another.
+//
+// A test tells for positions whether they are wanted: `one(i)` for the position `i`, `block<V>(i)` for as many
+// positions from `i` as a vector has units.
+#ifndef VELAN_TEXT_KERNELS_UNIT_LOOPS_INTERNAL_H
+#define VELAN_TEXT_KERNELS_UNIT_LOOPS_INTERNAL_H
+
+#include <cstring>
+#include <type_traits>
+
+#include "velan/base/kernels/UnitVectorsInternal.h"
+#include "velan/text/kernels/UnitKernelsInternal.h"
+
+namespace velan {
+namespace {
+
+template <typename V>
+constexpr bool kIsVector = V::kUnits > 1;
+
+constexpr auto kAny = [](size_t) { return true; };
+
+/// The position in `block`, wanted by `bits`, that `accept` takes first, or `end`.
+template <typename V, typename Accept>
+size_t firstAccepted(uint64_t bits, size_t block, size_t end, Accept accept) {
+  constexpr uint64_t kUnit = (uint64_t{1} << V::kBits) - 1;
+  while (bits != 0) {
+    const auto bit = static_cast<unsigned>(__builtin_ctzll(bits));
+    if (const size_t position = block + bit / V::kBits; accept(position)) return position;
+    bits &= ~(kUnit << bit);
+  }
+  return end;
+}
+
+/// The first position below `count` that `test` wants and `accept` takes, or `count`.
+template <typename V, typename Test, typename Accept>
+size_t firstWhere(size_t count, Test test, Accept accept) {
+  size_t i = 0;
+  if constexpr (kIsVector<V>) {
+    constexpr size_t kStep = V::kUnits;
+    if (count < kStep) return firstWhere<typename V::Narrower>(count, test, accept);
+    // Most distances are short, so that the first blocks are looked at one by one.
+    for (size_t near = 4;;) {
+      for (; near > 0 && count - i >= kStep; --near, i += kStep) {
+        const size_t found = firstAccepted<V>(V::bits(test.template block<V>(i)), i, count, accept);
+        if (found < count) return found;
+      }
+      if (count - i < kStep) break;
+      for (; count - i >= 4 * kStep; i += 4 * kStep) {
+        const auto low = V::either(test.template block<V>(i), test.template block<V>(i + kStep));
+        const auto high = V::either(test.template block<V>(i + 2 * kStep), test.template block<V>(i + 3 * kStep));
+        if (V::bits(V::either(low, high)) != 0) break;
+      }
+      near = 4;
+    }
+    if (i == count) return count;
+    const size_t last = count - kStep;  // its first positions have been looked at
+    const uint64_t bits = V::bits(test.template block<V>(last)) >> ((i - last) * V::kBits);
+    return firstAccepted<V>(bits, i, count, accept);
+  } else {
+    while (i < count && !(test.one(i) && accept(i))) ++i;
+    return i;
+  }
+}
+
+/// The last position below `count` that `test` wants, or `none`.
+template <typename V, typename Test>
+size_t lastWhere(size_t count, size_t none, Test test) {
+  if constexpr (kIsVector<V>) {
+    for (; count >= V::kUnits; count -= V::kUnits) {
+      const uint64_t bits = V::bits(test.template block<V>(count - V::kUnits));
+      if (bits == 0) continue;
+      return count - V::kUnits + (63 - static_cast<size_t>(__builtin_clzll(bits))) / V::kBits;
+    }
+    return lastWhere<typename V::Narrower>(count, none, test);
+  } else {
+    while (count > 0 && !test.one(count - 1)) --count;
+    return count > 0 ? count - 1 : none;
+  }
+}
+
+/// How many of the positions `[i, count)` `test` wants.
+template <typename V, typename Test>
+size_t countWhere(size_t i, size_t count, Test test) {
+  size_t wanted = 0;
+  if constexpr (kIsVector<V>) {
+    for (; count - i >= V::kUnits; i += V::kUnits) {
+      wanted += static_cast<size_t>(__builtin_popcountll(V::bits(test.template block<V>(i))));
+    }
+    return wanted / V::kBits + countWhere<typename V::Narrower>(i, count, test);
+  } else {
+    for (; i < count; ++i) wanted += test.one(i);
+    return wanted;
+  }
+}
+
+inline bool passes(const UnitFilter& filter, unichar c) {
+  for (size_t i = 0; i < UnitFilter::kMost; ++i) {
+    if (static_cast<unichar>(c - filter.low[i]) <= filter.span[i]) return true;
+  }
+  return false;
+}
+
+/// The same of a vector of units.
+template <UnitFilter::Kind kind, typename V>
+typename V::Matches matches(V units, const UnitFilter& filter) {
+  if constexpr (kind == UnitFilter::Kind::One) {
+    return units == V::of(filter.low[0]);
+  } else if constexpr (kind == UnitFilter::Kind::Two) {
+    return V::either(units == V::of(filter.low[0]), units == V::of(filter.low[1]));
+  } else {
+    const auto inRange = [&](size_t k) { return units - V::of(filter.low[k]) <= V::of(filter.span[k]); };
+    return V::either(V::either(inRange(0), inRange(1)), V::either(inRange(2), inRange(3)));
+  }
+}
+
+template <UnitFilter::Kind kind>
+struct UnitTest {
+  const unichar* units;
+  const UnitFilter& filter;
+
+  bool one(size_t i) const { return passes(filter, units[i]); }
+  template <typename V>
+  typename V::Matches block(size_t i) const {
+    return matches<kind>(V::load(units + i), filter);
+  }
+};
+
+/// All probes of a needle are where it would have them, told by masks.
+struct MaskTest {
+  const unichar* text;
+  const NeedleHead& head;
+
+  bool one(size_t i) const {
+    unsigned different = 0;
+    for (const auto& probe : head.probes) different |= (text[i + probe.position] & probe.mask) ^ probe.bits;
+    return different == 0;
+  }
+  template <typename V>
+  typename V::Matches block(size_t i) const {
+    const auto different = [&](size_t k) {
+      const NeedleHead::Probe& probe = head.probes[k];
+      return V::load(text + probe.position + i).differing(V::of(probe.mask), V::of(probe.bits));
+    };
+    return V::unionOf(different(0), different(1), different(2)) == V::of(0);
+  }
+};
+
+/// The same, told by filters.
+struct FilterTest {
+  const unichar* text;
+  const NeedleHead& head;
+
+  bool one(size_t i) const {
+    for (const auto& probe : head.probes) {
+      if (!passes(probe.filter, text[i + probe.position])) return false;
+    }
+    return true;
+  }
+  template <typename V>
+  typename V::Matches block(size_t i) const {
+    const auto at = [&](size_t k) {
+      const NeedleHead::Probe& probe = head.probes[k];
+      return matches<UnitFilter::Kind::Ranges>(V::load(text + probe.position + i), probe.filter);
+    };
+    return V::both(V::both(at(0), at(1)), at(2));
+  }
+};
+
+/// How many units at the start are the same, in steps of four; `length` if all are.
+inline size_t sameUnits(const unichar* a, const unichar* b, size_t length) {
+  size_t i = 0;
+  for (; length - i >= 4; i += 4) {
+    if (std::memcmp(a + i, b + i, 4 * sizeof(unichar)) != 0) return i;  // compiled to a comparison of two numbers
+  }
+  while (i < length && a[i] == b[i]) ++i;
+  return i;
+}
+
+inline size_t sameMappedUnits(const unichar* text, const unichar* needle, size_t length, const unichar* table) {
+  size_t i = 0;
+  while (i < length && table[text[i]] == needle[i]) ++i;
+  return i;
+}
+
+/// Calls `onMatch(position)` where the head lies, at `next`, which it may raise, or behind, until it returns true.
+template <typename V, typename Test, bool hasTable, typename OnMatch>
+NeedlePosition forEachHeadBy(const unichar* text, size_t positions, const NeedleHead& head, const size_t& next,
+                             OnMatch onMatch) {
+  size_t compared = 0;
+  bool gaveUp = false;
+  const size_t found = firstWhere<V>(positions, Test{text, head}, [&](size_t position) {
+    if (position < next) return false;
+    const size_t same = hasTable ? sameMappedUnits(text + position, head.units, head.length, head.table)
+                                 : sameUnits(text + position, head.units, head.length);
+    if (same == head.length) return onMatch(position);
+    compared += same + 1;
+    // A scan stays ahead of searches that need no luck while it compares no more than a few units per position.
+    gaveUp = compared / 4 > position + 1024;
+    return gaveUp;
+  });
+  return {found, gaveUp};
+}
+
+template <typename V, typename OnMatch>
+NeedlePosition forEachHead(const unichar* text, size_t positions, const NeedleHead& head, const size_t& next,
+                           OnMatch onMatch) {
+  if (head.usesFilters) return forEachHeadBy<V, FilterTest, true>(text, positions, head, next, onMatch);
+  if (head.table) return forEachHeadBy<V, MaskTest, true>(text, positions, head, next, onMatch);
+  return forEachHeadBy<V, MaskTest, false>(text, positions, head, next, onMatch);
+}
+
+/// Calls `search` with the narrowest kind that the filter is of, as a constant.
+template <typename Search>
+auto withKind(UnitFilter::Kind kind, Search search) {
+  using enum UnitFilter::Kind;
+  if (kind == One) return search(std::integral_constant<UnitFilter::Kind, One>());
+  if (kind == Two) return search(std::integral_constant<UnitFilter::Kind, Two>());
+  return search(std::integral_constant<UnitFilter::Kind, Ranges>());
+}
+
+/// All operations on vectors `V`.
+template <typename V>
+struct UnitLoops {
+  static size_t find(const unichar* units, size_t length, const UnitFilter& filter) {
+    return withKind(filter.kind, [&](auto kind) {
+      return firstWhere<V>(length, UnitTest<kind()>{units, filter}, kAny);
+    });
+  }
+
+  static size_t findLast(const unichar* units, size_t length, const UnitFilter& filter) {
+    return withKind(filter.kind, [&](auto kind) {
+      return lastWhere<V>(length, length, UnitTest<kind()>{units, filter});
+    });
+  }
+
+  static size_t count(const unichar* units, size_t length, const UnitFilter& filter) {
+    return withKind(filter.kind, [&](auto kind) { return countWhere<V>(0, length, UnitTest<kind()>{units, filter}); });
+  }
+
+  static NeedlePosition findHead(const unichar* text, size_t positions, const NeedleHead& head) {
+    return forEachHead<V>(text, positions, head, 0, kAny);
+  }
+
+  static NeedleCount countHead(const unichar* text, size_t positions, const NeedleHead& head) {
+    size_t count = 0, next = 0;
+    const NeedlePosition end = forEachHead<V>(text, positions, head, next, [&](size_t position) {
+      ++count;
+      next = position + head.length;
+      return false;
+    });
+    return {count, {end.position < next ? next : end.position, end.gaveUp}};
+  }
+
+  static constexpr UnitKernels kKernels = {find, findLast, count, findHead, countHead};
+};
+
+}  // namespace
+}  // namespace velan
+
+#endif  // VELAN_TEXT_KERNELS_UNIT_LOOPS_INTERNAL_H

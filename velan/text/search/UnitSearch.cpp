@@ -1,0 +1,65 @@
+#include <array>
+
+#include "velan/text/PreimagesInternal.h"
+#include "velan/text/search/UnitSearchInternal.h"
+
+namespace velan {
+namespace {
+
+// Units of ordinary text, the most frequent first; those of two scripts that share no text take turns. All others count
+// as rare.
+constexpr std::u16string_view kByFrequency =
+    u" оeеtаaиoнiтnсsрrвhлlк\ndмcдuпmуfяpыgьwгyзbб,.vчkй0х1-TSACIMPж2DBшEFRLNOHWG3юx5ц4)(U9\"'687V:=/KJY_щjqэzф";
+
+constexpr size_t kRankedUnits = 0x480;
+
+constexpr auto kFrequencies = [] {
+  std::array<uint8_t, kRankedUnits> frequencies{};
+  for (size_t i = 0; i < kByFrequency.size(); ++i) frequencies[kByFrequency[i]] = static_cast<uint8_t>(255 - i);
+  return frequencies;
+}();
+
+unsigned frequency(unichar c) { return c < kRankedUnits ? kFrequencies[c] : 0; }
+
+// In most alphabets the small letters stand 32 places behind the capitals.
+unsigned frequencyIgnoringCase(unichar c) {
+  return std::max(frequency(c), c < kRankedUnits - 0x20 ? frequency(static_cast<unichar>(c + 0x20)) : 0);
+}
+
+// A letter mostly differs in one bit from its other case, and that bit is left out.
+NeedleHead::Probe probeOf(size_t position, const UnitFilter& filter) {
+  const auto mask = static_cast<unichar>(~(filter.low[0] ^ filter.low[1]));
+  return {position, mask, static_cast<unichar>(filter.low[0] & mask), filter};
+}
+
+}  // namespace
+
+void chooseProbes(NeedleHead& head) {
+  head.usesFilters = false;
+  size_t i = 0;
+  for (size_t k = 0; k < NeedleHead::kProbes; ++k) {
+    // The rarest of each third: neighbours mostly come together, so that one says little when the other is there.
+    const size_t end = head.length * (k + 1) / NeedleHead::kProbes;
+    size_t best = 0;
+    for (unsigned least = ~0u; i < end; ++i) {
+      const unsigned f = head.table ? frequencyIgnoringCase(head.units[i]) : frequency(head.units[i]);
+      if (f >= least) continue;
+      least = f;
+      best = i;
+    }
+    head.probes[k] = probeOf(best, filterOfPreimages(head.units[best], head.table));
+    head.usesFilters |= head.probes[k].filter.kind == UnitFilter::Kind::Ranges;
+  }
+}
+
+size_t findUnits(const unichar* haystack, size_t length, const unichar* needle, size_t needleLength) {
+  return findMappedUnits(haystack, length, needle, needleLength, nullptr);
+}
+
+size_t findMappedUnits(const unichar* haystack, size_t length, const unichar* needle, size_t needleLength,
+                       const unichar* table) {
+  if (!haystack || !needle || needleLength > length) return length;
+  return UnitSearch(NeedleUnits{needle}, needleLength, table).find(haystack, length);
+}
+
+}  // namespace velan

@@ -2,10 +2,12 @@
 
 #include <sys/stat.h>
 
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <mutex>
 #include <utility>
 
 #include "tools/Commands.h"
@@ -48,7 +50,9 @@ int finishOutput(int status) {
   return Trouble;
 }
 
-std::optional<std::string> readFile(const std::string& path, std::string& why) {
+namespace {
+
+std::optional<std::string> readOpenedFile(const std::string& path, std::string& why) {
   const auto close = [](FILE* file) {
     if (file != stdin) std::fclose(file);
   };
@@ -72,6 +76,29 @@ std::optional<std::string> readFile(const std::string& path, std::string& why) {
     return std::nullopt;
   }
   return bytes;
+}
+
+// What standard input gave, for those who read it again; read by one at a time.
+struct StandardInput {
+  std::atomic<bool> isRemembered = false;
+  std::mutex mutex;
+  bool isRead = false;
+  std::optional<std::string> bytes;
+  std::string why;
+};
+StandardInput standardInput;
+
+}  // namespace
+
+void rememberStandardInput() { standardInput.isRemembered = true; }
+
+std::optional<std::string> readFile(const std::string& path, std::string& why) {
+  if (path != "-" || !standardInput.isRemembered) return readOpenedFile(path, why);
+  const std::lock_guard lock(standardInput.mutex);
+  if (!standardInput.isRead) standardInput.bytes = readOpenedFile(path, standardInput.why);
+  standardInput.isRead = true;
+  why = standardInput.why;
+  return standardInput.bytes;
 }
 
 std::optional<std::string> readFileOrComplain(const std::string& path) {

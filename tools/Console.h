@@ -31,7 +31,9 @@ int finishOutput(int status);
 
 /// All bytes of the file, or of standard input for "-". Otherwise nothing, and `why` says in a few words what failed.
 std::optional<std::string> readFile(const std::string& path, std::string& why);
-/// The same; after a failure nothing is left to be said.
+/// From now on standard input can be read more than once.
+void rememberStandardInput();
+/// As `readFile`; after a failure nothing is left to be said.
 std::optional<std::string> readFileOrComplain(const std::string& path);
 
 /// The same as a buffer; absent after a failure.

@@ -125,8 +125,9 @@ std::vector<ExplainedTerm> explanationOf(const PreparedQuery& query, const Strin
 }  // namespace
 
 int runExplain(const ExplainOptions& options) {
-  const auto query = makeQuery(options.query);
-  if (!query) return Trouble;
+  const auto typed = makeQuery(options.query);
+  if (!typed) return Trouble;
+  const PreparedQuery* const query = typed->query.get();
   const QueryTerms& tree = query->terms();
   const auto describe = [&](const std::vector<ExplainedTerm>& terms, const SourcePlaces* source) {
     print(fmt::format("query:        {}\nnormalized:   {}\nstandardized: {}\ntree:\n{}", options.query.query,

@@ -1,5 +1,7 @@
 #include "tools/search/Query.h"
 
+#include <fmt/format.h>
+
 #include <new>
 #include <utility>
 
@@ -19,6 +21,13 @@ QueryComparison comparisonOf(const QueryOptions& options) {
   return comparison;
 }
 
+std::unique_ptr<const PreparedQuery> preparedQuery(const std::vector<QueryToken>& tokens, const QueryOptions& options) {
+  std::shared_ptr<const QueryTerms> terms = queryTermsWithTokens(tokens, QueryOperator::And, options.distance);
+  auto query = PreparedQuery::queryWithTerms(std::move(terms), comparisonOf(options), !options.noWildcards);
+  if (!query) throw std::bad_alloc();
+  return query;
+}
+
 }  // namespace
 
 void addQueryOptions(CLI::App& command, QueryOptions& options) {
@@ -35,32 +44,41 @@ void addQueryOptions(CLI::App& command, QueryOptions& options) {
       });
   addNumber(command, "--distance", options.distance, int64_t{0}, kMaxDistance,
             "How many words NEAR, BEFORE, AFTER reach (10)");
+  addChoice(command, "--keywords", "WHICH", options.keywords,
+            "Take as operators: auto (default; not, near, next … of a sentence are words), any, upper (only capitals)",
+            {{"auto", KeywordCase::Auto}, {"any", KeywordCase::Any}, {"upper", KeywordCase::Upper}});
   command.add_flag("--no-wildcards", options.noWildcards, "Take * and ? as they are; not with -d, --fuzzy");
 }
 
-std::unique_ptr<const PreparedQuery> makeQuery(const QueryOptions& options) {
+std::optional<TypedQuery> makeQuery(const QueryOptions& options) {
   if (options.noWildcards && (options.ignoreDiacritics || options.fuzzy)) {
     complain("--no-wildcards finds plain words only; it cannot be combined with --ignore-diacritics or --fuzzy");
-    return nullptr;
+    return std::nullopt;
   }
   if (!(options.similarity > 0 && options.similarity <= 1)) {
     complain("--fuzzy takes a similarity above 0 and up to 1");
-    return nullptr;
+    return std::nullopt;
   }
   const String text = String::fromUTF8(options.query);
   if (text.isAbsent()) {
     complain("the query is not valid UTF-8");
-    return nullptr;
+    return std::nullopt;
   }
   FastWordEnumerator::setSplitAsianWords(true);
   setMinWildcardFuzzyAnalogy(options.similarity);
-  std::shared_ptr<const QueryTerms> terms =
-      options.noWildcards ? QueryTerms::initWithString(text, QueryOperator::And, options.distance)
-                          : QueryTerms::initWithWildcard(text, QueryOperator::And, options.distance);
-  if (!terms->isValid()) complain("the query has no terms, so it matches nothing");
-  auto query = PreparedQuery::queryWithTerms(std::move(terms), comparisonOf(options), !options.noWildcards);
-  if (!query) throw std::bad_alloc();
-  return query;
+  const QueryComparison comparison = comparisonOf(options);
+  TypedQuery typed{correctedQuery(text, options.keywords, comparison, !options.noWildcards), nullptr, nullptr};
+  typed.query = preparedQuery(typed.reading.tokens, options);
+  if (const auto tokens = tokensWithoutQuestionMarks(typed.reading.tokens); tokens && !options.noWildcards) {
+    typed.otherwise = preparedQuery(*tokens, options);
+  }
+  if (typed.query->terms().isValid()) return typed;
+  if (typed.reading.neverFound.empty()) {
+    complain("the query has no terms, so it matches nothing");
+    return typed;
+  }
+  complain(fmt::format("{} can never be found: a term needs a letter or a digit", typed.reading.neverFound.front()));
+  return std::nullopt;
 }
 
 std::unique_ptr<FastWordEnumerator> indexOf(const String& text, const PreparedQuery& query) {

@@ -3,8 +3,10 @@
 #define VELAN_TOOLS_SEARCH_QUERY_H
 
 #include <memory>
+#include <optional>
 #include <string>
 
+#include "tools/search/QueryCorrections.h"
 #include "velan/query/PreparedQuery.h"
 
 namespace CLI {
@@ -22,14 +24,23 @@ struct QueryOptions {
   double similarity = 0.75;  // the least that fuzzy accepts
   int64_t distance = QueryTerms::kDefaultDistance;
   bool noWildcards = false;
+  KeywordCase keywords = KeywordCase::Auto;
+};
+
+/// The query of a command line as it is searched.
+struct TypedQuery {
+  CorrectedQuery reading;
+  std::unique_ptr<const PreparedQuery> query;
+  std::unique_ptr<const PreparedQuery> otherwise;  // to try when nothing is found; null if there is no other reading
 };
 
 /// Declares the query and what it is told.
 void addQueryOptions(CLI::App& command, QueryOptions& options);
 
 /// Parses the query and sets what the library keeps per process: East Asian text is split into words, and how similar
-/// fuzzy words must be. Null after a complaint about options that exclude each other.
-std::unique_ptr<const PreparedQuery> makeQuery(const QueryOptions& options);
+/// fuzzy words must be. Nothing after a complaint about options that exclude each other, or about a query of which
+/// nothing can ever be found.
+std::optional<TypedQuery> makeQuery(const QueryOptions& options);
 
 /// The index of a text; null for an empty one. Throws `std::bad_alloc`.
 std::unique_ptr<FastWordEnumerator> indexOf(const String& text, const PreparedQuery& query);

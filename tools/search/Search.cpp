@@ -17,15 +17,15 @@ namespace {
 
 class Search {
  public:
-  Search(const SearchOptions& options, const PreparedQuery& query, std::vector<InputFile> files)
+  Search(const SearchOptions& options, const TypedQuery& typed, std::vector<InputFile> files)
       : _options(options),
+        _typed(typed),
         _files(std::move(files)),
-        _style(lineStyleOf(options, _files.size() != 1 || !_files.front().named)),
-        _search(options, query, _style) {}
+        _style(lineStyleOf(options, _files.size() != 1 || !_files.front().named)) {}
 
   int run() {
     const auto start = std::chrono::steady_clock::now();
-    searchFiles();
+    searchForReadings();
     printSorted();
     if (_options.statistics && _options.output != SearchOutput::JSON) {
       const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
@@ -44,14 +44,25 @@ class Search {
     std::string text;
   };
 
-  void searchFiles() {
+  void searchForReadings() {
+    const bool hasOther = _typed.otherwise && !_options.scope.invert;
+    if (hasOther) rememberStandardInput();
+    searchFor(*_typed.query);
+    if (!hasOther || _counts.documentsWithMatch > 0) return;
+    _complains = false;
+    _counts = {};
+    searchFor(*_typed.otherwise);
+  }
+
+  void searchFor(const PreparedQuery& query) {
+    const FileSearch search(_options, query, _style);
     const size_t processors = std::max(1u, std::thread::hardware_concurrency());
     Progress progress("searching", "files");
     const auto total = static_cast<int64_t>(_files.size());
     int64_t taken = 0;
     workInOrder(
         _files.size(), _options.threads ? _options.threads : processors,
-        [this](size_t number) { return _search.search(_files[number]); },
+        [&](size_t number) { return search.search(_files[number]); },
         [](const Outcome& outcome) { return outcome.isToBeSeen(); },
         [&](size_t number, Outcome& outcome) {
           taken = static_cast<int64_t>(number) + 1;
@@ -67,7 +78,7 @@ class Search {
   bool take(Outcome& outcome) {
     const std::string warning = _warning.about(outcome.assumedName, !outcome.assumedName.empty());
     for (const std::string& text : {outcome.complaint.text, warning}) {
-      if (!text.empty()) complain(text);
+      if (!text.empty() && _complains) complain(text);
     }
     _trouble = _trouble || outcome.complaint.isTrouble;
     _counts += outcome.counts;
@@ -95,12 +106,13 @@ class Search {
   }
 
   const SearchOptions& _options;
+  const TypedQuery& _typed;
   const std::vector<InputFile> _files;
   const LineStyle _style;
-  const FileSearch _search;
   SearchCounts _counts;
   AssumedEncodingWarning _warning;
   std::vector<KeptOutput> _kept;  // to be sorted by hits
+  bool _complains = true;  // about files; false when they are searched again
   bool _trouble = false;
   bool _hasOutput = false;
 };
@@ -108,12 +120,12 @@ class Search {
 }  // namespace
 
 int runSearch(const SearchOptions& options) {
-  const auto query = makeQuery(options.query);
-  if (!query) return Trouble;
+  const auto typed = makeQuery(options.query);
+  if (!typed) return Trouble;
   std::vector<InputFile> files = collectFiles(options.paths, options.hidden);
   if (options.order == DocumentOrder::Path) sortByPath(files);
   if (options.order == DocumentOrder::Modified) sortByModification(files);
-  return Search(options, *query, std::move(files)).run();
+  return Search(options, *typed, std::move(files)).run();
 }
 
 }  // namespace velan::tool

@@ -1,9 +1,12 @@
 #!/usr/bin/env python3
 """What people type must find what they mean. Called like tool_test.py."""
 
+import os
+import pty
+import subprocess
 import unittest
 
-from tool_test import velan  # takes the arguments
+from tool_test import TOOL, velan  # takes the arguments
 
 
 class Readings(unittest.TestCase):
@@ -44,6 +47,49 @@ class Readings(unittest.TestCase):
         for query, other, text, is_read_otherwise in cases:
             found = velan("search", "--count-matches", query, stdin=text.encode())
             self.assertEqual(found == velan("search", "--count-matches", other, stdin=text.encode()), is_read_otherwise, query)
+
+    def test_notes(self):
+        """What explain says beside the tree; what a search that finds nothing says, on request only."""
+        cases = [
+            ("red or blue and green", "(red OR blue) AND green; the other reading: red OR (blue AND green)"),
+            ("a OR b NEAR c d", "(a OR b) AND (b NEAR/10 c) AND d; the other reading: a OR ((b NEAR/10 c) AND d)"),
+            ("R&D", 'operator AND; as text: "R&D"'), ("next week", 'operator NEXT; to find the word: "next" week'),
+            ("lamp~2", "operator NEAR; for words similar to lamp: --fuzzy"),
+            ('"quick fox"~5', "quick NEAR/5 fox"), ("foo^2", 'XOR, one of the two but not both; as text: "foo^2"'),
+            ("fox NEAR 3 quick", "3 is taken as a word; for the distance: NEAR/3"), ("a NEAR/2.5 b", "as NEAR/2:"),
+            ("ls -la", '"-la"'), ("see array[0]", '"array 0"'), ("a, %", "% is left out"),
+        ]
+        for query, note in cases:
+            self.assertIn(note, velan("explain", "--", query)[1], query)
+            if query != "a, %":
+                self.assertIn(note, velan("search", "--hints", "always", "--", query, stdin=b"x")[2], query)
+            self.assertEqual(velan("search", "--", query, stdin=b"x"), (1, "", ""), query)
+        for query in ("a or b or c", "a b OR c", "l[ai]mp AND NOT red", "a NEAR/3 (b OR c) AND-d", "x -draft"):
+            self.assertNotIn("note:", velan("explain", "--", query)[1], query)
+
+    def test_reasons(self):
+        text = "The old lamp of Zürich.\nThe keeper received a letter; two lamps, no lighthouse there.\n".encode()
+        cases = [
+            ("zurich", "-d would find Zürich at 1:17"), ("recieved", "--fuzzy would find received at 2:12"),
+            ("light", "*light* would find lighthouse at 2:45"), ("-s Lamp", "without -s one would find lamp at 1:9"),
+            ("old NEAR/3 letter", "8 words apart where they are nearest (at 1:5 and 2:23), not within 3"),
+            ("letter BEFORE (old)", "nowhere within 10"), ("letter BEFORE old", "letter never stands before old"),
+            ("old NOT lamp", "lamp must not be there, but is, at 1:9"), ("old XOR lamp", "XOR wants one of them"),
+            ('"old keeper"', "its words are, but not in a row"), ('"old hat"', "nor is hat"),
+            ("old (hat OR cap) letter", "hat is not there"), ("there? hat?", "hat? is not there"),
+        ]
+        for query, reason in cases:
+            options, query = (["-s"], query[3:]) if query.startswith("-s ") else ([], query)
+            self.assertIn(reason, velan("explain", *options, query, "-", stdin=text)[1], query)
+        self.assertIn("without the question mark it matches", velan("explain", "old?", "-", stdin=text)[1])
+        controller, terminal = pty.openpty()
+        for both, hints in ((True, 1), (False, 0)):
+            done = subprocess.run([TOOL, "search", "old NEAR/3 letter"], input=text, stdout=terminal,
+                                  stderr=terminal if both else subprocess.PIPE, check=False)
+            seen = os.read(controller, 65536) if both else done.stderr
+            self.assertEqual(seen.count(b"8 words apart"), hints, both)
+        os.close(terminal)
+        os.close(controller)
 
 
 if __name__ == "__main__":

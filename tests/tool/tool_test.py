@@ -348,7 +348,8 @@ class OtherCommands(unittest.TestCase):
         self.assertEqual(status, 1)
         self.assertEqual(lines[old + 2:lamp], ["found 2 times, at 1:4, 2:5", "holds"])
         self.assertEqual(lines[lamp + 2:missing], ["found 1 time, at 1:8", "with the term before: holds"])
-        self.assertEqual(lines[missing + 2:], ["not found", "does not hold", "(standard input): does not match"])
+        self.assertEqual(lines[missing + 2:], ["not found", "does not hold", "(standard input): does not match",
+                                               "missing is not there"])
         self.assertEqual(velan("explain", "old lamp", "-", stdin=text)[0], 0)
         # Depth is no danger.
         self.assertEqual(velan("explain", "(" * 50000 + "old", "-", stdin=text)[0], 0)

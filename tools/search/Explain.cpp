@@ -10,6 +10,8 @@
 #include "tools/Console.h"
 #include "tools/documents/DocumentReading.h"
 #include "tools/documents/SourcePlaces.h"
+#include "tools/search/FailureReasons.h"
+#include "tools/search/QueryDoubts.h"
 #include "tools/text/TextCommands.h"
 #include "velan/wildcard/WildcardPattern.h"
 
@@ -114,12 +116,24 @@ class TreePrinter {
   std::string _out;
 };
 
-// The terms as they fare in the text; an empty one holds nothing.
-std::vector<ExplainedTerm> explanationOf(const PreparedQuery& query, const String& text) {
-  if (const auto index = indexOf(text, query)) return QueryMatcher(query, *index).explanation(kDeepest + 1);
-  std::vector<ExplainedTerm> terms = query.explanation(kDeepest + 1);
-  for (ExplainedTerm& term : terms) term.holds = false;
-  return terms;
+// What was read otherwise than it stands, and what may have been meant otherwise.
+std::string notesOn(const CorrectedQuery& query, const std::vector<ExplainedTerm>& terms) {
+  std::vector<std::string> notes = query.corrections;
+  for (const std::string& term : query.neverFound) {
+    notes.push_back(fmt::format("{} is left out: without a letter or a digit it can never be found", term));
+  }
+  for (std::string& doubt : doubtsAbout(query)) notes.push_back(std::move(doubt));
+  for (const ExplainedTerm& term : terms) {
+    if (std::optional<std::string> doubt = doubtAboutBinding(*term.term)) notes.push_back(*std::move(doubt));
+  }
+  std::string lines;
+  for (const std::string& note : notes) lines += fmt::format("note:         {}\n", note);
+  return lines;
+}
+
+bool matchesText(const PreparedQuery& query, const String& text) {
+  const auto index = indexOf(text, query);
+  return index && QueryMatcher(query, *index).matches();
 }
 
 }  // namespace
@@ -130,8 +144,10 @@ int runExplain(const ExplainOptions& options) {
   const PreparedQuery* const query = typed->query.get();
   const QueryTerms& tree = query->terms();
   const auto describe = [&](const std::vector<ExplainedTerm>& terms, const SourcePlaces* source) {
-    print(fmt::format("query:        {}\nnormalized:   {}\nstandardized: {}\ntree:\n{}", options.query.query,
+    const std::optional<std::string> binding = bindingOf(tree);
+    print(fmt::format("query:        {}\nnormalized:   {}\nstandardized: {}\n{}{}tree:\n{}", options.query.query,
                       tree.normalizedQueryTerm().toUTF8(), tree.standardizedQueryTerm().toUTF8(),
+                      binding ? fmt::format("binds:        {}\n", *binding) : "", notesOn(typed->reading, terms),
                       TreePrinter(*query, source).print(terms)));
   };
   if (options.path.empty()) {
@@ -142,11 +158,16 @@ int runExplain(const ExplainOptions& options) {
   const std::optional<Document> document = reader.read({options.path, true, ""});
   if (!document) return Trouble;
   const SourcePlaces places(*document);
-  const std::vector<ExplainedTerm> terms = explanationOf(*query, document->text);
+  const std::vector<ExplainedTerm> terms = explanationIn(*query, document->text, kDeepest + 1);
   describe(terms, &places);
   const bool matches = terms.front().holds == true;
   print(fmt::format("{}: {}\n", displayName(options.path), matches ? "matches" : "does not match"));
-  return matches ? Something : Nothing;
+  if (matches) return Something;
+  for (const std::string& reason : failureReasons(*query, terms, document->text, places)) print("  " + reason + '\n');
+  if (typed->otherwise && matchesText(*typed->otherwise, document->text)) {
+    print("  without the question mark it matches, which search tries when nothing is found\n");
+  }
+  return Nothing;
 }
 
 }  // namespace velan::tool

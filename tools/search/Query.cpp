@@ -87,4 +87,11 @@ std::unique_ptr<FastWordEnumerator> indexOf(const String& text, const PreparedQu
   return index;
 }
 
+std::vector<ExplainedTerm> explanationIn(const PreparedQuery& query, const String& text, size_t deepest) {
+  if (const auto index = indexOf(text, query)) return QueryMatcher(query, *index).explanation(deepest);
+  std::vector<ExplainedTerm> terms = query.explanation(deepest);
+  for (ExplainedTerm& term : terms) term.holds = false;
+  return terms;
+}
+
 }  // namespace velan::tool

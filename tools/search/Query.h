@@ -45,6 +45,9 @@ std::optional<TypedQuery> makeQuery(const QueryOptions& options);
 /// The index of a text; null for an empty one. Throws `std::bad_alloc`.
 std::unique_ptr<FastWordEnumerator> indexOf(const String& text, const PreparedQuery& query);
 
+/// `QueryMatcher::explanation` in a text; in an empty one nothing holds. Throws `std::bad_alloc`.
+std::vector<ExplainedTerm> explanationIn(const PreparedQuery& query, const String& text, size_t deepest);
+
 }  // namespace velan::tool
 
 #endif  // VELAN_TOOLS_SEARCH_QUERY_H

@@ -11,6 +11,7 @@
 #include "tools/search/FileSearch.h"
 #include "tools/search/JsonPrinter.h"
 #include "tools/search/OrderedWork.h"
+#include "tools/search/SearchHint.h"
 
 namespace velan::tool {
 namespace {
@@ -45,13 +46,19 @@ class Search {
   };
 
   void searchForReadings() {
+    const bool hints = !_options.quiet && !_options.scope.invert && wantsHints(_options.hints);
     const bool hasOther = _typed.otherwise && !_options.scope.invert;
-    if (hasOther) rememberStandardInput();
+    if (hasOther || hints) rememberStandardInput();
     searchFor(*_typed.query);
-    if (!hasOther || _counts.documentsWithMatch > 0) return;
-    _complains = false;
-    _counts = {};
-    searchFor(*_typed.otherwise);
+    if (_counts.documentsWithMatch > 0) return;
+    if (hasOther) {
+      _complains = false;
+      _counts = {};
+      searchFor(*_typed.otherwise);
+    }
+    if (!hints) return;
+    complain(_counts.documentsWithMatch > 0 ? "nothing found as it stands; this is found without the question mark"
+                                            : "nothing found; " + hintAbout(_typed, _options, _files));
   }
 
   void searchFor(const PreparedQuery& query) {
@@ -112,7 +119,7 @@ class Search {
   SearchCounts _counts;
   AssumedEncodingWarning _warning;
   std::vector<KeptOutput> _kept;  // to be sorted by hits
-  bool _complains = true;  // about files; false when they are searched again
+  bool _complains = true;         // about files; false when they are searched again
   bool _trouble = false;
   bool _hasOutput = false;
 };

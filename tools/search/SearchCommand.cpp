@@ -53,6 +53,9 @@ void addLineOptions(CLI::App& command, SearchOptions& options) {
   command.add_flag("-0,--null", options.nulAfterPath, "Print U+0000 behind names of files");
   addChoice(command, "--color", "WHEN", options.color, "auto (default), always, never",
             {{"auto", ColorChoice::Auto}, {"always", ColorChoice::Always}, {"never", ColorChoice::Never}});
+  addChoice(command, "--hints", "WHEN", options.hints,
+            "Say why nothing may have been found: auto (default, on a terminal), always, never",
+            {{"auto", HintChoice::Auto}, {"always", HintChoice::Always}, {"never", HintChoice::Never}});
 }
 
 }  // namespace

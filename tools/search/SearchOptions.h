@@ -15,6 +15,9 @@ namespace velan::tool {
 
 enum class ColorChoice : uint8_t { Auto, Always, Never };
 
+/// Whether a hint is given when nothing was found.
+enum class HintChoice : uint8_t { Auto, Always, Never };
+
 enum class SearchOutput : uint8_t { Lines, Occurrences, Columns, Names, LineCounts, OccurrenceCounts, JSON };
 
 /// The order in which documents are shown. Without one they are in the order of the paths.
@@ -40,6 +43,7 @@ struct SearchOptions {
   DocumentOrder order = DocumentOrder::AsGiven;
   size_t threads = 0;  // 0: as many as the machine has processors
   ColorChoice color = ColorChoice::Auto;
+  HintChoice hints = HintChoice::Auto;
 };
 int runSearch(const SearchOptions& options);
 

@@ -106,6 +106,7 @@ TEST(QueryDepth, OccurrencesInLongTexts) {
       {u"a* OR *b OR a"_s, 200'000, 200'000},
       {u"((NOT missing NEAR/1000 a) NEAR/1000 b) NEAR/1000 a"_s, 200'000, 200'000},
       {u"((b NOT NEAR/3 zz) NEAR/1000 a) NEAR/1000 b"_s, 200'000, 200'000},
+      {u"(((a XOR missing) NEAR/1000 b) NEAR/1000 a) NEAR/1000 b"_s, 200'000, 200'000},
   };
   for (const auto& c : cases) {
     int64_t primaries = 0;

@@ -3,40 +3,17 @@
 #include <utility>
 
 #include "velan/query/evaluation/EndSearchInternal.h"
+#include "velan/query/evaluation/WitnessesInternal.h"
 
 namespace velan {
 namespace {
 
 // Nodes that nest deeper are not worth the stack.
 constexpr int kDeepestNesting = 24;
+// Answering so many questions costs less than finding all witnesses, and often the first ones decide.
+constexpr int kFewQuestions = 64;
 
 }  // namespace
-
-void PlacedSpans::find(const SearchedText& text, LeafSearch& search, const Relation& relation, int64_t last) {
-  for (const Range* next; (next = search.at(_skipped + size())) && endOf(*next) <= last;) {
-    _placed.push_back({*next, spanAround(text, relation, *next, {0, text.length()})});
-  }
-}
-
-size_t PlacedSpans::firstPlaceFrom(int64_t start) const {
-  const auto isBefore = [start](const Placed& each) { return each.place.location < start; };
-  return static_cast<size_t>(std::partition_point(_placed.begin(), _placed.end(), isBefore) - _placed.begin());
-}
-
-size_t PlacedSpans::countEndingBy(int64_t end) const {
-  const auto isBefore = [end](const Placed& each) { return endOf(each.place) <= end; };
-  return static_cast<size_t>(std::partition_point(_placed.begin(), _placed.end(), isBefore) - _placed.begin());
-}
-
-size_t PlacedSpans::firstSpanFrom(int64_t start) const {
-  const auto isBefore = [start](const Placed& each) { return each.span.location < start; };
-  return static_cast<size_t>(std::partition_point(_placed.begin(), _placed.end(), isBefore) - _placed.begin());
-}
-
-size_t PlacedSpans::firstSpanReaching(int64_t end) const {
-  const auto isBefore = [end](const Placed& each) { return endOf(each.span) < end; };
-  return static_cast<size_t>(std::partition_point(_placed.begin(), _placed.end(), isBefore) - _placed.begin());
-}
 
 void RelationEnds::addRun(size_t number, EndRun run) {
   auto next = _runs.lower_bound(run.first);
@@ -77,8 +54,10 @@ size_t EndSearch::BeginningHash::operator()(const Beginning& beginning) const {
   return hash ^ (hash >> 32);
 }
 
-bool EndSearch::reaches(const QueryTerms& node) {
-  const auto [entry, isNew] = _reached.try_emplace(&node, true);
+bool EndSearch::reaches(const QueryTerms& node) { return isShallow(node) || _evaluator.witnesses().has(node); }
+
+bool EndSearch::isShallow(const QueryTerms& node) {
+  const auto [entry, isNew] = _shallow.try_emplace(&node, true);
   if (!isNew) return entry->second;
   std::vector<std::pair<const QueryTerms*, int>> pending{{&node, 0}};
   while (!pending.empty() && entry->second) {
@@ -90,15 +69,15 @@ bool EndSearch::reaches(const QueryTerms& node) {
   return entry->second;
 }
 
-bool EndSearch::holds(const QueryTerms& node, const Relation& relation, Range range) {
-  return containsEnd(endsOf(node, relation, range.location, endOf(range)), endOf(range));
-}
-
 RangeEnds EndSearch::endsOf(const QueryTerms& node, const Relation& relation, int64_t start, int64_t last) {
   if (node.isWord()) {
     return relation.partner ? endsOfRelated(node, relation, start, last) : endsOfLeaf(node, start, last);
   }
   if (relation.partner) return endsOfGroup(node, relation, start, last);
+  Witnesses& witnesses = _evaluator.witnesses();
+  if (witnesses.has(node) && (!isShallow(node) || ++_questions[&node] > kFewQuestions)) {
+    return endsFromTo(witnesses.firstEndFrom(node, start), last);
+  }
   Known& known = _known[{&node, start}];
   if (known.last < last) {
     known.ends = endsOfGroup(node, relation, start, last);

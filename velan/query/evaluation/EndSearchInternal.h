@@ -18,38 +18,11 @@
 #include <unordered_map>
 #include <vector>
 
+#include "velan/query/evaluation/PlacedSpansInternal.h"
 #include "velan/query/evaluation/QueryEvaluatorInternal.h"
 #include "velan/query/evaluation/RangeEndsInternal.h"
 
 namespace velan {
-
-/// The places of a leaf with a relation, from left to right, each with its span in the whole text. They are numbered
-/// from the first one that is not skipped.
-class PlacedSpans {
- public:
-  struct Placed {
-    Range place;
-    Range span;
-  };
-
-  explicit PlacedSpans(size_t skipped = 0) : _skipped(skipped) {}
-
-  /// Finds those that end at or before `last`.
-  void find(const SearchedText& text, LeafSearch& search, const Relation& relation, int64_t last);
-  size_t size() const { return _placed.size(); }
-  const Placed& operator[](size_t number) const { return _placed[number]; }
-
-  /// The number of the first place that begins at or after `start`, and how many end at or before `end`.
-  size_t firstPlaceFrom(int64_t start) const;
-  size_t countEndingBy(int64_t end) const;
-  /// The number of the first span that begins at or after `start`, and of the first that ends at or after `end`.
-  size_t firstSpanFrom(int64_t start) const;
-  size_t firstSpanReaching(int64_t end) const;
-
- private:
-  const size_t _skipped;
-  std::vector<Placed> _placed;
-};
 
 /// What is known of a leaf with a relation, as far as the text was looked at.
 class RelationEnds {
@@ -86,10 +59,10 @@ class EndSearch {
  public:
   explicit EndSearch(QueryEvaluator& evaluator) : _evaluator(evaluator) {}
 
-  /// Whether the ends of `node` can be found: it does not nest deeper than is worth a recursion.
+  /// Whether the ends of `node` can be found: it has witnesses, or does not nest deeper than is worth a recursion.
   bool reaches(const QueryTerms& node);
-  /// Whether the node that is reached holds in `range`, which is not empty.
-  bool holds(const QueryTerms& node, const Relation& relation, Range range);
+  /// The ends of ranges from `start` to at most `last`, which are not empty, in which the node that is reached holds.
+  RangeEnds endsOf(const QueryTerms& node, const Relation& relation, int64_t start, int64_t last);
 
  private:
   struct Known {
@@ -105,8 +78,8 @@ class EndSearch {
     size_t operator()(const Beginning& beginning) const;
   };
 
-  // All of them: the ends of ranges from `start` to at most `last` that are not empty.
-  RangeEnds endsOf(const QueryTerms& node, const Relation& relation, int64_t start, int64_t last);
+  bool isShallow(const QueryTerms& node);
+  // All of them as `endsOf`.
   RangeEnds endsOfGroup(const QueryTerms& group, const Relation& relation, int64_t start, int64_t last);
   RangeEnds endsOfLeaf(const QueryTerms& leaf, int64_t start, int64_t last);
   RangeEnds endsOfRelated(const QueryTerms& leaf, const Relation& relation, int64_t start, int64_t last);
@@ -118,7 +91,8 @@ class EndSearch {
   void lookAtPieces(RelationEnds& known, const QueryTerms& leaf, const Relation& relation, int64_t last);
 
   QueryEvaluator& _evaluator;
-  std::unordered_map<const QueryTerms*, bool> _reached;
+  std::unordered_map<const QueryTerms*, bool> _shallow;
+  std::unordered_map<const QueryTerms*, int> _questions;  // asked of groups that have witnesses
   std::unordered_map<const QueryTerms*, RelationEnds> _relations;
   std::unordered_map<Beginning, Known, BeginningHash> _known;  // of groups without a relation
 };

@@ -4,6 +4,7 @@
 #include "velan/query/evaluation/EndSearchInternal.h"
 #include "velan/query/evaluation/QueryEvaluatorInternal.h"
 #include "velan/query/evaluation/QueryWalkInternal.h"
+#include "velan/query/evaluation/WitnessesInternal.h"
 
 namespace velan {
 namespace {
@@ -27,6 +28,13 @@ bool decides(QueryOperator queryOperator, bool running) {
 
 bool hasOwnRelation(const QueryTerms& node) {
   return isProximity(node.queryOperator()) && node.proximityDistance() > 0;
+}
+
+bool hasExclusiveChild(const QueryTerms& node) {
+  const auto& children = node.children();
+  return !children.empty() && std::any_of(children.begin() + 1, children.end(), [](const auto& child) {
+    return child->queryOperator() == QueryOperator::Xor;
+  });
 }
 
 Relation relationOfChild(const Relation& inherited, const QueryTerms::Children& children, size_t index) {
@@ -83,6 +91,7 @@ QueryEvaluator::QueryEvaluator(const FastWordEnumerator& enumerator, QueryCompar
       _comparison(comparisonOn(enumerator, comparison)),
       _kind(kind),
       _prepared(prepared),
+      _witnesses(std::make_unique<Witnesses>(*this)),
       _ends(std::make_unique<EndSearch>(*this)) {}
 
 QueryEvaluator::~QueryEvaluator() = default;
@@ -139,10 +148,8 @@ bool QueryEvaluator::holdsLeaf(const QueryTerms& leaf, Range range) {
   return isPresent(search(leaf).firstIn(range)) != leaf.queryNot();
 }
 
-bool QueryEvaluator::holds(const QueryTerms& node, const Relation& relation, Range range) {
-  if (node.isWord() && !relation.partner) return holdsLeaf(node, range);
-  const bool isReached = _ends->reaches(node) && (!relation.partner || _ends->reaches(*relation.partner));
-  return isReached ? _ends->holds(node, relation, range) : evaluate(node, relation, range);
+bool QueryEvaluator::reaches(const QueryTerms& node, const Relation& relation) {
+  return _ends->reaches(node) && (!relation.partner || _ends->reaches(*relation.partner));
 }
 
 bool QueryEvaluator::evaluate(const QueryTerms& node, const Relation& relation, Range range) {
@@ -207,7 +214,7 @@ std::optional<QueryEvaluator::Frame> QueryEvaluator::stepRelated(Frame& frame, b
     if (partner.isWord()) {
       result = holdsLeaf(partner, span);
     } else if (_ends->reaches(partner)) {
-      result = _ends->holds(partner, {}, span);
+      result = containsEnd(_ends->endsOf(partner, {}, span.location, endOf(span)), endOf(span));
     } else {
       return Frame{&partner, {}, span, true, 0, false, nullptr};
     }

@@ -17,8 +17,9 @@
 //    "a NEAR (b OR c)" relates a to b or to c; a negated group N inverts its whole result.
 // A distance of zero or less relates like and. An empty tree matches nothing.
 //
-// The same meaning stands in three places, which change together: here for one range; in EndSearch for all ranges with
-// one beginning, which relations ask about; and in QueryOccurrences, for the places that take part in a match.
+// The same meaning stands in four places, which change together: here for one range; in EndSearch for all ranges with
+// one beginning, which relations ask about; in Witnesses for all ranges, where nothing is negated; and in
+// QueryOccurrences, for the places that take part in a match.
 #ifndef VELAN_QUERY_EVALUATION_QUERY_EVALUATOR_INTERNAL_H
 #define VELAN_QUERY_EVALUATION_QUERY_EVALUATOR_INTERNAL_H
 
@@ -42,6 +43,9 @@ struct Relation {
 
 /// Whether `node` is related to the child before it by a proximity operator of its own.
 bool hasOwnRelation(const QueryTerms& node);
+
+/// Whether any child but the first is joined by exclusive or.
+bool hasExclusiveChild(const QueryTerms& node);
 
 /// The relation of child `index` of a group whose own relation is `inherited`.
 Relation relationOfChild(const Relation& inherited, const QueryTerms::Children& children, size_t index);
@@ -72,6 +76,7 @@ class RelationRanges {
 };
 
 class EndSearch;
+class Witnesses;
 
 /// Evaluates any nodes of one tree on one text. Each leaf is searched once. In relations the ends of ranges are
 /// searched (EndSearchInternal.h); where a partner nests too deep for that, it is evaluated in each range, and what it
@@ -94,9 +99,10 @@ class QueryEvaluator {
   /// part goes.
   void forgetOtherRanges(Range range);
   bool evaluate(const QueryTerms& node, const Relation& relation, Range range);
-  /// `evaluate` in a range that is not empty, for callers that ask about many ranges.
-  bool holds(const QueryTerms& node, const Relation& relation, Range range);
+  Witnesses& witnesses() { return *_witnesses; }
   EndSearch& ends() { return *_ends; }
+  /// Whether `ends` answers for the node.
+  bool reaches(const QueryTerms& node, const Relation& relation);
 
  private:
   // A node that is being evaluated. `step` either names the node that must be evaluated before it goes on, or gives the
@@ -132,6 +138,7 @@ class QueryEvaluator {
   Range _evaluated{0, 0};
   std::unordered_map<const QueryTerms*, std::unique_ptr<LeafSearch>> _searches;
   std::unordered_map<Place, bool, PlaceHash> _remembered;
+  std::unique_ptr<Witnesses> _witnesses;
   std::unique_ptr<EndSearch> _ends;
 };
 

@@ -1,0 +1,81 @@
+// Sets of ranges, as columns.
+#ifndef VELAN_QUERY_EVALUATION_RANGE_COLUMNS_INTERNAL_H
+#define VELAN_QUERY_EVALUATION_RANGE_COLUMNS_INTERNAL_H
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <vector>
+
+#include "velan/query/evaluation/QueryEvaluatorInternal.h"
+#include "velan/query/evaluation/RangeEndsInternal.h"
+
+namespace velan {
+
+/// Ranges with one beginning whose ends stand side by side in a list of ends.
+struct RangeColumn {
+  int64_t start;
+  size_t list;
+  size_t first, past;
+};
+
+/// Spans that overlap clip each other in about as many ways as there are pairs of them, but what clips all of some
+/// neighbours at one place is one column.
+class RangeColumns {
+ public:
+  using List = std::shared_ptr<const std::vector<int64_t>>;
+
+  RangeColumns() = default;
+  explicit RangeColumns(Range range);
+  /// No columns yet, on the same lists.
+  static RangeColumns onListsOf(const RangeColumns& other);
+
+  /// Takes ends that never shrink, and returns the number of the list.
+  size_t addList(std::vector<int64_t> ends);
+  /// Adds a column unless it is empty.
+  void add(int64_t start, size_t list, size_t first, size_t past);
+  /// Adds the part of a column whose ends lie in a run.
+  void addWithin(const RangeColumn& column, EndRun run);
+  /// To be called when all is added: brings columns in order, those that touch together, and forgets unused ends.
+  void finish();
+
+  bool isEmpty() const { return _columns.empty(); }
+  const std::vector<List>& lists() const { return _lists; }
+  /// By their starts.
+  const std::vector<RangeColumn>& columns() const { return _columns; }
+  int64_t lastEndOf(const RangeColumn& column) const { return (*_lists[column.list])[column.past - 1]; }
+  /// The ranges in order that no other one contains.
+  Ranges largest() const;
+
+ private:
+  void forgetUnusedEnds();
+
+  std::vector<List> _lists;
+  std::vector<RangeColumn> _columns;
+};
+
+/// The ends of those columns whose starts were passed.
+class PassedEnds {
+ public:
+  /// Borrows.
+  explicit PassedEnds(const RangeColumns& ranges) : _ranges(ranges), _runs(ranges.lists().size()) {}
+
+  /// Passes the columns that begin at or before `start`; it never shrinks.
+  void pass(int64_t start);
+  /// The last of the ends, -1 for none.
+  int64_t last() const { return _last; }
+  /// Adds to `columns` ranges from `start` to each of the ends in a run.
+  void addWithin(EndRun run, int64_t start, RangeColumns& columns) const;
+
+ private:
+  void add(const RangeColumn& column);
+
+  const RangeColumns& _ranges;
+  size_t _next = 0;
+  int64_t _last = -1;
+  std::vector<std::map<size_t, size_t>> _runs;  // of each list, apart from each other
+};
+
+}  // namespace velan
+
+#endif  // VELAN_QUERY_EVALUATION_RANGE_COLUMNS_INTERNAL_H

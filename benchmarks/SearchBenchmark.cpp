@@ -77,6 +77,13 @@ Text textOf(const std::string& name, size_t length) {
                     length),
             u"который", u"договор поиска", u'#'};
   }
+  if (name == "japanese") {
+    return {"japanese",
+            wordsOf({u"日本語の", u"文書を", u"検索する", u"契約書", u"、東京", u"これは", u"カタログ。", u"速い",
+                     u"ページ", u"と"},
+                    length),
+            u"契約書", u"文書を契約書", u'#'};
+  }
   return {"licence", licenceText(length), u"the", u"software licenses of", u'#'};
 }
 
@@ -152,7 +159,7 @@ using Run = std::function<size_t()>;
 
 void add(const std::string& operation, const std::string& who, const Text& text, Run run) {
   const size_t bytes = text.units.size() * sizeof(unichar);
-  const std::string name = operation + '/' + who + '/' + text.name + '/' + std::to_string(bytes >> 10) + 'K';
+  const std::string name = operation + '/' + who + '/' + text.name + '/' + std::to_string(bytes);
   benchmark::RegisterBenchmark(name.c_str(), [run = std::move(run), bytes](benchmark::State& state) {
     size_t result = 0;
     for (auto _ : state) benchmark::DoNotOptimize(result = run());
@@ -247,7 +254,7 @@ int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
   std::vector<std::unique_ptr<Text>> texts;
   for (const size_t length : {size_t{512}, size_t{32} << 10, size_t{4} << 20}) {
-    for (const char* name : {"english", "mixed", "russian", "licence"}) {
+    for (const char* name : {"english", "mixed", "russian", "japanese", "licence"}) {
       const Text& text = *texts.emplace_back(std::make_unique<Text>(textOf(name, length)));
       addLimit(text);
       addSearch("exact_absent", text, text.absentPhrase, true);

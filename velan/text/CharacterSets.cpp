@@ -5,6 +5,7 @@
 
 #include "velan/platform/CharacterDataInternal.h"
 #include "velan/text/CharacterSetBitsInternal.h"
+#include "velan/text/kernels/UnitKernelsInternal.h"
 
 namespace velan {
 namespace {
@@ -76,9 +77,8 @@ const uint8_t* lowerCharacterSetRep() { return bitmap(CharacterSet::LowercaseLet
 const uint8_t* upperCharacterSetRep() { return bitmap(CharacterSet::UppercaseLetter); }
 
 bool onlyWhiteCharacters(const unichar* characters, size_t length) {
-  const uint8_t* white = whiteCharacterSetRep();
-  return length == 0 || (characters && std::all_of(characters, characters + length,
-                                                   [white](unichar c) { return isMemberOfCharacterSetRep(white, c); }));
+  if (length == 0) return true;
+  return characters && unitKernels().findMember(characters, length, whiteCharacterSetRep(), false) == length;
 }
 
 }  // namespace velan

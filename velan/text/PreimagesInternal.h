@@ -10,6 +10,19 @@ namespace velan {
 /// For one of the library's tables: the next unit with the same entry for each unit, in a ring. Null for other tables.
 const unichar* ringsOfTable(const unichar* table);
 
+/// Calls `add(unit)` for each unit that `table` turns into `c`, which is one of its entries.
+template <typename Add>
+void forEachPreimage(unichar c, const unichar* table, Add add) {
+  if (const unichar* rings = ringsOfTable(table)) {
+    add(c);
+    for (unichar unit = rings[c]; unit != c; unit = rings[unit]) add(unit);
+    return;
+  }
+  for (size_t unit = 0; unit < VelanTableLength; ++unit) {
+    if (table[unit] == c) add(static_cast<unichar>(unit));
+  }
+}
+
 /// A filter that all units pass which `table` turns into `c`; no others if there are at most `UnitFilter::kMost` of
 /// them and the table is one of the library's. Only `c` passes without a table, and any unit with a foreign one.
 UnitFilter filterOfPreimages(unichar c, const unichar* table);

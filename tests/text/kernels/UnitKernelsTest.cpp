@@ -6,6 +6,7 @@
 #include <random>
 #include <string>
 
+#include "velan/text/CharacterSets.h"
 #include "velan/text/ConversionTables.h"
 #include "velan/text/PreimagesInternal.h"
 #include "velan/text/search/UnitSearchInternal.h"
@@ -16,6 +17,9 @@ namespace {
 // Letters of several lengths of rings, surrogates, the first and the last unit, and pages of all kinds.
 constexpr std::u16string_view kLetters =
     u"aAbBkK\x212A\xE4\xC4sS\x17F\x390\x3B9\x434\x414\x440\x420. \x3042\x4E00\xFFFF";
+
+// More windows of a look-up than are looked up one by one, and a run of ideographs.
+constexpr std::u16string_view kManyPages = u"a \x434\x3B1\x4E00\x5E00\x6E00\x7E00\x8E00\xAC00\xD800\xFFFF";
 
 // Calls `result(operations, units, length)` for each kernel with the same random text of every length up to some
 // blocks, at every alignment, in heap blocks that end where the text does; all results must be those of the reference.
@@ -45,6 +49,20 @@ TEST(UnitKernels, FindAndCountUnits) {
       return std::array{run.find(units, length, filter), run.findLast(units, length, filter),
                         run.count(units, length, filter)};
     });
+  }
+}
+
+TEST(UnitKernels, FindAndCountMembers) {
+  const uint8_t* sets[] = {alphaCharacterSetRep(), whiteCharacterSetRep(), bitmap(CharacterSet::Illegal)};
+  for (const uint8_t* rep : sets) {
+    const auto isMember = [rep](unichar c) { return isMemberOfCharacterSetRep(rep, c); };
+    for (const std::u16string_view letters : {kLetters, kManyPages}) {
+      expectEqualResults(letters, [&](const UnitKernels& run, const unichar* units, size_t length) {
+        const auto slow = static_cast<size_t>(std::count_if(units, units + length, isMember));
+        return std::array{run.findMember(units, length, rep, true), run.findMember(units, length, rep, false),
+                          run.countMembers(units, length, rep) - slow};
+      });
+    }
   }
 }
 

@@ -4,7 +4,8 @@
 //
 // A class has `kUnits`, the units in it, and `Narrower`, the class for what is left at the end (`Scalar` in the
 // narrowest). `Matches` are the answers of a comparison, one a unit; `bits` brings them to a number with `kBits` bits a
-// unit, all of them 1 where the answer is yes, and the first unit's lowest.
+// unit, all of them 1 where the answer is yes, and the first unit's lowest. `inBitmap` looks units up in a bitmap of
+// `kWindow` units, with the bit `c & 7` of the byte `c >> 3` for the unit `c`, of which only the low bits count.
 #ifndef VELAN_BASE_KERNELS_UNIT_VECTORS_INTERNAL_H
 #define VELAN_BASE_KERNELS_UNIT_VECTORS_INTERNAL_H
 
@@ -34,6 +35,7 @@ struct Units128 {
   using Matches = __m128i;
   static constexpr size_t kUnits = 8;
   static constexpr unsigned kBits = 2;
+  static constexpr unichar kWindow = 128;
 
   __m128i v;
 
@@ -47,9 +49,17 @@ struct Units128 {
   static Units128 unionOf(Units128 a, Units128 b, Units128 c) { return {_mm_or_si128(_mm_or_si128(a.v, b.v), c.v)}; }
   Matches operator==(Units128 other) const { return _mm_cmpeq_epi16(v, other.v); }
   Matches operator<=(Units128 other) const { return _mm_cmpeq_epi16(_mm_min_epu16(v, other.v), v); }
+  Matches inBitmap(const uint8_t* bitmap) const {
+    const auto row = _mm_and_si128(_mm_srli_epi16(v, 3), _mm_set1_epi16(0x0F));
+    const auto column = _mm_or_si128(_mm_and_si128(v, _mm_set1_epi16(7)), _mm_set1_epi16(-0x8000));
+    const auto bytes = _mm_shuffle_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(bitmap)), row);
+    const auto bit = _mm_shuffle_epi8(_mm_set1_epi64x(static_cast<int64_t>(0x8040201008040201)), column);
+    return _mm_cmpeq_epi16(_mm_and_si128(bytes, bit), bit);
+  }
 
   static Matches both(Matches a, Matches b) { return _mm_and_si128(a, b); }
   static Matches either(Matches a, Matches b) { return _mm_or_si128(a, b); }
+  static Matches inverse(Matches m) { return _mm_xor_si128(m, _mm_set1_epi16(-1)); }
   static uint64_t bits(Matches m) { return static_cast<uint32_t>(_mm_movemask_epi8(m)); }
 };
 
@@ -61,6 +71,7 @@ struct Units256 {
   using Matches = __m256i;
   static constexpr size_t kUnits = 16;
   static constexpr unsigned kBits = 2;
+  static constexpr unichar kWindow = 128;
 
   __m256i v;
 
@@ -78,9 +89,18 @@ struct Units256 {
   }
   Matches operator==(Units256 other) const { return _mm256_cmpeq_epi16(v, other.v); }
   Matches operator<=(Units256 other) const { return _mm256_cmpeq_epi16(_mm256_min_epu16(v, other.v), v); }
+  Matches inBitmap(const uint8_t* bitmap) const {
+    const auto row = _mm256_and_si256(_mm256_srli_epi16(v, 3), _mm256_set1_epi16(0x0F));
+    const auto column = _mm256_or_si256(_mm256_and_si256(v, _mm256_set1_epi16(7)), _mm256_set1_epi16(-0x8000));
+    const auto bytes = _mm256_shuffle_epi8(
+        _mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(bitmap))), row);
+    const auto bit = _mm256_shuffle_epi8(_mm256_set1_epi64x(static_cast<int64_t>(0x8040201008040201)), column);
+    return _mm256_cmpeq_epi16(_mm256_and_si256(bytes, bit), bit);
+  }
 
   static Matches both(Matches a, Matches b) { return _mm256_and_si256(a, b); }
   static Matches either(Matches a, Matches b) { return _mm256_or_si256(a, b); }
+  static Matches inverse(Matches m) { return _mm256_xor_si256(m, _mm256_set1_epi16(-1)); }
   static uint64_t bits(Matches m) { return static_cast<uint32_t>(_mm256_movemask_epi8(m)); }
 };
 
@@ -92,6 +112,7 @@ struct Units512 {
   using Matches = __mmask32;
   static constexpr size_t kUnits = 32;
   static constexpr unsigned kBits = 1;
+  static constexpr unichar kWindow = 1024;
 
   __m512i v;
 
@@ -108,9 +129,16 @@ struct Units512 {
   }
   Matches operator==(Units512 other) const { return _mm512_cmpeq_epi16_mask(v, other.v); }
   Matches operator<=(Units512 other) const { return _mm512_cmple_epu16_mask(v, other.v); }
+  Matches inBitmap(const uint8_t* bitmap) const {
+    const __m512i bytes =
+        _mm512_permutex2var_epi8(_mm512_loadu_si512(bitmap), _mm512_srli_epi16(v, 3), _mm512_loadu_si512(bitmap + 64));
+    const __m512i column = _mm512_and_si512(v, _mm512_set1_epi16(7));
+    return _mm512_test_epi16_mask(bytes, _mm512_sllv_epi16(_mm512_set1_epi16(1), column));
+  }
 
   static Matches both(Matches a, Matches b) { return a & b; }
   static Matches either(Matches a, Matches b) { return a | b; }
+  static Matches inverse(Matches m) { return ~m; }
   static uint64_t bits(Matches m) { return m; }
 };
 
@@ -122,6 +150,7 @@ struct UnitsNeon {
   using Matches = uint16x8_t;
   static constexpr size_t kUnits = 8;
   static constexpr unsigned kBits = 8;
+  static constexpr unichar kWindow = 128;
 
   uint16x8_t v;
 
@@ -134,9 +163,17 @@ struct UnitsNeon {
   static UnitsNeon unionOf(UnitsNeon a, UnitsNeon b, UnitsNeon c) { return {vorrq_u16(vorrq_u16(a.v, b.v), c.v)}; }
   Matches operator==(UnitsNeon other) const { return vceqq_u16(v, other.v); }
   Matches operator<=(UnitsNeon other) const { return vcleq_u16(v, other.v); }
+  Matches inBitmap(const uint8_t* bitmap) const {
+    const uint16x8_t row = vandq_u16(vshrq_n_u16(v, 3), vdupq_n_u16(0x0F));
+    const uint8x16_t bytes = vqtbl1q_u8(vld1q_u8(bitmap), vreinterpretq_u8_u16(row));
+    const uint16x8_t column = vandq_u16(v, vdupq_n_u16(7));
+    const uint16x8_t bit = vshlq_u16(vdupq_n_u16(1), vreinterpretq_s16_u16(column));
+    return vtstq_u16(vreinterpretq_u16_u8(bytes), bit);
+  }
 
   static Matches both(Matches a, Matches b) { return vandq_u16(a, b); }
   static Matches either(Matches a, Matches b) { return vorrq_u16(a, b); }
+  static Matches inverse(Matches m) { return vmvnq_u16(m); }
   static uint64_t bits(Matches m) { return vget_lane_u64(vreinterpret_u64_u8(vmovn_u16(m)), 0); }
 };
 

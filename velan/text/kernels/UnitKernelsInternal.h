@@ -59,6 +59,9 @@ struct UnitKernels {
   size_t (*find)(const unichar* units, size_t length, const UnitFilter& filter);
   size_t (*findLast)(const unichar* units, size_t length, const UnitFilter& filter);
   size_t (*count)(const unichar* units, size_t length, const UnitFilter& filter);
+  /// The first unit that is, or is not, in the set `rep`.
+  size_t (*findMember)(const unichar* units, size_t length, const uint8_t* rep, bool isMember);
+  size_t (*countMembers)(const unichar* units, size_t length, const uint8_t* rep);
   /// The least of `positions` where `head` lies in `text`, which has `positions + head.length - 1` units, or
   /// `positions`.
   NeedlePosition (*findHead)(const unichar* text, size_t positions, const NeedleHead& head);

@@ -9,6 +9,7 @@
 #include <type_traits>
 
 #include "velan/base/kernels/UnitVectorsInternal.h"
+#include "velan/text/kernels/SetLoopsInternal.h"
 #include "velan/text/kernels/UnitKernelsInternal.h"
 
 namespace velan {
@@ -237,6 +238,17 @@ struct UnitLoops {
     return withKind(filter.kind, [&](auto kind) { return countWhere<V>(0, length, UnitTest<kind()>{units, filter}); });
   }
 
+  static size_t findMember(const unichar* units, size_t length, const uint8_t* rep, bool isMember) {
+    SetHints hints;
+    return isMember ? firstWhere<V>(length, MemberTest<true>{units, rep, hints}, kAny)
+                    : firstWhere<V>(length, MemberTest<false>{units, rep, hints}, kAny);
+  }
+
+  static size_t countMembers(const unichar* units, size_t length, const uint8_t* rep) {
+    SetHints hints;
+    return countWhere<V>(0, length, MemberTest<true>{units, rep, hints});
+  }
+
   static NeedlePosition findHead(const unichar* text, size_t positions, const NeedleHead& head) {
     return forEachHead<V>(text, positions, head, 0, kAny);
   }
@@ -251,7 +263,7 @@ struct UnitLoops {
     return {count, {end.position < next ? next : end.position, end.gaveUp}};
   }
 
-  static constexpr UnitKernels kKernels = {find, findLast, count, findHead, countHead};
+  static constexpr UnitKernels kKernels = {find, findLast, count, findMember, countMembers, findHead, countHead};
 };
 
 }  // namespace

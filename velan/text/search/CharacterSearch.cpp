@@ -49,12 +49,16 @@ int64_t findOneOf(const String& string, const String& characters, int64_t startA
   const std::u16string_view tail = tailOf(string, startAt);
   if (tail.empty() || characters.isEmpty()) return NSNotFound;
   const unichar* upper = caseInsensitive ? initUpperCharsTable() : nullptr;
-  const auto mapped = [upper](unichar c) { return upper ? upper[c] : c; };
-  CharacterSetBits wanted{};  // a bit test per unit, however many characters there are
-  for (const unichar c : characters.view()) addUnit(wanted, mapped(c));
-  const auto found =
-      std::ranges::find_if(tail, [&](unichar c) { return isMemberOfCharacterSetRep(wanted.data(), mapped(c)); });
-  return found == tail.end() ? NSNotFound : positionIn(string, &*found);
+  CharacterSetBits wanted{};
+  for (const unichar c : characters.view()) {
+    if (upper) {
+      forEachPreimage(upper[c], upper, [&wanted](unichar unit) { addUnit(wanted, unit); });
+    } else {
+      addUnit(wanted, c);
+    }
+  }
+  const size_t found = unitKernels().findMember(tail.data(), tail.size(), wanted.data(), true);
+  return found == tail.size() ? NSNotFound : positionIn(string, &tail[found]);
 }
 
 }  // namespace velan

@@ -1,0 +1,138 @@
+// Which units of a vector are in a set, whatever the set and the units: a few look-ups in the set's own bitmap, without
+// anything set up for it.
+#ifndef VELAN_TEXT_KERNELS_SET_LOOPS_INTERNAL_H
+#define VELAN_TEXT_KERNELS_SET_LOOPS_INTERNAL_H
+
+#include <cstring>
+
+#include "velan/base/kernels/UnitVectorsInternal.h"
+
+namespace velan {
+namespace {
+
+inline bool isInSet(const uint8_t* rep, unichar c) { return (rep[c >> 3] >> (c & 7) & 1) != 0; }
+
+/// What a text has shown of itself, so that its next units are looked up at once.
+struct SetHints {
+  /// Whether `c` lies in a row of units that are all in the set, or all not, such as the ideographs among the letters,
+  /// and that is longer than the one known.
+  bool findsRunAround(unichar c, const uint8_t* rep) {
+    constexpr size_t kWord = 64;  // units
+    const auto isUniform = [rep, wanted = isInSet(rep, c) ? ~uint64_t{0} : 0](size_t word) {
+      uint64_t bits;
+      std::memcpy(&bits, rep + word * sizeof bits, sizeof bits);
+      return bits == wanted;
+    };
+    size_t first = c / kWord, last = first;
+    if (runSearches == 0 || !isUniform(first)) return false;
+    --runSearches;
+    while (first > 0 && isUniform(first - 1)) --first;
+    while (last + 1 < VelanTableLength / kWord && isUniform(last + 1)) ++last;
+    const auto span = static_cast<unichar>((last - first) * kWord + kWord - 1);
+    if (span <= runSpan) return false;
+    runLow = static_cast<unichar>(first * kWord);
+    runSpan = span;
+    runIsInSet = isInSet(rep, c);
+    return true;
+  }
+
+  void addWindow(unichar base) {
+    windows[2] = windows[1];
+    windows[1] = windows[0];
+    windows[0] = base;
+  }
+
+  unichar windows[3] = {0x400, 0x2000, 0x3000};  // that were looked up beyond the first one, the latest first
+  unichar runLow = 0, runSpan = 0;
+  bool runIsInSet = false;
+  unsigned runSearches = 8;  // that are still worth it
+};
+
+template <typename V>
+constexpr auto kWindowMask = static_cast<unichar>(-V::kWindow);
+
+/// What has been looked up of some units.
+template <typename V>
+struct Members {
+  void addWindow(unichar base, const uint8_t* rep) {
+    const auto within = units.differing(V::of(kWindowMask<V>), V::of(base)) == V::of(0);
+    known = V::either(known, within);
+    members = V::either(members, V::both(within, units.inBitmap(rep + (base >> 3))));
+  }
+  void addRun(const SetHints& hints) {
+    const auto within = units - V::of(hints.runLow) <= V::of(hints.runSpan);
+    known = V::either(known, within);
+    if (hints.runIsInSet) members = V::either(members, within);
+  }
+  uint64_t others() const { return V::bits(V::inverse(known)); }
+
+  V units;
+  typename V::Matches members, known;
+};
+
+/// The units in the first window and in the latest, which are mostly all.
+template <typename V>
+Members<V> membersNearby(const unichar* units, const uint8_t* rep, const SetHints& hints) {
+  const V vector = V::load(units);
+  const auto within = vector <= V::of(V::kWindow - 1);
+  Members<V> found = {vector, V::both(vector.inBitmap(rep), within), within};
+  found.addWindow(hints.windows[0], rep);
+  return found;
+}
+
+/// Looks up units wherever they are.
+template <typename V>
+__attribute__((noinline)) typename V::Matches membersAnywhere(const unichar* units, const uint8_t* rep,
+                                                              SetHints& hints) {
+  Members<V> found = membersNearby<V>(units, rep, hints);
+  found.addWindow(hints.windows[1], rep);
+  found.addWindow(hints.windows[2], rep);
+  if (hints.runSpan != 0) found.addRun(hints);
+  constexpr unsigned kMostSteps = 3;
+  uint64_t others = 0;
+  for (unsigned k = 0; (others = found.others()) != 0 && k < kMostSteps; ++k) {
+    const unichar other = units[static_cast<unsigned>(__builtin_ctzll(others)) / V::kBits];
+    if (hints.findsRunAround(other, rep)) {
+      found.addRun(hints);
+    } else {
+      hints.addWindow(static_cast<unichar>(other & kWindowMask<V>));
+      found.addWindow(hints.windows[0], rep);
+    }
+  }
+  if (others == 0) return found.members;
+  unichar isMember[V::kUnits] = {};
+  while (others != 0) {
+    const auto i = static_cast<unsigned>(__builtin_ctzll(others)) / V::kBits;
+    isMember[i] = isInSet(rep, units[i]);
+    others &= ~(((uint64_t{1} << V::kBits) - 1) << (i * V::kBits));
+  }
+  return V::either(found.members, V::load(isMember) == V::of(1));
+}
+
+template <typename V>
+typename V::Matches membersAt(const unichar* units, const uint8_t* rep, SetHints& hints) {
+  const V vector = V::load(units);
+  if (V::bits(V::inverse(vector <= V::of(V::kWindow - 1))) == 0) return vector.inBitmap(rep);
+  const Members<V> found = membersNearby<V>(units, rep, hints);
+  return found.others() == 0 ? found.members : membersAnywhere<V>(units, rep, hints);
+}
+
+/// Units that are members, or that are not.
+template <bool wanted>
+struct MemberTest {
+  const unichar* units;
+  const uint8_t* rep;
+  SetHints& hints;
+
+  bool one(size_t i) const { return isInSet(rep, units[i]) == wanted; }
+  template <typename V>
+  typename V::Matches block(size_t i) const {
+    const auto members = membersAt<V>(units + i, rep, hints);
+    return wanted ? members : V::inverse(members);
+  }
+};
+
+}  // namespace
+}  // namespace velan
+
+#endif  // VELAN_TEXT_KERNELS_SET_LOOPS_INTERNAL_H

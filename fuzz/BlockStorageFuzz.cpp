@@ -1,17 +1,12 @@
 // Any bytes as a block file: reading and verifying stay within bounds, repairing finds all that reading returns, a
 // recovered file takes a block, and compaction agrees with reading.
-#include <cstdlib>
-
+#include "fuzz/FuzzTarget.h"
 #include "tests/storage/SimulatedFiles.h"
 #include "velan/storage/BlockStorage.h"
 
 using namespace velan;
 
 namespace {
-
-void require(bool condition) {
-  if (!condition) std::abort();
-}
 
 std::vector<std::string> readAll(BlockStorage& storage) {
   std::vector<std::string> texts;
@@ -22,11 +17,10 @@ std::vector<std::string> readAll(BlockStorage& storage) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t length) {
-  CountedLog log;
+FUZZ_TARGET(block_storage) {
   SimulatedFiles files;
   std::string& image = files.images["blocks"];
-  image.assign(reinterpret_cast<const char*>(bytes), length);
+  image = input.bytes;
   const auto storage = BlockStorage::blockStorageForUpdatingAtPath(u"blocks"_s);
   std::vector<std::string> texts = readAll(*storage);
   const auto survey = storage->verify();
@@ -37,7 +31,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t length) {
   if (storage->optimizeToPath(u"compact"_s, false, nullptr)) {
     require(readAll(*BlockStorage::blockStorageForReadingAtPath(u"compact"_s)) == texts);
   }
-  require(std::string_view(image) == std::string_view(reinterpret_cast<const char*>(bytes), length));
+  require(image == input.bytes);
   const bool sound = survey->damages.empty();
   const bool recovered = storage->recoverTail();
   require(recovered || !sound);
@@ -46,5 +40,4 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t length) {
     texts.emplace_back("appended");
     require(readAll(*storage) == texts);
   }
-  return 0;
 }

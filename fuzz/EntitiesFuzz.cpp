@@ -1,16 +1,12 @@
 // Decoding in place equals decoding into a buffer, and what is encoded comes back.
-#include <cstdlib>
 #include <memory>
 
+#include "fuzz/FuzzTarget.h"
 #include "velan/markup/Entities.h"
 
 using namespace velan;
 
 namespace {
-
-void require(bool condition) {
-  if (!condition) std::abort();
-}
 
 void decodeBothWays(std::u16string_view text, size_t start, unsigned flags) {
   const auto decode = [&](const unichar* source, unichar* destination, size_t from) {
@@ -28,15 +24,13 @@ void decodeBothWays(std::u16string_view text, size_t start, unsigned flags) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
-  if (size == 0) return 0;
-  const String text = String::fromUTF8Lossy({reinterpret_cast<const char*>(bytes + 1), size - 1});
-  const size_t start = bytes[0] / 8 % (text.view().size() + 1);
-  decodeBothWays(text.view(), start, bytes[0] % 8);
+FUZZ_TARGET(entities) {
+  const unsigned flags = input.takeByte();
+  const String text = input.text();
+  decodeBothWays(text.view(), flags / 8 % (text.view().size() + 1), flags % 8);
   require(stringByConvertingStandardEntitiesToCharacters(text).length() <= text.length());
   const String protectedText = stringByConvertingCharactersToEntities(text, false);
   require(stringByConvertingEntitiesToCharacters(protectedText) == text);
   require(stringByConvertingEntitiesToCharacters(stringByConvertingCharactersToEntities(protectedText)) == text);
   require(stringByConvertingEntitiesToCharacters(stringByConvertingCharactersToEntities(protectedText, true)) == text);
-  return 0;
 }

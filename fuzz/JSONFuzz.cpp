@@ -1,16 +1,11 @@
 // The test for JSON and its reader agree, what is read can be written and comes back, and escapes are undone.
-#include <cstdlib>
-
+#include "fuzz/FuzzTarget.h"
 #include "velan/base/json/JSON.h"
 #include "velan/markup/ScriptEscapes.h"
 
 using namespace velan;
 
 namespace {
-
-void require(bool condition) {
-  if (!condition) std::abort();
-}
 
 size_t deepest(std::string_view text) {
   size_t brackets = 0;
@@ -20,9 +15,9 @@ size_t deepest(std::string_view text) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
-  const std::string_view json(reinterpret_cast<const char*>(bytes), size);
-  const String text = String::fromUTF8Lossy(json);
+FUZZ_TARGET(json) {
+  const std::string_view json = input.bytes;
+  const String text = input.text();
   const auto value = readJSON(json);
   if (value) {
     std::string again;
@@ -41,5 +36,4 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
   const String plain = stringByConvertingMarkdownToCharacters(text);
   require(stringByConvertingMarkdownToCharacters(stringByConvertingCharactersToMarkdown(plain)).length() >=
           plain.length());
-  return 0;
 }

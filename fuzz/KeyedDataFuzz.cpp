@@ -1,16 +1,11 @@
 // Bytes go through every operation on keyed data; validity, inspection, edits and copies are held against each other.
-#include <cstdlib>
-
+#include "fuzz/FuzzTarget.h"
 #include "tests/keyed/EveryOperation.h"
 #include "velan/keyed/KeyedInspection.h"
 
 using namespace velan;
 
 namespace {
-
-void require(bool condition) {
-  if (!condition) std::abort();
-}
 
 // Removing what is not there leaves exactly the whole records.
 void requireRepaired(const Data& data, const KeyedInspection& inspection) {
@@ -37,14 +32,13 @@ void requireSameValues(const Data& data) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
-  const Data data = Data::withBytes(bytes, size);
+FUZZ_TARGET(keyed_data) {
+  const Data data = input.data();
   const bool valid = applyEveryOperation(data.view());
   require(valid == isTiledByRecords(data.view()));
   const KeyedInspection inspection = inspectKeyedData(data);
-  require(valid == (inspection.damage == KeyedDamage::None) && valid == (inspection.damageOffset == size));
+  require(valid == (inspection.damage == KeyedDamage::None) && valid == (inspection.damageOffset == data.length()));
   require(!valid || numberOfKeyedData(data, 0) == inspection.records.size());
   requireRepaired(data, inspection);
   requireSameValues(data);
-  return 0;
 }

@@ -1,7 +1,6 @@
 // The reports of the tag scanner cover the text without gap or overlap, whatever it is; readers and strippers stay
 // inside it.
-#include <cstdlib>
-
+#include "fuzz/FuzzTarget.h"
 #include "velan/markup/Attributes.h"
 #include "velan/markup/DeclaredEncoding.h"
 #include "velan/markup/Stripping.h"
@@ -10,10 +9,6 @@
 using namespace velan;
 
 namespace {
-
-void require(bool condition) {
-  if (!condition) std::abort();
-}
 
 void requireInside(Range value, const TagReport& tag) {
   if (!isPresent(value)) return;
@@ -33,8 +28,8 @@ void readAttributes(const String& text, const TagReport& tag) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
-  const String text = String::fromUTF8Lossy({reinterpret_cast<const char*>(bytes), size});
+FUZZ_TARGET(markup) {
+  const String text = input.text();
   int64_t behind = 0;
   bool ended = false;
   const size_t searched = scanTags(text.view(), [&](const TagReport& tag) {
@@ -59,5 +54,4 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
     headerFieldNamed(text, name);
     HTTPHeaderFieldNamed(text, name);
   }
-  return 0;
 }

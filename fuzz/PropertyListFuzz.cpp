@@ -1,15 +1,10 @@
 // What can be read as a property list can be written, and comes back the same.
-#include <cstdlib>
-
+#include "fuzz/FuzzTarget.h"
 #include "velan/base/propertylist/PropertyList.h"
 
 using namespace velan;
 
 namespace {
-
-void require(bool condition) {
-  if (!condition) std::abort();
-}
 
 void requireSameAgain(const Value& value, const Data& written, PropertyListFormat format) {
   const Value read = readPropertyList(written);
@@ -19,17 +14,16 @@ void requireSameAgain(const Value& value, const Data& written, PropertyListForma
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
-  const Data data = Data::withBytes(bytes, size);
+FUZZ_TARGET(property_list) {
+  const Data data = input.data();
   const Value value = readPropertyList(data);
-  if (value.isAbsent()) return 0;
+  if (value.isAbsent()) return;
   const Data binary = writePropertyList(value, PropertyListFormat::Binary);
   require(!binary.isAbsent());
   requireSameAgain(value, binary, PropertyListFormat::Binary);
   // Shared parts of a binary file would be written out at each place: only what came from XML surely stays small.
-  if (data.view().starts_with("bplist")) return 0;
+  if (data.view().starts_with("bplist")) return;
   const Data xml = writePropertyList(value, PropertyListFormat::XML);
   require(!xml.isAbsent());
   requireSameAgain(value, xml, PropertyListFormat::XML);
-  return 0;
 }

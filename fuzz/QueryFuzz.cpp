@@ -1,18 +1,12 @@
 // Queries and texts of any bytes: what is written back must parse into a query with the same answers, and occurrences
 // must lie in the text, in order. The first line is the query, the rest the text.
-#include <cstdlib>
-#include <string_view>
-
+#include "fuzz/FuzzTarget.h"
 #include "velan/query/QueryMatching.h"
 #include "velan/query/words/FastWordEnumerator.h"
 
 namespace {
 
 using namespace velan;
-
-void require(bool condition) {
-  if (!condition) std::abort();
-}
 
 bool matches(const QueryTerms& terms, const String& text, bool wildcard) {
   return wildcard ? terms.matchesString(text, QueryComparison::IgnoreCase) : terms.matchesString(text, false);
@@ -33,11 +27,9 @@ void checkOccurrences(const QueryTerms& terms, const String& text, bool wildcard
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
-  const std::string_view input(reinterpret_cast<const char*>(bytes), size);
-  const size_t line = std::min(input.find('\n'), size);
-  const String query = String::fromUTF8Lossy(input.substr(0, line));
-  const String text = String::fromUTF8Lossy(input.substr(std::min(line + 1, size)));
+FUZZ_TARGET(query) {
+  const String query = String::fromUTF8Lossy(input.takeUntil('\n'));
+  const String text = input.text();
   for (const bool wildcard : {false, true}) {
     const auto parse = [wildcard](const String& string) {
       return wildcard ? QueryTerms::initWithWildcard(string) : QueryTerms::initWithString(string);
@@ -48,5 +40,4 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
     require(matches(*parse(terms->normalizedQueryTerm()), text, wildcard) == expected);
     checkOccurrences(*terms, text, wildcard);
   }
-  return 0;
 }

@@ -1,20 +1,15 @@
 // Stop-word files of any bytes: what is read is written and read again alike, and every count is one of the text's.
 #include <unistd.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <string>
 
+#include "fuzz/FuzzTarget.h"
 #include "velan/language/LanguageFilter.h"
 
 using namespace velan;
 
 namespace {
-
-void require(bool condition) {
-  if (!condition) std::abort();
-}
 
 // The folder of this process, with as many files as there are parts.
 String folder(const char* name) {
@@ -27,18 +22,13 @@ String folder(const char* name) {
 }  // namespace
 
 // The bytes before the first U+0000 are the file of one language, those up to the second of another; then comes a text.
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
-  const std::string_view input(reinterpret_cast<const char*>(bytes), size);
+FUZZ_TARGET(stop_words) {
+  const bool ignoreUmlauts = input.bytes.size() % 2 == 0;
   const String source = folder("/source");
   const String copy = folder("/copy");
-  const size_t first = std::min(input.find('\0'), size);
-  const size_t second = std::min(input.find('\0', first + 1), size);
-  const auto part = [&](size_t from, size_t to) { return from < to ? input.substr(from, to - from) : ""; };
-  std::ofstream(source.toUTF8() + "/StopWordsAA") << part(0, first);
-  std::ofstream(source.toUTF8() + "/StopWordsBB") << part(first + 1, second);
-  const String text = String::fromUTF8Lossy(part(second + 1, size));
-
-  const bool ignoreUmlauts = size % 2 == 0;
+  std::ofstream(source.toUTF8() + "/StopWordsAA") << input.takeUntil('\0');
+  std::ofstream(source.toUTF8() + "/StopWordsBB") << input.takeUntil('\0');
+  const String text = input.text();
   const auto filter = LanguageFilter::initWithDirectory(source, ignoreUmlauts);
   require(filter && filter->languages().size() == 2);
   const LanguageCounts counts = filter->countsOfText(text);
@@ -54,5 +44,4 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
     require(again->stopWords(language) == filter->stopWords(language));
   }
   require(again->languageOfText(text) == filter->languageOfText(text));
-  return 0;
 }

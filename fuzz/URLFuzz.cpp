@@ -1,19 +1,15 @@
 // Percent escapes: decoding in place equals decoding a copy, what is escaped comes back. Query parameters: counted,
 // listed and found alike, and replacing a value changes that one only.
 #include <algorithm>
-#include <cstdlib>
 #include <memory>
 
+#include "fuzz/FuzzTarget.h"
 #include "velan/url/PercentEscapes.h"
 #include "velan/url/QueryParameters.h"
 
 using namespace velan;
 
 namespace {
-
-void require(bool condition) {
-  if (!condition) std::abort();
-}
 
 void convertEscapes(const String& text) {
   for (const bool standard : {false, true}) {
@@ -52,13 +48,9 @@ void readParameters(const String& text) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
-  const String text = String::fromUTF8Lossy({reinterpret_cast<const char*>(bytes), size});
+FUZZ_TARGET(url) {
+  const String text = input.text();
   convertEscapes(text);
   readParameters(text);
-  // Lone surrogates, too.
-  std::u16string units(size / 2, u'\0');
-  for (size_t i = 0; i < units.size(); ++i) units[i] = static_cast<unichar>(bytes[2 * i] << 8 | bytes[2 * i + 1]);
-  convertEscapes(units);
-  return 0;
+  convertEscapes(input.units());
 }

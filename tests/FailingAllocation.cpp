@@ -18,13 +18,12 @@
 
 namespace {
 
-thread_local bool active = false;
 thread_local bool failsOnwards = false;
 thread_local int64_t left = 0;  // successful allocations before the first that fails
 thread_local bool failed = false;
 
 bool fails() {
-  if (!active || left-- > 0 || (failed && !failsOnwards)) return false;
+  if (!velan::countsAllocations || left-- > 0 || (failed && !failsOnwards)) return false;
   failed = true;
   return true;
 }
@@ -37,16 +36,12 @@ FailingAllocation::FailingAllocation(int64_t at, bool onwards) {
   failsOnwards = onwards;
   left = at;
   failed = false;
-  active = true;
+  countsAllocations = true;
 }
 
-FailingAllocation::~FailingAllocation() { active = false; }
+FailingAllocation::~FailingAllocation() { countsAllocations = false; }
 
 bool FailingAllocation::happened() { return failed; }
-
-SparedAllocations::SparedAllocations() : _before(active) { active = false; }
-
-SparedAllocations::~SparedAllocations() { active = _before; }
 
 }  // namespace velan
 

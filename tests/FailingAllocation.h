@@ -1,10 +1,14 @@
-// Memory that runs out: the n-th allocation of this thread fails. Needs FailingAllocation.cpp in the test binary.
+// Memory that runs out: the n-th allocation of this thread fails. `FailingAllocation` needs its source in the test
+// binary.
 #ifndef VELAN_TESTS_FAILING_ALLOCATION_H
 #define VELAN_TESTS_FAILING_ALLOCATION_H
 
 #include <cstdint>
 
 namespace velan {
+
+/// Whether allocations of this thread count at the moment.
+inline thread_local bool countsAllocations = false;
 
 /// While it lives the `at`-th allocation (from 0), and with `onwards` every later one, gets no memory: `operator new`
 /// throws, `malloc` and its kin (not under the sanitizers, which need them) return null. At most one at a time.
@@ -21,8 +25,8 @@ class FailingAllocation {
 /// Allocations of the test's own code, which do not count and do not fail.
 class SparedAllocations {
  public:
-  SparedAllocations();
-  ~SparedAllocations();
+  SparedAllocations() : _before(countsAllocations) { countsAllocations = false; }
+  ~SparedAllocations() { countsAllocations = _before; }
   SparedAllocations(const SparedAllocations&) = delete;
   SparedAllocations& operator=(const SparedAllocations&) = delete;
 

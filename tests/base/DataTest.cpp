@@ -1,7 +1,5 @@
-#include <gtest/gtest.h>
-
+#include "tests/Testing.h"
 #include "velan/base/Data.h"
-#include "velan/base/Log.h"
 #include "velan/base/MutableData.h"
 
 namespace velan {

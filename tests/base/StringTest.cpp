@@ -1,12 +1,8 @@
-#include <gtest/gtest.h>
-
 #include <cstdlib>
-#include <thread>
 #include <unordered_set>
-#include <vector>
 
+#include "tests/Testing.h"
 #include "velan/base/MutableString.h"
-#include "velan/base/String.h"
 
 namespace velan {
 namespace {
@@ -38,12 +34,10 @@ TEST(String, ComparesByCodeUnits) {
 
 TEST(String, SubstringsAreClippedAndOutliveTheirParent) {
   const String short_(u"0123456789");
-  const struct {
-    Range range;
-    String expected;
-  } cases[] = {{{2, 3}, u"234"}, {{-4, 3}, u"012"}, {{8, 99}, u"89"},    {{10, 1}, u""},
-               {{99, 1}, u""},   {{3, -1}, u""},    {kAbsentRange, u""}, {{1, INT64_MAX}, u"123456789"}};
-  for (const auto& c : cases) EXPECT_EQ(short_.substring(c.range), c.expected) << c.range.location;
+  const Cases<Range, String> cases = {
+      {{2, 3}, u"234"}, {{-4, 3}, u"012"}, {{8, 99}, u"89"},    {{10, 1}, u""},
+      {{99, 1}, u""},   {{3, -1}, u""},    {kAbsentRange, u""}, {{1, INT64_MAX}, u"123456789"}};
+  for (const auto& [range, expected] : cases) EXPECT_EQ(short_.substring(range), expected) << range.location;
   EXPECT_TRUE(short_.substring({0, 10}).isSameObject(short_));
 
   String slice;

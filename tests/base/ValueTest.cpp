@@ -1,7 +1,6 @@
-#include <gtest/gtest.h>
-
 #include <cmath>
 
+#include "tests/Testing.h"
 #include "velan/base/Value.h"
 #include "velan/base/dates/CivilTime.h"
 
@@ -9,11 +8,7 @@ namespace velan {
 namespace {
 
 TEST(Value, KeepsTheKindOfWhatItIsMadeFrom) {
-  const struct {
-    Value value;
-    ValueKind kind;
-    int64_t number;
-  } cases[] = {
+  const Cases<Value, ValueKind, int64_t> cases = {
       {nullptr, ValueKind::Absent, 0},
       {true, ValueKind::Boolean, 1},
       {'A', ValueKind::Character, 65},
@@ -29,9 +24,9 @@ TEST(Value, KeepsTheKindOfWhatItIsMadeFrom) {
       {URL::withString(u"http://a.example/"), ValueKind::URL, 0},
       {ValueArray{1, 2}, ValueKind::Array, 0},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(c.value.kind(), c.kind) << describe(c.value);
-    EXPECT_EQ(c.value.int64Value(), c.number) << describe(c.value);
+  for (const auto& [value, kind, number] : cases) {
+    EXPECT_EQ(value.kind(), kind) << describe(value);
+    EXPECT_EQ(value.int64Value(), number) << describe(value);
   }
   EXPECT_EQ(Value(-1).uint64Value(), 0u);
   EXPECT_EQ(Value(1e300).uint64Value(), UINT64_MAX);
@@ -107,16 +102,13 @@ TEST(URL, FilePathsGoBothWays) {
 TEST(CivilTime, FormatsEveryDirective) {
   const auto date = dateFromCivilTime({.year = 2009, .month = 3, .day = 5, .hour = 13, .minute = 7, .second = 9});
   ASSERT_TRUE(date);
-  const struct {
-    const unichar* format;
-    const unichar* text;
-  } cases[] = {
+  const Cases<const unichar*, const unichar*> cases = {
       {u"%a %A %b %B", u"Thu Thursday Mar March"},   {u"%d|%e|%j|%m|%y|%Y|%w", u"05|5|064|03|09|2009|4"},
       {u"%H %I %M %p %S %F", u"13 01 07 PM 09 250"}, {u"%x, %X, %c", u"03/05/09, 13:07:09, 13:07:09 03/05/09"},
       {u"%z %Z 100%% %q %", u"+0000 UTC 100% %q %"}, {u"", u""},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(formatDate(Date(date->timeIntervalSinceReferenceDate() + 0.25), c.format), String(c.text));
+  for (const auto& [format, text] : cases) {
+    EXPECT_EQ(formatDate(Date(date->timeIntervalSinceReferenceDate() + 0.25), format), String(text));
   }
   EXPECT_TRUE(formatDate(*date, String()).isAbsent());
   EXPECT_TRUE(formatDate(Date(std::nan("")), u"%Y").isAbsent());
@@ -124,10 +116,7 @@ TEST(CivilTime, FormatsEveryDirective) {
 }
 
 TEST(CivilTime, KnownDates) {
-  const struct {
-    double unixTime;
-    const unichar* text;
-  } cases[] = {
+  const Cases<double, const unichar*> cases = {
       {0, u"1970-01-01 00:00:00 Thu 001"},
       {-1, u"1969-12-31 23:59:59 Wed 365"},
       {951782400, u"2000-02-29 00:00:00 Tue 060"},
@@ -135,8 +124,8 @@ TEST(CivilTime, KnownDates) {
       {-62135596800, u"0001-01-01 00:00:00 Mon 001"},
       {-62198755200, u"-0001-01-01 00:00:00 Fri 001"},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(formatDate(Date::withUnixTime(c.unixTime), u"%Y-%m-%d %H:%M:%S %a %j").toUTF8(), String(c.text).toUTF8());
+  for (const auto& [unixTime, text] : cases) {
+    EXPECT_EQ(formatDate(Date::withUnixTime(unixTime), u"%Y-%m-%d %H:%M:%S %a %j").toUTF8(), String(text).toUTF8());
   }
   for (int64_t day = -1000000; day < 1000000; day += 13) {
     const Date date(static_cast<double>(day) * 86400);

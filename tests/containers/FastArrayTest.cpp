@@ -1,10 +1,7 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <cmath>
-#include <random>
 #include <span>
 
+#include "tests/Testing.h"
 #include "velan/containers/FastArray.h"
 
 namespace velan {
@@ -43,16 +40,14 @@ Keys keysOf(const Items& array) {
 
 TEST(FastArray, Growth) {
   Item item{1};
-  const struct {
-    uint64_t capacity, growBy, added, expected;
-  } cases[] = {{0, 0, 0, 16},         {0, 0, 17, 32},     {0, 0, 1025, 2048},     {0, 0, 2049, 3072},
-               {2048, 0, 2049, 3072}, {100, 0, 101, 200}, {0, 5000, 8193, 13192}, {0, 4096, 4097, 8192},
-               {1000, 0, 2001, 3024}, {17, 0, 18, 34}};
-  for (const auto& c : cases) {
-    Items array = Items::initWithCapacity(c.capacity, c.growBy);
-    for (uint64_t i = 0; i < c.added; ++i) array.addObject(&item);
-    EXPECT_EQ(array.capacity(), c.expected) << c.capacity << ' ' << c.growBy << ' ' << c.added;
-    EXPECT_EQ(array.count(), c.added);
+  const Cases<uint64_t, uint64_t, uint64_t, uint64_t> cases = {
+      {0, 0, 0, 16},      {0, 0, 17, 32},         {0, 0, 1025, 2048},    {0, 0, 2049, 3072},    {2048, 0, 2049, 3072},
+      {100, 0, 101, 200}, {0, 5000, 8193, 13192}, {0, 4096, 4097, 8192}, {1000, 0, 2001, 3024}, {17, 0, 18, 34}};
+  for (const auto& [capacity, growBy, added, expected] : cases) {
+    Items array = Items::initWithCapacity(capacity, growBy);
+    for (uint64_t i = 0; i < added; ++i) array.addObject(&item);
+    EXPECT_EQ(array.capacity(), expected) << capacity << ' ' << growBy << ' ' << added;
+    EXPECT_EQ(array.count(), added);
   }
   Items array;
   array.setCapacity(100);
@@ -120,19 +115,17 @@ TEST(FastArray, ItsOwnElements) {
 TEST(FastArray, RangesAndEnumeration) {
   std::vector<Item> items = itemsUpTo(3);
   Items array = arrayOf(items);
-  const struct {
-    Range range;
-    int copied, applied;
-  } cases[] = {{{0, 3}, 3, 3},  {{1, 2}, 2, 2},  {{1, 3}, 0, 2},          {{3, 0}, 0, 0},
-               {{-1, 2}, 0, 0}, {{1, -1}, 0, 0}, {{NSNotFound, 1}, 0, 0}, {{1, NSNotFound}, 0, 2}};
-  for (const auto& c : cases) {
+  const Cases<Range, int, int> cases = {{{0, 3}, 3, 3},          {{1, 2}, 2, 2},         {{1, 3}, 0, 2},
+                                        {{3, 0}, 0, 0},          {{-1, 2}, 0, 0},        {{1, -1}, 0, 0},
+                                        {{NSNotFound, 1}, 0, 0}, {{1, NSNotFound}, 0, 2}};
+  for (const auto& [range, copied, expected] : cases) {
     Item* buffer[4] = {};
-    array.getObjects(buffer, c.range);
-    array.getObjects(nullptr, c.range);
-    EXPECT_EQ(std::count_if(buffer, buffer + 4, [](Item* item) { return item != nullptr; }), c.copied);
+    array.getObjects(buffer, range);
+    array.getObjects(nullptr, range);
+    EXPECT_EQ(std::count_if(buffer, buffer + 4, [](Item* item) { return item != nullptr; }), copied);
     int applied = 0;
-    array.applyFunction([](Item*, void* count) { ++*static_cast<int*>(count); }, &applied, c.range);
-    EXPECT_EQ(applied, c.applied);
+    array.applyFunction([](Item*, void* count) { ++*static_cast<int*>(count); }, &applied, range);
+    EXPECT_EQ(applied, expected);
   }
   FastEnumerationState<Item> state;
   EXPECT_EQ(array.countByEnumeratingWithState(&state, nullptr, 0), 3u);

@@ -1,7 +1,6 @@
-#include <gtest/gtest.h>
-
 #include <forward_list>
 
+#include "tests/Testing.h"
 #include "tests/platform/files/TemporaryFolder.h"
 #include "velan/keyed/KeyedFiles.h"
 #include "velan/keyed/KeyedReading.h"

@@ -1,5 +1,4 @@
-#include <gtest/gtest.h>
-
+#include "tests/Testing.h"
 #include "tests/keyed/KeyedSample.h"
 #include "velan/keyed/KeyedReading.h"
 #include "velan/keyed/KeyedWriting.h"

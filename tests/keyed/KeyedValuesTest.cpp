@@ -1,9 +1,7 @@
-#include <gtest/gtest.h>
-
 #include <cmath>
 
+#include "tests/Testing.h"
 #include "tests/keyed/KeyedSample.h"
-#include "velan/base/Log.h"
 #include "velan/keyed/KeyedReading.h"
 #include "velan/keyed/KeyedValues.h"
 
@@ -28,12 +26,7 @@ Data pairWithRecord(const std::string& marker, const std::string& area, const st
 }
 
 TEST(KeyedValues, EachKindHasItsRecord) {
-  const struct {
-    Value value;
-    const char* marker;
-    std::string area;
-    std::string payload;
-  } cases[] = {
+  const Cases<Value, const char*, std::string, std::string> cases = {
       {true, "VLbl", "\1", ""},
       {'A', "VLsi", "\0\0\0A"s, ""},
       {static_cast<signed char>(-2), "VLsi", "\xFF\xFF\xFF\xFE", ""},
@@ -47,8 +40,8 @@ TEST(KeyedValues, EachKindHasItsRecord) {
       {URL::withString(u"x:y"), "VLst", "\0\0\0\3"s, "x:y"},
       {Data::withBytes("abc"), "VLdt", "\0\0\0\3"s, "abc"},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(pairWith(c.value).view(), pairWithRecord(c.marker, c.area, c.payload).view()) << describe(c.value);
+  for (const auto& [value, marker, area, payload] : cases) {
+    EXPECT_EQ(pairWith(value).view(), pairWithRecord(marker, area, payload).view()) << describe(value);
   }
   EXPECT_EQ(getValueForKey(pairWith(ValueDictionary{{u"a", 1}}), u"k"), Value(ValueDictionary{{u"a", 1}}));
 }
@@ -78,12 +71,7 @@ TEST(KeyedValues, WhatCannotBeAPairAddsNothingOrAKeyOnly) {
 TEST(KeyedValues, TypedReads) {
   const std::string ones(8, '\xFF');
   const std::string nan("\x7F\xF8\0\0\0\0\0\0", 8);
-  const struct {
-    Data data;
-    bool asBool;
-    int64_t asInteger;
-    double asDouble;
-  } cases[] = {
+  const Cases<Data, bool, int64_t, double> cases = {
       {pairWithRecord("VLbl", "\2"), true, 2, 2},
       {pairWithRecord("VLun", "\0\0\1\0"s), false, 256, 256},
       {pairWithRecord("VLsi", "\xFF\xFF\xFF\xFE"), true, 4294967294, -2},
@@ -106,10 +94,10 @@ TEST(KeyedValues, TypedReads) {
       {pairWith(ValueArray{1}), false, 0, 0},
       {Data(), false, 0, 0},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(boolValueForKeyBuffer(c.data, kKey), c.asBool) << c.data.view();
-    EXPECT_EQ(longLongValueForKeyBuffer(c.data, kKey), c.asInteger) << c.data.view();
-    EXPECT_EQ(doubleValueForKeyBuffer(c.data, kKey), c.asDouble) << c.data.view();
+  for (const auto& [data, asBool, asInteger, asDouble] : cases) {
+    EXPECT_EQ(boolValueForKeyBuffer(data, kKey), asBool) << data.view();
+    EXPECT_EQ(longLongValueForKeyBuffer(data, kKey), asInteger) << data.view();
+    EXPECT_EQ(doubleValueForKeyBuffer(data, kKey), asDouble) << data.view();
   }
   EXPECT_TRUE(std::isnan(doubleValueForKeyBuffer(pairWithRecord("VLdb", nan), kKey)));
   EXPECT_EQ(longLongValueForKeyBuffer(pairWithRecord("VLdb", nan), kKey), 0);

@@ -1,7 +1,5 @@
-#include <gtest/gtest.h>
-
+#include "tests/Testing.h"
 #include "tests/keyed/KeyedSample.h"
-#include "velan/base/Log.h"
 #include "velan/keyed/KeyedInspection.h"
 #include "velan/keyed/KeyedReading.h"
 #include "velan/keyed/KeyedWriting.h"
@@ -123,11 +121,7 @@ TEST(KeyedWriting, SettingStringsMovesThemToTheEnd) {
 }
 
 TEST(KeyedWriting, RemovesTheFirstMatchOrAll) {
-  const struct {
-    void (*remove)(MutableData&, uint32_t);
-    uint32_t marker;
-    size_t left;
-  } cases[] = {
+  const Cases<void (*)(MutableData&, uint32_t), uint32_t, size_t> cases = {
       {removeBoolForKey, VLbl, 1},           {removeUnsignedForKey, VLun, 1},
       {removeSignedForKey, VLsi, 1},         {removeUnsignedLongLongForKey, VLul, 1},
       {removeSignedLongLongForKey, VLsl, 1}, {removeFloatForKey, VLfl, 1},
@@ -140,13 +134,13 @@ TEST(KeyedWriting, RemovesTheFirstMatchOrAll) {
   for (const char* marker : {"VLbl", "VLun", "VLsi", "VLul", "VLsl", "VLfl", "VLdb", "VLda"})
     all += record(marker, "\1");
   for (const char* marker : {"VLst", "VLdt", "VLpl"}) all += record(marker, "\0\0\0\2"s, "zz");
-  for (const auto& c : cases) {
+  for (const auto& [remove, marker, left] : cases) {
     MutableData data((all + all).data(), all.size() * 2);
-    c.remove(data, 8);
+    remove(data, 8);
     EXPECT_EQ(data.view(), all + all) << "another key";
-    c.remove(data, 7);
-    EXPECT_EQ(numberOfKeyedData(data, c.marker), c.left);
-    EXPECT_EQ(numberOfKeyedData(data, 0), 20 + c.left);
+    remove(data, 7);
+    EXPECT_EQ(numberOfKeyedData(data, marker), left);
+    EXPECT_EQ(numberOfKeyedData(data, 0), 20 + left);
     EXPECT_TRUE(isValid(data));
     EXPECT_EQ(data.view().starts_with(all), false) << "the first of both goes";
   }

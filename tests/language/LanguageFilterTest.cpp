@@ -1,9 +1,6 @@
-#include <gtest/gtest.h>
-
-#include <random>
 #include <set>
-#include <string>
 
+#include "tests/Testing.h"
 #include "velan/language/DominantLanguage.h"
 #include "velan/language/LanguageFilter.h"
 #include "velan/query/words/WordSeparation.h"
@@ -41,11 +38,7 @@ std::u16string operator+(const String& a, const String& b) {
 TEST(LanguageFilter, Decisions) {
   const auto filter = smallFilter();
   const String filler = repeated(u"zzz", 40);
-  const struct {
-    const char* why;
-    String text;
-    const char16_t* language;
-  } cases[] = {
+  const Cases<const char*, String, const char16_t*> cases = {
       {"four different stop words decide", u"alba arne asta avis", u"AA"},
       {"three do not, however often they come", repeated(u"arne asta avis", 50), nullptr},
       {"a count of 4 among 160 words is not above a fortieth", u"alba arne asta avis" + repeated(u" zzz", 156),
@@ -66,7 +59,7 @@ TEST(LanguageFilter, Decisions) {
       {"numbers and signs", u"123 4567 89012", nullptr},
       {"nothing", u"", nullptr},
   };
-  for (const auto& c : cases) EXPECT_EQ(filter->languageOfText(c.text), String(c.language)) << c.why;
+  for (const auto& [why, text, language] : cases) EXPECT_EQ(filter->languageOfText(text), String(language)) << why;
   EXPECT_TRUE(filter->languageOfText(String()).isAbsent());
 }
 
@@ -74,12 +67,7 @@ TEST(LanguageFilter, OwnLanguage) {
   const auto filter = smallFilter();
   const String foreign = repeated(u"elk ember easel ether", 2);
   EXPECT_FALSE(filter->filterText(foreign)) << "none is set";
-  const struct {
-    const char16_t* given;
-    const char16_t* language;
-    int64_t index;
-    bool filters;
-  } cases[] = {
+  const Cases<const char16_t*, const char16_t*, int64_t, bool> cases = {
       {u"AA", u"AA", 1, true},
       {u"bb", u"BB", 2, true},
       {u"en", u"EN", 0, false},
@@ -88,11 +76,11 @@ TEST(LanguageFilter, OwnLanguage) {
       {u"XX", nullptr, NSNotFound, false},
       {nullptr, nullptr, NSNotFound, false},
   };
-  for (const auto& c : cases) {
-    filter->setLanguage(c.given);
-    EXPECT_EQ(filter->language(), String(c.language));
-    EXPECT_EQ(filter->languageIndex(), c.index) << filter->language().toUTF8();
-    EXPECT_EQ(filter->filterText(foreign), c.filters) << filter->language().toUTF8();
+  for (const auto& [given, language, index, filters] : cases) {
+    filter->setLanguage(given);
+    EXPECT_EQ(filter->language(), String(language));
+    EXPECT_EQ(filter->languageIndex(), index) << filter->language().toUTF8();
+    EXPECT_EQ(filter->filterText(foreign), filters) << filter->language().toUTF8();
   }
   filter->setLanguage(u"AA");
   EXPECT_FALSE(filter->filterText(u"elk ember easel ether alba arne")) << "only two more than the own language has";

@@ -1,12 +1,10 @@
 // The lists that the library brings along, and lists in folders.
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 
+#include "tests/Testing.h"
 #include "velan/language/LanguageFilter.h"
 #include "velan/text/CharacterSets.h"
 #include "velan/text/ConversionTables.h"

@@ -1,5 +1,4 @@
-#include <gtest/gtest.h>
-
+#include "tests/Testing.h"
 #include "velan/base/Range.h"
 #include "velan/markup/Attributes.h"
 #include "velan/markup/DeclaredEncoding.h"
@@ -8,13 +7,8 @@ namespace velan {
 namespace {
 
 TEST(Attributes, OfTags) {
-  const struct {
-    const char* why;
-    String tag;
-    const char* name;
-    String value;   // by characters
-    String string;  // by the string reader
-  } cases[] = {
+  // value: by characters; string: by the string reader
+  const Cases<const char*, String, const char*, String, String> cases = {
       {"a part of a longer name", u"<img data-src='a' src = 'b'>"_s, "src", u"b"_s, u"b"_s},
       {"behind an underscore", u"<img x_src='a' src='b'>"_s, "src", u"b"_s, u"a"_s},
       {"empty", u"<img src=''>"_s, "src", String(), String()},
@@ -31,12 +25,12 @@ TEST(Attributes, OfTags) {
       {"other white space", u"<a\u2003href\u00A0=\nx>"_s, "href", u"x"_s, u"x"_s},
       {"any letter that folds", u"<a \u017Frc=xyz>"_s, "src", u"xyz"_s, u"xyz"_s},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(attributeOfTagCharacters(c.tag.characters(), c.tag.length(), c.name), c.value) << c.why;
-    const String later(u"'=" + std::u16string(c.tag.view()));
-    const Range range = rangeOfAttributeOfTagCharacters(later.characters(), {2, c.tag.length()}, c.name);
-    EXPECT_EQ(isPresent(range) ? later.substring(range) : String(), c.value) << c.why;
-    EXPECT_EQ(attributeOfTagWithName(c.tag, String::fromUTF8(c.name)), c.string) << c.why;
+  for (const auto& [why, tag, name, value, string] : cases) {
+    EXPECT_EQ(attributeOfTagCharacters(tag.characters(), tag.length(), name), value) << why;
+    const String later(u"'=" + std::u16string(tag.view()));
+    const Range range = rangeOfAttributeOfTagCharacters(later.characters(), {2, tag.length()}, name);
+    EXPECT_EQ(isPresent(range) ? later.substring(range) : String(), value) << why;
+    EXPECT_EQ(attributeOfTagWithName(tag, String::fromUTF8(name)), string) << why;
   }
   EXPECT_EQ(attributeOfTagInRange(u"<a b=1><a b=2>"_s, {7, 7}, u"b"_s), u"2"_s);
   EXPECT_TRUE(attributeOfTagCharacters(nullptr, 9, "b").isAbsent());
@@ -45,10 +39,7 @@ TEST(Attributes, OfTags) {
 }
 
 TEST(Attributes, ContentOfMetaTagsIsReadTolerantly) {
-  const struct {
-    String tag;
-    String value;
-  } cases[] = {
+  const Cases<String, String> cases = {
       {u"<meta content=\"a < b > c\">"_s, u"a < b > c"_s},
       {u"<meta content=\"a> b\">"_s, u"a"_s},
       {u"<meta content=\"> b\">"_s, u"> b"_s},
@@ -56,31 +47,24 @@ TEST(Attributes, ContentOfMetaTagsIsReadTolerantly) {
       {u"<meta content=\"a<<\">"_s, u"a<<"_s},
       {u"<meta content=\"text\n<META name='x'>"_s, u"text"_s},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(contentAttributeOfTagCharacters(c.tag.characters(), {0, c.tag.length()}), c.value) << c.tag.toUTF8();
+  for (const auto& [tag, value] : cases) {
+    EXPECT_EQ(contentAttributeOfTagCharacters(tag.characters(), {0, tag.length()}), value) << tag.toUTF8();
   }
 }
 
 TEST(Attributes, OfStyles) {
   const String style = u"color: red ; background-color:blue;font: 'A b' , c;x:;border-color : green"_s;
-  const struct {
-    String name;
-    String value;
-  } cases[] = {
+  const Cases<String, String> cases = {
       {u"color"_s, u"red"_s}, {u"BACKGROUND-color"_s, u"blue"_s}, {u"font"_s, u"A b"_s},
       {u"x"_s, String()},     {u"border-color"_s, u"green"_s},    {u"width"_s, String()},
   };
-  for (const auto& c : cases) EXPECT_EQ(attributeOfStyleWithName(style, c.name), c.value) << c.name.toUTF8();
+  for (const auto& [name, value] : cases) EXPECT_EQ(attributeOfStyleWithName(style, name), value) << name.toUTF8();
   EXPECT_EQ(attributeOfStyleWithName(u"a:b"_s, u"a"_s), u"b"_s);
   EXPECT_EQ(attributeOfStyleWithName(u"a:"_s, u"a"_s), String());
 }
 
 TEST(HeaderFields, StrictAndTolerant) {
-  const struct {
-    String text;
-    String strict;
-    String tolerant;
-  } cases[] = {
+  const Cases<String, String, String> cases = {
       {u"text/html; charset=utf-8"_s, u"utf-8"_s, u"utf-8"_s},
       {u"Charset = 'utf-8' x; y"_s, u" 'utf-8' x"_s, u"utf-8"_s},
       {u"charset=\"a;b\" c"_s, u"a;b"_s, u"a;b"_s},
@@ -92,9 +76,9 @@ TEST(HeaderFields, StrictAndTolerant) {
       {u"charset=\"open"_s, u"open"_s, u"open"_s},
       {u"charset=\""_s, String(), String()},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(headerFieldNamed(c.text, u"charset"_s, u'"', u';'), c.strict) << c.text.toUTF8();
-    EXPECT_EQ(headerFieldNamed(c.text, u"charset"_s), c.tolerant) << c.text.toUTF8();
+  for (const auto& [text, strict, tolerant] : cases) {
+    EXPECT_EQ(headerFieldNamed(text, u"charset"_s, u'"', u';'), strict) << text.toUTF8();
+    EXPECT_EQ(headerFieldNamed(text, u"charset"_s), tolerant) << text.toUTF8();
   }
   EXPECT_EQ(headerFieldNamed(u"a=b; c"_s, u"A"_s, u'"'), u"b; c"_s);
   EXPECT_EQ(headerFieldNamed(u"a=b"_s, u""_s), String());
@@ -110,11 +94,7 @@ TEST(HeaderFields, OfHTTP) {
 }
 
 TEST(DeclaredEncoding, FoundInTheHeadOnly) {
-  const struct {
-    String page;
-    String charset;
-    String tag;
-  } cases[] = {
+  const Cases<String, String, String> cases = {
       {u"<?xml version='1.0' encoding='koi8-r'?><a>"_s, u"koi8-r"_s, u"<?xml version='1.0' encoding='koi8-r'?>"_s},
       {u"<meta name=a content=b><meta charset='&#98;ig5'>"_s, u"big5"_s, u"<meta charset='&#98;ig5'>"_s},
       {u"<?xml encoding='a&amp;b'?>"_s, u"a&amp;b"_s, u"<?xml encoding='a&amp;b'?>"_s},
@@ -124,10 +104,10 @@ TEST(DeclaredEncoding, FoundInTheHeadOnly) {
       {u"<script><meta charset=a></script><!--<meta charset=b>-->"_s, u""_s, String()},
       {u""_s, u""_s, String()},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(markupCharset(c.page), c.charset) << c.page.toUTF8();
-    const Range range = markupCharsetRange(c.page);
-    EXPECT_EQ(isPresent(range) ? c.page.substring(range) : String(), c.tag) << c.page.toUTF8();
+  for (const auto& [page, charset, tag] : cases) {
+    EXPECT_EQ(markupCharset(page), charset) << page.toUTF8();
+    const Range range = markupCharsetRange(page);
+    EXPECT_EQ(isPresent(range) ? page.substring(range) : String(), tag) << page.toUTF8();
   }
   EXPECT_EQ(headerCharset(u"text/html;charset='x y'"_s), u"x y"_s);
 }

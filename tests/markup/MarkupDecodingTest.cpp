@@ -1,5 +1,4 @@
-#include <gtest/gtest.h>
-
+#include "tests/Testing.h"
 #include "tests/platform/files/TemporaryFolder.h"
 #include "velan/base/propertylist/PropertyList.h"
 #include "velan/markup/MarkupDecoding.h"
@@ -21,30 +20,27 @@ std::string meta(const std::string& charset) {
 
 // Default UTF-8: pages that name their encoding in three ways, or come with it.
 TEST(MarkupDecoding, EveryEncodingIsRead) {
-  const struct {
-    const char* charset;
-    String text;
-  } samples[] = {
+  const Cases<const char*, String> samples = {
       {"UTF-8", u"äßéż 漢字 \U0001F600"_s}, {"ISO-8859-1", u"äßé£ÿ"_s},       {"ISO-8859-2", u"ąęłżźćš"_s},
       {"windows-1251", u"Съешь же"_s},      {"koi8-u", u"Україна, їжак"_s},   {"macintosh", u"äöüß†é"_s},
       {"Shift_JIS", u"日本語のテキスト"_s}, {"ISO-2022-JP", u"日本語"_s},     {"gb2312", u"简体中文网页"_s},
       {"big5", u"繁體中文網頁"_s},          {"koi8-cs2", u"žluťoučký kůň"_s}, {"kamenicky", u"Příliš kůň"_s},
   };
-  for (const auto& sample : samples) {
-    const String name = String::fromUTF8(sample.charset);
+  for (const auto& [charset, sample] : samples) {
+    const String name = String::fromUTF8(charset);
     const StringEncoding encoding = NSEncodingFromName(name);
-    const std::string xml = "<?xml version=\"1.0\" encoding=\"" + std::string(sample.charset) + "\"?>";
-    for (const std::string& head : {meta(sample.charset), "<meta charset=" + std::string(sample.charset) + ">", xml}) {
-      const String text = page(head, sample.text);
+    const std::string xml = "<?xml version=\"1.0\" encoding=\"" + std::string(charset) + "\"?>";
+    for (const std::string& head : {meta(charset), "<meta charset=" + std::string(charset) + ">", xml}) {
+      const String text = page(head, sample);
       const DecodedMarkup decoded =
           decodedMarkup(dataUsingEncoding(text.view(), encoding), String(), StringEncoding::UTF8);
-      EXPECT_EQ(decoded.text, text) << sample.charset << ": " << decoded.text.toUTF8();
-      EXPECT_EQ(decoded.encoding, encoding) << sample.charset;
+      EXPECT_EQ(decoded.text, text) << charset << ": " << decoded.text.toUTF8();
+      EXPECT_EQ(decoded.encoding, encoding) << charset;
       EXPECT_EQ(decoded.declaredCharset, name);
     }
-    const String text = page("", sample.text);
+    const String text = page("", sample);
     const DecodedMarkup named = decodedMarkup(dataUsingEncoding(text.view(), encoding), name, StringEncoding::UTF8);
-    EXPECT_EQ(named.text, text) << sample.charset;
+    EXPECT_EQ(named.text, text) << charset;
     EXPECT_EQ(named.evidence, MarkupEvidence::Name);
   }
 }
@@ -56,16 +52,10 @@ TEST(MarkupDecoding, TheChoiceBetweenResults) {
   const StringEncoding euccn = stringEncoding(TextEncoding::EUCCN);
   const StringEncoding gbk = stringEncoding(TextEncoding::GBK);
   const StringEncoding koi8r = stringEncoding(TextEncoding::KOI8R);
-  const struct {
-    const char* why;
-    StringEncoding defaultEncoding;
-    const char* named;
-    std::string head;
-    std::string body;  // bytes
-    StringEncoding encoding;
-    MarkupEvidence evidence;
-    String text;  // of the body
-  } cases[] = {
+  // body: bytes; text: of the body
+  using Table =
+      Cases<const char*, StringEncoding, const char*, std::string, std::string, StringEncoding, MarkupEvidence, String>;
+  const Table cases = {
       {"nothing is said", UTF8, "", "", "\xC3\xA9", UTF8, Default, u"é"_s},
       {"nothing is said, the default does not fit", UTF8, "", "", "a\xE9z", UTF8, Default, u"a\uFFFDz"_s},
       {"an unknown name", UTF8, "no-such", "", "\xC3\xA9", UTF8, Default, u"é"_s},
@@ -108,29 +98,23 @@ TEST(MarkupDecoding, TheChoiceBetweenResults) {
       {"UTF-16 that could not be read so", WindowsLatin1, "", meta("utf-16"), "\xE9", WindowsLatin1, Default, u"é"_s},
       {"declared in the body", UTF8, "", "</head><body>" + meta("koi8-r"), "\xC3\xA9", UTF8, Default, u"é"_s},
   };
-  for (const auto& c : cases) {
-    const std::string bytes = "<html>" + c.head + "<p>" + c.body;
-    const DecodedMarkup decoded = decodedMarkup(Data::withBytes(bytes), String::fromUTF8(c.named), c.defaultEncoding);
-    EXPECT_EQ(decoded.encoding, c.encoding) << c.why << ": " << decoded.text.toUTF8();
-    EXPECT_EQ(decoded.evidence, c.evidence) << c.why;
-    if (!c.text) continue;
-    const size_t body = decoded.text.view().find(u"<p>");
-    EXPECT_EQ(decoded.text.substringFromIndex(static_cast<int64_t>(body) + 3), c.text) << c.why;
+  for (const auto& [why, defaultEncoding, named, head, body, encoding, evidence, text] : cases) {
+    const std::string bytes = "<html>" + head + "<p>" + body;
+    const DecodedMarkup decoded = decodedMarkup(Data::withBytes(bytes), String::fromUTF8(named), defaultEncoding);
+    EXPECT_EQ(decoded.encoding, encoding) << why << ": " << decoded.text.toUTF8();
+    EXPECT_EQ(decoded.evidence, evidence) << why;
+    if (!text) continue;
+    const size_t start = decoded.text.view().find(u"<p>");
+    EXPECT_EQ(decoded.text.substringFromIndex(static_cast<int64_t>(start) + 3), text) << why;
   }
 }
 
 TEST(MarkupDecoding, ByteOrderMarks) {
   using enum MarkupEvidence;
   using enum StringEncoding;
-  const struct {
-    const char* why;
-    std::string mark;
-    StringEncoding written;
-    const char* named;
-    std::string head;
-    StringEncoding encoding;
-    MarkupEvidence evidence;
-  } cases[] = {
+  using Table =
+      Cases<const char*, std::string, StringEncoding, const char*, std::string, StringEncoding, MarkupEvidence>;
+  const Table cases = {
       {"big-endian", "\xFE\xFF", UTF16BigEndian, "", "", UTF16BigEndian, ByteOrderMark},
       {"little-endian", "\xFF\xFE", UTF16LittleEndian, "", "", UTF16LittleEndian, ByteOrderMark},
       {"declared otherwise", "\xFF\xFE", UTF16LittleEndian, "", meta("iso-8859-1"), UTF16LittleEndian, ByteOrderMark},
@@ -140,13 +124,13 @@ TEST(MarkupDecoding, ByteOrderMarks) {
       {"UTF-8 declared otherwise", "\xEF\xBB\xBF", UTF8, "", meta("iso-8859-1"), UTF8, ByteOrderMark},
       {"UTF-8 named otherwise, declared so", "\xEF\xBB\xBF", UTF8, "iso-8859-1", meta("utf-8"), UTF8, Declaration},
   };
-  for (const auto& c : cases) {
-    const String text = page(c.head, u"é漢"_s);
-    const std::string bytes = c.mark + std::string(dataUsingEncoding(text.view(), c.written).view());
-    const DecodedMarkup decoded = decodedMarkup(Data::withBytes(bytes), String::fromUTF8(c.named), WindowsLatin1);
-    EXPECT_EQ(decoded.text, text) << c.why;
-    EXPECT_EQ(decoded.encoding, c.encoding) << c.why;
-    EXPECT_EQ(decoded.evidence, c.evidence) << c.why;
+  for (const auto& [why, mark, written, named, head, encoding, evidence] : cases) {
+    const String text = page(head, u"é漢"_s);
+    const std::string bytes = mark + std::string(dataUsingEncoding(text.view(), written).view());
+    const DecodedMarkup decoded = decodedMarkup(Data::withBytes(bytes), String::fromUTF8(named), WindowsLatin1);
+    EXPECT_EQ(decoded.text, text) << why;
+    EXPECT_EQ(decoded.encoding, encoding) << why;
+    EXPECT_EQ(decoded.evidence, evidence) << why;
   }
 }
 

@@ -1,5 +1,4 @@
-#include <gtest/gtest.h>
-
+#include "tests/Testing.h"
 #include "velan/base/json/JSON.h"
 #include "velan/markup/ScriptEscapes.h"
 
@@ -7,11 +6,7 @@ namespace velan {
 namespace {
 
 TEST(ScriptEscapes, Unescaping) {
-  const struct {
-    String text;
-    String json;
-    String script;
-  } cases[] = {
+  const Cases<String, String, String> cases = {
       {uR"(a\nb\b\f\r\t)"_s, u"a\nb\b\f\r\t"_s, u"a\nb\b\f\r\t"_s},
       {uR"(\u00e9\u00E9x)"_s, u"ééx"_s, u"ééx"_s},
       {uR"(\uD83D\uDE00)"_s, u"\U0001F600"_s, u"\U0001F600"_s},
@@ -23,9 +18,9 @@ TEST(ScriptEscapes, Unescaping) {
       {uR"(\"\\\/\'\\)"_s, uR"("\/'\)"_s, uR"("\/'\)"_s},
       {uR"(\\n\)"_s, uR"(\n\)"_s, uR"(\n\)"_s},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(stringByConvertingJSONToCharacters(c.text), c.json) << c.text.toUTF8();
-    EXPECT_EQ(stringByConvertingJavaScriptToCharacters(c.text), c.script) << c.text.toUTF8();
+  for (const auto& [text, json, script] : cases) {
+    EXPECT_EQ(stringByConvertingJSONToCharacters(text), json) << text.toUTF8();
+    EXPECT_EQ(stringByConvertingJavaScriptToCharacters(text), script) << text.toUTF8();
   }
   for (const String& text : {u"no escape"_s, u"at the end\\"_s, u""_s, String()}) {
     EXPECT_TRUE(stringByConvertingJSONToCharacters(text).isSameObject(text));
@@ -42,16 +37,13 @@ TEST(ScriptEscapes, JSONThereAndBackForEveryUnit) {
 }
 
 TEST(ScriptEscapes, Markdown) {
-  const struct {
-    String text;
-    String escaped;
-  } cases[] = {
+  const Cases<String, String> cases = {
       {u"[a](b)"_s, uR"(\[a\]\(b\))"_s},
       {uR"(\(x\y\))"_s, uR"(\\(x\y\\))"_s},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(stringByConvertingCharactersToMarkdown(c.text), c.escaped);
-    EXPECT_EQ(stringByConvertingMarkdownToCharacters(c.escaped), c.text);
+  for (const auto& [text, escaped] : cases) {
+    EXPECT_EQ(stringByConvertingCharactersToMarkdown(text), escaped);
+    EXPECT_EQ(stringByConvertingMarkdownToCharacters(escaped), text);
   }
   for (const String& text : {uR"(a\n{b}\)"_s, u""_s, String()}) {
     EXPECT_TRUE(stringByConvertingCharactersToMarkdown(text).isSameObject(text));

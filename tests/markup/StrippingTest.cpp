@@ -1,5 +1,4 @@
-#include <gtest/gtest.h>
-
+#include "tests/Testing.h"
 #include "velan/markup/FileTypes.h"
 #include "velan/markup/Stripping.h"
 
@@ -7,15 +6,12 @@ namespace velan {
 namespace {
 
 TEST(Stripping, Tags) {
-  const struct {
-    String text;
-    String stripped;
-  } cases[] = {
+  const Cases<String, String> cases = {
       {u"a<font size=2>b</FONT>c<i>d<font/></i>"_s, u"abc<i>d</i>"_s},
       {u"<fonts><!--<font>--></fonts>"_s, u"<fonts><!--<font>--></fonts>"_s},
       {u""_s, u""_s},
   };
-  for (const auto& c : cases) EXPECT_EQ(stripTag(c.text, "FONT"), c.stripped) << c.text.toUTF8();
+  for (const auto& [text, stripped] : cases) EXPECT_EQ(stripTag(text, "FONT"), stripped) << text.toUTF8();
   EXPECT_EQ(stripTag(u"a<script>b</script>c"_s, "SCRIPT"), u"ac"_s);
   const String text = u"a<b>c"_s;
   EXPECT_TRUE(stripTag(text, "FONT").isSameObject(text));
@@ -23,12 +19,7 @@ TEST(Stripping, Tags) {
 }
 
 TEST(Stripping, Bodies) {
-  const struct {
-    String prefix;
-    String text;
-    String without;
-    String only;
-  } cases[] = {
+  const Cases<String, String, String, String> cases = {
       {u"<script"_s, u"a<script>x</script>b<scripts>c</scripts>d"_s, u"abd"_s,
        u"<script>x</script>\n<scripts>c</scripts>\n"_s},
       {u"<script"_s, u"a<SCRIPT x='</script>'>x</script/>b"_s, u"ab"_s, u"<SCRIPT x='</script>'>x</script/>\n"_s},
@@ -38,9 +29,9 @@ TEST(Stripping, Bodies) {
       {u"<!--"_s, u"a<!-- b -->c"_s, u"a<!-- b -->c"_s, String()},
       {u"<style>p"_s, u"<style>p{}</style><style>q{}</style>"_s, u"<style>q{}</style>"_s, u"<style>p{}</style>\n"_s},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(stripTagBodies(c.text, {u""_s, c.prefix}), c.without) << c.text.toUTF8();
-    EXPECT_EQ(stripTagBodies(c.text, {c.prefix}, true), c.only) << c.text.toUTF8();
+  for (const auto& [prefix, text, without, only] : cases) {
+    EXPECT_EQ(stripTagBodies(text, {u""_s, prefix}), without) << text.toUTF8();
+    EXPECT_EQ(stripTagBodies(text, {prefix}, true), only) << text.toUTF8();
   }
   const String text = u"a<b>c</b>"_s;
   EXPECT_TRUE(stripTagBodies(text, {u"<i"_s}).isSameObject(text));
@@ -49,12 +40,7 @@ TEST(Stripping, Bodies) {
 }
 
 TEST(Stripping, BodyOfTheFirstElement) {
-  const struct {
-    const char* name;
-    String text;
-    String inner;
-    String outer;
-  } cases[] = {
+  const Cases<const char*, String, String, String> cases = {
       {"B", u"1<b>2<b>3</b>4</b>5<b>6</b>"_s, u"234"_s, u"<b>2<b>3</b>4</b>"_s},
       {"B", u"1<b>2<i>3</i><!--4--></b>5"_s, u"2<i>3</i><!--4-->"_s, u"<b>2<i>3</i><!--4--></b>"_s},
       {"B", u"1</b>2<b>3</b>4"_s, u"24"_s, u"</b>2<b></b>4"_s},
@@ -65,9 +51,9 @@ TEST(Stripping, BodyOfTheFirstElement) {
       {"SCRIPT", u"1</script>2<script>3</script>4"_s, u"24"_s, u"</script>2<script>3</script>4"_s},
       {"B", u"<i>1</i>"_s, String(), String()},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(innerTagBody(c.text, c.name), c.inner) << c.text.toUTF8();
-    EXPECT_EQ(outerTagBody(c.text, c.name), c.outer) << c.text.toUTF8();
+  for (const auto& [name, text, inner, outer] : cases) {
+    EXPECT_EQ(innerTagBody(text, name), inner) << text.toUTF8();
+    EXPECT_EQ(outerTagBody(text, name), outer) << text.toUTF8();
   }
 }
 

@@ -1,8 +1,4 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <random>
-
+#include "tests/Testing.h"
 #include "velan/markup/Tags.h"
 #include "velan/markup/TagsInternal.h"
 #include "velan/text/CharacterSets.h"
@@ -33,10 +29,7 @@ Reports reportsOf(const String& text) {
 
 // The kinds, and what the walk shares with its description below: the sets of characters and the folding of names.
 TEST(Tags, Reports) {
-  const struct {
-    String text;
-    Reports reports;
-  } cases[] = {
+  const Cases<String, Reports> cases = {
       {u"<?xml v='1'?><!DOCTYPE x 'a>b'><br/><h1 a>"_s,
        {u"1 xml||<?xml v='1'?>", u"1 DOCTYPE||<!DOCTYPE x 'a>", u"1 br|b'>|<br/>", u"1 h1||<h1 a>", u"0 ||"}},
       {u"<1><><é/><\u00A0x y>"_s, {u"1 ||<1>", u"1 ||<>", u"1 é||<é/>", u"1 x||<\u00A0x y>", u"0 ||"}},
@@ -46,7 +39,7 @@ TEST(Tags, Reports) {
       {u"<script><!-- </script> --><b></script>c"_s, {u"1 script||<script><!-- </script> --><b></script>", u"0 |c|"}},
       {u"<scripts><script ></\u017Fcript>"_s, {u"1 scripts||<scripts>", u"1 script||<script ></\u017Fcript>", u"0 ||"}},
   };
-  for (const auto& c : cases) EXPECT_EQ(reportsOf(c.text), c.reports) << c.text.toUTF8();
+  for (const auto& [text, reports] : cases) EXPECT_EQ(reportsOf(text), reports) << text.toUTF8();
 }
 
 // The walk as it is described, unit by unit, without any thought of speed.

@@ -1,10 +1,8 @@
 // Patterns in text without spaces: whether they find anything must not depend on where the dictionary divides it.
-#include <gtest/gtest.h>
-
 #include <fstream>
 #include <iterator>
-#include <random>
 
+#include "tests/Testing.h"
 #include "velan/query/PreparedQuery.h"
 #include "velan/query/words/EastAsianWords.h"
 #include "velan/wildcard/WildcardMatching.h"

@@ -1,8 +1,7 @@
 // Queries that would exhaust the stack, the time or the memory of anything that recurses by their depth or searches a
 // text again for each place of another term.
-#include <gtest/gtest.h>
-
 #include "tests/SmallStack.h"
+#include "tests/Testing.h"
 #include "velan/query/QueryMatching.h"
 #include "velan/query/words/FastWordEnumerator.h"
 
@@ -67,12 +66,7 @@ TEST(QueryDepth, ProximityInLongTexts) {
   const String nested8 = u"a NEAR/9 (b NEAR/9 (c NEAR/9 (d NEAR/9 (a NEAR/9 (b NEAR/9 (c NEAR/9 (d NEAR/9 a)))))))"_s;
   const String pieces = repeated(u"a*,", words, u"b");
   const String left8 = u"((((((((a NEAR/9 b) NEAR/9 c) NEAR/9 d) NEAR/9 a) NEAR/9 b) NEAR/9 c) NEAR/9 d) NEAR/9 zz)"_s;
-  const struct {
-    const char* why;
-    String query;
-    String text;
-    bool matches;
-  } cases[] = {
+  const Cases<const char*, String, String, bool> cases = {
       {"an absent word", u"zz NEAR a"_s, repeated(u"a ", kMillion), false},
       {"an absent later word", u"a NEAR zz"_s, repeated(u"a ", kMillion), false},
       {"outside overlapping spans", u"zz NOT NEAR a"_s, repeated(u"a ", kMillion), false},
@@ -86,10 +80,10 @@ TEST(QueryDepth, ProximityInLongTexts) {
       {"nested to the left, one missing", left8, repeated(u"a b c d ", words / 4), false},
       {"nested to the left, found at the end", left8, repeated(u"a b c d ", words / 4, u"zz"), true},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(QueryTerms::initWithWildcard(c.query)->matchesString(c.text, QueryComparison::Exact), c.matches) << c.why;
-    if (c.text.length() >= 1'000'000) continue;
-    EXPECT_EQ(QueryTerms::initWithString(c.query)->matchesString(c.text, true), c.matches) << c.why;
+  for (const auto& [why, query, text, matches] : cases) {
+    EXPECT_EQ(QueryTerms::initWithWildcard(query)->matchesString(text, QueryComparison::Exact), matches) << why;
+    if (text.length() >= 1'000'000) continue;
+    EXPECT_EQ(QueryTerms::initWithString(query)->matchesString(text, true), matches) << why;
   }
 }
 

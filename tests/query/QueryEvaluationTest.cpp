@@ -1,8 +1,5 @@
-#include <gtest/gtest.h>
-
-#include <random>
-
 #include "QueryReference.h"
+#include "tests/Testing.h"
 #include "velan/query/PreparedQuery.h"
 #include "velan/query/words/FastWordEnumerator.h"
 
@@ -242,23 +239,18 @@ TEST(QueryEvaluation, EqualsTheReference) {
 
 // What several places of one leaf give to ranges with one beginning is rare to overlap in random queries.
 TEST(QueryEvaluation, PlacesThatGiveDifferentEnds) {
-  const struct {
-    const char* why;
-    std::u16string text;
-    String query;
-    bool matches;
-  } cases[] = {
+  const Cases<const char*, std::u16string, String, bool> cases = {
       {"what only a place before gives", u"n b n y c q", u"(((b AND y AND NOT c) AFTER/9 n) OR q) BEFORE/2 y"_s, false},
       {"and with that place", u"n b n y c q", u"(((b AND y AND NOT c) AFTER/9 n) OR q) BEFORE/3 y"_s, true},
       {"a later place gives a part of it", u"n b n y w c q",
        u"((((b AND NOT c) OR (y XOR w)) AFTER/9 n) OR q) BEFORE/4 w"_s, true},
       {"a later place gives all ends earlier", u"v n b n y w", u"((NOT b OR w OR v) AFTER/9 n) BEFORE/4 y"_s, true},
   };
-  for (const auto& c : cases) {
-    const auto terms = QueryTerms::initWithWildcard(c.query);
-    const ReferenceText reference(c.text, Exact, true);
-    EXPECT_EQ(reference.matches(referenceOf(*terms), reference.wholeRange()), c.matches) << c.why;
-    EXPECT_EQ(terms->matchesString(c.text, Exact), c.matches) << c.why;
+  for (const auto& [why, text, query, matches] : cases) {
+    const auto terms = QueryTerms::initWithWildcard(query);
+    const ReferenceText reference(text, Exact, true);
+    EXPECT_EQ(reference.matches(referenceOf(*terms), reference.wholeRange()), matches) << why;
+    EXPECT_EQ(terms->matchesString(text, Exact), matches) << why;
   }
 }
 
@@ -268,12 +260,7 @@ bool record(void* argument, const String& term, int64_t location, int64_t length
 }
 
 TEST(QueryOccurrences, RunningEndDecidesWhatIsReported) {
-  const struct {
-    const char* why;
-    std::vector<QueryOccurrence> occurrences;
-    std::string reported;
-    int64_t count;
-  } cases[] = {
+  const Cases<const char*, std::vector<QueryOccurrence>, std::string, int64_t> cases = {
       {"nothing", {}, "", 0},
       {"sorted by location", {{{5, 1}, u"b", false}, {{0, 5}, u"a", true}}, "0+5 a primary\n5+1 b\n", 2},
       {"the longer first", {{{0, 2}, u"b", false}, {{0, 5}, u"a", false}}, "0+5 a\n", 1},
@@ -287,10 +274,10 @@ TEST(QueryOccurrences, RunningEndDecidesWhatIsReported) {
        "0+1 a primary\n1+1 stop\n",
        1},
   };
-  for (const auto& c : cases) {
+  for (const auto& [why, occurrences, expected, count] : cases) {
     std::string reported;
-    EXPECT_EQ(callHandlerWithOccurrences(c.occurrences, record, &reported), c.count) << c.why;
-    EXPECT_EQ(reported, c.reported) << c.why;
+    EXPECT_EQ(callHandlerWithOccurrences(occurrences, record, &reported), count) << why;
+    EXPECT_EQ(reported, expected) << why;
   }
   EXPECT_EQ(callHandlerWithOccurrences({{{0, 1}, u"a", true}}, nullptr), 0);
 }
@@ -298,13 +285,7 @@ TEST(QueryOccurrences, RunningEndDecidesWhatIsReported) {
 TEST(QueryFinding, NextAndPreviousQueryTerm) {
   const String text = u"one two, three  two Three"_s;
   const Range all{0, NSNotFound};
-  const struct {
-    const char* why;
-    String query;
-    Range range;
-    bool caseSensitive, anchored, exactPhrase;
-    Range next, previous;
-  } cases[] = {
+  const Cases<const char*, String, Range, bool, bool, bool, Range, Range> cases = {
       {"any term", u"two AND missing"_s, all, true, false, true, {4, 3}, {16, 3}},
       {"case", u"three"_s, all, true, false, true, {9, 5}, {9, 5}},
       {"ignoring case", u"three"_s, all, false, false, true, {9, 5}, {20, 5}},
@@ -319,13 +300,10 @@ TEST(QueryFinding, NextAndPreviousQueryTerm) {
       {"an empty range", u"two"_s, {4, 0}, true, false, true, kAbsentRange, kAbsentRange},
       {"an empty query", u""_s, all, true, true, true, kAbsentRange, kAbsentRange},
   };
-  for (const auto& c : cases) {
-    const auto terms = QueryTerms::initWithString(c.query);
-    EXPECT_EQ(findNextQueryTerm(text, *terms, false, c.range, c.caseSensitive, c.anchored, c.exactPhrase), c.next)
-        << c.why;
-    EXPECT_EQ(findPreviousQueryTerm(text, *terms, false, c.range, c.caseSensitive, c.anchored, c.exactPhrase),
-              c.previous)
-        << c.why;
+  for (const auto& [why, query, range, caseSensitive, anchored, exactPhrase, next, previous] : cases) {
+    const auto terms = QueryTerms::initWithString(query);
+    EXPECT_EQ(findNextQueryTerm(text, *terms, false, range, caseSensitive, anchored, exactPhrase), next) << why;
+    EXPECT_EQ(findPreviousQueryTerm(text, *terms, false, range, caseSensitive, anchored, exactPhrase), previous) << why;
   }
 }
 

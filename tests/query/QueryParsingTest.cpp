@@ -1,9 +1,7 @@
-#include <gtest/gtest.h>
-
 #include <span>
 
 #include "QueryReference.h"
-#include "velan/base/Log.h"
+#include "tests/Testing.h"
 #include "velan/query/QueryMatching.h"
 #include "velan/query/QueryTokens.h"
 
@@ -12,11 +10,7 @@ namespace {
 
 // What random queries, which are written as people do, leave open; they have all that wildcards allow.
 TEST(QueryParsing, WordsMode) {
-  const struct {
-    const char* why;
-    String query;
-    std::string tree;
-  } cases[] = {
+  const Cases<const char*, String, std::string> cases = {
       {"nothing", u""_s, ""},
       {"symbols", u"a&b|c^d~e"_s, "a & b | c ^ d NEAR/10 e"},
       {"the last operator counts", u"a AND OR b"_s, "a | b"},
@@ -52,13 +46,13 @@ TEST(QueryParsing, WordsMode) {
       {"empty groups", u"a () b (()) ( [ ] )"_s, "a & b"},
       {"brackets group", u"a [b OR c] d"_s, "a & (b | c) & d"},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(dumpOf(*QueryTerms::initWithString(c.query)), c.tree) << c.why;
-    for (const QueryToken& token : queryTokens(c.query, false)) {
+  for (const auto& [why, query, tree] : cases) {
+    EXPECT_EQ(dumpOf(*QueryTerms::initWithString(query)), tree) << why;
+    for (const QueryToken& token : queryTokens(query, false)) {
       const auto source =
-          c.query.view().substr(static_cast<size_t>(token.range.location), static_cast<size_t>(token.range.length));
-      EXPECT_NE(source.find(token.word.view()), source.npos) << c.why;
-      EXPECT_FALSE(source.empty() || source.front() == u' ' || source.back() == u' ') << c.why;
+          query.view().substr(static_cast<size_t>(token.range.location), static_cast<size_t>(token.range.length));
+      EXPECT_NE(source.find(token.word.view()), source.npos) << why;
+      EXPECT_FALSE(source.empty() || source.front() == u' ' || source.back() == u' ') << why;
     }
   }
   EXPECT_EQ(dumpOf(*QueryTerms::initWithString(String())), "");
@@ -78,10 +72,7 @@ TEST(QueryParsing, DefaultsAndSubstrings) {
 }
 
 TEST(QueryParsing, CommonOperator) {
-  const struct {
-    String query;
-    QueryOperator common;
-  } cases[] = {
+  const Cases<String, QueryOperator> cases = {
       {u""_s, QueryOperator::Mixed},
       {u"a"_s, QueryOperator::Mixed},
       {u"a b"_s, QueryOperator::And},
@@ -90,30 +81,25 @@ TEST(QueryParsing, CommonOperator) {
       {u"a NEAR/2 b NEAR/3 c"_s, QueryOperator::Near},
       {u"a OR b c OR d"_s, QueryOperator::Mixed},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(QueryTerms::initWithString(c.query)->commonOperator(), c.common) << c.query.toUTF8();
+  for (const auto& [query, common] : cases) {
+    EXPECT_EQ(QueryTerms::initWithString(query)->commonOperator(), common) << query.toUTF8();
   }
 }
 
 TEST(QueryParsing, PropertiesAndWordLists) {
-  const struct {
-    String query;
-    bool valid, proximity;
-    int64_t minTermLen;
-    String plusString;
-  } cases[] = {
+  const Cases<String, bool, bool, int64_t, String> cases = {
       {u""_s, false, false, 0, u""_s},
       {u"NOT abc"_s, true, false, 0, u""_s},
       {u"abc* OR ?x-y OR b[xyz]"_s, true, false, 2, u"abc* ?x-y b[xyz]"_s},
       {u"\"a - b\" OR abc"_s, true, false, 2, u"a - b abc"_s},  // found in "a b"
       {u"abc (de NEAR/2 \"f ghi\") abc NOT (x)"_s, true, true, 2, u"abc de f ghi"_s},
   };
-  for (const auto& c : cases) {
-    const auto terms = QueryTerms::initWithWildcard(c.query);
-    EXPECT_EQ(terms->isValid(), c.valid) << c.query.toUTF8();
-    EXPECT_EQ(terms->usesProximity(), c.proximity) << c.query.toUTF8();
-    EXPECT_EQ(terms->minTermLen(), c.minTermLen) << c.query.toUTF8();
-    EXPECT_EQ(terms->plusString(), c.plusString) << c.query.toUTF8();
+  for (const auto& [query, valid, proximity, minTermLen, plusString] : cases) {
+    const auto terms = QueryTerms::initWithWildcard(query);
+    EXPECT_EQ(terms->isValid(), valid) << query.toUTF8();
+    EXPECT_EQ(terms->usesProximity(), proximity) << query.toUTF8();
+    EXPECT_EQ(terms->minTermLen(), minTermLen) << query.toUTF8();
+    EXPECT_EQ(terms->plusString(), plusString) << query.toUTF8();
   }
   using Strings = std::vector<String>;
   const auto terms = QueryTerms::initWithWildcard(u"ab*-c \"d ab\" NOT x"_s);

@@ -1,14 +1,10 @@
-#include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <string>
-#include <thread>
-#include <vector>
 
+#include "tests/Testing.h"
 #include "velan/platform/LanguageDetection.h"
 #include "velan/platform/Services.h"
 #include "velan/platform/lemmas/HunspellDictionaryInternal.h"
@@ -61,12 +57,7 @@ class Stemming : public testing::Test {
 };
 
 TEST_F(Stemming, Lemmas) {
-  const struct {
-    const char* language;
-    const char* why;
-    String word;
-    String lemma;
-  } cases[] = {
+  const Cases<const char*, const char*, String, String> cases = {
       {"en-GB", "irregular", u"went"_s, u"go"_s},
       {"en-GB", "the first list wins", u"mice"_s, u"nonsense"_s},
       {"en-GB", "a rule that puts letters back", u"tries"_s, u"try"_s},
@@ -90,10 +81,10 @@ TEST_F(Stemming, Lemmas) {
       {"de", "a base form itself, though also a form of another", u"suchen"_s, u"suchen"_s},
       {"de", "a function word", u"wenn"_s, u"wenn"_s},
   };
-  for (const auto& c : cases) {
-    const Lemmatizer* lemmatizer = Lemmatizer::forLanguage(c.language);
-    ASSERT_EQ(lemmatizer != nullptr, *c.language == 'e' || hasService("Hunspell")) << c.language;
-    EXPECT_EQ(lemmatizer ? lemmatizer->lemma(c.word.view()) : c.lemma, c.lemma) << c.why;
+  for (const auto& [language, why, word, lemma] : cases) {
+    const Lemmatizer* lemmatizer = Lemmatizer::forLanguage(language);
+    ASSERT_EQ(lemmatizer != nullptr, *language == 'e' || hasService("Hunspell")) << language;
+    EXPECT_EQ(lemmatizer ? lemmatizer->lemma(word.view()) : lemma, lemma) << why;
   }
   EXPECT_EQ(Lemmatizer::forLanguage("qq"), Lemmatizer::forLanguage("QQ_AA"));
   for (const char* code : {"", "zz", "../../etc", "en/x", "-en"}) EXPECT_FALSE(Lemmatizer::forLanguage(code)) << code;
@@ -116,11 +107,7 @@ TEST_F(Stemming, WholeTexts) {
 }
 
 TEST_F(Stemming, KeepsFunctionWordsElisionsAndNames) {
-  const struct {
-    const char* language;
-    String text;
-    String stemmed;
-  } cases[] = {
+  const Cases<const char*, String, String> cases = {
       {"fr", u"Dans la ligne, mais dans les lignes d'enfants l’Enfants"_s,
        u"Dans la ligne, mais dans les ligne d'enfant l’Enfants"_s},
       {"de-AT", u"Das Haus, wenn Zeitungen GNUEN laufen"_s, u"Das Haus, wenn Zeitung GNUEN lauf"_s},
@@ -128,9 +115,9 @@ TEST_F(Stemming, KeepsFunctionWordsElisionsAndNames) {
       {"en", u"the Houses\nof Houses\n\nHouses"_s, u"the Houses\nof Houses\n\nhouse"_s},
       {"zz", u"the houses"_s, u"the houses"_s},
   };
-  for (const auto& c : cases) {
-    if (*c.language != 'e' && !hasService("Hunspell")) continue;
-    EXPECT_EQ(stringByStemmingWords(c.text, c.language).toUTF8(), c.stemmed.toUTF8()) << c.language;
+  for (const auto& [language, text, stemmed] : cases) {
+    if (*language != 'e' && !hasService("Hunspell")) continue;
+    EXPECT_EQ(stringByStemmingWords(text, language).toUTF8(), stemmed.toUTF8()) << language;
   }
 }
 
@@ -147,10 +134,7 @@ TEST_F(Stemming, FromManyThreads) {
 }
 
 TEST(LanguageDetection, TellsLanguages) {
-  const struct {
-    String text;
-    const char* language;
-  } cases[] = {
+  const Cases<String, const char*> cases = {
       {u"Der schnelle braune Fuchs springt über den faulen Hund, und die Katze sieht ihm dabei zu."_s, "de"},
       {u"The committee will meet again next week to discuss the remaining questions."_s, "en"},
       {u"吾輩は猫である。名前はまだ無い。どこで生れたかとんと見当がつかぬ。"_s, "ja"},
@@ -158,8 +142,8 @@ TEST(LanguageDetection, TellsLanguages) {
       {u""_s, ""},
       {u"x"_s, ""},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(detectedLanguage(c.text.view()), hasService("CLD2") ? c.language : "") << c.text.toUTF8();
+  for (const auto& [text, language] : cases) {
+    EXPECT_EQ(detectedLanguage(text.view()), hasService("CLD2") ? language : "") << text.toUTF8();
   }
   std::u16string cut(kLanguageSampleLength - 1, u' ');
   cut += u"\U0001F600 tail";

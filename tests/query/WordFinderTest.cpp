@@ -1,10 +1,4 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <random>
-#include <string>
-#include <vector>
-
+#include "tests/Testing.h"
 #include "velan/query/QueryMatching.h"
 #include "velan/query/WordFinder.h"
 #include "velan/query/words/FastWordEnumerator.h"
@@ -15,13 +9,7 @@ namespace {
 
 TEST(WordFinder, FindsWordsHoweverTheTextIsKept) {
   const String text = u"aaab ab aB \u00C4b"_s;
-  const struct {
-    const char* why;
-    std::u16string_view word;
-    QueryComparison comparison;
-    bool whole;
-    int64_t inUnits, inUpperCase;
-  } cases[] = {
+  const Cases<const char*, std::u16string_view, QueryComparison, bool, int64_t, int64_t> cases = {
       {"exactly", u"aB", QueryComparison::Exact, true, 8, 5},
       {"ignoring case", u"AB", QueryComparison::IgnoreCase, true, 5, 5},
       {"inside a word", u"aaB", QueryComparison::IgnoreCase, false, 1, 1},
@@ -31,11 +19,11 @@ TEST(WordFinder, FindsWordsHoweverTheTextIsKept) {
   };
   for (const bool upperCase : {false, true}) {
     const auto enumerator = FastWordEnumerator::enumeratorWithString(text, upperCase, false);
-    for (const auto& c : cases) {
-      EXPECT_EQ(FindWordInString(*enumerator, 0, INT64_MAX, c.word.data(), static_cast<int64_t>(c.word.size()),
-                                 c.comparison, c.whole),
-                upperCase ? c.inUpperCase : c.inUnits)
-          << c.why << (upperCase ? ", upper case" : "");
+    for (const auto& [why, word, comparison, whole, inUnits, inUpperCase] : cases) {
+      EXPECT_EQ(FindWordInString(*enumerator, 0, INT64_MAX, word.data(), static_cast<int64_t>(word.size()), comparison,
+                                 whole),
+                upperCase ? inUpperCase : inUnits)
+          << why << (upperCase ? ", upper case" : "");
     }
   }
 }

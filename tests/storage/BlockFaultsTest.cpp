@@ -1,9 +1,8 @@
 // What a crash, a failing disk, or decay can do to a block file. VELAN_SWEEP=full looks at every state.
-#include <gtest/gtest.h>
-
 #include <cstdlib>
 #include <utility>
 
+#include "tests/Testing.h"
 #include "tests/storage/BlockWorkload.h"
 #include "velan/storage/Compression.h"
 
@@ -39,7 +38,7 @@ class BlockCrashTest : public testing::TestWithParam<uint64_t> {
     return now;
   }
 
-  CountedLog log;
+  CapturedLog log;
   SimulatedFiles files;
   BlockWorkload workload{&files, 7};
   std::mt19937 random{11};
@@ -130,7 +129,7 @@ class BlockInputOutputTest : public testing::TestWithParam<FaultCase> {
     }
   }
 
-  CountedLog log;
+  CapturedLog log;
 };
 
 TEST_P(BlockInputOutputTest, ToldAndSurvivedAtEveryCall) {
@@ -204,7 +203,7 @@ class BlockDecayTest : public testing::TestWithParam<uint64_t> {
     return filler;
   }
 
-  CountedLog log;
+  CapturedLog log;
   SimulatedFiles files;
   std::vector<int64_t> blocks;
   std::set<std::string> texts;

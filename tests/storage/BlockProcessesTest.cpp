@@ -1,9 +1,9 @@
 // Block files of the real system: locks between processes, permissions of new files.
-#include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "tests/Testing.h"
 #include "tests/platform/files/ChildProcess.h"
 #include "tests/platform/files/TemporaryFolder.h"
 #include "tests/storage/SimulatedFiles.h"
@@ -90,7 +90,7 @@ TEST(BlockProcesses, NewFilesHaveTheUsersPermissions) {
 
 TEST(BlockProcesses, OnlyRegularFilesAreOpened) {
   const TemporaryFolder folder;
-  CountedLog log;
+  CapturedLog log;
   EXPECT_FALSE(openFor(FileAccess::Reading, folder.path("")));
   ASSERT_EQ(log.messages.size(), 1u);
   EXPECT_TRUE(log.messages[0].starts_with("Failed fdopen: " + folder / ""));

@@ -1,5 +1,4 @@
-#include <gtest/gtest.h>
-
+#include "tests/Testing.h"
 #include "tests/storage/SimulatedFiles.h"
 #include "velan/storage/BlockStorage.h"
 #include "velan/storage/Compression.h"
@@ -49,7 +48,7 @@ class BlockStorageTest : public testing::Test {
   }
   std::string& image() { return files.images["blocks"]; }
 
-  CountedLog log;
+  CapturedLog log;
   SimulatedFiles files;
 };
 
@@ -230,32 +229,28 @@ TEST_F(BlockStorageTest, RecoversATornTail) {
   const std::string good = plain("first", 0) + plain("second", 12);
   std::string longFile;
   while (longFile.size() < 100000) longFile += good;
-  const struct {
-    const char* why;
-    std::string before;
-    std::string after;  // empty: refused and untouched
-  } cases[] = {
+  // after: nothing where it is refused and untouched
+  const Cases<const char*, std::string, std::optional<std::string>> cases = {
       {"padding missing", good + plain("whole", 100).substr(0, 30), good + plain("whole", 100)},
-      {"padding beyond reason", good + plain("whole", 2 << 20).substr(0, 30), ""},
+      {"padding beyond reason", good + plain("whole", 2 << 20).substr(0, 30), {}},
       {"torn before padding", good + changed(plain("whale", 100), 18, 'o').substr(0, 30), good},
-      {"a header in the middle", changed(good, 0, '?') + plain("x", 0).substr(0, 9), ""},
-      {"a damaged marker of a whole block", good + changed(plain("whole", 0), 0, '?'), ""},
-      {"a foreign tail", good + "notes\n", ""},
-      {"blocks behind", good + plain("torn", 0).substr(0, 18) + good, ""},
-      {"half a header alone", plain("x", 0).substr(0, 15), "nothing"},
-      {"a torn block alone", plain("torn", 0).substr(0, 18), ""},
-      {"a disk image", std::string(70000, '\0'), ""},
-      {"a note that begins like a marker", "1A, left of the door", ""},
-      {"nothing to recover at the end of a long file", changed(longFile, 0, '?'), "the same"},
-      {"a torn block that holds blocks", good + plain(good + good, 0).substr(0, 16 + good.size()), ""},
+      {"a header in the middle", changed(good, 0, '?') + plain("x", 0).substr(0, 9), {}},
+      {"a damaged marker of a whole block", good + changed(plain("whole", 0), 0, '?'), {}},
+      {"a foreign tail", good + "notes\n", {}},
+      {"blocks behind", good + plain("torn", 0).substr(0, 18) + good, {}},
+      {"half a header alone", plain("x", 0).substr(0, 15), ""},
+      {"a torn block alone", plain("torn", 0).substr(0, 18), {}},
+      {"a disk image", std::string(70000, '\0'), {}},
+      {"a note that begins like a marker", "1A, left of the door", {}},
+      {"nothing to recover at the end of a long file", changed(longFile, 0, '?'), changed(longFile, 0, '?')},
+      {"a torn block that holds blocks", good + plain(good + good, 0).substr(0, 16 + good.size()), {}},
   };
-  for (const auto& c : cases) {
-    image() = c.before;
+  for (const auto& [why, before, after] : cases) {
+    image() = before;
     EXPECT_FALSE(reading()->recoverTail());
     const auto storage = updating();
-    EXPECT_EQ(storage->recoverTail(), !c.after.empty()) << c.why;
-    const std::string after = c.after == "nothing" ? "" : c.after.empty() || c.after == "the same" ? c.before : c.after;
-    EXPECT_EQ(image(), after) << c.why;
+    EXPECT_EQ(storage->recoverTail(), after.has_value()) << why;
+    EXPECT_EQ(image(), after.value_or(before)) << why;
   }
 }
 

@@ -1,10 +1,9 @@
 // Every operation with every read failing, and with every allocation failing: once, and from then on. What an operation
 // claims is so, and what fails says which of the two it was and has changed nothing.
-#include <gtest/gtest.h>
-
 #include <functional>
 
 #include "tests/FailingAllocation.h"
+#include "tests/Testing.h"
 #include "tests/storage/SimulatedFiles.h"
 #include "velan/storage/BlockStorage.h"
 
@@ -183,7 +182,7 @@ class BlockSweepTest : public testing::TestWithParam<Operation> {
     EXPECT_EQ(outcome.count, outcome.contents[1].front() == "missing" ? 2u : 3u) << "nothing is left behind";
   }
 
-  CountedLog log;
+  CapturedLog log;
   SimulatedFiles files;
   std::vector<std::string> _images;
 };

@@ -1,8 +1,6 @@
-#include <gtest/gtest.h>
 #include <zlib.h>
 
-#include <random>
-
+#include "tests/Testing.h"
 #include "tests/storage/SimulatedFiles.h"
 #include "velan/storage/Compression.h"
 #include "velan/storage/Digest.h"
@@ -82,7 +80,7 @@ TEST(Digest, OfBuffers) {
 }
 
 TEST(Encryption, KnownBytesAndBackAgain) {
-  CountedLog log;
+  CapturedLog log;
   const Data text = Data::withBytes("sixteen bytes ok");
   const Data encrypted = encryptedDataUsingKey(text, u"pass"_s);
   if (!encrypted) GTEST_SKIP() << "built without AES";

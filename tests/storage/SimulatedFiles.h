@@ -13,7 +13,6 @@
 #include <vector>
 
 #include "tests/FailingAllocation.h"
-#include "velan/base/Log.h"
 #include "velan/platform/files/FileCallsInternal.h"
 
 namespace velan {
@@ -163,22 +162,6 @@ class SimulatedFiles : public FileCalls {
   }
 
   std::vector<std::string*> _open;
-};
-
-/// Keeps the log quiet and counts its messages.
-class CountedLog {
- public:
-  CountedLog() {
-    setLogSink([](std::string_view message, void* context) { static_cast<CountedLog*>(context)->add(message); }, this);
-  }
-  ~CountedLog() { setLogSink(nullptr, nullptr); }
-  std::vector<std::string> messages;
-
- private:
-  void add(std::string_view message) {
-    const SparedAllocations spared;
-    if (messages.size() < 100) messages.emplace_back(message);
-  }
 };
 
 }  // namespace velan

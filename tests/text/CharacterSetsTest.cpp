@@ -1,5 +1,4 @@
-#include <gtest/gtest.h>
-
+#include "tests/Testing.h"
 #include "velan/text/CharacterSetOperations.h"
 #include "velan/text/CharacterSets.h"
 #include "velan/text/Separators.h"
@@ -9,11 +8,7 @@ namespace {
 
 TEST(CharacterSets, Members) {
   using namespace std::string_view_literals;
-  const struct {
-    const char* name;
-    const uint8_t* rep;
-    std::u16string_view members, others;
-  } sets[] = {
+  const Cases<const char*, const uint8_t*, std::u16string_view, std::u16string_view> sets = {
       {"empty", emptyCharacterSetRep(), u"", u"\0a \xFFFF"sv},
       {"space", spaceCharacterSetRep(), u"\0\t \x00A0\x3000"sv, u"a\n\r\x2028\x200B"},
       {"white", whiteCharacterSetRep(), u"\0\x03\t\n\v\f\r \x0085\x00A0\x2028\x2029\x3000\xFEFF\xFFFC"sv,
@@ -36,33 +31,28 @@ TEST(CharacterSets, Members) {
       {"sentence", defaultSentenceSeparators(), u"!.:?", u",;\n\x3002"},
       {"line", defaultLineSeparators(), u"\r\n\f\x2028\x2029\x03\xFFFC\x0085", u"\v \xFEFF"},
   };
-  for (const auto& set : sets) {
-    for (const unichar c : set.members) EXPECT_TRUE(isMemberOfCharacterSetRep(set.rep, c)) << set.name << ' ' << int{c};
-    for (const unichar c : set.others) EXPECT_FALSE(isMemberOfCharacterSetRep(set.rep, c)) << set.name << ' ' << int{c};
+  for (const auto& [name, rep, members, others] : sets) {
+    for (const unichar c : members) EXPECT_TRUE(isMemberOfCharacterSetRep(rep, c)) << name << ' ' << int{c};
+    for (const unichar c : others) EXPECT_FALSE(isMemberOfCharacterSetRep(rep, c)) << name << ' ' << int{c};
   }
 }
 
 TEST(CharacterSetOperations, WholeStrings) {
   const std::u16string digits(300, u'7');
-  const struct {
-    const char* why;
-    String string;
-    bool any, all, allIfEmpty;
-    int64_t count;
-  } cases[] = {
+  const Cases<const char*, String, bool, bool, bool, int64_t> cases = {
       {"absent", String(), false, false, true, 0},
       {"empty", u"", false, false, true, 0},
       {"the last of three", u"ab1", true, false, false, 1},
       {"long", digits, true, true, true, 300},
       {"all but the last of a long one", digits + u"x", true, false, false, 300},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(characterPartOfSet(c.string, digitCharacterSetRep()), c.any) << c.why;
-    EXPECT_EQ(charactersPartOfSet(c.string, digitCharacterSetRep(), false), c.all) << c.why;
-    EXPECT_EQ(charactersPartOfSet(c.string, digitCharacterSetRep(), true), c.allIfEmpty) << c.why;
-    EXPECT_EQ(countCharactersPartOfSet(c.string, digitCharacterSetRep()), c.count) << c.why;
-    EXPECT_FALSE(characterPartOfSet(c.string, nullptr)) << c.why;
-    EXPECT_EQ(countCharactersPartOfSet(c.string, nullptr), 0) << c.why;
+  for (const auto& [why, string, any, all, allIfEmpty, count] : cases) {
+    EXPECT_EQ(characterPartOfSet(string, digitCharacterSetRep()), any) << why;
+    EXPECT_EQ(charactersPartOfSet(string, digitCharacterSetRep(), false), all) << why;
+    EXPECT_EQ(charactersPartOfSet(string, digitCharacterSetRep(), true), allIfEmpty) << why;
+    EXPECT_EQ(countCharactersPartOfSet(string, digitCharacterSetRep()), count) << why;
+    EXPECT_FALSE(characterPartOfSet(string, nullptr)) << why;
+    EXPECT_EQ(countCharactersPartOfSet(string, nullptr), 0) << why;
   }
 }
 

@@ -1,5 +1,4 @@
-#include <gtest/gtest.h>
-
+#include "tests/Testing.h"
 #include "velan/text/ConversionTables.h"
 #include "velan/text/UnitMappingInternal.h"
 

@@ -1,11 +1,7 @@
 // A process of its own: here the threads race through the very first use of every table, set and separator.
-#include <gtest/gtest.h>
-
 #include <barrier>
-#include <thread>
-#include <vector>
 
-#include "velan/base/String.h"
+#include "tests/Testing.h"
 #include "velan/text/CharacterSets.h"
 #include "velan/text/ConversionTables.h"
 #include "velan/text/Separators.h"

@@ -1,5 +1,4 @@
-#include <gtest/gtest.h>
-
+#include "tests/Testing.h"
 #include "velan/text/CharacterSets.h"
 #include "velan/text/ConversionTables.h"
 #include "velan/text/comparison/SetFilteredComparison.h"
@@ -10,11 +9,7 @@ namespace velan {
 namespace {
 
 TEST(SetFilteredComparison, EqualAndPrefix) {
-  const struct {
-    const char* why;
-    String a, b;
-    bool equal, equalNoCase, prefix, prefixNoCase;
-  } cases[] = {
+  const Cases<const char*, String, String, bool, bool, bool, bool> cases = {
       {"no members on either side", u"-", u"12", true, true, true, true},
       {"units between", u"a-b", u"ab", true, true, true, true},
       {"members left in the first", u"a b c", u"ab", false, false, true, true},
@@ -24,24 +19,18 @@ TEST(SetFilteredComparison, EqualAndPrefix) {
       {"nothing is a prefix", u"a", u"", false, false, true, true},
   };
   const uint8_t* alpha = alphaCharacterSetRep();
-  for (const auto& c : cases) {
-    EXPECT_EQ(equalStringsUsingCharacterSetRep(c.a, c.b, alpha), c.equal) << c.why;
-    EXPECT_EQ(equalStringsNoCaseUsingCharacterSetRep(c.a, c.b, alpha), c.equalNoCase) << c.why;
-    EXPECT_EQ(hasPrefixUsingCharacterSetRep(c.a, c.b, alpha), c.prefix) << c.why;
-    EXPECT_EQ(hasPrefixNoCaseUsingCharacterSetRep(c.a, c.b, alpha), c.prefixNoCase) << c.why;
+  for (const auto& [why, a, b, equal, equalNoCase, prefix, prefixNoCase] : cases) {
+    EXPECT_EQ(equalStringsUsingCharacterSetRep(a, b, alpha), equal) << why;
+    EXPECT_EQ(equalStringsNoCaseUsingCharacterSetRep(a, b, alpha), equalNoCase) << why;
+    EXPECT_EQ(hasPrefixUsingCharacterSetRep(a, b, alpha), prefix) << why;
+    EXPECT_EQ(hasPrefixNoCaseUsingCharacterSetRep(a, b, alpha), prefixNoCase) << why;
   }
   EXPECT_FALSE(equalStringsUsingCharacterSetRep(u"a", u"a", nullptr));
 }
 
 TEST(CharacterSearch, CaseAndStart) {
   const String text = u"xAaB1a\x00DF";
-  const struct {
-    const char* why;
-    unichar ch;
-    int64_t start;
-    bool noCase;
-    int64_t first, last, count;
-  } cases[] = {
+  const Cases<const char*, unichar, int64_t, bool, int64_t, int64_t, int64_t> cases = {
       {"without the flag the upper-case form is searched", 'a', 0, false, 1, 1, 1},
       {"and for itself too", 'A', 0, false, 1, 1, 1},
       {"any case", 'a', 0, true, 1, 5, 3},
@@ -51,11 +40,11 @@ TEST(CharacterSearch, CaseAndStart) {
       {"start beyond the end", 0xDF, 99, false, NSNotFound, NSNotFound, 0},
       {"negative start", 'B', -5, false, 3, 3, 1},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(findCharacter(text, c.ch, c.start, c.noCase), c.first) << c.why;
-    EXPECT_EQ(findLastCharacter(text, c.ch, c.start, c.noCase), c.last) << c.why;
-    EXPECT_EQ(countCharacter(text, c.ch, c.start, c.noCase), c.count) << c.why;
-    EXPECT_EQ(containsCharacter(text, c.ch, c.start, c.noCase), c.count > 0) << c.why;
+  for (const auto& [why, ch, start, noCase, first, last, count] : cases) {
+    EXPECT_EQ(findCharacter(text, ch, start, noCase), first) << why;
+    EXPECT_EQ(findLastCharacter(text, ch, start, noCase), last) << why;
+    EXPECT_EQ(countCharacter(text, ch, start, noCase), count) << why;
+    EXPECT_EQ(containsCharacter(text, ch, start, noCase), count > 0) << why;
   }
   EXPECT_EQ(findCharacter(String(), 'a', true), NSNotFound);
   EXPECT_TRUE(onlyWhiteCharacters(u" \n\t", 3) && onlyWhiteCharacters(nullptr, 0) && !onlyWhiteCharacters(u" x", 2));
@@ -77,11 +66,7 @@ TEST(CharacterSearch, AFlagIsNoIndex) {
 }
 
 TEST(StringEquality, WholeStrings) {
-  const struct {
-    const char* why;
-    String a, b;
-    bool noCase, nonUmlauted, upperTable, exact;
-  } cases[] = {
+  const Cases<const char*, String, String, bool, bool, bool, bool> cases = {
       {"empty", u"", u"", true, true, true, true},
       {"absent and empty", String(), u"", false, false, true, true},
       {"empty and absent", u"", String(), false, false, true, true},
@@ -98,11 +83,11 @@ TEST(StringEquality, WholeStrings) {
       {"brackets are no letters", u"[", u"{", false, false, false, false},
       {"composed and decomposed", u"\x00E9x", u"e\x0301", false, false, false, false},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(isEqualToStringNoCase(c.a, c.b), c.noCase) << c.why;
-    EXPECT_EQ(isNonUmlautedEqualToStringNoCase(c.a, c.b), c.nonUmlauted) << c.why;
-    EXPECT_EQ(equalStringsUsingConversionTable(c.a, c.b, upperCharsTable()), c.upperTable) << c.why;
-    EXPECT_EQ(equalStringsUsingConversionTable(c.a, c.b, nullptr), c.exact) << c.why;
+  for (const auto& [why, a, b, noCase, nonUmlauted, upperTable, exact] : cases) {
+    EXPECT_EQ(isEqualToStringNoCase(a, b), noCase) << why;
+    EXPECT_EQ(isNonUmlautedEqualToStringNoCase(a, b), nonUmlauted) << why;
+    EXPECT_EQ(equalStringsUsingConversionTable(a, b, upperCharsTable()), upperTable) << why;
+    EXPECT_EQ(equalStringsUsingConversionTable(a, b, nullptr), exact) << why;
   }
 }
 
@@ -120,12 +105,7 @@ TEST(StringEquality, PrefixAndSuffix) {
 
 TEST(StringEquality, Ranges) {
   const String text = u"x\x00C4pfel";
-  const struct {
-    const char* why;
-    Range range;
-    String other;
-    bool exact, noCase, nonUmlauted;
-  } cases[] = {
+  const Cases<const char*, Range, String, bool, bool, bool> cases = {
       {"case", {1, 2}, u"\x00E4P", false, true, true},
       {"diacritics", {1, 2}, u"aP", false, false, true},
       {"empty", {2, 0}, u"", true, true, true},
@@ -136,10 +116,10 @@ TEST(StringEquality, Ranges) {
       {"beyond the end", {NSNotFound, 1}, u"l", false, false, false},
       {"before the start", {-1, 1}, u"x", false, false, false},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(rangeIsEqualTo(text, c.range, c.other), c.exact) << c.why;
-    EXPECT_EQ(rangeIsEqualToNoCase(text, c.range, c.other), c.noCase) << c.why;
-    EXPECT_EQ(rangeIsNonUmlautedEqualToNoCase(text, c.range, c.other), c.nonUmlauted) << c.why;
+  for (const auto& [why, range, other, exact, noCase, nonUmlauted] : cases) {
+    EXPECT_EQ(rangeIsEqualTo(text, range, other), exact) << why;
+    EXPECT_EQ(rangeIsEqualToNoCase(text, range, other), noCase) << why;
+    EXPECT_EQ(rangeIsNonUmlautedEqualToNoCase(text, range, other), nonUmlauted) << why;
   }
 }
 

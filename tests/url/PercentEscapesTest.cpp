@@ -1,7 +1,4 @@
-#include <gtest/gtest.h>
-
-#include <memory>
-
+#include "tests/Testing.h"
 #include "velan/base/ASCII.h"
 #include "velan/url/PercentEscapes.h"
 
@@ -14,9 +11,7 @@ using enum StringEncoding;
 std::string shown(const String& string) { return string ? string.toUTF8() : "absent"; }
 
 TEST(PercentEscapes, StandardAndASCIISets) {
-  const struct {
-    String text, standardDecoded, asciiDecoded, standardEncoded, asciiEncoded;
-  } cases[] = {
+  const Cases<String, String, String, String, String> cases = {
       {u"a?x=%3F", u"a?x=%3F", u"a?x=?", u"a%3fx%3d%253F", u"a%3fx%3d%253F"},
       {u"%41%e9", u"%41%e9", u"A%e9", u"%2541%25e9", u"%2541%25e9"},
       {u"%23%22%0a%7e", u"%23%22\n~", u"#\"\n~", u"%2523%2522%250a%257e", u"%2523%2522%250a%257e"},
@@ -26,11 +21,11 @@ TEST(PercentEscapes, StandardAndASCIISets) {
       {u"~'\t\x7f", u"~'\t\x7f", u"~'\t\x7f", u"~'\t\x7f", u"%7e%27%09%7f"},
       {String(), String(), String(), String(), String()},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(stringByReplacingStandardPercentEscapesOfURL(c.text), c.standardDecoded) << shown(c.text);
-    EXPECT_EQ(stringByReplacingASCIIPercentEscapesOfURL(c.text), c.asciiDecoded) << shown(c.text);
-    EXPECT_EQ(stringByAddingPercentEscapesToURL(c.text, true), c.standardEncoded) << shown(c.text);
-    EXPECT_EQ(stringByAddingPercentEscapesToURL(c.text, false), c.asciiEncoded) << shown(c.text);
+  for (const auto& [text, standardDecoded, asciiDecoded, standardEncoded, asciiEncoded] : cases) {
+    EXPECT_EQ(stringByReplacingStandardPercentEscapesOfURL(text), standardDecoded) << shown(text);
+    EXPECT_EQ(stringByReplacingASCIIPercentEscapesOfURL(text), asciiDecoded) << shown(text);
+    EXPECT_EQ(stringByAddingPercentEscapesToURL(text, true), standardEncoded) << shown(text);
+    EXPECT_EQ(stringByAddingPercentEscapesToURL(text, false), asciiEncoded) << shown(text);
   }
   const String plain = u"abc"_s;
   EXPECT_TRUE(stringByReplacingASCIIPercentEscapesOfURL(plain).isSameObject(plain));
@@ -67,11 +62,7 @@ TEST(PercentEscapes, EveryEscapeInPlace) {
 }
 
 TEST(PercentEscapes, DecodingEverything) {
-  const struct {
-    String text;
-    StringEncoding encoding;
-    String decoded;
-  } cases[] = {
+  const Cases<String, StringEncoding, String> cases = {
       {u"a%20b", UTF8, u"a b"},
       {u"%c3%a9%C3%89", UTF8, u"\u00e9\u00c9"},
       {u"\u00e9%20\u00e9", UTF8, u"\u00e9 \u00e9"},
@@ -99,11 +90,11 @@ TEST(PercentEscapes, DecodingEverything) {
       {u"%41", Invalid, String()},
       {u"%41", Detect, String()},
   };
-  for (const auto& c : cases) {
-    const String decoded = stringByReplacingPercentEscapesOfURL(c.text, c.encoding);
-    EXPECT_EQ(decoded, c.decoded) << shown(c.text) << ": " << shown(decoded);
-    if (c.encoding == UTF8) {
-      EXPECT_EQ(stringByReplacingPercentEscapesOfURL(c.text), c.decoded);
+  for (const auto& [text, encoding, expected] : cases) {
+    const String decoded = stringByReplacingPercentEscapesOfURL(text, encoding);
+    EXPECT_EQ(decoded, expected) << shown(text) << ": " << shown(decoded);
+    if (encoding == UTF8) {
+      EXPECT_EQ(stringByReplacingPercentEscapesOfURL(text), expected);
     }
   }
   const String nul = stringByReplacingPercentEscapesOfURL(u"%00"_s);
@@ -112,11 +103,7 @@ TEST(PercentEscapes, DecodingEverything) {
 
 TEST(PercentEscapes, EncodingEverything) {
   const String no;
-  const struct {
-    String text;
-    StringEncoding encoding;
-    String leave, force, encoded;
-  } cases[] = {
+  const Cases<String, StringEncoding, String, String, String> cases = {
       {u"azAZ09!$&'()*+,-./:;=?@_~", UTF8, no, no, u"azAZ09!$&'()*+,-./:;=?@_~"},
       {u"\"#%<>[\\]^`{|}", UTF8, no, no, u"%22%23%25%3C%3E%5B%5C%5D%5E%60%7B%7C%7D"},
       {u"\u00e9\u20ac", UTF8, no, no, u"%C3%A9%E2%82%AC"},
@@ -140,16 +127,16 @@ TEST(PercentEscapes, EncodingEverything) {
       {u" ", Invalid, no, no, no},
       {u"a", Invalid, no, no, u"a"},
   };
-  for (const auto& c : cases) {
-    const String encoded = stringByAddingPercentEscapesToURL(c.text, c.encoding, c.leave, c.force);
-    EXPECT_EQ(encoded, c.encoded) << shown(c.text) << ": " << shown(encoded);
-    if (!c.force) {
-      EXPECT_EQ(stringByAddingPercentEscapesToURL(c.text, c.encoding, c.leave), c.encoded);
+  for (const auto& [text, encoding, leave, force, expected] : cases) {
+    const String encoded = stringByAddingPercentEscapesToURL(text, encoding, leave, force);
+    EXPECT_EQ(encoded, expected) << shown(text) << ": " << shown(encoded);
+    if (!force) {
+      EXPECT_EQ(stringByAddingPercentEscapesToURL(text, encoding, leave), expected);
     }
-    if (!c.force && !c.leave) {
-      EXPECT_EQ(stringByAddingPercentEscapesToURL(c.text, c.encoding), c.encoded);
-      if (c.encoding == UTF8) {
-        EXPECT_EQ(stringByAddingPercentEscapesToURL(c.text), c.encoded);
+    if (!force && !leave) {
+      EXPECT_EQ(stringByAddingPercentEscapesToURL(text, encoding), expected);
+      if (encoding == UTF8) {
+        EXPECT_EQ(stringByAddingPercentEscapesToURL(text), expected);
       }
     }
   }

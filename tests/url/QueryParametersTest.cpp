@@ -1,5 +1,4 @@
-#include <gtest/gtest.h>
-
+#include "tests/Testing.h"
 #include "velan/url/QueryParameters.h"
 
 namespace velan {
@@ -12,12 +11,8 @@ std::string dumpOf(const ValueDictionary& parameters) {
 }
 
 TEST(QueryParameters, Scanning) {
-  const struct {
-    const char* why;
-    String url;
-    int64_t count;
-    std::string parameters;  // by key
-  } cases[] = {
+  // parameters: by key
+  const Cases<const char*, String, int64_t, std::string> cases = {
       {"an empty value counts, but is not listed", u"http://h/?a=1&b=&c=3;d=4", 4, "a=1 c=3 d=4 "},
       {"without a query", u"http://h/a=1", 0, ""},
       {"an empty query", u"http://h/?", 0, ""},
@@ -30,9 +25,9 @@ TEST(QueryParameters, Scanning) {
       {"keys in other scripts", u"h?\u00e9\u4e00=1", 1, "\u00e9\u4e00=1 "},
       {"absent", String(), 0, ""},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(numberOfQueryParams(c.url), c.count) << c.why;
-    EXPECT_EQ(dumpOf(queryParams(c.url)), c.parameters) << c.why;
+  for (const auto& [why, url, count, parameters] : cases) {
+    EXPECT_EQ(numberOfQueryParams(url), count) << why;
+    EXPECT_EQ(dumpOf(queryParams(url)), parameters) << why;
   }
   EXPECT_EQ(numberOfQueryParams(u"a=1&b=2"_s, 1), 1);
   EXPECT_EQ(dumpOf(queryParams(u"a=1&b=2"_s, -5)), "a=1 b=2 ");

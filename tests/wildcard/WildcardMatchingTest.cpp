@@ -1,11 +1,4 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <random>
-#include <string>
-#include <vector>
-
-#include "velan/base/String.h"
+#include "tests/Testing.h"
 #include "velan/text/ConversionTables.h"
 #include "velan/wildcard/WildcardMatching.h"
 #include "velan/wildcard/WildcardSimulationInternal.h"
@@ -134,10 +127,7 @@ TEST(WildcardMatching, ManyStarsAndLongPatterns) {
 }
 
 TEST(WildcardMatching, Strings) {
-  const struct {
-    String string, pattern;
-    bool like, likeNoCase, unixLike, unixLikeNoCase;
-  } cases[] = {
+  const Cases<String, String, bool, bool, bool, bool> cases = {
       {u"", u"*", false, false, false, false},
       {String(), u"*", false, false, false, false},
       {u"a", u"", false, false, false, false},
@@ -149,11 +139,11 @@ TEST(WildcardMatching, Strings) {
       {u"stra\x00DF\x0065", u"STRA?E", false, true, false, true},
       {u"\x00C4rger", u"\x00E4*", false, true, false, true},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(isLikeWildcard(c.string, c.pattern), c.like) << c.pattern.toUTF8();
-    EXPECT_EQ(isCaseInsensitiveLikeWildcard(c.string, c.pattern), c.likeNoCase) << c.pattern.toUTF8();
-    EXPECT_EQ(isLikeUnixWildcard(c.string, c.pattern), c.unixLike) << c.pattern.toUTF8();
-    EXPECT_EQ(isCaseInsensitiveLikeUnixWildcard(c.string, c.pattern), c.unixLikeNoCase) << c.pattern.toUTF8();
+  for (const auto& [string, pattern, like, likeNoCase, unixLike, unixLikeNoCase] : cases) {
+    EXPECT_EQ(isLikeWildcard(string, pattern), like) << pattern.toUTF8();
+    EXPECT_EQ(isCaseInsensitiveLikeWildcard(string, pattern), likeNoCase) << pattern.toUTF8();
+    EXPECT_EQ(isLikeUnixWildcard(string, pattern), unixLike) << pattern.toUTF8();
+    EXPECT_EQ(isCaseInsensitiveLikeUnixWildcard(string, pattern), unixLikeNoCase) << pattern.toUTF8();
   }
   // Only the text is converted: a pattern that was not prepared stays as it is.
   const View text = u"abc", pattern = u"a*";

@@ -1,6 +1,4 @@
-#include <gtest/gtest.h>
-
-#include "velan/base/String.h"
+#include "tests/Testing.h"
 #include "velan/text/ConversionTables.h"
 #include "velan/wildcard/WildcardPattern.h"
 
@@ -8,11 +6,8 @@ namespace velan {
 namespace {
 
 TEST(WildcardPattern, NormalFormTypeAndRange) {
-  const struct {
-    std::u16string_view pattern, normal;  // for type 10 what the range covers
-    uint32_t type;
-    Range range;
-  } cases[] = {
+  // pattern: for type 10 what the range covers; normal: for type 10 what the range covers
+  const Cases<std::u16string_view, std::u16string_view, uint32_t, Range> cases = {
       {u"", u"", 10, {0, 0}},          {u"**", u"*", 10, {0, 1}},          {u"*?*", u"*?*", 10, {0, 3}},
       {u"abc", u"abc", 0, {0, 3}},     {u"a?c", u"a?c", 1, {0, 3}},        {u"abc*", u"abc*", 2, {0, 3}},
       {u"*abc", u"*abc", 3, {1, 3}},   {u"**abc***", u"*abc*", 4, {1, 3}}, {u"a**b", u"a*b", 5, {0, 3}},
@@ -23,17 +18,17 @@ TEST(WildcardPattern, NormalFormTypeAndRange) {
       {u"[|a|]", u"[a]", 9, {0, 3}},   {u"a|b\\c", u"a|b\\c", 0, {0, 5}},  {u"a]b", u"a", 10, {0, 1}},
       {u"a[", u"a[", 10, {0, 2}},      {u"a[b", u"a[b", 10, {0, 3}},       {u"a[[b]", u"a[", 10, {0, 2}},
   };
-  for (const auto& c : cases) {
-    std::u16string units(c.pattern);
+  for (const auto& [pattern, optimized, type, part] : cases) {
+    std::u16string units(pattern);
     Range range{-1, -1};
-    const String shown(c.pattern);
-    EXPECT_EQ(optimizeWildcard(units.data(), units.data() + units.size(), &range, 1), c.type) << shown.toUTF8();
-    EXPECT_EQ(range, c.range) << shown.toUTF8();
-    EXPECT_EQ(units.substr(0, c.normal.size()), c.normal) << shown.toUTF8();
-    EXPECT_EQ(wildcardType(shown), c.pattern.empty() ? 0 : c.type) << shown.toUTF8();
+    const String shown(pattern);
+    EXPECT_EQ(optimizeWildcard(units.data(), units.data() + units.size(), &range, 1), type) << shown.toUTF8();
+    EXPECT_EQ(range, part) << shown.toUTF8();
+    EXPECT_EQ(units.substr(0, optimized.size()), optimized) << shown.toUTF8();
+    EXPECT_EQ(wildcardType(shown), pattern.empty() ? 0 : type) << shown.toUTF8();
     const String normal = normalWildcard(shown);
-    EXPECT_EQ(normal.isAbsent(), c.type == 10) << shown.toUTF8();
-    EXPECT_TRUE(normal.isAbsent() || normal == c.normal) << shown.toUTF8();
+    EXPECT_EQ(normal.isAbsent(), type == 10) << shown.toUTF8();
+    EXPECT_TRUE(normal.isAbsent() || normal == optimized) << shown.toUTF8();
   }
 }
 
@@ -49,16 +44,13 @@ TEST(WildcardPattern, FewLiterals) {
 }
 
 TEST(WildcardPattern, Lengths) {
-  const struct {
-    String pattern;
-    int64_t least, most;
-  } cases[] = {{u"", 0, 0},          {u"abc", 3, 3},  {u"a*[xyz]?", 3, INT64_MAX},
-               {u"a[xyz]?", 3, 3},   {u"a[xy", 2, 2}, {u"[", 1, 1},
-               {u"*", 0, INT64_MAX}, {u"[*]", 1, 1},  {String(), 0, 0}};
-  for (const auto& c : cases) {
-    EXPECT_EQ(minWildcardLen(c.pattern.begin(), c.pattern.end()), c.least);
-    EXPECT_EQ(maxWildcardLen(c.pattern.begin(), c.pattern.end()), c.most);
-    EXPECT_EQ(wildcardLength(c.pattern), c.least);
+  const Cases<String, int64_t, int64_t> cases = {{u"", 0, 0},          {u"abc", 3, 3},  {u"a*[xyz]?", 3, INT64_MAX},
+                                                 {u"a[xyz]?", 3, 3},   {u"a[xy", 2, 2}, {u"[", 1, 1},
+                                                 {u"*", 0, INT64_MAX}, {u"[*]", 1, 1},  {String(), 0, 0}};
+  for (const auto& [pattern, least, most] : cases) {
+    EXPECT_EQ(minWildcardLen(pattern.begin(), pattern.end()), least);
+    EXPECT_EQ(maxWildcardLen(pattern.begin(), pattern.end()), most);
+    EXPECT_EQ(wildcardLength(pattern), least);
   }
 }
 

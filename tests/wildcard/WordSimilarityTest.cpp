@@ -1,10 +1,6 @@
-#include <gtest/gtest.h>
-
 #include <cmath>
-#include <random>
-#include <string>
-#include <vector>
 
+#include "tests/Testing.h"
 #include "velan/text/ConversionTables.h"
 #include "velan/wildcard/WildcardMatching.h"
 

@@ -1,7 +1,4 @@
-#include <gtest/gtest.h>
-
-#include <string>
-
+#include "tests/Testing.h"
 #include "velan/base/dates/ISODate.h"
 
 namespace velan {
@@ -10,11 +7,8 @@ namespace {
 constexpr double kNone = -1;
 
 TEST(ISODate, FormsThatAreRead) {
-  const struct {
-    std::string text;
-    double universal;  // read as `UniversalSeconds`
-    double extended;
-  } cases[] = {
+  // universal: read as `UniversalSeconds`
+  const Cases<std::string, double, double> cases = {
       {"2001-01-02T00:00:01Z", 86401, 86401},
       {"2001-01-02", kNone, 86400},
       {"2001-01-01T01:00:00", kNone, 3600},
@@ -39,11 +33,11 @@ TEST(ISODate, FormsThatAreRead) {
       {"", kNone, kNone},
   };
   const auto seconds = [](std::optional<Date> date) { return date ? date->timeIntervalSinceReferenceDate() : kNone; };
-  for (const auto& c : cases) {
-    EXPECT_EQ(seconds(dateFromISOText(c.text, ISODateForm::UniversalSeconds)), c.universal) << c.text;
-    EXPECT_EQ(seconds(dateFromISOText(c.text, ISODateForm::Extended)), c.extended) << c.text;
-    const std::u16string units(c.text.begin(), c.text.end());
-    EXPECT_EQ(seconds(dateFromISOText(units, ISODateForm::Extended)), c.extended) << c.text;
+  for (const auto& [text, universal, extended] : cases) {
+    EXPECT_EQ(seconds(dateFromISOText(text, ISODateForm::UniversalSeconds)), universal) << text;
+    EXPECT_EQ(seconds(dateFromISOText(text, ISODateForm::Extended)), extended) << text;
+    const std::u16string units(text.begin(), text.end());
+    EXPECT_EQ(seconds(dateFromISOText(units, ISODateForm::Extended)), extended) << text;
   }
   EXPECT_FALSE(dateFromISOText(u"200\u0131-01-01", ISODateForm::Extended)) << "only ASCII digits count";
 }

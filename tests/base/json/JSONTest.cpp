@@ -1,18 +1,14 @@
-#include <gtest/gtest.h>
-
 #include <cmath>
 
 #include "tests/SmallStack.h"
+#include "tests/Testing.h"
 #include "velan/base/json/JSON.h"
 
 namespace velan {
 namespace {
 
 TEST(JSON, NumbersKeepTheirKindAndLeaveTheRangeOfDoubles) {
-  const struct {
-    const char* json;
-    Value value;
-  } cases[] = {
+  const Cases<const char*, Value> cases = {
       {"-9223372036854775808", INT64_MIN},
       {"18446744073709551615", UINT64_MAX},
       {"18446744073709551616", 18446744073709551616.0},
@@ -22,11 +18,11 @@ TEST(JSON, NumbersKeepTheirKindAndLeaveTheRangeOfDoubles) {
       {"0.0001e-400", 0.0},
       {"12345678901234567890123456789e300", HUGE_VAL},
   };
-  for (const auto& c : cases) {
-    const auto value = readJSON(c.json);
-    ASSERT_TRUE(value) << c.json;
-    EXPECT_EQ(value->kind(), c.value.kind()) << c.json;
-    EXPECT_EQ(*value, c.value) << c.json;
+  for (const auto& [json, expected] : cases) {
+    const auto value = readJSON(json);
+    ASSERT_TRUE(value) << json;
+    EXPECT_EQ(value->kind(), expected.kind()) << json;
+    EXPECT_EQ(*value, expected) << json;
   }
 }
 
@@ -54,10 +50,7 @@ TEST(JSON, AMillionNestedBracketsOnASmallStack) {
 }
 
 TEST(JSON, Feeds) {
-  const struct {
-    bool feed;
-    String json;
-  } cases[] = {
+  const Cases<bool, String> cases = {
       {true, uR"({"version":"https://jsonfeed.org/version/1.1","title":"x","items":[]})"_s},
       {true, uR"( {"items":[{"version":2}],"version":"https:\/\/jsonfeed.org\u002fversion/1"} )"_s},
       {true, uR"({"version":1,"version":"https://jsonfeed.org/version/1","items":[]})"_s},
@@ -72,7 +65,7 @@ TEST(JSON, Feeds) {
       {false, u""_s},
       {false, String()},
   };
-  for (const auto& c : cases) EXPECT_EQ(isJSONFeed(c.json), c.feed) << c.json.toUTF8();
+  for (const auto& [feed, json] : cases) EXPECT_EQ(isJSONFeed(json), feed) << json.toUTF8();
 }
 
 TEST(JSON, Escapes) {

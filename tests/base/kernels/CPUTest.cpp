@@ -1,8 +1,7 @@
 // The levels of instructions, and the lists of kernels that are made by them. Runs at every level.
-#include <gtest/gtest.h>
-
 #include <cstdlib>
 
+#include "tests/Testing.h"
 #include "velan/base/kernels/KernelsInternal.h"
 
 namespace velan {

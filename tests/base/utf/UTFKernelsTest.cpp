@@ -1,13 +1,5 @@
 // Every way to transcode equals the reference. Runs at every level of instructions.
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <memory>
-#include <random>
-#include <string>
-#include <vector>
-
-#include "velan/base/String.h"
+#include "tests/Testing.h"
 #include "velan/base/utf/UTFKernelsInternal.h"
 
 namespace velan {

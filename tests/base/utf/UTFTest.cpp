@@ -1,19 +1,11 @@
-#include <gtest/gtest.h>
-
-#include <vector>
-
-#include "velan/base/String.h"
+#include "tests/Testing.h"
 #include "velan/base/utf/UTF.h"
 
 namespace velan {
 namespace {
 
 TEST(UTF, MalformedSequencesAreRefusedOrReplaced) {
-  const struct {
-    const char* why;
-    std::string utf8;
-    String lossy;
-  } cases[] = {
+  const Cases<const char*, std::string, String> cases = {
       {"a continuation byte alone", "a\x80z", u"a\uFFFDz"},
       {"overlong, three bytes", "\xE0\x80\xAF", u"\uFFFD\uFFFD\uFFFD"},
       {"a surrogate", "\xED\xA0\x80", u"\uFFFD\uFFFD\uFFFD"},
@@ -25,13 +17,13 @@ TEST(UTF, MalformedSequencesAreRefusedOrReplaced) {
       {"F7", "\xF7\xBF\xBF\xBF", u"\uFFFD\uFFFD\uFFFD\uFFFD"},
       {"cut in the middle of the text", "\xF0\x9F\x98 x", u"\uFFFD x"},
   };
-  for (const auto& c : cases) {
+  for (const auto& [why, utf8, lossy] : cases) {
     // Heap buffers of the exact size: the address sanitizer sees a read one byte too far.
-    const std::vector<char> bytes(c.utf8.begin(), c.utf8.end());
+    const std::vector<char> bytes(utf8.begin(), utf8.end());
     const std::string_view exact(bytes.data(), bytes.size());
-    EXPECT_TRUE(String::fromUTF8(exact).isAbsent()) << c.why;
-    EXPECT_FALSE(isUTF8(std::string(250, 'x') + c.utf8)) << c.why;
-    EXPECT_EQ(String::fromUTF8Lossy(exact), c.lossy) << c.why;
+    EXPECT_TRUE(String::fromUTF8(exact).isAbsent()) << why;
+    EXPECT_FALSE(isUTF8(std::string(250, 'x') + utf8)) << why;
+    EXPECT_EQ(String::fromUTF8Lossy(exact), lossy) << why;
   }
 }
 

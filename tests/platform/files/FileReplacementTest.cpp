@@ -1,16 +1,12 @@
 // Replacing files: the old contents or the new ones, whoever owns them, whatever fails.
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <thread>
-
+#include "tests/Testing.h"
 #include "tests/platform/files/ChildProcess.h"
 #include "tests/platform/files/InterceptedCalls.h"
 #include "tests/platform/files/TemporaryFolder.h"
-#include "velan/base/Log.h"
 #include "velan/platform/files/File.h"
 #include "velan/platform/files/FileReplacement.h"
 

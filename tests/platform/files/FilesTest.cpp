@@ -1,5 +1,4 @@
 // Opening, reading and listing: what each path gives, and the reason where it gives nothing.
-#include <gtest/gtest.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
@@ -7,6 +6,7 @@
 
 #include <cstring>
 
+#include "tests/Testing.h"
 #include "tests/platform/files/InterceptedCalls.h"
 #include "tests/platform/files/TemporaryFolder.h"
 #include "velan/platform/files/File.h"
@@ -39,10 +39,7 @@ TEST(Files, EveryObstacleHasItsReason) {
   symlink((folder / "file").c_str(), (folder / "link").c_str());
   ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
   const int server = openSocket(folder / "socket");
-  const struct {
-    String path;
-    FileReason reason;
-  } cases[] = {
+  const Cases<String, FileReason> cases = {
       {folder.path("file"), FileReason::None},
       {folder.path("link"), FileReason::None},
       {folder.path("missing/file"), FileReason::NoSuchFile},
@@ -58,9 +55,9 @@ TEST(Files, EveryObstacleHasItsReason) {
       {String(std::u16string_view(u"zero\0", 5)), FileReason::NameHoldsNull},
       {u"", FileReason::NoName},
   };
-  for (const auto& c : cases) {
+  for (const auto& [path, reason] : cases) {
     for (const FileAccess access : {FileAccess::Reading, FileAccess::Updating, FileAccess::Appending}) {
-      EXPECT_EQ(reasonOfOpening(c.path, access), c.reason) << c.path.toUTF8();
+      EXPECT_EQ(reasonOfOpening(path, access), reason) << path.toUTF8();
     }
   }
   EXPECT_EQ(reasonOfOpening(folder.path("dangling"), FileAccess::Updating), FileReason::DanglingLink);

@@ -1,13 +1,8 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <list>
-#include <random>
-#include <string>
-#include <vector>
 
+#include "tests/Testing.h"
 #include "velan/query/words/EastAsianWords.h"
 #include "velan/query/words/FastWordEnumerator.h"
 #include "velan/query/words/WordIndexInternal.h"
@@ -55,13 +50,7 @@ std::u16string randomText(std::mt19937& random, size_t length) {
 }
 
 TEST(FastWordEnumerator, Types) {
-  const struct {
-    const char* why;
-    String text;
-    bool wildcard;
-    const char* types;
-    int64_t words;
-  } cases[] = {
+  const Cases<const char*, String, bool, const char*, int64_t> cases = {
       {"start, end, separator", u"ab\U0001F600c"_s, false, "24116", 2},
       {"a set belongs to its word", u"a[ ,]b c"_s, true, "20000416", 2},
       {"an empty set is no set", u"a[] b"_s, true, "20416", 2},
@@ -69,11 +58,11 @@ TEST(FastWordEnumerator, Types) {
       {"a bracket at the end", u"a b["_s, true, "6124", 2},
       {"a pattern stays one word", u"*a?b* c"_s, true, "2000416", 2},
   };
-  for (const auto& c : cases) {
-    const auto enumerator = FastWordEnumerator::enumeratorWithString(c.text, false, c.wildcard);
-    ASSERT_TRUE(enumerator) << c.why;
-    EXPECT_EQ(typesOf(*enumerator), c.types) << c.why;
-    EXPECT_EQ(enumerator->numberOfWords(), c.words) << c.why;
+  for (const auto& [why, text, wildcard, types, words] : cases) {
+    const auto enumerator = FastWordEnumerator::enumeratorWithString(text, false, wildcard);
+    ASSERT_TRUE(enumerator) << why;
+    EXPECT_EQ(typesOf(*enumerator), types) << why;
+    EXPECT_EQ(enumerator->numberOfWords(), words) << why;
   }
 }
 
@@ -218,12 +207,7 @@ TEST(FastWordEnumerator, IsNeutralWithoutText) {
 }
 
 TEST(FastWordEnumerator, JoinsHyphenatedWords) {
-  const struct {
-    const char* why;
-    String text;
-    std::string joined;
-    bool hyphenated;
-  } cases[] = {
+  const Cases<const char*, String, std::string, bool> cases = {
       {"LF", u"a Donau-\ndampfer b"_s, "a Donaudampfer b ", true},
       {"CR LF and indentation", u"Donau-\r\n\t dampfer"_s, "Donaudampfer ", true},
       {"soft hyphen, twice", u"ex\u00AD\ntra\u00AD\u2028ordinary"_s, "extraordinary ", true},
@@ -232,15 +216,15 @@ TEST(FastWordEnumerator, JoinsHyphenatedWords) {
       {"a dash stands alone", u"Donau -\ndampfer"_s, "Donau dampfer ", false},
       {"the end of the text", u"Donau-\n"_s, "Donau ", false},
   };
-  for (const auto& c : cases) {
-    const auto enumerator = FastWordEnumerator::initWithString(c.text);
+  for (const auto& [why, text, expected, isHyphenated] : cases) {
+    const auto enumerator = FastWordEnumerator::initWithString(text);
     std::list<String> words;
-    bool hyphenated = !c.hyphenated;
+    bool hyphenated = !isHyphenated;
     enumerator->addWordsTo(words, 1, &hyphenated);
     std::string joined;
     for (const String& word : words) joined += word.toUTF8() + ' ';
-    EXPECT_EQ(joined, c.joined) << c.why;
-    EXPECT_EQ(hyphenated, c.hyphenated) << c.why;
+    EXPECT_EQ(joined, expected) << why;
+    EXPECT_EQ(hyphenated, isHyphenated) << why;
   }
   std::vector<String> words;
   bool hyphenated = false;

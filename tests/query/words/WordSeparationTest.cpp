@@ -1,9 +1,8 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <set>
-#include <string>
 
+#include "tests/Testing.h"
 #include "velan/query/words/Components.h"
 #include "velan/query/words/Hashtags.h"
 #include "velan/query/words/WordSeparation.h"
@@ -114,22 +113,17 @@ TEST(Components, AnySeparators) {
 }
 
 TEST(Hashtags, Rule) {
-  const struct {
-    const char* why;
-    String text;
-    bool allowSlash;
-    std::string tags;
-  } cases[] = {
+  const Cases<const char*, String, bool, std::string> cases = {
       {"slash", u"see #tag, #x1 #123 #12 #a/b"_s, true, "tag|x1|123|a/b"},
       {"three digits are enough, two are not", u"#2024 #123, #12; #1-2_3"_s, false, "2024|123|1-2_3"},
       {"other units reject", u"#a.b #(c) x#d #e! #\U0001F600"_s, false, ""},
       {"only the last unit is cut off", u"#a,b #c;"_s, false, "a,|c"},
       {"letters of any script", u"#Übung #日本 #\u0663\u0664\u0665"_s, false, "Übung|日本|\u0663\u0664\u0665"},
   };
-  for (const auto& c : cases) {
-    const auto tags = hashtags(c.text, c.allowSlash);
-    EXPECT_EQ(tags.has_value(), !c.tags.empty()) << c.why;
-    EXPECT_EQ(joined(tags.value_or(std::vector<String>())), c.tags) << c.why;
+  for (const auto& [why, text, allowSlash, expected] : cases) {
+    const auto tags = hashtags(text, allowSlash);
+    EXPECT_EQ(tags.has_value(), !expected.empty()) << why;
+    EXPECT_EQ(joined(tags.value_or(std::vector<String>())), expected) << why;
   }
   EXPECT_FALSE(hashtags(String(), true).has_value());
 }

@@ -1,8 +1,4 @@
-#include <gtest/gtest.h>
-
-#include <random>
-#include <string>
-
+#include "tests/Testing.h"
 #include "velan/text/ConversionTables.h"
 #include "velan/text/comparison/Comparison.h"
 

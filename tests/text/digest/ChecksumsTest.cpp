@@ -1,8 +1,4 @@
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <random>
-
+#include "tests/Testing.h"
 #include "velan/text/ConversionTables.h"
 #include "velan/text/digest/Checksums.h"
 #include "velan/text/digest/ChecksumsInternal.h"
@@ -11,19 +7,15 @@ namespace velan {
 namespace {
 
 TEST(Checksums, KnownValues) {
-  const struct {
-    const char* why;
-    std::string_view bytes;
-    uint32_t crc;
-  } cases[] = {
+  const Cases<const char*, std::string_view, uint32_t> cases = {
       {"empty", "", 0},
       {"one zero byte leaves the register at 0", {"\0", 1}, 0},
       {"one byte", "a", 0x3AB551CE},
       {"several bytes", "abc", 0xCA6598D0},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(CRC32(c.bytes.data(), c.bytes.size()), c.crc) << c.why;
-    EXPECT_EQ(crc32(Data::withBytes(c.bytes)), c.crc) << c.why;
+  for (const auto& [why, bytes, crc] : cases) {
+    EXPECT_EQ(CRC32(bytes.data(), bytes.size()), crc) << why;
+    EXPECT_EQ(crc32(Data::withBytes(bytes)), crc) << why;
   }
   EXPECT_EQ(CRC32(nullptr, 5), 0u);
   EXPECT_EQ(crc32(u"a"_s), 0x3AB551CEu);

@@ -1,10 +1,7 @@
 // MD5 and SHA-1 against published digests, and what is built on them.
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <random>
 #include <span>
 
+#include "tests/Testing.h"
 #include "velan/text/digest/Hexadecimal.h"
 #include "velan/text/digest/MD5.h"
 #include "velan/text/digest/SHA1.h"
@@ -30,20 +27,16 @@ constexpr auto md5 = digestOf<isc_md5_t, ISC_MD5_DIGESTLENGTH, isc_md5_init, isc
 constexpr auto sha1 = digestOf<isc_sha1_t, ISC_SHA1_DIGESTLENGTH, isc_sha1_init, isc_sha1_update, isc_sha1_final>;
 
 TEST(Hashing, PublishedDigests) {
-  const struct {
-    std::string text;
-    const char* md5;
-    const char* sha1;
-  } cases[] = {
+  const Cases<std::string, const char*, const char*> cases = {
       {"", "d41d8cd98f00b204e9800998ecf8427e", "da39a3ee5e6b4b0d3255bfef95601890afd80709"},
       {"abc", "900150983cd24fb0d6963f7d28e17f72", "a9993e364706816aba3e25717850c26c9cd0d89d"},
       {"abcdbcdecdefdefgefghfghighijhijkijkljklmklmnlmnomnopnopq", "8215ef0796a20bcaaae116d3876c664a",
        "84983e441c3bd26ebaae4aa1f95129e5e54670f1"},
       {std::string(1000000, 'a'), "7707d6ae4e027c70eea2a935c2296f21", "34aa973cd4c4daa4f61eeb2bdbad27316534016f"},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(md5(c.text), c.md5) << c.text.size();
-    EXPECT_EQ(sha1(c.text), c.sha1) << c.text.size();
+  for (const auto& [text, byMD5, bySHA1] : cases) {
+    EXPECT_EQ(md5(text), byMD5) << text.size();
+    EXPECT_EQ(sha1(text), bySHA1) << text.size();
   }
 }
 

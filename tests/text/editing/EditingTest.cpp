@@ -1,8 +1,6 @@
-#include <gtest/gtest.h>
-
 #include <functional>
 
-#include "velan/base/Log.h"
+#include "tests/Testing.h"
 #include "velan/text/editing/Appending.h"
 #include "velan/text/editing/CaseChange.h"
 #include "velan/text/editing/Ligatures.h"
@@ -43,11 +41,7 @@ TEST(Editing, FormsCaseLigaturesAndUnits) {
     return [=](MutableString& text) { normalizeString(text, static_cast<NormalizationForm>(number)); };
   };
   const Edit convert = [](MutableString& text) { EXPECT_TRUE(convertLigaturesToCharacters(text)); };
-  const struct {
-    const char* why;
-    Edit edit;
-    String text, result;
-  } cases[] = {
+  const Cases<const char*, Edit, String, String> cases = {
       {"D", form(0), u"\x00E9\xFB01", u"e\x0301\xFB01"},
       {"KD", form(1), u"\x00E9\xFB01", u"e\x0301\x0066i"},
       {"C", form(2), u"e\x0301\xFB01", u"\x00E9\xFB01"},
@@ -72,7 +66,7 @@ TEST(Editing, FormsCaseLigaturesAndUnits) {
       {"no links", removeLinks, u"http://b.c", u"http://b.c"},
       {"no attributes", [](auto& t) { removeAttribute(t, u"NSLink"); }, u"a\xFFFC", u"a\xFFFC"},
   };
-  for (const auto& c : cases) EXPECT_EQ(edited(c.text, c.edit), c.result) << c.why;
+  for (const auto& [why, edit, text, result] : cases) EXPECT_EQ(edited(text, edit), result) << why;
   EXPECT_EQ(edited(String(std::u16string(200, 0xFDFA)), form(1)).length(), 18 * 200);  // the longest of all
   EXPECT_EQ(normalizedLowercaseString(u"E\x0301"), u"\x00E9"_s);
   EXPECT_EQ(normalizedUppercaseString(u"AB"), u"ab"_s);

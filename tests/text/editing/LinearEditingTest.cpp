@@ -1,10 +1,7 @@
 // Every operation that walks a text once against one that edits unit by unit, on random texts of few different units.
-#include <gtest/gtest.h>
-
 #include <functional>
-#include <random>
-#include <string>
 
+#include "tests/Testing.h"
 #include "velan/text/CharacterSets.h"
 #include "velan/text/ConversionTables.h"
 #include "velan/text/editing/Collapsing.h"
@@ -96,12 +93,7 @@ std::u16string randomText(const std::u16string& units, size_t longest) {
 const std::u16string kUnits = u"aabA1\x0661  \t\t\n\r\f\v\x0003\x2028\x2029\xFFFC\x00A0\x0085\xFEFF\0"s;
 
 TEST(LinearEditing, RemovingTrimmingAndCollapsing) {
-  const struct {
-    const char* name;
-    std::function<void(MutableString&)> edit;
-    std::function<String(const String&)> twin;
-    Slow slow;
-  } cases[] = {
+  const Cases<const char*, std::function<void(MutableString&)>, std::function<String(const String&)>, Slow> cases = {
       {"set", [](auto& t) { removeCharacters(t, digitCharacterSetRep()); },
        [](auto& s) { return stringByRemovingCharacters(s, digitCharacterSetRep()); }, removing(isDigit)},
       {"null set", [](auto& t) { removeCharacters(t, nullptr); },
@@ -132,15 +124,15 @@ TEST(LinearEditing, RemovingTrimmingAndCollapsing) {
   for (int round = 0; round < 3000; ++round) {
     const std::u16string text = randomText(round % 2 ? kUnits : u"ab \n"s, round % 2 ? 24 : 5);
     const String string(text);
-    for (const auto& c : cases) {
+    for (const auto& [name, edit, twin, editSlowly] : cases) {
       std::u16string slow = text;
-      c.slow(slow);
+      editSlowly(slow);
       MutableString fast(string);
-      c.edit(fast);
-      ASSERT_EQ(fast.view(), slow) << c.name << ' ' << round;
-      ASSERT_EQ(c.twin(string).view(), slow) << c.name << ' ' << round;
-      ASSERT_EQ(c.twin(string).isSameObject(string), text == slow) << c.name << ' ' << round;
-      ASSERT_TRUE(c.twin(String()).isAbsent()) << c.name;
+      edit(fast);
+      ASSERT_EQ(fast.view(), slow) << name << ' ' << round;
+      ASSERT_EQ(twin(string).view(), slow) << name << ' ' << round;
+      ASSERT_EQ(twin(string).isSameObject(string), text == slow) << name << ' ' << round;
+      ASSERT_TRUE(twin(String()).isAbsent()) << name;
     }
   }
 }

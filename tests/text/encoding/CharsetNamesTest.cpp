@@ -1,7 +1,4 @@
-#include <gtest/gtest.h>
-
-#include <vector>
-
+#include "tests/Testing.h"
 #include "velan/text/encoding/CharsetNames.h"
 #include "velan/text/encoding/EncodingTableInternal.h"
 
@@ -10,10 +7,8 @@ namespace {
 
 TEST(CharsetNames, NamesOfRealPages) {
   using enum TextEncoding;
-  const struct {
-    TextEncoding encoding;
-    std::vector<const char*> names;  // other than those the table has, in which every encoding is found
-  } cases[] = {
+  // names: other than those the table has, in which every encoding is found
+  const Cases<TextEncoding, std::vector<const char*>> cases = {
       {UTF8, {"UTF8", "'utf-8'", " \"Utf-8\";", "unicode-1-1-utf-8"}},
       {UTF16, {"unicode", "ucs-2"}},
       {ISOLatin1, {"iso8859_1", "latin1"}},
@@ -34,10 +29,10 @@ TEST(CharsetNames, NamesOfRealPages) {
       {MacJapanese, {"x-mac-japanese"}},
       {Invalid, {"", "none", "x-", "iso-8859-12", "windows-99999", "\xC3\xBCtf-8"}},
   };
-  for (const auto& c : cases) {
-    for (const char* name : c.names) {
-      EXPECT_EQ(charset2CFStringEncoding(name), c.encoding) << name;
-      EXPECT_EQ(NSEncodingFromName(String::fromUTF8(name)), stringEncoding(c.encoding)) << name;
+  for (const auto& [encoding, names] : cases) {
+    for (const char* name : names) {
+      EXPECT_EQ(charset2CFStringEncoding(name), encoding) << name;
+      EXPECT_EQ(NSEncodingFromName(String::fromUTF8(name)), stringEncoding(encoding)) << name;
     }
   }
   EXPECT_EQ(NSEncodingFromName(String()), StringEncoding::Invalid);

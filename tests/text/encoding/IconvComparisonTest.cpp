@@ -1,11 +1,10 @@
 // Every code of every encoding that the C library's iconv knows too. docs/encodings.md explains the differences; their
 // numbers are properties of the test's report (--gtest_output=xml).
-#include <gtest/gtest.h>
 #include <iconv.h>
 
 #include <map>
-#include <string>
 
+#include "tests/Testing.h"
 #include "tests/text/encoding/EncodingCodes.h"
 
 namespace velan {

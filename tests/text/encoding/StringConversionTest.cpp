@@ -1,12 +1,7 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <set>
-#include <string>
-#include <string_view>
 #include <utility>
-#include <vector>
 
+#include "tests/Testing.h"
 #include "tests/text/encoding/EncodingCodes.h"
 #include "velan/text/encoding/Decoding.h"
 #include "velan/text/encoding/DecodingInternal.h"
@@ -19,11 +14,8 @@ namespace {
 // What the comparison with iconv and the way back of every code do not decide.
 TEST(StringConversion, EncodesOrRefuses) {
   using namespace std::string_view_literals;
-  const struct {
-    StringEncoding encoding;
-    std::u16string_view text;
-    std::string_view bytes;  // "-": refused
-  } cases[] = {
+  // bytes: "-": refused
+  const Cases<StringEncoding, std::u16string_view, std::string_view> cases = {
       {StringEncoding::UTF8, u"\u00E9\u20AC", "\xC3\xA9\xE2\x82\xAC"},
       {StringEncoding::UTF8, u"\xD800", "-"},
       {StringEncoding::ASCII, u"\u00E9", "-"},
@@ -46,11 +38,11 @@ TEST(StringConversion, EncodesOrRefuses) {
       {StringEncoding::Detect, u"a", "-"},
       {StringEncoding::Invalid, u"a", "-"},
   };
-  for (const auto& c : cases) {
-    const Data data = dataUsingEncoding(c.text, c.encoding);
-    EXPECT_EQ(data ? data.view() : "-", c.bytes) << static_cast<uint32_t>(c.encoding);
-    const String back = stringWithData(data, c.encoding);
-    EXPECT_EQ(back.view(), data ? c.text : u"") << static_cast<uint32_t>(c.encoding);
+  for (const auto& [encoding, text, bytes] : cases) {
+    const Data data = dataUsingEncoding(text, encoding);
+    EXPECT_EQ(data ? data.view() : "-", bytes) << static_cast<uint32_t>(encoding);
+    const String back = stringWithData(data, encoding);
+    EXPECT_EQ(back.view(), data ? text : u"") << static_cast<uint32_t>(encoding);
   }
   EXPECT_TRUE(dataUsingEncoding(u"", StringEncoding::MacRoman)) << "empty is not absent";
 }
@@ -58,15 +50,8 @@ TEST(StringConversion, EncodesOrRefuses) {
 // Bytes that some encoding reads otherwise than it would be natural, and what becomes of them.
 TEST(StringConversion, DecodesOrRefuses) {
   using namespace std::string_view_literals;
-  const struct {
-    const char* why;
-    StringEncoding encoding;
-    std::string_view bytes;
-    String text;      // absent: refused
-    String replaced;  // with U+FFFD for what does not fit
-    size_t malformed;
-    size_t unassigned;
-  } cases[] = {
+  // text: absent: refused; replaced: with U+FFFD for what does not fit
+  const Cases<const char*, StringEncoding, std::string_view, String, String, size_t, size_t> cases = {
       {"UTF-8 drops its mark", StringEncoding::UTF8, "\xEF\xBB\xBFz", u"z", u"z", 0, 0},
       {"but one", StringEncoding::UTF8, "\xEF\xBB\xBF\xEF\xBB\xBFz", u"\uFEFFz", u"\uFEFFz", 0, 0},
       {"UTF-8 with U+FFFD in it", StringEncoding::UTF8, "\xEF\xBF\xBD\xC3", {}, u"\uFFFD\uFFFD", 1, 0},
@@ -91,15 +76,15 @@ TEST(StringConversion, DecodesOrRefuses) {
       {"unknown", stringEncoding(TextEncoding::Big5E), "a", {}, {}, 0, 0},
       {"to be detected", StringEncoding::Detect, "a", {}, {}, 0, 0},
   };
-  for (const auto& c : cases) {
-    const Data bytes = Data::withBytes(c.bytes);
-    EXPECT_EQ(stringWithData(bytes, c.encoding), c.text) << c.why;
-    const DecodedText lenient = decodedText(bytes, c.encoding, MalformedText::Replace);
-    EXPECT_EQ(lenient.text, c.replaced) << c.why;
-    EXPECT_EQ(lenient.malformed, c.malformed) << c.why;
-    EXPECT_EQ(lenient.unassigned, c.unassigned) << c.why;
-    const DecodedText strict = decodedText(bytes, c.encoding, MalformedText::Refuse);
-    EXPECT_EQ(strict.text.isAbsent(), c.replaced.isAbsent() || c.malformed > 0) << c.why;
+  for (const auto& [why, encoding, view, text, replaced, malformed, unassigned] : cases) {
+    const Data bytes = Data::withBytes(view);
+    EXPECT_EQ(stringWithData(bytes, encoding), text) << why;
+    const DecodedText lenient = decodedText(bytes, encoding, MalformedText::Replace);
+    EXPECT_EQ(lenient.text, replaced) << why;
+    EXPECT_EQ(lenient.malformed, malformed) << why;
+    EXPECT_EQ(lenient.unassigned, unassigned) << why;
+    const DecodedText strict = decodedText(bytes, encoding, MalformedText::Refuse);
+    EXPECT_EQ(strict.text.isAbsent(), replaced.isAbsent() || malformed > 0) << why;
   }
   EXPECT_EQ(decodedText(Data::withBytes("\xC3\xA9\xFF\xEF\xBF\xBD"), StringEncoding::UTF8, MalformedText::Replace)
                 .wellFormedNonASCII(),
@@ -164,32 +149,6 @@ TEST(StringConversion, WhatIsReadIsWrittenSoThatItReadsTheSame) {
     }
   }
   EXPECT_GT(texts, 300000u);
-}
-
-// Each encoding over a text of good and bad codes: in one go, in pieces of a few bytes, and with offsets.
-TEST(StringConversion, PiecesAndOffsetsChangeNothing) {
-  const std::string bytes =
-      "One \x82\xA0\xE3\x81\x82 \x1B$BF|\x1B(B \xA4\xA2\xFF\x81\x30\x81\x30 \\351 \xC3\xA9 ~{;p~} end\xE3\x81";
-  for (const EncodingEntry& entry : encodingEntries()) {
-    const StringEncoding encoding = stringEncoding(entry.encoding);
-    const DecodedText whole = decodedText(Data::withBytes(bytes), encoding, MalformedText::Replace);
-    if (!whole.text) continue;
-    std::vector<int32_t> offsets;
-    EXPECT_EQ(decodedText(Data::withBytes(bytes), encoding, MalformedText::Replace, offsets).text, whole.text)
-        << entry.name;
-    ASSERT_EQ(offsets.size(), whole.text.view().size() + 1) << entry.name;
-    EXPECT_TRUE(std::ranges::is_sorted(offsets)) << entry.name;
-    EXPECT_EQ(offsets.back(), static_cast<int32_t>(bytes.size())) << entry.name;
-    for (const size_t piece : {1u, 2u, 3u, 7u}) {
-      const auto decoder = decoderFor(entry.encoding);
-      std::u16string units(bytes.size() * 2, u'\0');
-      const std::span<const uint8_t> span(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size());
-      const DecodingOutcome outcome =
-          decodeInto(*decoder, span, Replaced::Everything, units.data(), units.size(), nullptr, piece);
-      units.resize(outcome.written);
-      EXPECT_EQ(String(units).toUTF8(), whole.text.toUTF8()) << entry.name << ' ' << piece;
-    }
-  }
 }
 
 }  // namespace

@@ -1,11 +1,9 @@
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <filesystem>
 #include <optional>
-#include <string>
-#include <string_view>
 
+#include "tests/Testing.h"
 #include "tests/platform/files/TemporaryFolder.h"
 #include "velan/platform/files/ExtendedAttributes.h"
 #include "velan/platform/files/FileContents.h"
@@ -39,15 +37,9 @@ TEST_F(TextFiles, DetectionGoesByWhatSaysSo) {
   using enum EncodingEvidence;
   write("");
   const bool attributes = note(kCharset, "utf-8");
-  const struct {
-    const char* why;
-    std::string_view bytes;
-    std::optional<std::string> textEncoding;
-    std::optional<std::string> charset;
-    StringEncoding used;
-    String text;
-    EncodingEvidence evidence;
-  } cases[] = {
+  using Table = Cases<const char*, std::string_view, std::optional<std::string>, std::optional<std::string>,
+                      StringEncoding, String, EncodingEvidence>;
+  const Table cases = {
       {"nothing at all", "", {}, {}, StringEncoding::UTF8, u"", ValidUTF8},
       {"UTF-8", "\xC3\xA9", {}, {}, StringEncoding::UTF8, u"\u00E9", ValidUTF8},
       {"a mark", "\xEF\xBB\xBFz", {}, {}, StringEncoding::UTF8, u"z", ByteOrderMark},
@@ -70,18 +62,18 @@ TEST_F(TextFiles, DetectionGoesByWhatSaysSo) {
        TextEncodingAttribute},
       {"it says nothing", "\xC3\xA9", ";;", "nonsense", StringEncoding::UTF8, u"\u00E9", ValidUTF8},
   };
-  for (const auto& c : cases) {
-    if (!attributes && (c.textEncoding || c.charset)) continue;
-    write(c.bytes);
-    note(kTextEncoding, c.textEncoding);
-    note(kCharset, c.charset);
+  for (const auto& [why, bytes, textEncoding, charset, expected, text, evidence] : cases) {
+    if (!attributes && (textEncoding || charset)) continue;
+    write(bytes);
+    note(kTextEncoding, textEncoding);
+    note(kCharset, charset);
     auto used = static_cast<StringEncoding>(77);
-    EXPECT_EQ(stringWithContentsOfFile(_path, StringEncoding::Detect, &used), c.text) << c.why;
-    EXPECT_EQ(used, c.used) << c.why;
-    EXPECT_EQ(detectedEncodingOfFile(_path, Data::withBytes(c.bytes)).evidence, c.evidence) << c.why;
-    if (c.textEncoding || c.charset) continue;
-    EXPECT_EQ(stringWithContentsOfData(Data::withBytes(c.bytes), StringEncoding::Invalid, &used), c.text) << c.why;
-    EXPECT_EQ(used, c.used) << c.why;
+    EXPECT_EQ(stringWithContentsOfFile(_path, StringEncoding::Detect, &used), text) << why;
+    EXPECT_EQ(used, expected) << why;
+    EXPECT_EQ(detectedEncodingOfFile(_path, Data::withBytes(bytes)).evidence, evidence) << why;
+    if (textEncoding || charset) continue;
+    EXPECT_EQ(stringWithContentsOfData(Data::withBytes(bytes), StringEncoding::Invalid, &used), text) << why;
+    EXPECT_EQ(used, expected) << why;
   }
 }
 

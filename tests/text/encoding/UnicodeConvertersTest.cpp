@@ -1,9 +1,4 @@
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <string>
-#include <string_view>
-
+#include "tests/Testing.h"
 #include "velan/text/encoding/UnicodeConverters.h"
 
 namespace velan {
@@ -22,13 +17,7 @@ std::pair<int32_t, std::u16string> converted(std::string_view utf8, size_t capac
 }
 
 TEST(UnicodeConverters, UTF8Statuses) {
-  const struct {
-    const char* why;
-    std::string utf8;
-    size_t capacity;
-    int32_t status;
-    std::u16string units;
-  } cases[] = {
+  const Cases<const char*, std::string, size_t, int32_t, std::u16string> cases = {
       {"all of it", "a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80", 5, ConverterSuccess, u"a\u00E9\u20AC\U0001F600"},
       {"nothing", "", 0, ConverterSuccess, u""},
       {"a mark is kept", "\xEF\xBB\xBFz", 9, ConverterSuccess, u"\uFEFFz"},
@@ -42,8 +31,8 @@ TEST(UnicodeConverters, UTF8Statuses) {
       {"malformed before it is cut off", "a\xE0\x80", 9, ConverterMalformedInput, u"a"},
       {"malformed where room ends", "\xE2\x82\xAC\xFF", 1, ConverterMalformedInput, u"\u20AC"},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(converted(c.utf8, c.capacity), std::pair(c.status, c.units)) << c.why;
+  for (const auto& [why, utf8, capacity, status, units] : cases) {
+    EXPECT_EQ(converted(utf8, capacity), std::pair(status, units)) << why;
   }
   EXPECT_EQ(convertUTF8ToUnicode(nullptr, 3, nullptr, 3), ConverterSuccess);
 }
@@ -69,33 +58,22 @@ TEST(UnicodeConverters, EveryCapacityCutsBetweenCharacters) {
 }
 
 TEST(UnicodeConverters, SurrogatesWithoutPartners) {
-  const struct {
-    std::u16string utf16;
-    int32_t status;
-    std::string utf8;
-  } cases[] = {
+  const Cases<std::u16string, int32_t, std::string> cases = {
       {{u'a', 0xD800}, ConverterPartialCharacter, "a"},
       {{u'a', 0xD800, u'b'}, ConverterMalformedInput, "a"},
       {{u'a', 0xDC00}, ConverterMalformedInput, "a"},
       {{0xD800, 0xD800, 0xDC00}, ConverterMalformedInput, ""},
   };
-  for (const auto& c : cases) {
+  for (const auto& [utf16, status, utf8] : cases) {
     char bytes[16] = {};
-    EXPECT_EQ(convertUnicodeToUTF8(c.utf16.data(), c.utf16.size(), bytes, sizeof bytes), c.status);
-    EXPECT_STREQ(bytes, c.utf8.c_str());
+    EXPECT_EQ(convertUnicodeToUTF8(utf16.data(), utf16.size(), bytes, sizeof bytes), status);
+    EXPECT_STREQ(bytes, utf8.c_str());
   }
 }
 
 TEST(UnicodeConverters, AnyEncodingHasThreeKindsOfResults) {
   using namespace std::string_view_literals;
-  const struct {
-    const char* why;
-    uint32_t encoding;
-    std::string_view bytes;
-    size_t capacity;
-    int32_t result;
-    std::u16string units;
-  } cases[] = {
+  const Cases<const char*, uint32_t, std::string_view, size_t, int32_t, std::u16string> cases = {
       {"success", 0x500, "\x80", 1, 1, u"\u20AC"},
       {"unassigned goes on", 0x207, "\xAEz", 2, 1, u"\uFFFDz"},
       {"malformed stops", 0x420, "z\x81 z", 9, 0, u"z"},
@@ -107,14 +85,14 @@ TEST(UnicodeConverters, AnyEncodingHasThreeKindsOfResults) {
       {"unknown", 1, "z", 9, ConverterUnknownEncoding, u""},
       {"unknown variant", 0x10500, "z", 9, ConverterUnknownEncoding, u""},
   };
-  for (const auto& c : cases) {
-    const auto units = std::make_unique<unichar[]>(c.capacity);
+  for (const auto& [why, encoding, bytes, capacity, result, expected] : cases) {
+    const auto units = std::make_unique<unichar[]>(capacity);
     size_t length = 77;
-    EXPECT_EQ(convertEncodingToUnicode(c.bytes.data(), c.bytes.size(), static_cast<TextEncoding>(c.encoding),
-                                       units.get(), c.capacity, &length),
-              c.result)
-        << c.why;
-    EXPECT_EQ(std::u16string(units.get(), length), c.units) << c.why;
+    EXPECT_EQ(convertEncodingToUnicode(bytes.data(), bytes.size(), static_cast<TextEncoding>(encoding), units.get(),
+                                       capacity, &length),
+              result)
+        << why;
+    EXPECT_EQ(std::u16string(units.get(), length), expected) << why;
   }
 }
 

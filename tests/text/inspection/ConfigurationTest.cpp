@@ -1,5 +1,4 @@
-#include <gmock/gmock.h>
-
+#include "tests/Testing.h"
 #include "velan/text/inspection/Configuration.h"
 
 namespace velan {
@@ -13,10 +12,7 @@ TEST(Configuration, Lines) {
 }
 
 TEST(Configuration, ValueForKey) {
-  const struct {
-    const char* why;
-    String line, key, value;
-  } cases[] = {
+  const Cases<const char*, String, String, String> cases = {
       {"any case, trimmed", u"name\tValue ", u"Name", u"Value"},
       {"letters of one unit", u"Größe  5 m", u"GRÖSSE", String()},
       {"diacritics", u"größe  5 m", u"GRÖßE", u"5 m"},
@@ -28,15 +24,11 @@ TEST(Configuration, ValueForKey) {
       {"absent line", String(), u"x", String()},
       {"a space that does not break", u"name\x00A0x", u"name", u"x"},
   };
-  for (const auto& c : cases) EXPECT_EQ(configValueForKey(c.line, c.key), c.value) << c.why;
+  for (const auto& [why, line, key, value] : cases) EXPECT_EQ(configValueForKey(line, key), value) << why;
 }
 
 TEST(Configuration, TypedValues) {
-  const struct {
-    const char* why;
-    String text;
-    Value value;
-  } cases[] = {
+  const Cases<const char*, String, Value> cases = {
       {"yes", u"Yes", true},
       {"no", u"no", false},
       {"one is a number", u"1", int64_t{1}},
@@ -53,10 +45,10 @@ TEST(Configuration, TypedValues) {
       {"date", u"2001-01-02", Date(86400)},
       {"text", u"local host", String(u"local host")},
   };
-  for (const auto& c : cases) {
-    const Value value = typedValueForKeys(String::fromUTF8("other 1\nkey  " + c.text.toUTF8() + "\nkey 2"), {u"KEY"});
-    EXPECT_EQ(value, c.value) << c.why;
-    EXPECT_EQ(value.kind(), c.value.kind()) << c.why;
+  for (const auto& [why, text, expected] : cases) {
+    const Value value = typedValueForKeys(String::fromUTF8("other 1\nkey  " + text.toUTF8() + "\nkey 2"), {u"KEY"});
+    EXPECT_EQ(value, expected) << why;
+    EXPECT_EQ(value.kind(), expected.kind()) << why;
   }
 }
 

@@ -1,8 +1,8 @@
 #include <gmock/gmock.h>
 
-#include <algorithm>
 #include <set>
 
+#include "tests/Testing.h"
 #include "velan/text/ConversionTables.h"
 #include "velan/text/inspection/CharacterClasses.h"
 #include "velan/text/inspection/FoldedStrings.h"
@@ -47,11 +47,7 @@ TEST(CharacterClasses, EveryClass) {
 }
 
 TEST(WordForms, EveryForm) {
-  const struct {
-    const char* name;
-    Predicate holds;
-    std::vector<String> yes, no;
-  } cases[] = {
+  const Cases<const char*, Predicate, std::vector<String>, std::vector<String>> cases = {
       {"ascii", isAsciiString, {u"", String(), u"a\x7F"}, {u"a\x80", u"\xFF41"}},
       {"umlauted", isUmlautedString, {u"x\x00C4", u"\x0439"}, {u"", u"stra\x00DF\x0065", u"A"}},
       {"lower", isLowerCaseString, {u"a-1", u"\x00DF", u"\x65E5"}, {u"", u"1", u"Ab", u"a\x01C5"}},
@@ -61,9 +57,9 @@ TEST(WordForms, EveryForm) {
        {u"iPhone", u"McDonald", u"b2b", u"\x00E9\x0661"},
        {u"", u"Hello", u"HELLO", u"iPHONE", u"Mc Donald", u"a-1", u"12"}},
   };
-  for (const auto& c : cases) {
-    for (const String& text : c.yes) EXPECT_TRUE(c.holds(text)) << c.name << ' ' << text.toUTF8();
-    for (const String& text : c.no) EXPECT_FALSE(c.holds(text)) << c.name << ' ' << text.toUTF8();
+  for (const auto& [name, holds, yes, no] : cases) {
+    for (const String& text : yes) EXPECT_TRUE(holds(text)) << name << ' ' << text.toUTF8();
+    for (const String& text : no) EXPECT_FALSE(holds(text)) << name << ' ' << text.toUTF8();
   }
 }
 
@@ -79,15 +75,11 @@ TEST(WordForms, EastAsianRanges) {
 }
 
 TEST(Numbers, CountsAndRuns) {
-  const struct {
-    const char16_t* text;
-    int64_t count, longest;
-  } cases[] = {{u"", 0, 0},        {u"a1b22c333", 3, 3},    {u"12 34", 2, 2},
-               {u"ab12345", 1, 5}, {u"\x0661\x0662", 0, 0}, {u"1", 1, 1}};
-  for (const auto& c : cases) {
-    const String text(c.text);
-    EXPECT_EQ(countNumbers(text), c.count);
-    for (int64_t n = -1; n < 8; ++n) EXPECT_EQ(containsNumberWithNDigits(text, n), n >= 1 && n <= c.longest) << n;
+  const Cases<String, int64_t, int64_t> cases = {{u"", 0, 0},        {u"a1b22c333", 3, 3},    {u"12 34", 2, 2},
+                                                 {u"ab12345", 1, 5}, {u"\x0661\x0662", 0, 0}, {u"1", 1, 1}};
+  for (const auto& [text, count, longest] : cases) {
+    EXPECT_EQ(countNumbers(text), count);
+    for (int64_t n = -1; n < 8; ++n) EXPECT_EQ(containsNumberWithNDigits(text, n), n >= 1 && n <= longest) << n;
   }
   EXPECT_FALSE(containsNumberWithNDigits(nullptr, 5, 1));
   EXPECT_FALSE(containsNumberWithNDigits(String(), INT64_MIN));

@@ -1,17 +1,11 @@
-#include <gmock/gmock.h>
-
+#include "tests/Testing.h"
 #include "velan/text/inspection/Lines.h"
 
 namespace velan {
 namespace {
 
 TEST(Lines, AllOfThem) {
-  const struct {
-    const char* why;
-    String text;
-    std::vector<String> lines;
-    String feed;
-  } cases[] = {
+  const Cases<const char*, String, std::vector<String>, String> cases = {
       {"absent", String(), {}, u""},
       {"empty", u"", {}, u""},
       {"an end of its own", u"abc\n", {u"abc"}, u"\n"},
@@ -28,13 +22,13 @@ TEST(Lines, AllOfThem) {
        u"\xFEFF"},
       {"no ends", u"\v\x0085\x2027\x202A", {u"\v\x0085\x2027\x202A"}, u""},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(lines(c.text), c.lines) << c.why;
-    EXPECT_EQ(numberOfLines(c.text), static_cast<int64_t>(c.lines.size())) << c.why;
-    EXPECT_EQ(firstLine(c.text), c.lines.empty() ? c.text : c.lines[0]) << c.why;
-    EXPECT_EQ(feedOfLine(c.text), c.feed) << c.why;
-    EXPECT_EQ(lengthOfFeedOfLine(c.text), c.feed.length()) << c.why;
-    EXPECT_EQ(hasFeedOfLine(c.text), !c.feed.isEmpty()) << c.why;
+  for (const auto& [why, text, expected, feed] : cases) {
+    EXPECT_EQ(lines(text), expected) << why;
+    EXPECT_EQ(numberOfLines(text), static_cast<int64_t>(expected.size())) << why;
+    EXPECT_EQ(firstLine(text), expected.empty() ? text : expected[0]) << why;
+    EXPECT_EQ(feedOfLine(text), feed) << why;
+    EXPECT_EQ(lengthOfFeedOfLine(text), feed.length()) << why;
+    EXPECT_EQ(hasFeedOfLine(text), !feed.isEmpty()) << why;
   }
   const String one = u"one line";
   EXPECT_TRUE(firstLine(one).isSameObject(one));

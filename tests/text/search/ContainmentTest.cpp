@@ -1,11 +1,6 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <cstring>
-#include <random>
-#include <string>
 
-#include "velan/base/String.h"
+#include "tests/Testing.h"
 #include "velan/text/ConversionTables.h"
 #include "velan/text/search/Containment.h"
 #include "velan/text/search/TwoWaySearchInternal.h"
@@ -53,14 +48,7 @@ TEST(Containment, SubCStrings) {
   const char* none[] = {nullptr};
   const char* some[] = {"far too long to be found", "xyz", "b\xE9", nullptr};
   const char* lower[] = {"straße", "nder", nullptr};
-  const struct {
-    const char* why;
-    String string;
-    int64_t length;
-    const char* const* patterns;
-    const unichar* table;
-    bool found;
-  } cases[] = {
+  const Cases<const char*, String, int64_t, const char* const*, const unichar*, bool> cases = {
       {"no pattern", u"abc", 3, none, nullptr, false},
       {"at the end, sign-extended", u"ab\xFFE9", 3, some, nullptr, true},
       {"cut off by the length", u"ab\xFFE9", 2, some, nullptr, false},
@@ -71,8 +59,8 @@ TEST(Containment, SubCStrings) {
       {"unmapped text", u"L\x00C4NDER", 6, lower, nullptr, false},
       {"the patterns are not mapped", u"XYZ", 3, some, upperCharsTable(), false},
   };
-  for (const auto& c : cases)
-    EXPECT_EQ(fastContainsSubCStrings(c.string, c.length, c.patterns, c.table), c.found) << c.why;
+  for (const auto& [why, string, length, patterns, table, found] : cases)
+    EXPECT_EQ(fastContainsSubCStrings(string, length, patterns, table), found) << why;
 }
 
 // Few letters make many near matches; the searched runs end with their heap blocks.

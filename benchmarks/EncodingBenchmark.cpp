@@ -3,6 +3,7 @@
 #include <iconv.h>
 #include <unicode/ustring.h>
 
+#include <algorithm>
 #include <bit>
 #include <string>
 #include <vector>
@@ -112,6 +113,20 @@ void BM_ToUTF8Iconv(benchmark::State& state) {
   convertWithIconv(state, "UTF-8", kNative, units, text.size());
 }
 
+// What memory allows: the UTF-16 form copied.
+void BM_Copy(benchmark::State& state) {
+  const std::string text = textOf(state);
+  const String utf16 = String::fromUTF8(text);
+  std::vector<unichar> copy(utf16.view().size());
+  measure(state, text.size(), [&] { std::copy_n(utf16.characters(), copy.size(), copy.data()); });
+}
+
+void BM_UTF8FromUTF16(benchmark::State& state) {
+  const std::string text = textOf(state);
+  const String utf16 = String::fromUTF8(text);
+  measure(state, text.size(), [&] { benchmark::DoNotOptimize(utf8FromUTF16(utf16.view())); });
+}
+
 // Single-byte and double-byte reading and writing through the table of encodings.
 void BM_Legacy(benchmark::State& state, StringEncoding encoding, int text, bool reading) {
   std::string piece;
@@ -127,6 +142,8 @@ void BM_Legacy(benchmark::State& state, StringEncoding encoding, int text, bool 
   });
 }
 
+BENCHMARK(BM_Copy)->Apply(everyText);
+BENCHMARK(BM_UTF8FromUTF16)->Apply(everyText);
 BENCHMARK(BM_ToUTF16ICU)->Apply(everyText);
 BENCHMARK(BM_ToUTF16Iconv)->Apply(everyText);
 BENCHMARK(BM_ToUTF8ICU)->Apply(everyText);

@@ -120,7 +120,6 @@ String String::substring(Range range) const {
 
 std::string String::toUTF8() const {
   std::string utf8;
-  utf8.reserve(static_cast<size_t>(length()));
   appendUTF8Lossy(view(), utf8);
   return utf8;
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "velan/base/ByteOrder.h"
 #include "velan/base/utf/UTFInternal.h"
 #include "velan/base/utf/UTFKernelsInternal.h"
 
@@ -10,6 +11,7 @@ namespace velan {
 namespace {
 
 constexpr uint64_t kHighBits = 0x8080808080808080u;
+constexpr uint64_t kAboveASCII = 0xFF80FF80FF80FF80u;  // of four units
 
 // Copies ASCII bytes, eight at a time, up to the first other byte; returns how many.
 size_t widenASCII(const uint8_t* bytes, size_t length, unichar* units) {
@@ -28,33 +30,46 @@ size_t widenASCII(const uint8_t* bytes, size_t length, unichar* units) {
 size_t narrowASCII(const unichar* units, size_t length, char* bytes) {
   size_t i = 0;
   for (; length - i >= 8; i += 8) {
-    unichar all = 0;
-    for (size_t k = 0; k < 8; ++k) all = static_cast<unichar>(all | units[i + k]);
-    if (all >= 0x80) break;
+    uint64_t blocks[2];
+    std::memcpy(blocks, units + i, 16);
+    if ((blocks[0] | blocks[1]) & kAboveASCII) break;
     for (size_t k = 0; k < 8; ++k) bytes[i + k] = static_cast<char>(units[i + k]);
   }
   for (; i < length && units[i] < 0x80; ++i) bytes[i] = static_cast<char>(units[i]);
   return i;
 }
 
-size_t putUTF8(uint32_t codePoint, char* bytes) {
-  const auto put = [bytes](size_t i, uint32_t value) { bytes[i] = static_cast<char>(value); };
-  if (codePoint < 0x800) {
-    put(0, 0xC0 | (codePoint >> 6));
-    put(1, 0x80 | (codePoint & 0x3F));
-    return 2;
+constexpr bool needsTwo(unichar unit) { return unit >= 0x80 && unit < 0x800; }
+constexpr bool needsThree(unichar unit) { return unit >= 0x800 && !isSurrogate(unit); }
+
+void putTwo(unichar unit, char* bytes) {
+  storeBigEndian(bytes, static_cast<uint16_t>(0xC080 | (unit & 0x7C0) << 2 | (unit & 0x3F)));
+}
+
+void putThree(unichar unit, char* bytes) {
+  bytes[0] = static_cast<char>(0xE0 | unit >> 12);
+  storeBigEndian(bytes + 1, static_cast<uint16_t>(0x8080 | (unit & 0xFC0) << 2 | (unit & 0x3F)));
+}
+
+void putPair(unichar high, unichar low, char* bytes) {
+  const uint32_t codePoint = 0x10000u + ((high & 0x3FFu) << 10) + (low & 0x3FFu);
+  storeBigEndian(bytes, 0xF0808080u | (codePoint & 0x1C0000) << 6 | (codePoint & 0x3F000) << 4 |
+                            (codePoint & 0xFC0) << 2 | (codePoint & 0x3F));
+}
+
+// Converts the sequence of two or three bytes at `bytes`, which at least four begin with; its length, or 0 where it is
+// none of these, malformed ones included.
+size_t shortSequence(const uint8_t* bytes, unichar& unit) {
+  const auto word = loadLittleEndian<uint32_t>(bytes);
+  if ((word & 0xC0E0) == 0x80C0) {
+    unit = static_cast<unichar>((word & 0x1F) << 6 | (word >> 8 & 0x3F));
+    return unit >= 0x80 ? 2 : 0;
   }
-  if (codePoint < 0x10000) {
-    put(0, 0xE0 | (codePoint >> 12));
-    put(1, 0x80 | ((codePoint >> 6) & 0x3F));
-    put(2, 0x80 | (codePoint & 0x3F));
-    return 3;
+  if ((word & 0xC0C0F0) == 0x8080E0) {
+    unit = static_cast<unichar>((word & 0x0F) << 12 | (word >> 2 & 0xFC0) | (word >> 16 & 0x3F));
+    return unit >= 0x800 && !isSurrogate(unit) ? 3 : 0;
   }
-  put(0, 0xF0 | (codePoint >> 18));
-  put(1, 0x80 | ((codePoint >> 12) & 0x3F));
-  put(2, 0x80 | ((codePoint >> 6) & 0x3F));
-  put(3, 0x80 | (codePoint & 0x3F));
-  return 4;
+  return 0;
 }
 
 Transcoded toUTF16Scalar(const uint8_t* bytes, size_t length, unichar* units) {
@@ -64,6 +79,12 @@ Transcoded toUTF16Scalar(const uint8_t* bytes, size_t length, unichar* units) {
     const size_t ascii = widenASCII(bytes + in, length - in, units + out);
     in += ascii;
     out += ascii;
+    while (length - in >= 4) {
+      const size_t count = shortSequence(bytes + in, units[out]);
+      if (count == 0) break;
+      in += count;
+      ++out;
+    }
     while (in < length && bytes[in] >= 0x80) {
       const UTF8Sequence sequence = decodeUTF8Sequence(bytes + in, length - in);
       if (!sequence.valid) return {in, out};
@@ -78,26 +99,30 @@ Transcoded toUTF8Scalar(const unichar* units, size_t length, char* bytes) {
   size_t in = 0;
   size_t out = 0;
   while (in < length) {
-    const size_t ascii = narrowASCII(units + in, length - in, bytes + out);
-    in += ascii;
-    out += ascii;
-    while (in < length && units[in] >= 0x80) {
-      const unichar unit = units[in];
-      if (!isSurrogate(unit)) {
-        out += putUTF8(unit, bytes + out);
-        ++in;
-      } else if (isHighSurrogate(unit) && in + 1 < length && isLowSurrogate(units[in + 1])) {
-        out += putUTF8(0x10000u + ((unit & 0x3FFu) << 10) + (units[in + 1] & 0x3FFu), bytes + out);
-        in += 2;
-      } else {
-        return {in, out};
-      }
+    const unichar unit = units[in];
+    if (unit < 0x80) {
+      // A space between words of other letters is no run.
+      const bool alone = in + 1 < length && units[in + 1] >= 0x80;
+      if (alone) bytes[out] = static_cast<char>(unit);
+      const size_t ascii = alone ? 1 : narrowASCII(units + in, length - in, bytes + out);
+      in += ascii;
+      out += ascii;
+    } else if (needsTwo(unit)) {
+      for (; in < length && needsTwo(units[in]); out += 2) putTwo(units[in++], bytes + out);
+    } else if (needsThree(unit)) {
+      for (; in < length && needsThree(units[in]); out += 3) putThree(units[in++], bytes + out);
+    } else if (isHighSurrogate(unit) && in + 1 < length && isLowSurrogate(units[in + 1])) {
+      putPair(unit, units[in + 1], bytes + out);
+      in += 2;
+      out += 4;
+    } else {
+      break;
     }
   }
   return {in, out};
 }
 
-#ifdef __x86_64__
+#if defined(__x86_64__) || defined(__AARCH64EL__)
 // The reference finishes what a kernel begins.
 template <auto begin>
 Transcoded toUTF16With(const uint8_t* bytes, size_t length, unichar* units) {
@@ -120,16 +145,44 @@ const UTFTranscoding& transcoding() {
 }
 
 // U+FFFD for each lone surrogate.
-size_t toUTF8Lossy(std::u16string_view utf16, char* bytes) {
+Transcoded toUTF8Lossy(std::u16string_view utf16, char* bytes) {
+  size_t in = 0;
   size_t out = 0;
   for (;;) {
-    const Transcoded piece = transcoding().toUTF8(utf16.data(), utf16.size(), bytes + out);
+    const Transcoded piece = transcoding().toUTF8(utf16.data() + in, utf16.size() - in, bytes + out);
+    in += piece.consumed;
     out += piece.written;
-    utf16.remove_prefix(piece.consumed);
-    if (utf16.empty()) return out;
-    out += putUTF8(0xFFFD, bytes + out);
-    utf16.remove_prefix(1);
+    if (in == utf16.size()) return {in, out};
+    putThree(0xFFFD, bytes + out);
+    in += 1;
+    out += 3;
   }
+}
+
+// Appends what `convert` makes of each piece of a text: the room that is cleared for a piece stays in the nearest
+// cache, and the string reserves what the text needs if it goes on as it began. False, with a part appended, when a
+// piece was not converted to its end.
+template <typename Convert>
+bool appendPieces(std::u16string_view utf16, std::string& utf8, Convert convert) {
+  constexpr size_t kPiece = 1024;  // units
+  const size_t before = utf8.size();
+  size_t in = 0;
+  while (in < utf16.size()) {
+    size_t count = std::min(kPiece, utf16.size() - in);
+    if (in + count < utf16.size() && isHighSurrogate(utf16[in + count - 1])) --count;
+    const size_t start = utf8.size();
+    const size_t room = count * kMaxUTF8BytesPerUnit;
+    if (in > 0 && utf8.capacity() - start < room) {
+      const double perUnit = static_cast<double>(start - before) / static_cast<double>(in);
+      utf8.reserve(start + room + static_cast<size_t>(perUnit * static_cast<double>(utf16.size() - in)));
+    }
+    utf8.resize(start + room);
+    const Transcoded piece = convert(utf16.substr(in, count), utf8.data() + start);
+    utf8.resize(start + piece.written);
+    if (piece.consumed < count) return false;
+    in += count;
+  }
+  return true;
 }
 
 }  // namespace
@@ -139,7 +192,11 @@ const Kernels<UTFTranscoding>& utfKernels() {
   static const Kernels<UTFTranscoding> kernels({
       {"scalar", None, {toUTF16Scalar, toUTF8Scalar}},
 #ifdef __x86_64__
+      {"SSE4.1", SSE41, {toUTF16With<beginUTF16Sse4>, toUTF8With<beginUTF8Sse4>}},
+      {"AVX2", AVX2, {toUTF16With<beginUTF16Avx2>, toUTF8With<beginUTF8Avx2>}},
       {"AVX-512", AVX512 | VBMI2, {toUTF16With<beginUTF16Avx512>, toUTF8With<beginUTF8Avx512>}},
+#elif defined(__AARCH64EL__)
+      {"NEON", NEON, {toUTF16With<beginUTF16Neon>, toUTF8With<beginUTF8Neon>}},
 #endif
   });
   return kernels;
@@ -165,23 +222,13 @@ Transcoded convertUTF16ToUTF8(std::u16string_view utf16, char* bytes) {
   return transcoding().toUTF8(utf16.data(), utf16.size(), bytes);
 }
 
-void appendUTF8Lossy(std::u16string_view utf16, std::string& utf8) {
-  // In pieces, so that a long text does not reserve three times its size.
-  constexpr size_t kPiece = 1024;
-  char bytes[kPiece * kMaxUTF8BytesPerUnit];
-  while (!utf16.empty()) {
-    size_t count = std::min(kPiece, utf16.size());
-    if (count < utf16.size() && isHighSurrogate(utf16[count - 1])) --count;
-    utf8.append(bytes, toUTF8Lossy(utf16.substr(0, count), bytes));
-    utf16.remove_prefix(count);
-  }
-}
+void appendUTF8Lossy(std::u16string_view utf16, std::string& utf8) { appendPieces(utf16, utf8, toUTF8Lossy); }
+
+bool appendUTF8(std::u16string_view utf16, std::string& utf8) { return appendPieces(utf16, utf8, convertUTF16ToUTF8); }
 
 std::optional<std::string> utf8FromUTF16(std::u16string_view utf16) {
-  std::string utf8(utf16.size() * kMaxUTF8BytesPerUnit, '\0');
-  const Transcoded result = convertUTF16ToUTF8(utf16, utf8.data());
-  if (result.consumed != utf16.size()) return std::nullopt;
-  utf8.resize(result.written);
+  std::string utf8;
+  if (!appendUTF8(utf16, utf8)) return std::nullopt;
   return utf8;
 }
 

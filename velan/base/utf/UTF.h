@@ -41,6 +41,9 @@ VELAN_EXPORT Transcoded convertUTF16ToUTF8(std::u16string_view utf16, char* byte
 /// Appends the UTF-8 form of `utf16` to `utf8`, U+FFFD for each lone surrogate.
 VELAN_EXPORT void appendUTF8Lossy(std::u16string_view utf16, std::string& utf8);
 
+/// Appends the UTF-8 form of `utf16` to `utf8`. False when it holds a lone surrogate; a part of it may then be there.
+VELAN_EXPORT bool appendUTF8(std::u16string_view utf16, std::string& utf8);
+
 /// The UTF-8 form of `utf16`, or nothing when it holds a lone surrogate.
 VELAN_EXPORT std::optional<std::string> utf8FromUTF16(std::u16string_view utf16);
 

@@ -16,10 +16,26 @@ struct UTFTranscoding {
 
 const Kernels<UTFTranscoding>& utfKernels();
 
-#ifdef __x86_64__
+/// The bytes of UTF-8 that kernels look at together, each time from the beginning of a character on.
+inline constexpr size_t kUTF8Block = 64;
+
+/// How many bytes of a block are whole characters, if it is well-formed. What is cut off is left to the next block.
+/// (Static, because each file compiles it for other instructions; by numbers, because the next block waits for it.)
+static inline size_t wholeCharacters(const uint8_t* block) {
+  return kUTF8Block - ((block[61] >= 0xF0 ? 3u : 0u) | (block[62] >= 0xE0 ? 2u : 0u) | (block[63] >= 0xC0 ? 1u : 0u));
+}
+
 /// Transcode a well-formed beginning and leave the rest, which may be well-formed too, to the reference.
+#ifdef __x86_64__
+Transcoded beginUTF16Sse4(const uint8_t* bytes, size_t length, unichar* units);
+Transcoded beginUTF8Sse4(const unichar* units, size_t length, char* bytes);
+Transcoded beginUTF16Avx2(const uint8_t* bytes, size_t length, unichar* units);
+Transcoded beginUTF8Avx2(const unichar* units, size_t length, char* bytes);
 Transcoded beginUTF16Avx512(const uint8_t* bytes, size_t length, unichar* units);
 Transcoded beginUTF8Avx512(const unichar* units, size_t length, char* bytes);
+#elif defined(__AARCH64EL__)
+Transcoded beginUTF16Neon(const uint8_t* bytes, size_t length, unichar* units);
+Transcoded beginUTF8Neon(const unichar* units, size_t length, char* bytes);
 #endif
 
 }  // namespace velan

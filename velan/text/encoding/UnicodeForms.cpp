@@ -144,13 +144,7 @@ class UTF32Decoder final : public Decoder {
 
 class UTF8Encoder final : public Encoder {
  public:
-  bool encode(std::u16string_view text, std::string& bytes) override {
-    const size_t start = bytes.size();
-    bytes.resize(start + text.size() * kMaxUTF8BytesPerUnit);
-    const Transcoded result = convertUTF16ToUTF8(text, bytes.data() + start);
-    bytes.resize(start + result.written);
-    return result.consumed == text.size();
-  }
+  bool encode(std::u16string_view text, std::string& bytes) override { return appendUTF8(text, bytes); }
 };
 
 template <typename T>

@@ -21,7 +21,7 @@ struct QueryOptions {
   bool caseSensitive = false;
   bool ignoreDiacritics = false;
   bool fuzzy = false;
-  double similarity = 0.75;  // the least that fuzzy accepts
+  double similarity = 0.68;  // the least that fuzzy accepts
   int64_t distance = QueryTerms::kDefaultDistance;
   bool noWildcards = false;
   KeywordCase keywords = KeywordCase::Auto;

@@ -38,6 +38,16 @@ Range SourceMap::sourceOf(Range range) const {
   return {start, (isCopied(run) ? end.source.location + last - end.start + 1 : endOf(end.source)) - start};
 }
 
+int64_t SourceMap::positionOf(int64_t source) const {
+  if (_runs.empty()) return source;
+  const auto after = std::partition_point(_runs.begin(), _runs.end(),
+                                          [source](const Run& run) { return run.source.location < source; });
+  if (after == _runs.begin()) return 0;
+  const auto run = static_cast<size_t>(after - _runs.begin()) - 1;
+  const int64_t end = run + 1 < _runs.size() ? _runs[run + 1].start : _length;
+  return isCopied(run) ? std::min(_runs[run].start + source - _runs[run].source.location, end) : end;
+}
+
 size_t SourceMap::runAt(int64_t unit) const {
   const auto after =
       std::upper_bound(_runs.begin(), _runs.end(), unit, [](int64_t at, const Run& run) { return at < run.start; });

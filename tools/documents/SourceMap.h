@@ -25,6 +25,8 @@ class SourceMap {
 
   /// What a range of the text stands for: from the beginning of its first unit to the end of its last one.
   Range sourceOf(Range range) const;
+  /// How many units of the text stand for what begins before the position `source`.
+  int64_t positionOf(int64_t source) const;
 
  private:
   struct Run {

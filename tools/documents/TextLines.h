@@ -24,6 +24,8 @@ class TextLines {
   size_t number(size_t line) const { return _numbers.empty() ? line + 1 : _numbers[line]; }
   /// The line of the unit at `index`, of the last unit for an index beyond the end. There must be a line.
   size_t lineAt(int64_t index) const;
+  /// All lines.
+  Range wholeRange() const { return {0, static_cast<int64_t>(_text.size())}; }
   /// With what ends the line.
   Range fullRange(size_t line) const;
   /// Without it.

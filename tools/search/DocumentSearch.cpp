@@ -6,15 +6,26 @@
 namespace velan::tool {
 namespace {
 
-// What has to match as a whole; an empty line matches nothing.
-std::vector<Range> rangesOf(const SearchScope& scope, const TextLines& lines, Range all) {
-  if (scope.unit == SearchUnit::Document) return {all};
-  if (scope.unit == SearchUnit::Paragraph) return lines.paragraphs();
-  std::vector<Range> ranges;
-  for (size_t line = 0; line < lines.count(); ++line) {
-    if (const Range range = lines.range(line); range.length > 0 || scope.invert) ranges.push_back(range);
+// A part of a text that has to match as a whole.
+struct Part {
+  Range range;
+  Range searched;  // of the text that is searched in its place
+};
+
+// An empty line matches nothing.
+std::vector<Part> partsOf(const SearchScope& scope, const TextLines& lines, const SearchedText& searched) {
+  std::vector<Part> parts;
+  const auto add = [&](Range range) { parts.push_back({range, searched.rangeFrom(range)}); };
+  if (scope.unit == SearchUnit::Document) {
+    parts.push_back({lines.wholeRange(), {0, searched.text().length()}});
+  } else if (scope.unit == SearchUnit::Paragraph) {
+    std::ranges::for_each(lines.paragraphs(), add);
+  } else {
+    for (size_t line = 0; line < lines.count(); ++line) {
+      if (const Range range = lines.range(line); range.length > 0 || scope.invert) add(range);
+    }
   }
-  return ranges;
+  return parts;
 }
 
 // Throws where memory ran out, or nobody would know.
@@ -26,17 +37,18 @@ bool matches(QueryMatcher& matcher, Range range) {
 
 class HitCollector {
  public:
-  HitCollector(const TextLines& lines, bool allOccurrences) : _lines(lines), _allOccurrences(allOccurrences) {}
+  HitCollector(const TextLines& lines, const SearchedText& searched, bool allOccurrences)
+      : _lines(lines), _searched(searched), _allOccurrences(allOccurrences) {}
 
-  void addMatch(QueryMatcher& matcher, Range range) {
+  void addMatch(QueryMatcher& matcher, const Part& part) {
     const size_t known = _hits.occurrences.size();
-    std::vector<QueryOccurrence> occurrences = matcher.occurrences(range);
+    std::vector<QueryOccurrence> occurrences = matcher.occurrences(part.searched);
     if (!_allOccurrences) std::erase_if(occurrences, [](const QueryOccurrence& each) { return !each.primary; });
     callHandlerWithOccurrences(std::move(occurrences), [&](const String& term, Range place, bool primary) {
-      add({place, term, primary});
+      add({_searched.sourceOf(place), term, primary});
       return false;
     });
-    if (_hits.occurrences.size() == known) addFirstLine(range);
+    if (_hits.occurrences.size() == known) addFirstLine(part.range);
   }
 
   void addFirstLine(Range range) {
@@ -62,6 +74,7 @@ class HitCollector {
   }
 
   const TextLines& _lines;
+  const SearchedText& _searched;
   const bool _allOccurrences;
   DocumentHits _hits;
 };
@@ -78,25 +91,24 @@ void limitLines(DocumentHits& hits, size_t most) {
   hits.blocks.erase(from(hits.blocks, kept), hits.blocks.end());
 }
 
-bool matchesDocument(const String& text, const PreparedQuery& query, const SearchScope& scope) {
-  const auto index = indexOf(text, query);
+bool matchesDocument(const String& text, const SearchedText& searched, const PreparedQuery& query,
+                     const SearchScope& scope) {
+  const auto index = indexOf(searched.text(), query);
   if (!index) return scope.invert && scope.unit == SearchUnit::Document;
   QueryMatcher matcher(query, *index);
-  const Range all{0, text.length()};
-  if (scope.unit == SearchUnit::Document) return matches(matcher, all) != scope.invert;
-  const std::vector<Range> ranges = rangesOf(scope, TextLines(text.view()), all);
-  return std::any_of(ranges.begin(), ranges.end(),
-                     [&](const Range& range) { return matches(matcher, range) != scope.invert; });
+  if (scope.unit == SearchUnit::Document) return matches(matcher, {0, searched.text().length()}) != scope.invert;
+  const std::vector<Part> parts = partsOf(scope, TextLines(text.view()), searched);
+  return std::ranges::any_of(parts, [&](const Part& part) { return matches(matcher, part.searched) != scope.invert; });
 }
 
-DocumentHits searchDocument(const String& text, const TextLines& lines, const PreparedQuery& query,
+DocumentHits searchDocument(const SearchedText& searched, const TextLines& lines, const PreparedQuery& query,
                             const SearchScope& scope) {
-  HitCollector collector(lines, scope.allOccurrences);
-  if (const auto index = indexOf(text, query)) {
+  HitCollector collector(lines, searched, scope.allOccurrences);
+  if (const auto index = indexOf(searched.text(), query)) {
     QueryMatcher matcher(query, *index);
-    for (const Range& range : rangesOf(scope, lines, {0, text.length()})) {
-      if (matches(matcher, range) == scope.invert) continue;
-      scope.invert ? collector.addFirstLine(range) : collector.addMatch(matcher, range);
+    for (const Part& part : partsOf(scope, lines, searched)) {
+      if (matches(matcher, part.searched) == scope.invert) continue;
+      scope.invert ? collector.addFirstLine(part.range) : collector.addMatch(matcher, part);
     }
   }
   return collector.takeHits();

@@ -7,6 +7,7 @@
 
 #include "tools/documents/TextLines.h"
 #include "tools/search/Query.h"
+#include "tools/search/WordReadings.h"
 
 namespace velan::tool {
 
@@ -59,11 +60,13 @@ void walkBlocks(const std::vector<LineBlock>& blocks, size_t lineCount, size_t b
   }
 }
 
-/// Whether anything in `text` matches. Throws `std::bad_alloc`.
-bool matchesDocument(const String& text, const PreparedQuery& query, const SearchScope& scope);
+/// Whether anything in `text` matches, which is searched as `searched`. Throws `std::bad_alloc`.
+bool matchesDocument(const String& text, const SearchedText& searched, const PreparedQuery& query,
+                     const SearchScope& scope);
 
-/// The hits in `text`, whose lines are `lines`; no blocks when nothing matches. Throws `std::bad_alloc`.
-DocumentHits searchDocument(const String& text, const TextLines& lines, const PreparedQuery& query,
+/// The hits in the text whose lines are `lines` and that is searched as `searched`; no blocks when nothing matches.
+/// Throws `std::bad_alloc`.
+DocumentHits searchDocument(const SearchedText& searched, const TextLines& lines, const PreparedQuery& query,
                             const SearchScope& scope);
 
 }  // namespace velan::tool

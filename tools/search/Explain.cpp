@@ -12,6 +12,7 @@
 #include "tools/documents/SourcePlaces.h"
 #include "tools/search/FailureReasons.h"
 #include "tools/search/QueryDoubts.h"
+#include "tools/search/WordReadings.h"
 #include "tools/text/TextCommands.h"
 #include "velan/wildcard/WildcardPattern.h"
 
@@ -158,7 +159,8 @@ int runExplain(const ExplainOptions& options) {
   const std::optional<Document> document = reader.read({options.path, true, ""});
   if (!document) return Trouble;
   const SourcePlaces places(*document);
-  const std::vector<ExplainedTerm> terms = explanationIn(*query, document->text, kDeepest + 1);
+  const SearchedText searched = WordReadings(*query, options.query.verbatim).read(document->text);
+  const std::vector<ExplainedTerm> terms = explanationIn(*query, searched, kDeepest + 1);
   describe(terms, &places);
   const bool matches = terms.front().holds == true;
   print(fmt::format("{}: {}\n", displayName(options.path), matches ? "matches" : "does not match"));

@@ -31,8 +31,9 @@ Outcome FileSearch::searchText(const std::string& name, const Document& document
   if (document.assumed) outcome.assumedName = name;
   outcome.counts.documents = 1;
   outcome.counts.bytes = document.bytes.size();
+  const SearchedText searched = _readings.read(document.text);
   if (!_needsHits) {
-    if (matchesDocument(document.text, _query, _options.scope)) {
+    if (matchesDocument(document.text, searched, _query, _options.scope)) {
       outcome.counts.documentsWithMatch = 1;
       outcome.output = pathPrefix(name, _style, '\n');
     }
@@ -41,7 +42,7 @@ Outcome FileSearch::searchText(const std::string& name, const Document& document
   const TextLines lines(document);
   SearchScope scope = _options.scope;
   scope.allOccurrences |= _options.output == SearchOutput::JSON;
-  DocumentHits hits = searchDocument(document.text, lines, _query, scope);
+  DocumentHits hits = searchDocument(searched, lines, _query, scope);
   if (hits.blocks.empty()) return outcome;
   limitLines(hits, _options.maxCount);
   outcome.counts.documentsWithMatch = 1;

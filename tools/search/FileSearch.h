@@ -27,6 +27,7 @@ class FileSearch {
   FileSearch(const SearchOptions& options, const PreparedQuery& query, const LineStyle& style)
       : _options(options),
         _query(query),
+        _readings(query, options.query.verbatim),
         _style(style),
         _needsHits((options.output != SearchOutput::Names && !options.quiet) || options.statistics ||
                    options.order == DocumentOrder::Hits) {}
@@ -41,6 +42,7 @@ class FileSearch {
 
   const SearchOptions& _options;
   const PreparedQuery& _query;
+  const WordReadings _readings;
   const LineStyle& _style;
   const bool _needsHits;  // not only whether a document matches
 };

@@ -7,6 +7,7 @@
 
 #include "tools/CommandLine.h"
 #include "tools/Console.h"
+#include "tools/documents/PlainText.h"
 #include "velan/wildcard/WildcardPattern.h"
 
 namespace velan::tool {
@@ -47,6 +48,7 @@ void addQueryOptions(CLI::App& command, QueryOptions& options) {
   addChoice(command, "--keywords", "WHICH", options.keywords,
             "Take as operators: auto (default; not, near, next … of a sentence are words), any, upper (only capitals)",
             {{"auto", KeywordCase::Auto}, {"any", KeywordCase::Any}, {"upper", KeywordCase::Upper}});
+  command.add_flag("--verbatim", options.verbatim, "Find words only as they are spelt: not Straße with strasse");
   command.add_flag("--no-wildcards", options.noWildcards, "Take * and ? as they are; not with -d, --fuzzy");
 }
 
@@ -59,11 +61,12 @@ std::optional<TypedQuery> makeQuery(const QueryOptions& options) {
     complain("--fuzzy takes a similarity above 0 and up to 1");
     return std::nullopt;
   }
-  const String text = String::fromUTF8(options.query);
-  if (text.isAbsent()) {
+  const String given = String::fromUTF8(options.query);
+  if (given.isAbsent()) {
     complain("the query is not valid UTF-8");
     return std::nullopt;
   }
+  const String text = options.verbatim ? given : plainText(given).text;
   FastWordEnumerator::setSplitAsianWords(true);
   setMinWildcardFuzzyAnalogy(options.similarity);
   const QueryComparison comparison = comparisonOf(options);
@@ -85,13 +88,6 @@ std::unique_ptr<FastWordEnumerator> indexOf(const String& text, const PreparedQu
   auto index = query.enumeratorWithString(text);
   if (!index && !text.isEmpty()) throw std::bad_alloc();
   return index;
-}
-
-std::vector<ExplainedTerm> explanationIn(const PreparedQuery& query, const String& text, size_t deepest) {
-  if (const auto index = indexOf(text, query)) return QueryMatcher(query, *index).explanation(deepest);
-  std::vector<ExplainedTerm> terms = query.explanation(deepest);
-  for (ExplainedTerm& term : terms) term.holds = false;
-  return terms;
 }
 
 }  // namespace velan::tool

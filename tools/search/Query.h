@@ -24,6 +24,7 @@ struct QueryOptions {
   double similarity = 0.68;  // the least that fuzzy accepts
   int64_t distance = QueryTerms::kDefaultDistance;
   bool noWildcards = false;
+  bool verbatim = false;  // words are looked for as they are spelt
   KeywordCase keywords = KeywordCase::Auto;
 };
 
@@ -44,9 +45,6 @@ std::optional<TypedQuery> makeQuery(const QueryOptions& options);
 
 /// The index of a text; null for an empty one. Throws `std::bad_alloc`.
 std::unique_ptr<FastWordEnumerator> indexOf(const String& text, const PreparedQuery& query);
-
-/// `QueryMatcher::explanation` in a text; in an empty one nothing holds. Throws `std::bad_alloc`.
-std::vector<ExplainedTerm> explanationIn(const PreparedQuery& query, const String& text, size_t deepest);
 
 }  // namespace velan::tool
 

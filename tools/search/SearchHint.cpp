@@ -25,7 +25,8 @@ std::optional<std::string> reasonOfFile(const PreparedQuery& query, const Search
   Complaint complaint;
   const std::optional<Document> document = readDocument(file, options.decoding, complaint);
   if (!document) return std::nullopt;
-  const std::vector<ExplainedTerm> terms = explanationIn(query, document->text, kDeepest);
+  const SearchedText searched = WordReadings(query, options.query.verbatim).read(document->text);
+  const std::vector<ExplainedTerm> terms = explanationIn(query, searched, kDeepest);
   if (terms.front().holds == true) return "the whole document matches, but none of its parts; --unit document finds it";
   const auto reasons = failureReasons(query, terms, document->text, SourcePlaces(*document));
   if (reasons.empty()) return std::nullopt;

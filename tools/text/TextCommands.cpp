@@ -44,6 +44,7 @@ void addWords(CLI::App& app, int& status) {
       addCommand<WordsOptions>(app, status, "words", "List the words of documents, the most frequent first", runWords);
   addArgument(*command, "PATH", options->paths, "Files, folders and - for standard input, as for search");
   command->add_flag("-i,--ignore-case", options->ignoreCase, "Count words in small letters");
+  command->add_flag("--verbatim", options->verbatim, "List words as they are spelt, diacritics apart from letters");
   addNumber(*command, "--min-length", options->minLength, int64_t{1}, kMaxDistance,
             "Leave out words of fewer than N units");
   addNumber(*command, "-n,--top", options->top, size_t{1}, kMaxCount, "List only the N most frequent");

@@ -32,6 +32,7 @@ struct WordsOptions {
   bool ignoreCase = false;
   DecodingOptions decoding;
   bool hidden = false;
+  bool verbatim = false;
   int64_t minLength = 1;
   size_t top = 0;  // 0: all
 };

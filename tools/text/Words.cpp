@@ -10,6 +10,7 @@
 #include "tools/Commands.h"
 #include "tools/Console.h"
 #include "tools/documents/DocumentReading.h"
+#include "tools/documents/PlainText.h"
 #include "tools/text/TextCommands.h"
 #include "velan/query/words/FastWordEnumerator.h"
 #include "velan/text/ConversionTables.h"
@@ -80,7 +81,8 @@ int runWords(const WordsOptions& options) {
   WordCounter counter(options.minLength, options.ignoreCase);
   DocumentReader reader(options.decoding);
   for (const InputFile& file : collectFiles(options.paths, options.hidden)) {
-    if (const auto document = reader.read(file)) counter.countWords(document->text);
+    if (const auto document = reader.read(file))
+      counter.countWords(options.verbatim ? document->text : plainText(document->text).text);
   }
   auto words = counter.byFrequency();
   if (options.top > 0 && words.size() > options.top) words.resize(options.top);

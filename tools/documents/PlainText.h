@@ -1,0 +1,50 @@
+// Texts whose words are not written as people type them, and the same words plainly.
+#ifndef VELAN_TOOLS_DOCUMENTS_PLAIN_TEXT_H
+#define VELAN_TOOLS_DOCUMENTS_PLAIN_TEXT_H
+
+#include <cstdint>
+#include <string_view>
+
+#include "tools/documents/SourceMap.h"
+#include "velan/base/String.h"
+
+namespace velan::tool {
+
+/// What makes words of a text differ from those that people type.
+struct Spelling {
+  /// Letters with separate diacritics, syllables in parts, soft hyphens, ligatures of print, full-width letters.
+  bool unusual = false;
+  /// Letters that many write as two: ß, æ, œ and ĳ.
+  bool joinedLetters = false;
+  /// Hyphens directly before a line end.
+  bool lineEndHyphens = false;
+
+  bool isPlain() const { return !unusual && !joinedLetters && !lineEndHyphens; }
+};
+
+/// Goes through the text once, some units at a time.
+Spelling spellingOf(std::u16string_view text);
+/// The same of UTF-8; what is malformed may count as anything.
+Spelling spellingOfUTF8(std::string_view text);
+
+/// Whether `c` is one of the letters that many write as two.
+bool isJoinedLetter(unichar c);
+/// Whether a hyphen stands at `index`, which lies in the text, and directly behind it a line end.
+bool isLineEndHyphen(std::u16string_view text, size_t index);
+/// The first place at or after `index` with one or the other; the length of the text if there is none.
+size_t findOtherSpelling(std::u16string_view text, size_t index);
+
+/// A text, and where its units stand in another one.
+struct MappedText {
+  String text;
+  SourceMap map;
+};
+
+/// The text with its unusual units as plain ones: diacritics are composed with their letters as far as there is such a
+/// letter, soft hyphens go unless a line ends behind them, ligatures of print are letters, full-width letters and
+/// digits those of ASCII. `text` itself where nothing changes. Throws `std::bad_alloc`.
+MappedText plainText(const String& text);
+
+}  // namespace velan::tool
+
+#endif  // VELAN_TOOLS_DOCUMENTS_PLAIN_TEXT_H

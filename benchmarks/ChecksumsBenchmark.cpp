@@ -41,7 +41,7 @@ void BM_Crc32Libdeflate(benchmark::State& state) {
 }
 
 void sizes(benchmark::internal::Benchmark* benchmark) {
-  for (const int64_t bytes : {64, 4096, 8 << 20}) benchmark->Arg(bytes);
+  for (const int64_t bytes : {16, 60, 256, 4096, 8 << 20}) benchmark->Arg(bytes);
 }
 BENCHMARK(BM_Crc32Bytes)->Apply(sizes);
 BENCHMARK(BM_Crc32Units)->Apply(sizes);

@@ -24,7 +24,7 @@ uint32_t crc32Continued(uint32_t crc, const void* bytes, size_t length);
 /// from those of A and of A and B together: `crc32(AB) ^ crc32WithZeros(crc32(A), length of B)`.
 uint32_t crc32WithZeros(uint32_t crc, uint64_t zeros);
 
-/// The reference, also for kernels' tails.
+/// The reference, also for the shortest texts.
 uint32_t crc32Scalar(uint32_t crc, const uint8_t* bytes, size_t length);
 uint32_t crc32UnitsScalar(uint32_t crc, const unichar* units, size_t length);
 
@@ -36,13 +36,15 @@ constexpr int64_t crc32Power(int n) {
   return static_cast<int64_t>(static_cast<uint64_t>(value) << 1);
 }
 
-/// Carry-less multiplication; both take any length. Only where the CPU has PCLMULQDQ and SSSE3.
+#ifdef __x86_64__
+/// Carry-less multiplication in registers of 128, 256 and 512 bits.
 uint32_t crc32Clmul(uint32_t crc, const uint8_t* bytes, size_t length);
 uint32_t crc32UnitsClmul(uint32_t crc, const unichar* units, size_t length);
-
-/// The same on 512 bits at once. Only where the CPU has VPCLMULQDQ and AVX-512 F, BW and VL.
-uint32_t crc32WideClmul(uint32_t crc, const uint8_t* bytes, size_t length);
-uint32_t crc32UnitsWideClmul(uint32_t crc, const unichar* units, size_t length);
+uint32_t crc32Avx2(uint32_t crc, const uint8_t* bytes, size_t length);
+uint32_t crc32UnitsAvx2(uint32_t crc, const unichar* units, size_t length);
+uint32_t crc32Avx512(uint32_t crc, const uint8_t* bytes, size_t length);
+uint32_t crc32UnitsAvx512(uint32_t crc, const unichar* units, size_t length);
+#endif
 
 }  // namespace velan
 

@@ -68,8 +68,9 @@ const Kernels<Crc32Run>& crc32Kernels() {
   static const Kernels<Crc32Run> kernels({
       {"scalar", None, {crc32Scalar, crc32UnitsScalar}},
 #ifdef __x86_64__
-      {"clmul", SSE41 | PCLMUL, {crc32Clmul, crc32UnitsClmul}},
-      {"wide clmul", SSE41 | PCLMUL | VPCLMUL | AVX512, {crc32WideClmul, crc32UnitsWideClmul}},
+      {"PCLMUL", SSE41 | PCLMUL, {crc32Clmul, crc32UnitsClmul}},
+      {"AVX2", PCLMUL | VPCLMUL | AVX2, {crc32Avx2, crc32UnitsAvx2}},
+      {"AVX-512", PCLMUL | VPCLMUL | AVX512, {crc32Avx512, crc32UnitsAvx512}},
 #endif
   });
   return kernels;

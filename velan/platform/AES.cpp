@@ -4,8 +4,10 @@
 #include <openssl/evp.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <cstdlib>
+#include <iterator>
 #include <memory>
 
 #include "velan/platform/AESInternal.h"
@@ -17,17 +19,18 @@ namespace {
 constexpr size_t kBlockSize = 16;
 constexpr size_t kMostAtOnce = 1 << 30;  // its lengths are int
 
+// OpenSSL takes longer to find a cipher than to work on a short block: each is found once, and kept.
 const EVP_CIPHER* cipherFor(size_t keyLength) {
-  switch (keyLength) {
-    case 16:
-      return EVP_aes_128_cbc();
-    case 24:
-      return EVP_aes_192_cbc();
-    case 32:
-      return EVP_aes_256_cbc();
-    default:
-      return nullptr;
-  }
+  static constexpr const char* kNames[] = {"AES-128-CBC", "AES-192-CBC", "AES-256-CBC"};
+  static std::atomic<EVP_CIPHER*> ciphers[std::size(kNames)];
+  if (keyLength != 16 && keyLength != 24 && keyLength != 32) return nullptr;
+  std::atomic<EVP_CIPHER*>& kept = ciphers[keyLength / 8 - 2];
+  if (EVP_CIPHER* const cipher = kept.load(std::memory_order_acquire)) return cipher;
+  EVP_CIPHER* const found = EVP_CIPHER_fetch(nullptr, kNames[keyLength / 8 - 2], nullptr);
+  EVP_CIPHER* other = nullptr;
+  if (!found || kept.compare_exchange_strong(other, found, std::memory_order_acq_rel)) return found;
+  EVP_CIPHER_free(found);  // another thread was faster
+  return other;
 }
 
 Data converted(EVP_CIPHER_CTX* context, std::span<const uint8_t> bytes) {

@@ -63,11 +63,11 @@ std::unique_ptr<Unit[]> exactCopy(std::basic_string_view<Unit> units) {
   return copy;
 }
 
-/// `times` one behind the other.
-inline std::u16string repeated(std::u16string_view part, size_t times) {
+/// `part` so many times, then `end`.
+inline std::u16string repeated(std::u16string_view part, size_t times, std::u16string_view end = {}) {
   std::u16string text;
   while (times-- > 0) text += part;
-  return text;
+  return text += end;
 }
 
 template <typename Body>

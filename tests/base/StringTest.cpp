@@ -72,16 +72,12 @@ TEST(String, NoCopyUsesAndFreesTheCallersUnits) {
 
 TEST(String, CopiesMayBeMadeAndDroppedOnSeveralThreads) {
   const String text(u"shared");
-  std::vector<std::thread> threads;
-  for (int i = 0; i < 4; ++i) {
-    threads.emplace_back([text] {
-      for (int k = 0; k < 1000; ++k) {
-        const String copy = text;
-        ASSERT_EQ(copy.length(), 6);
-      }
-    });
-  }
-  for (auto& thread : threads) thread.join();
+  inThreads(4, [text](int) {
+    for (int k = 0; k < 1000; ++k) {
+      const String copy = text;
+      ASSERT_EQ(copy.length(), 6);
+    }
+  });
 }
 
 TEST(MutableString, EditsAreClippedToTheText) {

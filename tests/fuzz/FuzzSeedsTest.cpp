@@ -1,8 +1,6 @@
-#include <filesystem>
-#include <fstream>
-
 #include "fuzz/FuzzTarget.h"
 #include "tests/Testing.h"
+#include "tests/platform/files/TemporaryFolder.h"
 
 namespace velan {
 namespace {
@@ -29,9 +27,7 @@ TEST_P(FuzzSeeds, HoldAround) {
   Chance chance(1);
   size_t seeds = 0;
   for (const auto& entry : std::filesystem::directory_iterator(VELAN_SEEDS + std::string("/") + GetParam().name)) {
-    std::ifstream file(entry.path(), std::ios::binary);
-    const std::string seed{std::istreambuf_iterator<char>(file), {}};
-    for (const std::string& bytes : aroundSeed(seed, chance)) {
+    for (const std::string& bytes : aroundSeed(contentsOf(entry.path()), chance)) {
       const auto exact = exactCopy<char>(bytes);
       ASSERT_NO_THROW(GetParam().run({{exact.get(), bytes.size()}}))
           << entry.path() << ": " << testing::PrintToString(bytes);

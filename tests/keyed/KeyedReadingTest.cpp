@@ -1,4 +1,5 @@
 #include "tests/Testing.h"
+#include "tests/keyed/EveryOperation.h"
 #include "tests/keyed/KeyedSample.h"
 #include "velan/keyed/KeyedReading.h"
 #include "velan/keyed/KeyedWriting.h"
@@ -136,6 +137,22 @@ TEST(KeyedReading, EqualityTakesNoQuadraticTime) {
     addUnsigned(backward, 99999 - i, 99999 - i);
   }
   EXPECT_TRUE(isEqualToKeyedData(forward, backward, 0));
+}
+
+// Any bytes go through every operation where the fuzz targets are tested.
+TEST(KeyedSafety, EveryCombinationOfExtremeLengths) {
+  const std::string lengths[] = {"\0\0\0\0"s, "\0\0\0\1"s, "\x80\0\0\0"s, "\xFF\xFF\xFF\xFF"};
+  const char* headers[] = {"VLst\0\0\0\x09", "VLdt\0\0\0\x0A", "VLpl\0\0\0\x0B", "VLst_key", "VLst_val", "VLdt_val"};
+  for (const char* first : headers) {
+    for (const char* second : headers) {
+      for (size_t i = 0; i < 64; ++i) {
+        const std::string payloads[] = {"", "k", "VLst"};
+        std::string bytes = std::string(first, 8) + lengths[i % 4] + "\0\0\0\0"s + payloads[i / 16 % 3];
+        bytes += std::string(second, 8) + lengths[i / 4 % 4] + "\0\0\0\0"s + payloads[i / 16 % 3];
+        EXPECT_EQ(applyEveryOperation(bytes), isTiledByRecords(bytes));
+      }
+    }
+  }
 }
 
 }  // namespace

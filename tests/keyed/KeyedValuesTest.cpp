@@ -48,8 +48,7 @@ TEST(KeyedValues, EachKindHasItsRecord) {
 
 TEST(KeyedValues, WhatCannotBeAPairAddsNothingOrAKeyOnly) {
   const String lone(std::u16string(1, 0xD800));
-  std::string logged;
-  setLogSink([](std::string_view message, void* context) { *static_cast<std::string*>(context) += message; }, &logged);
+  const CapturedLog log;
   MutableData data;
   addValue(data, Value(), u"k");
   addValue(data, u"", u"k");
@@ -61,11 +60,11 @@ TEST(KeyedValues, WhatCannotBeAPairAddsNothingOrAKeyOnly) {
   addValue(data, Data::withBytes(""), u"k");
   EXPECT_EQ(data.view(), kKeyRecord);
   EXPECT_FALSE(containsValueForKey(data, u"k"));
-  EXPECT_EQ(logged, "");
+  EXPECT_TRUE(log.messages.empty());
   EXPECT_FALSE(containsValueForKey(data, u""));
   EXPECT_TRUE(getValueForKey(data, lone).isAbsent());
-  setLogSink(nullptr, nullptr);
-  EXPECT_EQ(logged, "WARNING: Key encoding failed: WARNING: Key encoding failed: \xEF\xBF\xBD");
+  EXPECT_EQ(log.messages,
+            (std::vector<std::string>{"WARNING: Key encoding failed: ", "WARNING: Key encoding failed: \xEF\xBF\xBD"}));
 }
 
 TEST(KeyedValues, TypedReads) {

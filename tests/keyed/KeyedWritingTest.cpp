@@ -47,8 +47,7 @@ TEST(KeyedWriting, AppendsTheBytesOfTheFormatAndReadsThem) {
 
 TEST(KeyedWriting, WhatHasNoRecordIsRefused) {
   MutableData data;
-  std::string logged;
-  setLogSink([](std::string_view message, void* context) { *static_cast<std::string*>(context) += message; }, &logged);
+  const CapturedLog log;
   const bool results[] = {
       addString(data, String(), 1),
       addString(data, u"", 1),
@@ -68,10 +67,9 @@ TEST(KeyedWriting, WhatHasNoRecordIsRefused) {
       addRecord(data, VLda, 1, 1.0),
       addRecord(data, fourCharacterCode("VLxx"), 1, 1),
   };
-  setLogSink(nullptr, nullptr);
   for (const bool result : results) EXPECT_FALSE(result);
   EXPECT_TRUE(data.isEmpty());
-  EXPECT_EQ(logged, "WARNING: Property list serializaiton failed: array of 1 values");
+  EXPECT_EQ(log.messages, std::vector<std::string>{"WARNING: Property list serializaiton failed: array of 1 values"});
 }
 
 TEST(KeyedWriting, BytesOfTheBufferItselfCanBeAdded) {

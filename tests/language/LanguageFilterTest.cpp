@@ -25,29 +25,19 @@ std::unique_ptr<LanguageFilter> smallFilter() {
       false);
 }
 
-String repeated(std::u16string_view text, int times) {
-  std::u16string result;
-  for (int i = 0; i < times; ++i) result += std::u16string(text) + u' ';
-  return result;
-}
-
-std::u16string operator+(const String& a, const String& b) {
-  return std::u16string(a.view()) + std::u16string(b.view());
-}
-
 TEST(LanguageFilter, Decisions) {
   const auto filter = smallFilter();
-  const String filler = repeated(u"zzz", 40);
+  const String filler = repeated(u"zzz ", 40);
   const Cases<const char*, String, const char16_t*> cases = {
       {"four different stop words decide", u"alba arne asta avis", u"AA"},
-      {"three do not, however often they come", repeated(u"arne asta avis", 50), nullptr},
+      {"three do not, however often they come", repeated(u"arne asta avis ", 50), nullptr},
       {"a count of 4 among 160 words is not above a fortieth", u"alba arne asta avis" + repeated(u" zzz", 156),
        nullptr},
       {"among 159 it is", u"alba arne asta avis" + repeated(u" zzz", 155), u"AA"},
       {"equal counts go to the first, and EN is the first", u"alba arne asta avis elk ember easel ether", u"EN"},
       {"two more than the leader before are too few", u"elk ember easel ether alba arne asta avis avis avis", nullptr},
       {"three more are enough", u"elk ember easel ether alba arne asta avis avis avis avis", u"AA"},
-      {"short words count for nothing among the characters", repeated(u"xy", 30) + u"слово слово слово", u"RU"},
+      {"short words count for nothing among the characters", repeated(u"xy ", 30) + u"слово слово слово", u"RU"},
       {"case makes no difference", u"ALBA Arne aSTA avis", u"AA"},
       {"diacritics do", u"álba arné ásta avís", nullptr},
       {"Cyrillic", u"elk ember easel ether быстрая коричневая лиса прыгает через ленивую собаку потом снова", u"RU"},
@@ -65,7 +55,7 @@ TEST(LanguageFilter, Decisions) {
 
 TEST(LanguageFilter, OwnLanguage) {
   const auto filter = smallFilter();
-  const String foreign = repeated(u"elk ember easel ether", 2);
+  const String foreign = repeated(u"elk ember easel ether ", 2);
   EXPECT_FALSE(filter->filterText(foreign)) << "none is set";
   const Cases<const char16_t*, const char16_t*, int64_t, bool> cases = {
       {u"AA", u"AA", 1, true},
@@ -85,7 +75,7 @@ TEST(LanguageFilter, OwnLanguage) {
   filter->setLanguage(u"AA");
   EXPECT_FALSE(filter->filterText(u"elk ember easel ether alba arne")) << "only two more than the own language has";
   EXPECT_TRUE(filter->filterText(u"elk ember easel ether alba")) << "three more";
-  EXPECT_TRUE(filter->filterText(repeated(u"слово", 8)));
+  EXPECT_TRUE(filter->filterText(repeated(u"слово ", 8)));
 }
 
 TEST(LanguageFilter, CodesAndSettings) {
@@ -113,13 +103,8 @@ TEST(LanguageFilter, CodesAndSettings) {
 
 // Hits by their definition: every word of the text held against every stop word of every language.
 TEST(LanguageFilter, CountsEqualASlowVersion) {
-  std::mt19937 random(7);
+  Chance chance(7);
   const std::u16string_view parts[] = {u"al", u"be", u"B\u00E9", u"ga", u"слово", u"7", u"\u00F8", u" ", u" ", u", "};
-  const auto randomWords = [&](size_t length) {
-    std::u16string text;
-    for (size_t i = 0; i < length; ++i) text += parts[random() % std::size(parts)];
-    return text;
-  };
   const auto isLatin = [](unichar c) {
     return isMemberOfCharacterSetRep(alphaCharacterSetRep(), c) && umlautsToAscii(c) < 128;
   };
@@ -132,9 +117,9 @@ TEST(LanguageFilter, CountsEqualASlowVersion) {
         return word.length();
       });
     };
-    const Lists lists{wordsOf(randomWords(40)), wordsOf(randomWords(40))};
+    const Lists lists{wordsOf(chance.text(40, parts)), wordsOf(chance.text(40, parts))};
     const auto filter = LanguageFilter::initWithKeys({u"A"_s, u"B"_s}, lists, ignoreUmlauts);
-    const String text = randomWords(200);
+    const String text = chance.text(200, parts);
     const LanguageCounts counts = filter->countsOfText(text);
     for (size_t i = 0; i < lists.size(); ++i) {
       int64_t hits = 0;

@@ -1,34 +1,13 @@
 // The lists that the library brings along, and lists in folders.
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 
 #include "tests/Testing.h"
+#include "tests/platform/files/TemporaryFolder.h"
 #include "velan/language/LanguageFilter.h"
 #include "velan/text/CharacterSets.h"
 #include "velan/text/ConversionTables.h"
 
 namespace velan {
 namespace {
-
-namespace fs = std::filesystem;
-
-std::string bytesOf(const fs::path& path) {
-  std::ostringstream bytes;
-  bytes << std::ifstream(path).rdbuf();
-  return bytes.str();
-}
-
-// Removed at the end.
-struct Folder {
-  fs::path path = []() -> fs::path {
-    std::string name = (fs::temp_directory_path() / "velan-stop-words-XXXXXX").string();
-    return mkdtemp(name.data());
-  }();
-  ~Folder() { fs::remove_all(path); }
-  String string() const { return String::fromUTF8(path.string()); }
-};
 
 TEST(StopWords, ListsAreUsable) {
   const auto filter = LanguageFilter::init();
@@ -72,43 +51,41 @@ TEST(StopWords, TellTheExampleDocumentsApart) {
       {"letters/wrona-latarnia-morska.txt", u"PL"},    {"articles/vystavka-sto-ogney.txt", u"RU"},
       {"letters/alexiou-faros-almyri.txt", u"EL"},     {"letters/lin-dengta-zhaopian.txt", u"**"}};
   for (const auto& [path, language] : documents) {
-    const String text = String::fromUTF8(bytesOf(fs::path(VELAN_DOCUMENTS) / path));
+    const String text = String::fromUTF8(contentsOf(VELAN_DOCUMENTS + std::string(path)));
     EXPECT_EQ(filter->languageOfText(text), String(language)) << path;
     filter->setLanguage(u"EN");
     EXPECT_EQ(filter->filterText(text), String(language) != u"EN"_s) << path;
   }
-  const String letter = String::fromUTF8(bytesOf(fs::path(VELAN_DOCUMENTS) / documents[0].first));
+  const String letter = String::fromUTF8(contentsOf(VELAN_DOCUMENTS + std::string(documents[0].first)));
   EXPECT_EQ(filter->ISOLanguageCodeOfText(letter), u"en"_s);
   EXPECT_GT(filter->stopWordRatioOfText(letter), 0.2);
   EXPECT_EQ(filter->stopWordRatioOfText(u"слово слово слово слово"), 0);
 }
 
 TEST(StopWords, InFolders) {
-  Folder folder;
+  const TemporaryFolder folder, copy, untouched;
   const std::pair<const char*, const char*> files[] = {{"StopWordsZZ", "\xEF\xBB\xBFzig, zag\nzoo"},
                                                        {"StopWordsEN", "the and"},
                                                        {"StopWordsgEN", "general"},
                                                        {"StopWords", "nameless"},
                                                        {"StopWordsAA", "\xFF\xFE no UTF-8"},
                                                        {"OtherWordsBB", "other"}};
-  for (const auto& [name, bytes] : files) std::ofstream(folder.path / name) << bytes;
-  const auto filter = LanguageFilter::initWithDirectory(folder.string(), false);
+  for (const auto& [name, bytes] : files) folder.write(name, bytes);
+  const auto filter = LanguageFilter::initWithDirectory(folder.path(""), false);
   EXPECT_EQ(filter->languages(), (std::vector<String>{u"EN"_s, u"AA"_s, u"ZZ"_s}));
   EXPECT_EQ(filter->stopWords(2), (std::vector<String>{u"zag"_s, u"zig"_s, u"zoo"_s}));
   EXPECT_TRUE(filter->stopWords(1).empty());
 
-  Folder copy;
-  EXPECT_TRUE(filter->writeToDirectory(copy.string()));
-  EXPECT_EQ(bytesOf(copy.path / "StopWordsZZ"), "zag\nzig\nzoo\n");
-  const auto again = LanguageFilter::initWithDirectory(copy.string(), false);
+  EXPECT_TRUE(filter->writeToDirectory(copy.path("")));
+  EXPECT_EQ(copy.read("StopWordsZZ"), "zag\nzig\nzoo\n");
+  const auto again = LanguageFilter::initWithDirectory(copy.path(""), false);
   EXPECT_EQ(again->languages(), filter->languages());
   EXPECT_EQ(again->stopWords(0), filter->stopWords(0));
 
   EXPECT_FALSE(filter->writeToDirectory(u"/nowhere/at/all"));
   const auto leaving = LanguageFilter::initWithKeys({u"A"_s, u"/../B"_s}, {{u"word"_s}, {u"word"_s}}, false);
-  Folder untouched;
-  EXPECT_FALSE(leaving->writeToDirectory(untouched.string()));
-  EXPECT_TRUE(fs::is_empty(untouched.path));
+  EXPECT_FALSE(leaving->writeToDirectory(untouched.path("")));
+  EXPECT_EQ(untouched.count(), 0u);
   EXPECT_TRUE(LanguageFilter::initWithDirectory(u"/nowhere/at/all", true)->languages().empty());
 }
 

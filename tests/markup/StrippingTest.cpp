@@ -58,10 +58,7 @@ TEST(Stripping, BodyOfTheFirstElement) {
 }
 
 TEST(FileTypes, ByExtension) {
-  const struct {
-    String path;
-    std::string types;
-  } cases[] = {
+  const Cases<String, std::string> cases = {
       {u"/a.b/page.html"_s, "html markup"},
       {u"page.HTML"_s, "html markup"},
       {u"a.mhtml"_s, "html mime markup"},
@@ -81,15 +78,13 @@ TEST(FileTypes, ByExtension) {
                                                      : std::vector<String>();
       },
       const_cast<String*>(&own));
-  for (const auto& c : cases) {
-    const auto expect = [&c](bool is, const char* type) {
-      EXPECT_EQ(is, c.types.find(type) != std::string::npos) << c.path.toUTF8() << " " << type;
-    };
-    expect(isHTMLFile(c.path), "html");
-    expect(isMimeHTMLFile(c.path), "mime");
-    expect(isXMLFile(c.path), "xml");
-    expect(isPropertyListFile(c.path), "plist");
-    expect(isMarkupFile(c.path), "markup");
+  for (const auto& [path, types] : cases) {
+    const std::pair<const char*, bool> answers[] = {{"html", isHTMLFile(path)},
+                                                    {"mime", isMimeHTMLFile(path)},
+                                                    {"xml", isXMLFile(path)},
+                                                    {"plist", isPropertyListFile(path)},
+                                                    {"markup", isMarkupFile(path)}};
+    for (const auto& [type, is] : answers) EXPECT_EQ(is, types.find(type) != types.npos) << path.toUTF8() << type;
   }
   setPathExtensionsProvider(nullptr, nullptr);
   EXPECT_FALSE(isXMLExtension(own) || isMarkupExtension(own) || !CustomXMLFileTypes().empty());

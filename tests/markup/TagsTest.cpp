@@ -153,11 +153,9 @@ TEST(Tags, TheWalkEqualsItsDescription) {
   static constexpr std::u16string_view kPieces[] = {
       u"<", u"<", u">",        u">",        u"-",         u"!",        u"=",   u"\"",  u"'", u"/", u"[",   u"]",
       u" ", u"a", u"<script>", u"</script", u"<style x>", u"</STYLE>", u"<!-", u"-->", u"é", u"1", u"=\"", u"<script"};
-  std::mt19937 random(4);
+  Chance chance(4);
   for (int round = 0; round < 40000; ++round) {
-    std::u16string text;
-    const size_t kinds = round % 2 == 0 ? 14 : std::size(kPieces);
-    for (size_t count = 1 + random() % 24; count > 0; --count) text += kPieces[random() % kinds];
+    const auto text = chance.text(1 + chance.below(24), kPieces, round % 2 == 0 ? 14 : std::size(kPieces));
     ASSERT_EQ(reportsOf(String(text)), DescribedScanner(text).scan()) << String(text).toUTF8();
   }
 }
@@ -197,10 +195,7 @@ TEST(Tags, HandlersStopTheWalkAndMayWriteToAPrivateCopy) {
 }
 
 TEST(Tags, KindsOfTags) {
-  const struct {
-    String tag;
-    std::string kinds;
-  } cases[] = {
+  const Cases<String, std::string> cases = {
       {u"<a>"_s, "open"},
       {u"</a>"_s, "closed"},
       {u"<a/>"_s, ""},
@@ -211,16 +206,12 @@ TEST(Tags, KindsOfTags) {
       {u"<!-x->"_s, "open"},
       {String(), ""},
   };
-  for (const auto& c : cases) {
-    const auto expect = [&c](bool is, const char* kind) {
-      EXPECT_EQ(is, c.kinds.find(kind) != std::string::npos) << c.tag.toUTF8() << " " << kind;
-    };
-    expect(isTagOpen(c.tag), "open");
-    expect(isTagClosed(c.tag), "closed");
-    expect(isMetaTag(c.tag), "meta");
-    expect(isRemarkTag(c.tag), "remark");
-    expect(isTagOpenCharacters(c.tag.characters(), {0, c.tag.length()}), "open");
-    expect(isTagClosedCharacters(c.tag.characters(), {0, c.tag.length()}), "closed");
+  for (const auto& [tag, kinds] : cases) {
+    const std::pair<const char*, bool> answers[] = {
+        {"open", isTagOpen(tag)},     {"open", isTagOpenCharacters(tag.characters(), {0, tag.length()})},
+        {"closed", isTagClosed(tag)}, {"closed", isTagClosedCharacters(tag.characters(), {0, tag.length()})},
+        {"meta", isMetaTag(tag)},     {"remark", isRemarkTag(tag)}};
+    for (const auto& [kind, is] : answers) EXPECT_EQ(is, kinds.find(kind) != kinds.npos) << tag.toUTF8() << kind;
   }
   EXPECT_TRUE(isMetaTagInRange(u"x<meta>y"_s, {1, 6}));
   EXPECT_TRUE(isTagClosedInRange(u"x</a>"_s, {1, 99}));

@@ -1,8 +1,7 @@
 // Patterns in text without spaces: whether they find anything must not depend on where the dictionary divides it.
-#include <fstream>
-#include <iterator>
 
 #include "tests/Testing.h"
+#include "tests/platform/files/TemporaryFolder.h"
 #include "velan/query/PreparedQuery.h"
 #include "velan/query/words/EastAsianWords.h"
 #include "velan/wildcard/WildcardMatching.h"
@@ -10,10 +9,7 @@
 namespace velan {
 namespace {
 
-String documentAt(const std::string& name) {
-  std::ifstream file("../../examples/documents/" + name, std::ios::binary);
-  return String::fromUTF8(std::string(std::istreambuf_iterator<char>(file), {}));
-}
+String documentAt(const std::string& name) { return String::fromUTF8(contentsOf("../../examples/documents/" + name)); }
 
 std::vector<Range> wordsOf(const FastWordEnumerator& text) {
   std::vector<Range> words;
@@ -51,8 +47,7 @@ std::vector<Range> expectedPlaces(const std::u16string& pattern, const FastWordE
 
 TEST(EastAsianWildcards, FindsTheShortestRowsOfWords) {
   FastWordEnumerator::setSplitAsianWords(true);
-  std::mt19937 random(1);
-  const auto below = [&random](size_t bound) { return random() % bound; };
+  Chance chance(1);
   const char* const names[] = {"letters/morita-bijutsukan.txt", "articles/hyaku-no-akari-ten.txt",
                                "letters/lin-dengta-zhaopian.txt", "notes/exhibition-labels-draft.txt"};
   int found = 0;
@@ -60,16 +55,17 @@ TEST(EastAsianWildcards, FindsTheShortestRowsOfWords) {
   for (size_t i = 0; i < 6000; ++i) {
     const String document = documentAt(names[i % 4]);
     const auto text = FastWordEnumerator::enumeratorWithString(document);
-    const auto start = below(static_cast<size_t>(document.length()) - 8);
-    std::u16string pattern(document.view().substr(start, 1 + below(8)));
+    const auto start = chance.below(static_cast<size_t>(document.length()) - 8);
+    std::u16string pattern(document.view().substr(start, 1 + chance.below(8)));
     for (unichar& c : pattern) {
-      if (below(2 + i % 8) == 0 || text->isWordSeparatorAtIndex(static_cast<int64_t>(start) + (&c - pattern.data()))) {
-        c = below(2) ? u'*' : u'?';
+      if (chance.below(2 + i % 8) == 0 ||
+          text->isWordSeparatorAtIndex(static_cast<int64_t>(start) + (&c - pattern.data()))) {
+        c = chance.below(2) ? u'*' : u'?';
       }
     }
-    if (below(3) == 0) pattern += u"[\u3041-\u30FF]";
-    if (below(2)) pattern.insert(0, 1, u'*');
-    if (below(2)) pattern += u'*';
+    if (chance.below(3) == 0) pattern += u"[\u3041-\u30FF]";
+    if (chance.below(2)) pattern.insert(0, 1, u'*');
+    if (chance.below(2)) pattern += u'*';
     if (pattern.find_first_of(u"*?[") == pattern.npos || pattern.find_first_not_of(u"*?") == pattern.npos) continue;
     const std::vector<Range> places = placesOf(pattern, document);
     EXPECT_EQ(places, expectedPlaces(pattern, *text)) << String(pattern).toUTF8();

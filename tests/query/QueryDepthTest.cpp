@@ -11,49 +11,37 @@ namespace {
 constexpr size_t kMillion = 1'000'000;
 constexpr size_t kMany = 50'000;
 
-String repeated(std::u16string_view part, size_t times, std::u16string_view end = {}) {
-  std::u16string text;
-  text.reserve(part.size() * times + end.size());
-  while (times-- > 0) text += part;
-  return text += end;
-}
-
 TEST(QueryDepth, DeepQueriesOnASmallStack) {
-  const struct {
-    const char* why;
-    String query;
-    bool valid, matches, contains;
-    size_t occurrences;
-  } cases[] = {
+  const Cases<const char*, String, bool, bool, bool, size_t> cases = {
       {"opened groups", repeated(u"(", kMillion), false, false, false, 0},
-      {"closed groups", repeated(u"(", kMillion, repeated(u")", kMillion).view()), false, false, false, 0},
+      {"closed groups", repeated(u"(", kMillion, repeated(u")", kMillion)), false, false, false, 0},
       {"stray parentheses", repeated(u")", kMillion, u"a"), true, true, true, 2},
       {"NOT, an even number", repeated(u"NOT ", kMillion, u"a"), true, true, true, 2},
       {"NOT, an odd number", repeated(u"NOT ", kMillion + 1, u"a"), true, false, false, 0},
       {"groups in groups", repeated(u"(a ", kMany), true, true, true, 2},
       {"a term at the bottom", repeated(u"(", kMillion, u"b"), true, true, true, 1},
       {"negated groups", repeated(u"-(", kMillion, u"a"), true, true, false, 0},
-      {"groups to the left", repeated(u"(", kMany, repeated(u"a) OR zz ", kMany).view()), true, true, true, 2},
+      {"groups to the left", repeated(u"(", kMany, repeated(u"a) OR zz ", kMany)), true, true, true, 2},
       {"related groups", repeated(u"(a NEAR/1 ", kMany, u"b"), true, true, true, 3},
-      {"related groups to the left", repeated(u"(", kMany, repeated(u"a) NEAR/1 ", kMany, u"b").view()), true, true,
-       true, 3},
+      {"related groups to the left", repeated(u"(", kMany, repeated(u"a) NEAR/1 ", kMany, u"b")), true, true, true, 3},
       {"related negated groups", repeated(u"(a NEAR/1 NOT ", kMany, u"zz"), true, false, true, 2},
       {"a long row", repeated(u"a ", kMany), true, true, true, 2},
       {"a long row in proximity", repeated(u"a NEAR/1 ", kMany, u"b"), true, true, true, 3},
   };
-  for (const auto& c : cases) {
-    runOnSmallStack([&] {
+  for (const auto& row : cases) {
+    runOnSmallStack([&row = row] {
+      const auto& [why, query, valid, matches, contains, occurrences] = row;
       const auto text = FastWordEnumerator::initWithString(u"a b a"_s);
-      const auto terms = QueryTerms::initWithWildcard(c.query);
-      EXPECT_EQ(terms->isValid(), c.valid) << c.why;
+      const auto terms = QueryTerms::initWithWildcard(query);
+      EXPECT_EQ(terms->isValid(), valid) << why;
       const auto again = QueryTerms::initWithWildcard(terms->standardizedQueryTerm());
-      EXPECT_EQ(again->matchesString(u"a b a"_s, QueryComparison::Exact), c.matches) << c.why;
+      EXPECT_EQ(again->matchesString(u"a b a"_s, QueryComparison::Exact), matches) << why;
       EXPECT_EQ(matchesString(*text, *terms, nullptr, QueryOperator::Mixed, 0, 0, 5, QueryComparison::Exact, true),
-                c.matches)
-          << c.why;
-      EXPECT_EQ(containsString(*text, *terms, QueryComparison::Exact, true), c.contains) << c.why;
-      EXPECT_EQ(queryOccurrences(*text, *terms, {0, 5}, QueryComparison::Exact, true).size(), c.occurrences) << c.why;
-      EXPECT_EQ(terms->minTermLen(), c.occurrences > 0 ? 1 : 0) << c.why;
+                matches)
+          << why;
+      EXPECT_EQ(containsString(*text, *terms, QueryComparison::Exact, true), contains) << why;
+      EXPECT_EQ(queryOccurrences(*text, *terms, {0, 5}, QueryComparison::Exact, true).size(), occurrences) << why;
+      EXPECT_EQ(terms->minTermLen(), occurrences > 0 ? 1 : 0) << why;
       terms->usesProximity();
     });
   }

@@ -27,11 +27,9 @@ Words separated(std::u16string_view list) {
   return words;
 }
 
-class QueryGenerator {
+class QueryGenerator : public Chance {
  public:
-  QueryGenerator(const Family& family, unsigned seed) : _family(family), _random(seed) {}
-
-  size_t below(size_t n) { return _random() % n; }
+  QueryGenerator(const Family& family, unsigned seed) : Chance(seed), _family(family) {}
 
   std::u16string text() {
     static const Words separators = {u" ", u" ", u" ", u", ", u"-", u".\n"};
@@ -80,11 +78,6 @@ class QueryGenerator {
   }
 
  private:
-  template <class List>
-  typename List::value_type oneOf(const List& list) {
-    return list[below(list.size())];
-  }
-
   ReferenceTerm leaf() {
     ReferenceTerm leaf;
     leaf.word = oneOf(_terms);
@@ -112,7 +105,6 @@ class QueryGenerator {
 
   const Family& _family;
   const Words _textWords = separated(_family.textWords), _terms = separated(_family.terms);
-  std::mt19937 _random;
 };
 
 constexpr std::u16string_view kLetters = u"a;b;c;d;e";

@@ -132,15 +132,12 @@ TEST(QuerySelfTest, HoldsUnderTheReferenceToo) {
     EXPECT_EQ(reference.matches(referenceOf(*terms), {0, text.length()}), c.matches) << c.query;
     EXPECT_EQ(terms->matchesString(text, QueryComparison::IgnoreCase), c.matches) << c.query;
   }
-  using Lines = std::vector<std::string>;
-  Lines log;
-  setLogSink([](std::string_view line, void* context) { static_cast<Lines*>(context)->emplace_back(line); }, &log);
+  const CapturedLog log;
   EXPECT_TRUE(QueryTerms::test());
-  setLogSink(nullptr, nullptr);
-  ASSERT_EQ(log.size(), 48u);
-  EXPECT_EQ(log[0], "Success: tempor AND duo => Yes");
-  EXPECT_EQ(log[1], "Success: tempor AND NOT duo => No");
-  EXPECT_EQ(log[47], "Success: tempor NEXT NOT missing => Yes");
+  ASSERT_EQ(log.messages.size(), 48u);
+  EXPECT_EQ(log.messages[0], "Success: tempor AND duo => Yes");
+  EXPECT_EQ(log.messages[1], "Success: tempor AND NOT duo => No");
+  EXPECT_EQ(log.messages[47], "Success: tempor NEXT NOT missing => Yes");
 }
 
 }  // namespace

@@ -1,10 +1,7 @@
-#include <unistd.h>
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 
 #include "tests/Testing.h"
+#include "tests/platform/files/TemporaryFolder.h"
 #include "velan/platform/LanguageDetection.h"
 #include "velan/platform/Services.h"
 #include "velan/platform/lemmas/HunspellDictionaryInternal.h"
@@ -25,35 +22,29 @@ bool hasService(const std::string& name) {
 class Stemming : public testing::Test {
  protected:
   static void SetUpTestSuite() {
-    folder() = std::filesystem::temp_directory_path() / ("velan-stemming-" + std::to_string(getpid()));
-    std::filesystem::create_directories(folder());
-    write("noun.exc", "mice mouse\n");
-    write("index.adj", "nice a 1\n");
-    write("verb.exc", "went go\nlay_on lie\nmice nonsense\nsaw see\nground grind\n");
-    write("index.verb",
-          "  1 The licence\ngo v 1\nhouse v 1\nwalk v 1\ntry v 1\nsee v 1\nsaw v 1\ngrind v 1\nmeet v 1\n");
-    write("index.noun",
-          "house n 1\nmeeting n 1\nhi n 1\nwalking_stick n 1\nyear n 1\nyears n 1\nground n 1\nwalking n 1\n");
-    write("cntlist.rev",
-          "saw%2:35:00:: 1 1\nsee%2:39:00:: 1 700\nground%1:17:00:: 1 100\ngrind%2:36:00:: 1 10\nyear%1:28:00:: 1 700\n"
-          "years%1:28:00:: 1 3\nmeet%2:41:00:: 1 237\nmeeting%1:14:00:: 1 30\nmeeting%1:14:01:: 2 9\n"
-          "walk%2:38:00:: 1 200\nwalking%1:04:00:: 1 8\nbroken\nbroken%\nsee%9:1 5000000\n");
-    write("qq.aff", "SET ISO8859-2\nSFX S Y 1\nSFX S 0 y .\n");
-    write("qq.dic", "2\nza\xB3o\xBF/S\nkot/S\n");
-    write("de_DE.aff", "SET UTF-8\nSFX E Y 1\nSFX E 0 en .\nSFX U Y 1\nSFX U 0 ungen .\nSFX N Y 1\nSFX N r nn r\n");
-    write("de_DE.dic", "6\nlauf/E\nLauf/E\nzeit/U\nHaus\nGnu/E\nsuch/E\nsuchen\nwer/N\n");
-    write("fr.aff", "SET UTF-8\nSFX R Y 1\nSFX R er 0 er\nSFX S Y 1\nSFX S 0 s .\n");
-    write("fr.dic", "5\nligne/S\ndan/S\nmai/S\nenfant/S\nligner/R\nligneser/R\n");
-    setenv("VELAN_WORDNET", folder().c_str(), 1);
-    setenv("DICPATH", ("/nonexistent:" + folder().string()).c_str(), 1);
+    static const TemporaryFolder folder;
+    folder.write("noun.exc", "mice mouse\n");
+    folder.write("index.adj", "nice a 1\n");
+    folder.write("verb.exc", "went go\nlay_on lie\nmice nonsense\nsaw see\nground grind\n");
+    folder.write("index.verb",
+                 "  1 The licence\ngo v 1\nhouse v 1\nwalk v 1\ntry v 1\nsee v 1\nsaw v 1\ngrind v 1\nmeet v 1\n");
+    folder.write("index.noun",
+                 "house n 1\nmeeting n 1\nhi n 1\nwalking_stick n 1\nyear n 1\nyears n 1\nground n 1\nwalking n 1\n");
+    folder.write(
+        "cntlist.rev",
+        "saw%2:35:00:: 1 1\nsee%2:39:00:: 1 700\nground%1:17:00:: 1 100\ngrind%2:36:00:: 1 10\nyear%1:28:00:: 1 700\n"
+        "years%1:28:00:: 1 3\nmeet%2:41:00:: 1 237\nmeeting%1:14:00:: 1 30\nmeeting%1:14:01:: 2 9\n"
+        "walk%2:38:00:: 1 200\nwalking%1:04:00:: 1 8\nbroken\nbroken%\nsee%9:1 5000000\n");
+    folder.write("qq.aff", "SET ISO8859-2\nSFX S Y 1\nSFX S 0 y .\n");
+    folder.write("qq.dic", "2\nza\xB3o\xBF/S\nkot/S\n");
+    folder.write("de_DE.aff",
+                 "SET UTF-8\nSFX E Y 1\nSFX E 0 en .\nSFX U Y 1\nSFX U 0 ungen .\nSFX N Y 1\nSFX N r nn r\n");
+    folder.write("de_DE.dic", "6\nlauf/E\nLauf/E\nzeit/U\nHaus\nGnu/E\nsuch/E\nsuchen\nwer/N\n");
+    folder.write("fr.aff", "SET UTF-8\nSFX R Y 1\nSFX R er 0 er\nSFX S Y 1\nSFX S 0 s .\n");
+    folder.write("fr.dic", "5\nligne/S\ndan/S\nmai/S\nenfant/S\nligner/R\nligneser/R\n");
+    setenv("VELAN_WORDNET", (folder / "").c_str(), 1);
+    setenv("DICPATH", ("/nonexistent:" + folder / "").c_str(), 1);
   }
-  static void TearDownTestSuite() { std::filesystem::remove_all(folder()); }
-
-  static std::filesystem::path& folder() {
-    static std::filesystem::path path;
-    return path;
-  }
-  static void write(const char* name, std::string_view bytes) { std::ofstream(folder() / name) << bytes; }
 };
 
 TEST_F(Stemming, Lemmas) {
@@ -122,15 +113,11 @@ TEST_F(Stemming, KeepsFunctionWordsElisionsAndNames) {
 }
 
 TEST_F(Stemming, FromManyThreads) {
-  std::vector<std::thread> threads;
-  for (int i = 0; i < 8; ++i) {
-    threads.emplace_back([] {
-      const Lemmatizer* german = Lemmatizer::forLanguage("de-AT");
-      for (int round = 0; german && round < 50; ++round) EXPECT_EQ(german->lemma(u"Zeitungen"), u"Zeitung"_s);
-      EXPECT_EQ(stringByStemmingWords(u"no words known"_s).length(), 14);
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
+  inThreads(8, [](int) {
+    const Lemmatizer* german = Lemmatizer::forLanguage("de-AT");
+    for (int round = 0; german && round < 50; ++round) EXPECT_EQ(german->lemma(u"Zeitungen"), u"Zeitung"_s);
+    EXPECT_EQ(stringByStemmingWords(u"no words known"_s).length(), 14);
+  });
 }
 
 TEST(LanguageDetection, TellsLanguages) {

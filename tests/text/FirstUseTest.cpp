@@ -42,14 +42,10 @@ TEST(FirstUse, OfEverythingBySixteenThreads) {
   constexpr int kThreads = 16;
   std::barrier start(kThreads);
   Seen seen[kThreads];
-  std::vector<std::thread> threads;
-  for (int i = 0; i < kThreads; ++i) {
-    threads.emplace_back([&, i] {
-      start.arrive_and_wait();
-      seen[i] = useEverything(i);
-    });
-  }
-  for (auto& thread : threads) thread.join();
+  inThreads(kThreads, [&](int i) {
+    start.arrive_and_wait();
+    seen[i] = useEverything(i);
+  });
   const std::vector<int> expected = {'A', 'a', 0xFF5A, 0xFF3A, 'y', 0, 1, 1, 1, 0, 1, 1, 1, 1, 1, 1, 1, 1};
   for (size_t i = 0; i < expected.size(); ++i) EXPECT_EQ(seen[0].at(i).second, expected[i]) << i;
   for (const auto& other : seen) EXPECT_EQ(other, seen[0]);

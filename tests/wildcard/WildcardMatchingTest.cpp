@@ -97,29 +97,23 @@ TEST(WildcardMatching, EqualsTheDefinitionForAllShortPatterns) {
 TEST(WildcardMatching, EqualsTheDefinitionForLongerPatterns) {
   const auto texts = allTexts(u"ab]", 4);
   const View pieces[] = {u"*", u"?", u"a", u"b", u"ab", u"[ab]", u"[^a]", u"[a-]"};
-  std::mt19937 random(3);
+  Chance chance(3);
   for (int round = 0; round < 30000; ++round) {
     std::u16string pattern = round % 3 ? u"*[" : u"";
-    const size_t length = 6 + random() % 3;
-    while (pattern.size() < length) pattern += View(u"[]-*ab^|?")[random() % 9];
-    if (round % 2) pattern.replace(3 + random() % (length - 4), 2, u"-]");
+    const size_t length = 6 + chance.below(3);
+    pattern += chance.text(length - pattern.size(), u"[]-*ab^|?");
+    if (round % 2) pattern.replace(3 + chance.below(length - 4), 2, u"-]");
     checkPattern(pattern, texts);
     if (round % 10) continue;
-    std::u16string text, stars;
-    for (size_t left = random() % 40; left > 0; --left) text += View(u"aab")[random() % 3];
-    for (size_t count = 1 + random() % 7; count > 0; --count) stars += pieces[random() % std::size(pieces)];
-    checkPattern(stars, {text});
+    const std::u16string text = chance.text(chance.below(40), u"aab");
+    checkPattern(chance.text(1 + chance.below(7), pieces), {text});
     if (round % 100 == 0) checkInLongPattern(pattern, text, slowMatches(text, pattern, true));
   }
 }
 
 TEST(WildcardMatching, ManyStarsAndLongPatterns) {
   const std::u16string text(3000, u'a');
-  std::u16string stars, sets;
-  for (int i = 0; i < 1000; ++i) {
-    stars += u"*a";
-    sets += u"*[a-]b]";
-  }
+  const std::u16string stars = repeated(u"*a", 1000), sets = repeated(u"*[a-]b]", 1000);
   EXPECT_TRUE(plain(text, stars));
   EXPECT_FALSE(plain(text, stars + u"b"));
   EXPECT_FALSE(withSets(text, sets));  // each set takes an "a" and wants "b]", or takes a "b"

@@ -45,14 +45,13 @@ TEST(WordSimilarity, Values) {
 
 // Around the length from which positions are queued; few letters make many choices.
 TEST(WordSimilarity, EqualsTheSlowOne) {
-  std::mt19937 random(5);
+  Chance chance(5);
   for (const size_t length : {3u, 8u, 20u, 511u, 512u, 513u, 700u}) {
     for (int round = 0; round < 40; ++round) {
-      std::u16string a, b;
-      for (size_t i = 0; i < length; ++i) a += static_cast<unichar>('a' + random() % 9);
-      b = a;
-      for (auto i = random() % 6; i > 0; --i) std::swap(b[random() % length], b[random() % length]);
-      b.erase(random() % length, random() % 3);
+      const std::u16string a = chance.text(length, u"abcdefghi");
+      std::u16string b = a;
+      for (auto i = chance.below(6); i > 0; --i) std::swap(b[chance.below(length)], b[chance.below(length)]);
+      b.erase(chance.below(length), chance.below(3));
       EXPECT_EQ(similarity(a, b), slowSimilarity(a, b));
       EXPECT_EQ(similarity(b, a), slowSimilarity(b, a));
     }

@@ -94,14 +94,12 @@ Data binary(const std::vector<std::string>& objects, std::string_view offsets = 
 }
 
 TEST(PropertyList, AnEncodingThatIsNotReadIsNamed) {
-  std::string logged;
-  setLogSink([](std::string_view message, void* context) { *static_cast<std::string*>(context) = message; }, &logged);
+  const CapturedLog log;
   const auto xml = Data::withBytes("<?xml version='1.0' encoding='KOI8-R'?><string>a</string>");
   EXPECT_TRUE(readPropertyList(xml).isAbsent());
   const auto ascii = Data::withBytes("<?xml version='1.0' encoding='US-ASCII'?><string>\xC3\xA9</string>");
   EXPECT_TRUE(readPropertyList(ascii).isAbsent()) << "not what it declares";
-  setLogSink(nullptr, nullptr);
-  EXPECT_EQ(logged, "WARNING: Property list in an encoding that is not read: KOI8-R");
+  EXPECT_EQ(log.messages.at(0), "WARNING: Property list in an encoding that is not read: KOI8-R");
 }
 
 // Beside the numbers and texts that another implementation writes and judges.

@@ -18,9 +18,8 @@ TEST(UTF, MalformedSequencesAreRefusedOrReplaced) {
       {"cut in the middle of the text", "\xF0\x9F\x98 x", u"\uFFFD x"},
   };
   for (const auto& [why, utf8, lossy] : cases) {
-    // Heap buffers of the exact size: the address sanitizer sees a read one byte too far.
-    const std::vector<char> bytes(utf8.begin(), utf8.end());
-    const std::string_view exact(bytes.data(), bytes.size());
+    const auto bytes = exactCopy<char>(utf8);
+    const std::string_view exact(bytes.get(), utf8.size());
     EXPECT_TRUE(String::fromUTF8(exact).isAbsent()) << why;
     EXPECT_FALSE(isUTF8(std::string(250, 'x') + utf8)) << why;
     EXPECT_EQ(String::fromUTF8Lossy(exact), lossy) << why;

@@ -112,27 +112,16 @@ TEST(FileReplacement, UpdatesLoseNothing) {
   EXPECT_EQ(folder.count(), 0u) << "what is absent stays so";
   for (const bool links : {false, true}) {
     if (links) std::filesystem::create_hard_link(folder / "file", folder / "second");
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 8; ++i) {
-      threads.emplace_back([&] {
-        for (int n = 0; n < 10; ++n) {
-          EXPECT_FALSE(updateFile(folder.path("file"), [](const Data& contents) {
-            return Data::withBytes(std::string(contents.view()) + "x");
-          }));
-        }
-      });
-    }
-    for (std::thread& thread : threads) thread.join();
+    const auto append = [](const Data& contents) { return Data::withBytes(std::string(contents.view()) + "x"); };
+    inThreads(8, [&](int) {
+      for (int n = 0; n < 10; ++n) EXPECT_FALSE(updateFile(folder.path("file"), append));
+    });
     EXPECT_EQ(folder.read("file"), std::string(links ? 160 : 80, 'x'));
   }
 }
 
 class FailingReplacement : public testing::TestWithParam<const char*> {
  protected:
-  void SetUp() override {
-    setLogSink([](std::string_view, void*) {}, nullptr);
-  }
-  void TearDown() override { setLogSink(nullptr, nullptr); }
   bool hasLinks() const { return std::string_view(GetParam()) == "of two names"; }
   bool exists() const { return std::string_view(GetParam()) != "missing"; }
 
@@ -151,6 +140,7 @@ class FailingReplacement : public testing::TestWithParam<const char*> {
   }
 
   const std::string changed = std::string(140000, 'n');
+  const CapturedLog log;
 };
 
 TEST_P(FailingReplacement, FailedOrKilledAtAnyCallItLosesAndClaimsNothing) {

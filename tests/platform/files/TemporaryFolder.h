@@ -14,6 +14,11 @@
 
 namespace velan {
 
+inline std::string contentsOf(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
 class TemporaryFolder {
  public:
   TemporaryFolder() {
@@ -29,10 +34,7 @@ class TemporaryFolder {
   void write(const std::string& name, const std::string& bytes) const {
     std::ofstream(*this / name, std::ios::binary) << bytes;
   }
-  std::string read(const std::string& name) const {
-    std::ifstream file(*this / name, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
+  std::string read(const std::string& name) const { return contentsOf(*this / name); }
   size_t count() const { return static_cast<size_t>(std::distance(std::filesystem::directory_iterator(_path), {})); }
 
  private:

@@ -28,23 +28,20 @@ int64_t slowCompare(const std::u16string& a, const std::u16string& b, const unic
 
 // Lengths around the blocks, differences in case and otherwise at every place.
 TEST(Comparison, EqualsTheSlowOne) {
-  std::mt19937 random(1);
+  Chance chance(1);
   const std::u16string_view variants[] = {u"aA",      u"\x00E4\x00C4", u"\x0436\x0416", u"[{",          u"@`",
                                           u"s\x017F", u"7\xFFFF",      u"k\x212A",      u"\x00DF\x1E9E"};
-  const auto any = [&] {
-    const auto& variant = variants[random() % std::size(variants)];
-    return variant[random() % variant.size()];
-  };
+  const auto any = [&] { return chance.oneOf(chance.oneOf(variants)); };
   for (size_t length = 0; length <= 100; ++length) {
     for (int round = 0; round < 40; ++round) {
       std::u16string a, b;
       for (size_t i = 0; i < length; ++i) a += any();
       b = a;
-      for (unsigned changes = random() % 4; changes > 0 && length > 0; --changes) {
-        unichar& changed = b[random() % length];
-        changed = random() % 2 ? toUpper(changed) : any();
+      for (size_t changes = chance.below(4); changes > 0 && length > 0; --changes) {
+        unichar& changed = b[chance.below(length)];
+        changed = chance.below(2) ? toUpper(changed) : any();
       }
-      b.resize(length - random() % (length / 8 + 1));
+      b.resize(length - chance.below(length / 8 + 1));
       EXPECT_EQ(fastCompareUnichars(a.data(), a.size(), b.data(), b.size()), slowCompare(a, b, nullptr));
       EXPECT_EQ(fastCaseInsensitiveCompareUnichars(a.data(), a.size(), b.data(), b.size()),
                 slowCompare(a, b, initUpperCharsTable()));

@@ -20,14 +20,12 @@ String edited(const String& text, const Edit& edit) {
 }
 
 TEST(Tabs, ImpossibleWidths) {
-  int failures = 0;
-  setLogSink([](std::string_view, void* count) { ++*static_cast<int*>(count); }, &failures);
+  const CapturedLog log;
   for (const int64_t width : {int64_t{0}, INT64_MIN}) {
     EXPECT_EQ(edited(u"a\t ", [width](MutableString& text) { decodeTabs(text, width); }), u"a\t "_s);
     EXPECT_EQ(edited(u"a\t ", [width](MutableString& text) { encodeTabs(text, width); }), u"a\t "_s);
   }
-  EXPECT_EQ(failures, 4);
-  setLogSink(nullptr, nullptr);
+  EXPECT_EQ(log.messages.size(), 4u);
   MutableString text(u"a\tb\t\t");
   EXPECT_FALSE(decodeTabs(text, INT64_MAX));  // more than any memory has room for
   EXPECT_EQ(text.string(), u"a\tb\t\t"_s);

@@ -83,11 +83,9 @@ int64_t replaceSlowly(std::u16string& text, const std::u16string& search, const 
   return count;
 }
 
-std::u16string randomText(const std::u16string& units, size_t longest) {
-  static std::mt19937 random{1};  // fixed: a failure can be repeated
-  std::u16string result(random() % (longest + 1), u'\0');
-  for (unichar& c : result) c = units[random() % units.size()];
-  return result;
+std::u16string randomText(std::u16string_view units, size_t longest) {
+  static Chance chance(1);
+  return chance.text(chance.below(longest + 1), units);
 }
 
 const std::u16string kUnits = u"aabA1\x0661  \t\t\n\r\f\v\x0003\x2028\x2029\xFFFC\x00A0\x0085\xFEFF\0"s;

@@ -65,19 +65,17 @@ TEST(Containment, SubCStrings) {
 
 // Few letters make many near matches; the searched runs end with their heap blocks.
 TEST(Containment, EqualsTheSlowOne) {
-  std::mt19937 random(2);
+  Chance chance(2);
   const auto mapped = [](std::u16string text) {
     std::ranges::transform(text, text.begin(), toUpper);
     return text;
   };
   for (int round = 0; round < 20000; ++round) {
     const std::u16string_view letters = round % 2 ? u"ab" : u"aAb\x00E4\x00C4";
-    std::u16string haystack(random() % 120, u' '), needle(1 + random() % (round % 3 ? 6 : 50), u' ');
-    for (auto* text : {&haystack, &needle}) {
-      for (unichar& c : *text) c = letters[random() % letters.size()];
-    }
-    if (random() % 2 && haystack.size() > needle.size()) {
-      needle = haystack.substr(random() % (haystack.size() - needle.size()), needle.size());
+    const std::u16string haystack = chance.text(chance.below(120), letters);
+    std::u16string needle = chance.text(1 + chance.below(round % 3 ? 6 : 50), letters);
+    if (chance.below(2) && haystack.size() > needle.size()) {
+      needle = haystack.substr(chance.below(haystack.size() - needle.size()), needle.size());
     }
     const size_t any = haystack.find(needle);
     const size_t exact = any + needle.size() < haystack.size() ? any : kNone;

@@ -23,6 +23,9 @@
 #include "velan/text/CharacterSetOperations.h"
 #include "velan/text/CharacterSets.h"
 #include "velan/text/ConversionTables.h"
+#include "velan/text/UnitMappingInternal.h"
+#include "velan/text/comparison/Comparison.h"
+#include "velan/text/comparison/SetFilteredComparison.h"
 #include "velan/text/inspection/SubstringSearch.h"
 #include "velan/text/search/CharacterSearch.h"
 #include "velan/text/search/UnitSearchInternal.h"
@@ -227,6 +230,63 @@ void addUnits(const Text& text) {
   add("count_set", "bitmap_loop", text, [=] { return static_cast<size_t>(std::ranges::count_if(units, isLetter)); });
 }
 
+std::u16string otherCase(std::u16string text) {
+  for (unichar& c : text) c = toUpper(c) != c ? toUpper(c) : toLower(c);
+  return text;
+}
+
+// Folding to a copy, comparing with the same text and with its other case, and comparing letters only.
+void addMapping(const Text& text) {
+  const unichar* upper = initUpperCharsTable();
+  const auto a = std::make_shared<const std::u16string>(text.units);
+  const auto b = std::make_shared<const std::u16string>(otherCase(text.units));
+  const auto copy = std::make_shared<std::u16string>(text.units);
+  const size_t length = a->size();
+  add("fold", "velan", text, [=] { return mapUnits(a->data(), length, upper, copy->data()), size_t{copy->back()}; });
+  add("fold", "table_loop", text, [=] {
+    for (size_t i = 0; i < length; ++i) (*copy)[i] = upper[(*a)[i]];
+    return size_t{copy->back()};
+  });
+  add("fold", "memcpy", text, [=] {
+    std::memcpy(copy->data(), a->data(), length * sizeof(unichar));
+    benchmark::ClobberMemory();
+    return size_t{copy->back()};
+  });
+
+  const auto same = std::make_shared<const std::u16string>(text.units);
+  const auto addComparison = [&](const std::string& operation, const auto& other) {
+    add(operation, "velan", text, [=] {
+      return static_cast<size_t>(fastCaseInsensitiveCompareUnichars(a->data(), length, other->data(), length));
+    });
+    add(operation, "table_loop", text, [=] {
+      size_t i = 0;
+      while (i < length && upper[(*a)[i]] == upper[(*other)[i]]) ++i;
+      return length - i;
+    });
+  };
+  addComparison("compare_no_case_same", same);
+  addComparison("compare_no_case_other", b);
+  add("compare", "velan", text,
+      [=] { return static_cast<size_t>(fastCompareUnichars(a->data(), length, same->data(), length)); });
+  add("compare", "memcmp", text, [=] {
+    benchmark::ClobberMemory();
+    return static_cast<size_t>(std::memcmp(a->data(), same->data(), length * sizeof(unichar)));
+  });
+
+  const uint8_t* letters = alphaCharacterSetRep();
+  add("compare_letters", "velan", text,
+      [=] { return size_t{equalCharsNoCaseOfCharacterSetRep(a->data(), length, b->data(), length, letters)}; });
+  add("compare_letters", "bitmap_loop", text, [=] {
+    const unichar *p = a->data(), *q = b->data(), *endP = p + length, *endQ = q + length;
+    for (;; ++p, ++q) {
+      while (p < endP && !isMemberOfCharacterSetRep(letters, *p)) ++p;
+      while (q < endQ && !isMemberOfCharacterSetRep(letters, *q)) ++q;
+      if (p == endP || q == endQ) return size_t{p == endP && q == endQ};
+      if (upper[*p] != upper[*q]) return size_t{0};
+    }
+  });
+}
+
 // What the memory gives: every word of the text is read.
 void addLimit(const Text& text) {
   const std::u16string_view units = text.units;
@@ -239,11 +299,6 @@ void addLimit(const Text& text) {
     }
     return static_cast<size_t>(sum & 1);
   });
-}
-
-std::u16string otherCase(std::u16string text) {
-  for (unichar& c : text) c = toUpper(c) != c ? toUpper(c) : toLower(c);
-  return text;
 }
 
 }  // namespace
@@ -263,6 +318,7 @@ int main(int argc, char** argv) {
       addSearch("no_case_every_hit", text, otherCase(text.frequentWord), false);
       addWithoutDiacritics(text, text.absentPhrase);
       addUnits(text);
+      addMapping(text);
     }
   }
   benchmark::RunSpecifiedBenchmarks();

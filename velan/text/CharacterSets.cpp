@@ -31,7 +31,7 @@ constexpr size_t kSetCount = std::size(kCategories);
 static_assert(kSetCount == static_cast<size_t>(CharacterSet::Illegal) + 1);
 
 // All sets together: they come out of one pass over the character database, which costs more than filling them.
-struct Sets {
+struct alignas(64) Sets {  // vectors of a set lie in one line of the cache
   CharacterSetBits platform[kSetCount];
   CharacterSetBits space;
   CharacterSetBits white;

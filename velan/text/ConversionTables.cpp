@@ -6,7 +6,7 @@
 #include "velan/base/ASCII.h"
 #include "velan/platform/CharacterDataInternal.h"
 #include "velan/text/CharacterSets.h"
-#include "velan/text/PreimagesInternal.h"
+#include "velan/text/ConversionTablesInternal.h"
 
 namespace velan {
 
@@ -23,12 +23,36 @@ namespace {
 // Memory of the library, so that building cannot fail; pages of a table that is never used are never touched.
 struct Table {
   std::once_flag once;
-  unichar entries[VelanTableLength];
+  alignas(64) unichar entries[VelanTableLength];  // vectors of them lie in one line of the cache
+  UnitMapping mapping;
   std::once_flag ringsOnce;
   bool hasRings = false;
   unichar rings[VelanTableLength];
 };
 Table lower, upper, umlauts, lowerUmlauts, upperUmlauts;
+
+// What the letters of ASCII become, and the longest row of units that stay as they are: mostly the ideographs.
+UnitMapping described(const unichar* entries) {
+  UnitMapping mapping = {entries, true, 0, 0, 0, 0};
+  if (entries['a'] != 'a') mapping.firstLetter = 'a';
+  if (entries['A'] != 'A') mapping.firstLetter = 'A';
+  mapping.difference = static_cast<unichar>(mapping.firstLetter - entries[mapping.firstLetter]);
+  for (unichar c = 0; c < 0x80; ++c) {
+    const bool isLetter = c >= mapping.firstLetter && c <= mapping.firstLetter + ('z' - 'a');
+    if (entries[c] != c - (isLetter ? mapping.difference : 0)) mapping.knowsASCII = false;
+  }
+  size_t first = 0, longest = 0;
+  for (size_t c = 0; c <= VelanTableLength; ++c) {
+    if (c < VelanTableLength && entries[c] == c) continue;
+    if (c - first > longest) {
+      longest = c - first;
+      mapping.firstUnchanged = static_cast<unichar>(first);
+      mapping.unchangedSpan = static_cast<unichar>(longest - 1);
+    }
+    first = c + 1;
+  }
+  return mapping;
+}
 
 // `published` is set when the table is complete: whoever sees it may read the table without a lock.
 template <typename Fill>
@@ -36,6 +60,7 @@ const unichar* builtTable(const unichar*& published, Table& table, Fill fill) {
   if (const unichar* complete = __atomic_load_n(&published, __ATOMIC_ACQUIRE)) return complete;
   std::call_once(table.once, [&] {
     fill(table.entries);
+    table.mapping = described(table.entries);
     __atomic_store_n(&published, &table.entries[0], __ATOMIC_RELEASE);
   });
   return table.entries;
@@ -108,13 +133,27 @@ unichar toAscii(unichar c) { return asciiOrSpace(umlautsToAscii(c)); }
 unichar toUpperAscii(unichar c) { return toASCIIUpper(toAscii(c)); }
 unichar toLowerAscii(unichar c) { return toASCIILower(toAscii(c)); }
 
-const unichar* ringsOfTable(const unichar* table) {
+namespace {
+
+Table* ownTable(const unichar* table) {
   for (Table* own : {&upper, &lower, &umlauts, &upperUmlauts, &lowerUmlauts}) {
-    if (table != own->entries) continue;
-    std::call_once(own->ringsOnce, fillRings, *own);
-    return own->hasRings ? own->rings : nullptr;
+    if (table == own->entries) return own;
   }
   return nullptr;
+}
+
+}  // namespace
+
+const unichar* ringsOfTable(const unichar* table) {
+  Table* own = ownTable(table);
+  if (!own) return nullptr;
+  std::call_once(own->ringsOnce, fillRings, *own);
+  return own->hasRings ? own->rings : nullptr;
+}
+
+UnitMapping mappingOf(const unichar* table) {
+  const Table* own = ownTable(table);
+  return own ? own->mapping : UnitMapping{table, !table, 0, 0, 0, 0};
 }
 
 bool isUnicharTablePartOfConversionTable(const unichar* table, const unichar* conversionTable) {

@@ -3,12 +3,10 @@
 #ifndef VELAN_TEXT_PREIMAGES_INTERNAL_H
 #define VELAN_TEXT_PREIMAGES_INTERNAL_H
 
+#include "velan/text/ConversionTablesInternal.h"
 #include "velan/text/kernels/UnitKernelsInternal.h"
 
 namespace velan {
-
-/// For one of the library's tables: the next unit with the same entry for each unit, in a ring. Null for other tables.
-const unichar* ringsOfTable(const unichar* table);
 
 /// Calls `add(unit)` for each unit that `table` turns into `c`, which is one of its entries.
 template <typename Add>

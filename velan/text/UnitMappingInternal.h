@@ -8,8 +8,7 @@
 
 namespace velan {
 
-/// Writes `table[units[i]]` to `mapped[i]` for `count` units; `mapped` may be `units`. Stretches of ASCII are
-/// calculated for the upper-case table, which is many times faster than looking them up.
+/// Writes `table[units[i]]` to `mapped[i]` for `count` units; `mapped` may be `units`.
 void mapUnits(const unichar* units, size_t count, const unichar* table, unichar* mapped);
 
 /// A string of `table[unit]` for each unit; absent when memory runs out.

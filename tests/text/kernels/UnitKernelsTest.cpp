@@ -5,6 +5,7 @@
 #include <memory>
 #include <random>
 #include <string>
+#include <vector>
 
 #include "velan/text/CharacterSets.h"
 #include "velan/text/ConversionTables.h"
@@ -61,6 +62,30 @@ TEST(UnitKernels, FindAndCountMembers) {
         const auto slow = static_cast<size_t>(std::count_if(units, units + length, isMember));
         return std::array{run.findMember(units, length, rep, true), run.findMember(units, length, rep, false),
                           run.countMembers(units, length, rep) - slow};
+      });
+    }
+  }
+}
+
+TEST(UnitKernels, MapAndCompare) {
+  std::vector<unichar> foreign(VelanTableLength);
+  for (size_t c = 0; c < foreign.size(); ++c) foreign[c] = static_cast<unichar>(c < 0x4000 ? c / 3 : c);
+  for (const unichar* table : {upperCharsTable(), lowerUmlautsCharsTable(), umlautsCharsTable(),
+                               static_cast<const unichar*>(foreign.data())}) {
+    const UnitMapping mapping = mappingOf(table);
+    for (const std::u16string_view letters : {kLetters, kManyPages, kLetters.substr(0, 4)}) {
+      expectEqualResults(letters, [&](const UnitKernels& run, const unichar* units, size_t length) {
+        const auto mapped = std::make_unique<unichar[]>(length);
+        run.map(units, length, mapping, mapped.get());
+        std::u16string results(mapped.get(), length);
+        run.map(mapped.get(), length, mapping, mapped.get());  // in place
+        results.append(mapped.get(), length);
+        for (size_t changed = 0; changed < length; changed += 1 + length / 4) {
+          results += static_cast<unichar>(run.mismatch(units, mapped.get(), length, mapping));
+          mapped[changed] = letters[length % letters.size()];
+        }
+        results += static_cast<unichar>(run.mismatch(units, mapped.get(), length, mappingOf(nullptr)));
+        return results;
       });
     }
   }

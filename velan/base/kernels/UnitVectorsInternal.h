@@ -6,6 +6,7 @@
 // narrowest). `Matches` are the answers of a comparison, one a unit; `bits` brings them to a number with `kBits` bits a
 // unit, all of them 1 where the answer is yes, and the first unit's lowest. `inBitmap` looks units up in a bitmap of
 // `kWindow` units, with the bit `c & 7` of the byte `c >> 3` for the unit `c`, of which only the low bits count.
+// `inTable` looks them up in a table of `kTableWindow` units in the same way, where that is not 0.
 #ifndef VELAN_BASE_KERNELS_UNIT_VECTORS_INTERNAL_H
 #define VELAN_BASE_KERNELS_UNIT_VECTORS_INTERNAL_H
 
@@ -36,6 +37,7 @@ struct Units128 {
   static constexpr size_t kUnits = 8;
   static constexpr unsigned kBits = 2;
   static constexpr unichar kWindow = 128;
+  static constexpr unichar kTableWindow = 0;
 
   __m128i v;
 
@@ -49,6 +51,8 @@ struct Units128 {
   static Units128 unionOf(Units128 a, Units128 b, Units128 c) { return {_mm_or_si128(_mm_or_si128(a.v, b.v), c.v)}; }
   Matches operator==(Units128 other) const { return _mm_cmpeq_epi16(v, other.v); }
   Matches operator<=(Units128 other) const { return _mm_cmpeq_epi16(_mm_min_epu16(v, other.v), v); }
+  /// Without `less` where `m` says so.
+  Units128 lessWhere(Matches m, Units128 less) const { return {_mm_sub_epi16(v, _mm_and_si128(m, less.v))}; }
   Matches inBitmap(const uint8_t* bitmap) const {
     const auto row = _mm_and_si128(_mm_srli_epi16(v, 3), _mm_set1_epi16(0x0F));
     const auto column = _mm_or_si128(_mm_and_si128(v, _mm_set1_epi16(7)), _mm_set1_epi16(-0x8000));
@@ -72,6 +76,7 @@ struct Units256 {
   static constexpr size_t kUnits = 16;
   static constexpr unsigned kBits = 2;
   static constexpr unichar kWindow = 128;
+  static constexpr unichar kTableWindow = 0;
 
   __m256i v;
 
@@ -89,6 +94,8 @@ struct Units256 {
   }
   Matches operator==(Units256 other) const { return _mm256_cmpeq_epi16(v, other.v); }
   Matches operator<=(Units256 other) const { return _mm256_cmpeq_epi16(_mm256_min_epu16(v, other.v), v); }
+  /// Without `less` where `m` says so.
+  Units256 lessWhere(Matches m, Units256 less) const { return {_mm256_sub_epi16(v, _mm256_and_si256(m, less.v))}; }
   Matches inBitmap(const uint8_t* bitmap) const {
     const auto row = _mm256_and_si256(_mm256_srli_epi16(v, 3), _mm256_set1_epi16(0x0F));
     const auto column = _mm256_or_si256(_mm256_and_si256(v, _mm256_set1_epi16(7)), _mm256_set1_epi16(-0x8000));
@@ -113,6 +120,7 @@ struct Units512 {
   static constexpr size_t kUnits = 32;
   static constexpr unsigned kBits = 1;
   static constexpr unichar kWindow = 1024;
+  static constexpr unichar kTableWindow = 128;
 
   __m512i v;
 
@@ -129,6 +137,13 @@ struct Units512 {
   }
   Matches operator==(Units512 other) const { return _mm512_cmpeq_epi16_mask(v, other.v); }
   Matches operator<=(Units512 other) const { return _mm512_cmple_epu16_mask(v, other.v); }
+  Units512 lessWhere(Matches m, Units512 less) const { return {_mm512_mask_sub_epi16(v, m, v, less.v)}; }
+  static Units512 choose(Matches m, Units512 yes, Units512 no) { return {_mm512_mask_mov_epi16(no.v, m, yes.v)}; }
+  Units512 inTable(const unichar* table) const {
+    const __m512i low = _mm512_permutex2var_epi16(load(table).v, v, load(table + 32).v);
+    const __m512i high = _mm512_permutex2var_epi16(load(table + 64).v, v, load(table + 96).v);
+    return {_mm512_mask_mov_epi16(low, _mm512_test_epi16_mask(v, _mm512_set1_epi16(0x40)), high)};
+  }
   Matches inBitmap(const uint8_t* bitmap) const {
     const __m512i bytes =
         _mm512_permutex2var_epi8(_mm512_loadu_si512(bitmap), _mm512_srli_epi16(v, 3), _mm512_loadu_si512(bitmap + 64));
@@ -151,6 +166,7 @@ struct UnitsNeon {
   static constexpr size_t kUnits = 8;
   static constexpr unsigned kBits = 8;
   static constexpr unichar kWindow = 128;
+  static constexpr unichar kTableWindow = 0;
 
   uint16x8_t v;
 
@@ -163,6 +179,7 @@ struct UnitsNeon {
   static UnitsNeon unionOf(UnitsNeon a, UnitsNeon b, UnitsNeon c) { return {vorrq_u16(vorrq_u16(a.v, b.v), c.v)}; }
   Matches operator==(UnitsNeon other) const { return vceqq_u16(v, other.v); }
   Matches operator<=(UnitsNeon other) const { return vcleq_u16(v, other.v); }
+  UnitsNeon lessWhere(Matches m, UnitsNeon less) const { return {vsubq_u16(v, vandq_u16(m, less.v))}; }
   Matches inBitmap(const uint8_t* bitmap) const {
     const uint16x8_t row = vandq_u16(vshrq_n_u16(v, 3), vdupq_n_u16(0x0F));
     const uint8x16_t bytes = vqtbl1q_u8(vld1q_u8(bitmap), vreinterpretq_u8_u16(row));

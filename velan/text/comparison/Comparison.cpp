@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "velan/text/ConversionTables.h"
+#include "velan/text/ConversionTablesInternal.h"
 #include "velan/text/search/UnitBlocksInternal.h"
 
 namespace velan {
@@ -10,14 +11,13 @@ namespace {
 
 int64_t lengthDifference(size_t a, size_t b) { return static_cast<int64_t>(a - b); }
 
-// `equal` accepts only blocks that `map` makes equal.
-template <typename Equal, typename Map>
-int64_t compareUnits(const unichar* a, size_t lengthA, const unichar* b, size_t lengthB, Equal equal, Map map) {
+int64_t compareUnits(const unichar* a, size_t lengthA, const unichar* b, size_t lengthB, const unichar* table) {
   if (!a) lengthA = 0;
   if (!b) lengthB = 0;
   const size_t shorter = std::min(lengthA, lengthB);
-  const size_t i = firstDifference(a, b, shorter, equal, [=](size_t k) { return map(a[k]) != map(b[k]); });
-  return i < shorter ? int64_t{map(a[i])} - int64_t{map(b[i])} : lengthDifference(lengthA, lengthB);
+  const size_t i = unitKernels().mismatch(a, b, shorter, mappingOf(table));
+  if (i == shorter) return lengthDifference(lengthA, lengthB);
+  return table ? int64_t{table[a[i]]} - int64_t{table[b[i]]} : int64_t{a[i]} - int64_t{b[i]};
 }
 
 template <typename A, typename B, typename MapA, typename MapB>
@@ -36,17 +36,12 @@ constexpr auto identity = [](auto unit) { return unit; };
 }  // namespace
 
 int64_t fastCompareUnichars(const unichar* a, size_t lengthA, const unichar* b, size_t lengthB) {
-  if (!a) lengthA = 0;
-  if (!b) lengthB = 0;
-  const size_t shorter = std::min(lengthA, lengthB);
-  const size_t i = commonPrefixLength(a, b, shorter);
-  return i < shorter ? int64_t{a[i]} - int64_t{b[i]} : lengthDifference(lengthA, lengthB);
+  return compareUnits(a, lengthA, b, lengthB, nullptr);
 }
 
 int64_t fastCompareUnicharsUsingConversionTable(const unichar* a, size_t lengthA, const unichar* b, size_t lengthB,
                                                 const unichar* table) {
-  if (!table) return fastCompareUnichars(a, lengthA, b, lengthB);
-  return compareUnits(a, lengthA, b, lengthB, equalBlocks, [table](unichar c) { return table[c]; });
+  return compareUnits(a, lengthA, b, lengthB, table);
 }
 
 int64_t fastCompareUnicharsWithChars(const unichar* a, size_t lengthA, const char* bytes, size_t lengthB) {
@@ -59,8 +54,7 @@ int64_t fastCompareChars(const char* bytesA, size_t lengthA, const char* bytesB,
 }
 
 int64_t fastCaseInsensitiveCompareUnichars(const unichar* a, size_t lengthA, const unichar* b, size_t lengthB) {
-  const unichar* upper = initUpperCharsTable();
-  return compareUnits(a, lengthA, b, lengthB, equalBlocksIgnoringAsciiCase, [upper](unichar c) { return upper[c]; });
+  return compareUnits(a, lengthA, b, lengthB, initUpperCharsTable());
 }
 
 int64_t fastCaseInsensitiveCompareUnicharsWithChars(const unichar* a, size_t lengthA, const char* bytes,

@@ -2,12 +2,11 @@
 
 #include <optional>
 
-#include "velan/base/ASCII.h"
 #include "velan/base/utf/UTF.h"
 #include "velan/platform/CharacterDataInternal.h"
 #include "velan/text/ConversionTables.h"
 #include "velan/text/comparison/Comparison.h"
-#include "velan/text/search/UnitBlocksInternal.h"
+#include "velan/text/kernels/UnitKernelsInternal.h"
 
 namespace velan {
 namespace {
@@ -25,11 +24,12 @@ bool equalNonUmlauted(std::u16string_view a, std::u16string_view b) {
 
 bool isAscii(unichar c) { return c < 0x80; }
 
+constexpr UnitMapping kASCIIToLower = {nullptr, true, 'A', static_cast<unichar>('A' - 'a'), 0, 0};
+
 // Folding goes by characters, so what folds alike at the start can be left out; only the rest is worth the full
 // folding.
 bool equalNoCase(std::u16string_view a, std::u16string_view b) {
-  size_t start = firstDifference(a.data(), b.data(), a.size(), equalBlocksIgnoringAsciiCase,
-                                 [=](size_t i) { return toASCIILower(a[i]) != toASCIILower(b[i]); });
+  size_t start = unitKernels().mismatch(a.data(), b.data(), a.size(), kASCIIToLower);
   if (start == a.size()) return true;
   if (isAscii(a[start]) && isAscii(b[start])) return false;
   if (start > 0 && isHighSurrogate(a[start - 1])) --start;  // never cut a character

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "velan/base/kernels/UnitVectorsInternal.h"
+#include "velan/text/kernels/RecentWindowsInternal.h"
 
 namespace velan {
 namespace {
@@ -36,13 +37,7 @@ struct SetHints {
     return true;
   }
 
-  void addWindow(unichar base) {
-    windows[2] = windows[1];
-    windows[1] = windows[0];
-    windows[0] = base;
-  }
-
-  unichar windows[3] = {0x400, 0x2000, 0x3000};  // that were looked up beyond the first one, the latest first
+  RecentWindows windows;
   unichar runLow = 0, runSpan = 0;
   bool runIsInSet = false;
   unsigned runSearches = 8;  // that are still worth it
@@ -76,7 +71,7 @@ Members<V> membersNearby(const unichar* units, const uint8_t* rep, const SetHint
   const V vector = V::load(units);
   const auto within = vector <= V::of(V::kWindow - 1);
   Members<V> found = {vector, V::both(vector.inBitmap(rep), within), within};
-  found.addWindow(hints.windows[0], rep);
+  found.addWindow(hints.windows.latest[0], rep);
   return found;
 }
 
@@ -85,8 +80,8 @@ template <typename V>
 __attribute__((noinline)) typename V::Matches membersAnywhere(const unichar* units, const uint8_t* rep,
                                                               SetHints& hints) {
   Members<V> found = membersNearby<V>(units, rep, hints);
-  found.addWindow(hints.windows[1], rep);
-  found.addWindow(hints.windows[2], rep);
+  found.addWindow(hints.windows.latest[1], rep);
+  found.addWindow(hints.windows.latest[2], rep);
   if (hints.runSpan != 0) found.addRun(hints);
   constexpr unsigned kMostSteps = 3;
   uint64_t others = 0;
@@ -95,8 +90,8 @@ __attribute__((noinline)) typename V::Matches membersAnywhere(const unichar* uni
     if (hints.findsRunAround(other, rep)) {
       found.addRun(hints);
     } else {
-      hints.addWindow(static_cast<unichar>(other & kWindowMask<V>));
-      found.addWindow(hints.windows[0], rep);
+      hints.windows.add(static_cast<unichar>(other & kWindowMask<V>));
+      found.addWindow(hints.windows.latest[0], rep);
     }
   }
   if (others == 0) return found.members;

@@ -54,6 +54,18 @@ struct NeedleCount {
   NeedlePosition end;  // where to go on after giving up
 };
 
+/// A conversion table, and what it does to ASCII if that is known: 26 letters from `firstLetter` on become
+/// `c - difference`, all others stay. Without a table that is all it does. From `firstUnchanged` on, a unit and as many
+/// more as `unchangedSpan` stay as they are, too.
+struct UnitMapping {
+  const unichar* table;
+  bool knowsASCII;
+  unichar firstLetter;
+  unichar difference;
+  unichar firstUnchanged;
+  unichar unchangedSpan;
+};
+
 /// Lengths and positions are in units, and what is not found is at `length`.
 struct UnitKernels {
   size_t (*find)(const unichar* units, size_t length, const UnitFilter& filter);
@@ -62,6 +74,10 @@ struct UnitKernels {
   /// The first unit that is, or is not, in the set `rep`.
   size_t (*findMember)(const unichar* units, size_t length, const uint8_t* rep, bool isMember);
   size_t (*countMembers)(const unichar* units, size_t length, const uint8_t* rep);
+  /// Writes `count` units through `mapping`, which has a table, to `mapped`, which may be `units`.
+  void (*map)(const unichar* units, size_t count, const UnitMapping& mapping, unichar* mapped);
+  /// The first position where the units of `a` and `b` differ through `mapping`.
+  size_t (*mismatch)(const unichar* a, const unichar* b, size_t length, const UnitMapping& mapping);
   /// The least of `positions` where `head` lies in `text`, which has `positions + head.length - 1` units, or
   /// `positions`.
   NeedlePosition (*findHead)(const unichar* text, size_t positions, const NeedleHead& head);

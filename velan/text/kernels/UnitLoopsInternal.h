@@ -9,6 +9,7 @@
 #include <type_traits>
 
 #include "velan/base/kernels/UnitVectorsInternal.h"
+#include "velan/text/kernels/MappingLoopsInternal.h"
 #include "velan/text/kernels/SetLoopsInternal.h"
 #include "velan/text/kernels/UnitKernelsInternal.h"
 
@@ -249,6 +250,18 @@ struct UnitLoops {
     return countWhere<V>(0, length, MemberTest<true>{units, rep, hints});
   }
 
+  static void map(const unichar* units, size_t count, const UnitMapping& mapping, unichar* mapped) {
+    RecentWindows windows;
+    mapEach<V>(units, count, mapping, windows, mapped);
+  }
+
+  static size_t mismatch(const unichar* a, const unichar* b, size_t length, const UnitMapping& mapping) {
+    RecentWindows windows;
+    if (!mapping.table) return firstWhere<V>(length, MismatchTest<false>{a, b, mapping, windows}, kAny);
+    return firstWhere<V>(length, MismatchTest<true>{a, b, mapping, windows},
+                         [&](size_t i) { return mapping.table[a[i]] != mapping.table[b[i]]; });
+  }
+
   static NeedlePosition findHead(const unichar* text, size_t positions, const NeedleHead& head) {
     return forEachHead<V>(text, positions, head, 0, kAny);
   }
@@ -263,7 +276,8 @@ struct UnitLoops {
     return {count, {end.position < next ? next : end.position, end.gaveUp}};
   }
 
-  static constexpr UnitKernels kKernels = {find, findLast, count, findMember, countMembers, findHead, countHead};
+  static constexpr UnitKernels kKernels = {find, findLast, count,    findMember, countMembers,
+                                           map,  mismatch, findHead, countHead};
 };
 
 }  // namespace

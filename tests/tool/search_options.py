@@ -39,6 +39,10 @@ class Output(InFolder):
             ("--sort modified -l key|no .", "./a\n./b\n./c\n"),
             ("--sort path -l key|no c b a", "a\nb\nc\n"),
             ("-q key absent a", ""),
+            ("--binary -e key b binary", "binary: binary file matches\n"),
+            ("-e (end -e \"mid a", "3:mid key\n6:end key far\n"),
+            ("-F end_[(KEY\"far? a", "6:end key far\n"),
+            ("-iw -e KEY -m1 a", "2:key one\n"),
         ]
         for line, output in cases:
             self.assertEqual(self.velan("search", *(word.replace("_", " ") for word in line.split(" ")))[:2], (0, output), line)

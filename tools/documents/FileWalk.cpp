@@ -8,62 +8,14 @@
 #include <system_error>
 #include <utility>
 
+#include "tools/Console.h"
+#include "tools/documents/FileFilter.h"
+#include "tools/documents/FolderWalk.h"
+
 namespace velan::tool {
 namespace {
 
 namespace fs = std::filesystem;
-
-struct Entry {
-  std::string path;
-  bool isFolder;
-};
-
-std::string joined(const std::string& folder, const std::string& name) {
-  return folder.empty() || folder.ends_with('/') ? folder + name : folder + '/' + name;
-}
-
-class FolderWalk {
- public:
-  FolderWalk(std::vector<InputFile>& files, bool hidden) : _files(files), _hidden(hidden) {}
-
-  // An empty path is the current folder, whose files go by their names alone.
-  void walk(const std::string& path) {
-    _pending.push_back({path, true});
-    while (!_pending.empty()) {
-      const Entry entry = std::move(_pending.back());
-      _pending.pop_back();
-      if (entry.isFolder) {
-        addEntries(entry.path);
-      } else {
-        _files.push_back({entry.path, false, ""});
-      }
-    }
-  }
-
- private:
-  // What comes first goes on top of the stack.
-  void addEntries(const std::string& folder) {
-    std::error_code error;
-    const size_t known = _pending.size();
-    fs::directory_iterator each(folder.empty() ? "." : folder, error);
-    for (; !error && each != fs::directory_iterator(); each.increment(error)) {
-      const std::string name = each->path().filename().string();
-      if (!_hidden && name.starts_with('.')) continue;
-      std::error_code unknown;
-      const fs::file_type type = each->symlink_status(unknown).type();
-      if (type == fs::file_type::directory || type == fs::file_type::regular) {
-        _pending.push_back({joined(folder, name), type == fs::file_type::directory});
-      }
-    }
-    if (error) _files.push_back({folder.empty() ? "." : folder, false, error.message()});
-    std::sort(_pending.begin() + static_cast<std::ptrdiff_t>(known), _pending.end(),
-              [](const Entry& a, const Entry& b) { return a.path > b.path; });
-  }
-
-  std::vector<InputFile>& _files;
-  const bool _hidden;
-  std::vector<Entry> _pending;
-};
 
 bool standardInputHasData() {
   struct stat information {};
@@ -71,22 +23,62 @@ bool standardInputHasData() {
          (S_ISREG(information.st_mode) || S_ISFIFO(information.st_mode) || S_ISSOCK(information.st_mode));
 }
 
-}  // namespace
+class Collector {
+ public:
+  explicit Collector(const FileSelection& selection)
+      : _selection(selection), _filter(selection), _walk(selection, _filter, _files) {}
 
-std::vector<InputFile> collectFiles(const std::vector<std::string>& paths, bool hidden) {
-  std::vector<InputFile> files;
-  FolderWalk walk(files, hidden);
-  if (paths.empty() && !standardInputHasData()) walk.walk("");
-  if (paths.empty() && standardInputHasData()) files.push_back({"-", true, ""});
-  for (const std::string& path : paths) {
+  std::vector<InputFile> collect() {
+    for (const std::string& path : _selection.paths) add(path, true);
+    if (!_selection.list.empty()) {
+      addList();
+    } else if (_selection.paths.empty()) {
+      standardInputHasData() ? add("-", true) : _walk.walk("");
+    }
+    return std::move(_files);
+  }
+
+ private:
+  void add(const std::string& path, bool named) {
     std::error_code error;
     if (path != "-" && fs::is_directory(path, error)) {
-      walk.walk(path);
-    } else {
-      files.push_back({path, true, ""});
+      _walk.walk(path);
+    } else if (_filter.isOutput(path, 0)) {
+      if (named) _files.push_back({path, true, "it is where the output goes, and is not searched"});
+    } else if (named || (_filter.wants(path, false) && _filter.wantsSizeOf(path))) {
+      _files.push_back({path, named, ""});
     }
   }
-  return files;
+
+  void addList() {
+    std::string why;
+    const auto contents = readFile(_selection.list, why);
+    if (!contents) {
+      _files.push_back({_selection.list, true, why});
+      return;
+    }
+    const char separator = _selection.separatedByNul ? '\0' : '\n';
+    for (size_t start = 0; start < contents->size();) {
+      const size_t end = std::min(contents->find(separator, start), contents->size());
+      if (end > start) add(contents->substr(start, end - start), false);
+      start = end + 1;
+    }
+  }
+
+  const FileSelection& _selection;
+  const FileFilter _filter;
+  std::vector<InputFile> _files;
+  FolderWalk _walk;
+};
+
+}  // namespace
+
+std::vector<InputFile> collectFiles(const FileSelection& selection) { return Collector(selection).collect(); }
+
+std::string joinedPath(const std::string& folder, std::string_view name) {
+  std::string path = folder;
+  if (!folder.empty() && !folder.ends_with('/')) path += '/';
+  return path.append(name);
 }
 
 void sortByPath(std::vector<InputFile>& files) {

@@ -99,6 +99,7 @@ void addDecodingOptions(CLI::App& command, DecodingOptions& options) {
   addEncodingName(command, "--encoding", options.encoding, "The encoding of all files, instead of detecting it");
   addEncodingName(command, "--default-encoding", options.defaultEncoding,
                   "The encoding of files that nothing tells about");
+  command.add_flag("--binary", options.binary, "Read files that are not text, too");
   command.add_flag("!--no-markup", options.markup, "Read pages (HTML, XML) as they stand, with their tags");
 }
 
@@ -106,7 +107,8 @@ std::optional<Document> decodeDocument(std::string bytes, const std::string& pat
                                        std::string& why) {
   const bool isPage = textDiffersFromSource(path, bytes, options);
   Choice choice = choose(bytes, path, options, isPage);
-  if (!isWide(choice.encoding) && bytes.find('\0') != std::string::npos) {
+  bool isBinary = !isWide(choice.encoding) && bytes.find('\0') != std::string::npos;
+  if (isBinary && !options.binary) {
     why = kBinaryFile;
     return std::nullopt;
   }
@@ -115,14 +117,15 @@ std::optional<Document> decodeDocument(std::string bytes, const std::string& pat
     why = "there is not enough memory for its text";
     return std::nullopt;
   }
-  if (source.view().find(u'\0') != std::u16string_view::npos) {
+  isBinary = isBinary || source.view().find(u'\0') != std::u16string_view::npos;
+  if (isBinary && !options.binary) {
     why = kBinaryFile;
     return std::nullopt;
   }
   const size_t markLength = markLengthOf(bytes, choice.encoding);
   MarkupText shown = isPage ? textOfMarkup(source) : MarkupText{source, {}};
-  return Document{std::move(bytes),  choice.encoding,       choice.assumed,      markLength,
-                  std::move(source), std::move(shown.text), std::move(shown.map)};
+  return Document{std::move(bytes),  choice.encoding,       choice.assumed && !isBinary, markLength,
+                  std::move(source), std::move(shown.text), std::move(shown.map),        isBinary};
 }
 
 bool textDiffersFromSource(const std::string& path, std::string_view bytes, const DecodingOptions& options) {

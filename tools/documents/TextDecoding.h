@@ -25,9 +25,10 @@ struct DecodingOptions {
   StringEncoding defaultEncoding =
       StringEncoding::Detect;  // of those that nothing tells about: Windows-1252 and a warning
   bool markup = true;          // pages are read without their markup
+  bool binary = false;         // files that are not text are read, too
 };
 
-/// Declares `--encoding`, `--default-encoding` and `--no-markup`.
+/// Declares `--encoding`, `--default-encoding`, `--no-markup` and `--binary`.
 void addDecodingOptions(CLI::App& command, DecodingOptions& options);
 
 /// Declares an option that takes the name of an encoding.
@@ -45,7 +46,8 @@ struct Document {
   size_t markLength;  // bytes of the byte-order mark of UTF-8 or UTF-16, which does not belong to the source
   String source;
   String text;
-  SourceMap map;  // from the text to the source
+  SourceMap map;          // from the text to the source
+  bool isBinary = false;  // no text, and only read because that was asked for
 
   bool textIsSource() const { return text.isSameObject(source); }
 };
@@ -59,7 +61,7 @@ inline constexpr const char* kBinaryFile = "binary file, not searched";
 /// Decodes a file in the encoding that is named or detected (see `detectedEncodingOfFile` and, for pages that declare
 /// one, `decodedMarkup`); `path` is where its
 /// extended attributes are, empty for standard input. Malformed parts become U+FFFD. Nothing for a file that is not
-/// text, which shows by a character U+0000; `why` then is `kBinaryFile`.
+/// text, which shows by a character U+0000, unless such are wanted; `why` then is `kBinaryFile`.
 std::optional<Document> decodeDocument(std::string bytes, const std::string& path, const DecodingOptions& options,
                                        std::string& why);
 

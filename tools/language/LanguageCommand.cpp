@@ -18,9 +18,8 @@ namespace velan::tool {
 namespace {
 
 struct Options {
-  std::vector<std::string> paths;
+  FileSelection files;
   std::string filter;
-  bool hidden = false;
   bool json = false;
   bool verbose = false;
   DecodingOptions decoding;
@@ -95,7 +94,7 @@ int run(const Options& options) {
   DocumentReader reader(options.decoding);
   bool something = false;
   bool ranOutOfMemory = false;
-  for (const InputFile& file : collectFiles(options.paths, options.hidden)) {
+  for (const InputFile& file : collectFiles(options.files)) {
     const auto document = reader.read(file);
     if (!document) continue;
     const LanguageCounts counts = filter->countsOfText(document->text);
@@ -118,12 +117,11 @@ int run(const Options& options) {
 void addLanguageCommand(CLI::App& app, int& status) {
   const auto [command, options] =
       addCommand<Options>(app, status, "language", "Say which language documents are in", run);
-  addArgument(*command, "PATH", options->paths, "Files, folders and - for standard input");
+  addFileOptions(*command, options->files);
   command->add_option("--filter", options->filter, "Leave out what is clearly in another language than KEY (EN, de)")
       ->type_name("KEY");
   command->add_flag("--verbose", options->verbose, "Show how many stop words of each language were found, too");
   command->add_flag("--json", options->json, "Print a JSON object a document");
-  command->add_flag("--hidden", options->hidden, "Hidden files and folders, too");
   addDecodingOptions(*command, options->decoding);
   command->footer(
       "Prints the path, the language by its stop words (- when undecided), its ISO 639 code, the language by its\n"

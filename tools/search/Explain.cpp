@@ -144,26 +144,29 @@ int runExplain(const ExplainOptions& options) {
   if (!typed) return Trouble;
   const PreparedQuery* const query = typed->query.get();
   const QueryTerms& tree = query->terms();
+  const bool hasOtherQuery = !options.query.alternatives.empty() && options.query.isGiven;
+  const std::string& path = hasOtherQuery ? options.query.query : options.path;
   const auto describe = [&](const std::vector<ExplainedTerm>& terms, const SourcePlaces* source) {
     const std::optional<std::string> binding = bindingOf(tree);
-    print(fmt::format("query:        {}\nnormalized:   {}\nstandardized: {}\n{}{}tree:\n{}", options.query.query,
+    print(fmt::format("query:        {}\nnormalized:   {}\nstandardized: {}\n{}{}tree:\n{}",
+                      options.query.alternatives.empty() ? options.query.query : typed->reading.source.toUTF8(),
                       tree.normalizedQueryTerm().toUTF8(), tree.standardizedQueryTerm().toUTF8(),
                       binding ? fmt::format("binds:        {}\n", *binding) : "", notesOn(typed->reading, terms),
                       TreePrinter(*query, source).print(terms)));
   };
-  if (options.path.empty()) {
+  if (path.empty()) {
     describe(query->explanation(kDeepest + 1), nullptr);
     return Something;
   }
   DocumentReader reader(options.decoding);
-  const std::optional<Document> document = reader.read({options.path, true, ""});
+  const std::optional<Document> document = reader.read({path, true, ""});
   if (!document) return Trouble;
   const SourcePlaces places(*document);
   const SearchedText searched = WordReadings(*query, options.query.verbatim).read(document->text);
   const std::vector<ExplainedTerm> terms = explanationIn(*query, searched, kDeepest + 1);
   describe(terms, &places);
   const bool matches = terms.front().holds == true;
-  print(fmt::format("{}: {}\n", displayName(options.path), matches ? "matches" : "does not match"));
+  print(fmt::format("{}: {}\n", displayName(path), matches ? "matches" : "does not match"));
   if (matches) return Something;
   for (const std::string& reason : failureReasons(*query, terms, document->text, places)) print("  " + reason + '\n');
   if (typed->otherwise && matchesText(*typed->otherwise, document->text)) {

@@ -64,6 +64,7 @@ std::string FileSearch::printHits(const std::string& name, const Document& docum
     case SearchOutput::OccurrenceCounts:
       return printCount(name, counts.occurrences);
     default:
+      if (document.isBinary) return fmt::format("{}: binary file matches\n", name);
       return printLines(name, document, lines, hits, _style);
   }
 }

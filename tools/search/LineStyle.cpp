@@ -36,7 +36,7 @@ LineStyle lineStyleOf(const SearchOptions& options, bool severalFiles) {
   style.withPath = options.withPath.value_or(severalFiles || style.form == LineForm::Columns);
   style.heading = onTerminal && style.form != LineForm::Columns;
   style.withNumber = options.withNumber || style.form == LineForm::Columns;
-  style.nulAfterPath = options.nulAfterPath;
+  style.nulAfterPath = options.files.separatedByNul;
   style.before = options.before.value_or(options.context);
   style.after = options.after.value_or(options.context);
   style.maxColumns = options.maxColumns.value_or(onTerminal ? kColumnsOnTerminals : 0);

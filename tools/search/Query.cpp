@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <new>
+#include <string_view>
 #include <utility>
 
 #include "tools/CommandLine.h"
@@ -29,11 +30,77 @@ std::unique_ptr<const PreparedQuery> preparedQuery(const std::vector<QueryToken>
   return query;
 }
 
+// The words in a row: what has a meaning in queries separates words, as it does in texts.
+String phraseOf(const String& text) {
+  std::u16string phrase(text.view());
+  for (unichar& c : phrase) {
+    if (std::u16string_view(u"\"“”„*?[]").find(c) != std::u16string_view::npos) c = u' ';
+  }
+  return String(u'"' + phrase + u'"');
+}
+
+// Nothing after a complaint.
+std::optional<CorrectedQuery> readingOf(const std::string& query, const QueryOptions& options) {
+  const String given = String::fromUTF8(query);
+  if (given.isAbsent()) {
+    complain("the query is not valid UTF-8");
+    return std::nullopt;
+  }
+  const String text = options.verbatim ? given : plainText(given).text;
+  return correctedQuery(options.isPhrase ? phraseOf(text) : text, options.keywords, comparisonOf(options),
+                        !options.noWildcards);
+}
+
+// Adds tokens as a group of their own: groups that they leave open end with them.
+void addGroup(std::vector<QueryToken>& tokens, const CorrectedQuery& reading, int64_t start) {
+  const auto add = [&](QueryTokenKind kind) { tokens.push_back({kind, {start, 0}, String(), QueryOperator::Or, {}}); };
+  if (!tokens.empty()) add(QueryTokenKind::Operator);
+  add(QueryTokenKind::Open);
+  size_t open = 1;
+  for (QueryToken token : reading.tokens) {
+    if (token.kind == QueryTokenKind::Open) ++open;
+    if (token.kind == QueryTokenKind::Close && open == 1) continue;
+    if (token.kind == QueryTokenKind::Close) --open;
+    token.range.location += start;
+    tokens.push_back(std::move(token));
+  }
+  for (; open > 0; --open) add(QueryTokenKind::Close);
+}
+
+// What was typed as one query: the one, or any of the alternatives. Nothing after a complaint.
+std::optional<CorrectedQuery> wholeReading(const QueryOptions& options) {
+  if (options.alternatives.size() == 1) return readingOf(options.alternatives.front(), options);
+  if (options.alternatives.empty() && options.isGiven) return readingOf(options.query, options);
+  if (options.alternatives.empty()) {
+    complain("which QUERY?");
+    return std::nullopt;
+  }
+  CorrectedQuery whole;
+  std::u16string source;
+  for (const std::string& each : options.alternatives) {
+    const auto reading = readingOf(each, options);
+    if (!reading) return std::nullopt;
+    source += source.empty() ? u"(" : u" OR (";
+    addGroup(whole.tokens, *reading, static_cast<int64_t>(source.size()));
+    source.append(reading->source.view()) += u')';
+    whole.corrections.insert(whole.corrections.end(), reading->corrections.begin(), reading->corrections.end());
+    whole.neverFound.insert(whole.neverFound.end(), reading->neverFound.begin(), reading->neverFound.end());
+  }
+  whole.source = String(source);
+  return whole;
+}
+
 }  // namespace
 
 void addQueryOptions(CLI::App& command, QueryOptions& options) {
   addArgument(command, "QUERY", options.query, "Words, \"phrases\", AND OR XOR NOT NEAR/5 BEFORE AFTER NEXT, ( )")
-      ->required();
+      ->each([&options](const std::string&) { options.isGiven = true; });
+  command.add_option("-e,--query", options.alternatives, "Look for this or for those of further -e, in place of QUERY")
+      ->type_name("QUERY")
+      ->allow_extra_args(false);
+  command.add_flag("-F,--phrase", options.isPhrase, "Take each query as one phrase, without operators and wildcards");
+  command.add_flag_callback(
+      "-i,--ignore-case,-w,--word-regexp", [] {}, "Ignore case, find whole words (the default)");
   command.add_flag("-s,--case-sensitive", options.caseSensitive, "Tell capital from small letters");
   command.add_flag("-d,--ignore-diacritics", options.ignoreDiacritics, "Find Zürich with Zurich");
   command
@@ -61,16 +128,11 @@ std::optional<TypedQuery> makeQuery(const QueryOptions& options) {
     complain("--fuzzy takes a similarity above 0 and up to 1");
     return std::nullopt;
   }
-  const String given = String::fromUTF8(options.query);
-  if (given.isAbsent()) {
-    complain("the query is not valid UTF-8");
-    return std::nullopt;
-  }
-  const String text = options.verbatim ? given : plainText(given).text;
   FastWordEnumerator::setSplitAsianWords(true);
   setMinWildcardFuzzyAnalogy(options.similarity);
-  const QueryComparison comparison = comparisonOf(options);
-  TypedQuery typed{correctedQuery(text, options.keywords, comparison, !options.noWildcards), nullptr, nullptr};
+  auto reading = wholeReading(options);
+  if (!reading) return std::nullopt;
+  TypedQuery typed{std::move(*reading), nullptr, nullptr};
   typed.query = preparedQuery(typed.reading.tokens, options);
   if (const auto tokens = tokensWithoutQuestionMarks(typed.reading.tokens); tokens && !options.noWildcards) {
     typed.otherwise = preparedQuery(*tokens, options);

@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "tools/search/QueryCorrections.h"
 #include "velan/query/PreparedQuery.h"
@@ -18,6 +19,9 @@ namespace velan::tool {
 /// As given on the command line.
 struct QueryOptions {
   std::string query;
+  bool isGiven = false;                   // `query`, which may be empty
+  std::vector<std::string> alternatives;  // instead of it, when there are any
+  bool isPhrase = false;                  // each of them as a whole
   bool caseSensitive = false;
   bool ignoreDiacritics = false;
   bool fuzzy = false;

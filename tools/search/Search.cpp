@@ -124,14 +124,32 @@ class Search {
   bool _hasOutput = false;
 };
 
+int listFiles(const std::vector<InputFile>& files, const LineStyle& style) {
+  bool hasTrouble = false;
+  for (const InputFile& file : files) {
+    if (file.trouble.empty()) {
+      if (!print(pathPrefix(displayName(file.path), style, '\n'))) break;
+    } else {
+      complain(displayName(file.path) + ": " + file.trouble);
+      hasTrouble = true;
+    }
+  }
+  return hasTrouble ? Trouble : files.empty() ? Nothing : Something;
+}
+
 }  // namespace
 
 int runSearch(const SearchOptions& options) {
-  const auto typed = makeQuery(options.query);
-  if (!typed) return Trouble;
-  std::vector<InputFile> files = collectFiles(options.paths, options.hidden);
+  FileSelection selection = options.files;
+  const auto typed = options.onlyListsFiles ? std::nullopt : makeQuery(options.query);
+  if (!typed && !options.onlyListsFiles) return Trouble;
+  // What would be the query is a path then.
+  const bool hasOtherQuery = options.onlyListsFiles || !options.query.alternatives.empty();
+  if (hasOtherQuery && options.query.isGiven) selection.paths.insert(selection.paths.begin(), options.query.query);
+  std::vector<InputFile> files = collectFiles(selection);
   if (options.order == DocumentOrder::Path) sortByPath(files);
   if (options.order == DocumentOrder::Modified) sortByModification(files);
+  if (options.onlyListsFiles) return listFiles(files, lineStyleOf(options, true));
   return Search(options, *typed, std::move(files)).run();
 }
 

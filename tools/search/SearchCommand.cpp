@@ -50,7 +50,6 @@ void addLineOptions(CLI::App& command, SearchOptions& options) {
   showPath("-h,--no-filename", false, "Print no names of files before the lines");
   command.add_flag("-n,--line-number,!-N,!--no-line-number", options.withNumber,
                    "Print the numbers of lines (default)");
-  command.add_flag("-0,--null", options.nulAfterPath, "Print U+0000 behind names of files");
   addChoice(command, "--color", "WHEN", options.color, "auto (default), always, never",
             {{"auto", ColorChoice::Auto}, {"always", ColorChoice::Always}, {"never", ColorChoice::Never}});
   addChoice(command, "--hints", "WHEN", options.hints,
@@ -65,7 +64,6 @@ void addSearchCommand(CLI::App& app, int& status) {
       addCommand<SearchOptions>(app, status, "search", "Find the documents that match a query, and where", runSearch);
   command->set_help_flag("--help", "Print this help");
   addQueryOptions(*command, options->query);
-  addArgument(*command, "PATH", options->paths, "Files, folders and - for standard input");
   addChoice(*command, "--unit", "UNIT", options->scope.unit, "What must match: document (default), paragraph, line",
             {{"document", SearchUnit::Document}, {"paragraph", SearchUnit::Paragraph}, {"line", SearchUnit::Line}});
   command->add_flag("-v,--invert-match", options->scope.invert, "Find the documents or units that do not match");
@@ -73,7 +71,8 @@ void addSearchCommand(CLI::App& app, int& status) {
   addLineOptions(*command, *options);
   addChoice(*command, "--sort", "ORDER", options->order, "path, modified (the latest first), hits (the most first)",
             {{"path", DocumentOrder::Path}, {"modified", DocumentOrder::Modified}, {"hits", DocumentOrder::Hits}});
-  command->add_flag("--hidden", options->hidden, "Search hidden files and folders, too");
+  addFileOptions(*command, options->files);
+  command->add_flag("--files", options->onlyListsFiles, "List the files that would be searched; takes no QUERY");
   addDecodingOptions(*command, options->decoding);
   addNumber(*command, "-j,--threads", options->threads, size_t{1}, kMaxThreads,
             "Search with N threads (one per processor)");

@@ -4,9 +4,8 @@
 
 #include <cstdint>
 #include <optional>
-#include <string>
-#include <vector>
 
+#include "tools/documents/FileSelection.h"
 #include "tools/documents/TextDecoding.h"
 #include "tools/search/DocumentSearch.h"
 #include "tools/search/Query.h"
@@ -25,11 +24,11 @@ enum class DocumentOrder : uint8_t { AsGiven, Path, Modified, Hits };
 
 struct SearchOptions {
   QueryOptions query;
-  std::vector<std::string> paths;
+  FileSelection files;
+  bool onlyListsFiles = false;
   SearchScope scope;
   SearchOutput output = SearchOutput::Lines;
   DecodingOptions decoding;
-  bool hidden = false;
   size_t context = 0;
   std::optional<size_t> before;  // instead of `context`
   std::optional<size_t> after;
@@ -37,7 +36,6 @@ struct SearchOptions {
   size_t maxCount = SIZE_MAX;        // of lines of one document
   std::optional<bool> withPath;
   bool withNumber = true;
-  bool nulAfterPath = false;
   bool quiet = false;
   bool statistics = false;
   DocumentOrder order = DocumentOrder::AsGiven;

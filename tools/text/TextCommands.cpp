@@ -42,13 +42,12 @@ void addMatch(CLI::App& app, int& status) {
 void addWords(CLI::App& app, int& status) {
   const auto [command, options] =
       addCommand<WordsOptions>(app, status, "words", "List the words of documents, the most frequent first", runWords);
-  addArgument(*command, "PATH", options->paths, "Files, folders and - for standard input, as for search");
+  addFileOptions(*command, options->files);
   command->add_flag("-i,--ignore-case", options->ignoreCase, "Count words in small letters");
   command->add_flag("--verbatim", options->verbatim, "List words as they are spelt, diacritics apart from letters");
   addNumber(*command, "--min-length", options->minLength, int64_t{1}, kMaxDistance,
             "Leave out words of fewer than N units");
   addNumber(*command, "-n,--top", options->top, size_t{1}, kMaxCount, "List only the N most frequent");
-  command->add_flag("--hidden", options->hidden, "Read hidden files and folders, too");
   addDecodingOptions(*command, options->decoding);
   command->footer(
       "Each line holds the count, a tab and the word; equally frequent words are sorted. A word that a hyphen divides\n"

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "tools/documents/FileSelection.h"
 #include "tools/documents/TextDecoding.h"
 #include "tools/search/Query.h"
 
@@ -28,10 +29,9 @@ struct MatchOptions {
 int runMatch(const MatchOptions& options);
 
 struct WordsOptions {
-  std::vector<std::string> paths;
+  FileSelection files;
   bool ignoreCase = false;
   DecodingOptions decoding;
-  bool hidden = false;
   bool verbatim = false;
   int64_t minLength = 1;
   size_t top = 0;  // 0: all

@@ -80,7 +80,7 @@ int runWords(const WordsOptions& options) {
   FastWordEnumerator::setSplitAsianWords(true);
   WordCounter counter(options.minLength, options.ignoreCase);
   DocumentReader reader(options.decoding);
-  for (const InputFile& file : collectFiles(options.paths, options.hidden)) {
+  for (const InputFile& file : collectFiles(options.files)) {
     if (const auto document = reader.read(file))
       counter.countWords(options.verbatim ? document->text : plainText(document->text).text);
   }

@@ -21,7 +21,7 @@ class Readings(unittest.TestCase):
             ('a -"b" !c "d"-e f -', 'a -"b" -c "d" e f'), ("Allumée ! Une", "Allumée Une"),
             # Small keywords in sentences, and elsewhere.
             ("a b c d e f next not", "a b c d e f next not"), ("a b c d e not f", "a b c d e not f"),
-            ("a b c d not e", "a b c d -e"), ("a b c d e NOT f not g", "a b c d e -f -g"),
+            ("a b c d not e", "a b c d -e"), ("a b c not d.", "a b c not d."), ("a b not c!", "a b -c"), ("a b c d e NOT f not g", "a b c d e -f -g"),
             ("a and b and c or d and e not f", "a b c | d e -f"), ("a b c d e f near/3 g", "a b c d e f NEAR/3 g"),
             ("near/far after/NEXT/2 a NEAR/-1 b", "near/far after/NEXT/2 a NEAR/-1 b"),
             # Quotation marks of other languages.
@@ -61,14 +61,15 @@ class Readings(unittest.TestCase):
             ("lamp~2", "operator NEAR; for words similar to lamp: --fuzzy"),
             ('"quick fox"~5', "quick NEAR/5 fox"), ("foo^2", 'XOR, one of the two but not both; as text: "foo^2"'),
             ("fox NEAR 3 quick", "3 is taken as a word; for the distance: NEAR/3"), ("a NEAR/2.5 b", "as NEAR/2:"),
-            ("ls -la", '"-la"'), ("see array[0]", '"array 0"'), ("a, %", "% is left out"),
+            ("ls -la", '"-la"'), ("see array[0]", '"array 0"'), ("a w/5 b", "NEAR/5"), ("a NEAR(5) b", "NEAR/5"),
+            ("title:lamp", "no fields"), ("lamp.*", "no regular expression"), ("a, %", "% is left out"),
         ]
         for query, note in cases:
             self.assertIn(note, velan("explain", "--", query)[1], query)
             if query != "a, %":
                 self.assertIn(note, velan("search", "--hints", "always", "--", query, stdin=b"x")[2], query)
             self.assertEqual(velan("search", "--", query, stdin=b"x"), (1, "", ""), query)
-        for query in ("a or b or c", "a b OR c", "l[ai]mp AND NOT red", "a NEAR/3 (b OR c) AND-d", "x -draft"):
+        for query in ("a or b or c", "a b OR c", "l[ai]mp AND NOT red", "a NEAR/3 (b OR c) AND-d", "x -draft", "http://a.b", "a: b NEARBY"):
             self.assertNotIn("note:", velan("explain", "--", query)[1], query)
 
     def test_reasons(self):

@@ -8,12 +8,13 @@
 #include <unordered_map>
 #include <utility>
 
-#include "velan/text/Separators.h"
+#include "velan/base/ASCII.h"
 
 namespace velan::tool {
 namespace {
 
 constexpr size_t kMostReasons = 10;
+constexpr int64_t kLettersOfPart = 3;  // fewer stand in too many words
 
 std::string nameOf(const QueryTerms& term) {
   MutableString text;
@@ -194,7 +195,8 @@ class FailureSearch {
     if (!contains(comparison, QueryComparison::IgnoreDiacritics)) {
       tryWay("-d", word, comparison | QueryComparison::IgnoreDiacritics, true);
     }
-    if (leaf.pieces.size() == 1 && !leaf.pieces.front().standsForAnyWord && leaf.pieces.front().type == 0) {
+    if (word.length() >= (isASCIILetter(word.view().front()) ? kLettersOfPart : 1) && leaf.pieces.size() == 1 &&
+        !leaf.pieces.front().standsForAnyWord && leaf.pieces.front().type == 0) {
       const std::string pattern = '*' + word.toUTF8() + '*';
       tryWay(pattern.c_str(), String::fromUTF8(pattern), comparison, true);
     }

@@ -14,6 +14,7 @@
 namespace velan::tool {
 namespace {
 
+constexpr size_t kBytesShown = 60;
 constexpr int64_t kMaxDistance = 1'000'000'000;
 
 QueryComparison comparisonOf(const QueryOptions& options) {
@@ -142,7 +143,8 @@ std::optional<TypedQuery> makeQuery(const QueryOptions& options) {
     complain("the query has no terms, so it matches nothing");
     return typed;
   }
-  complain(fmt::format("{} can never be found: a term needs a letter or a digit", typed.reading.neverFound.front()));
+  const std::string& shown = options.query.size() <= kBytesShown ? options.query : typed.reading.neverFound.front();
+  complain(fmt::format("{} can never be found: a term needs a letter or a digit", shown));
   return std::nullopt;
 }
 

@@ -18,6 +18,7 @@ namespace {
 
 // Fewer words than these, or fewer for each keyword, make no sentence.
 constexpr size_t kWordsOfSentence = 6;
+constexpr size_t kWordsOfEndedSentence = 4;  // with . ! or ? at the end
 constexpr size_t kWordsForKeyword = 3;
 
 using Tokens = std::vector<QueryToken>;
@@ -162,7 +163,14 @@ class Corrector {
         return false;
       }
     }
-    return words >= kWordsOfSentence && words >= kWordsForKeyword * keywords;
+    const size_t least = endsLikeSentence() ? kWordsOfEndedSentence : kWordsOfSentence;
+    return words >= least && words >= kWordsForKeyword * keywords;
+  }
+
+  bool endsLikeSentence() const {
+    const std::u16string_view query = _result.source.view();
+    const auto last = std::find_if_not(query.rbegin(), query.rend(), isWhite);
+    return last != query.rend() && (*last == u'.' || *last == u'!' || *last == u'?');
   }
 
   template <typename Test>

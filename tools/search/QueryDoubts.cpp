@@ -50,6 +50,7 @@ class Doubter {
         doubtMinus(token, _tokens[i + 1]);
       } else if (token.kind == QueryTokenKind::Word) {
         doubtSet(token);
+        doubtForeignSyntax(token);
       }
     }
     return std::move(_doubts);
@@ -94,7 +95,9 @@ class Doubter {
       return say(fmt::format("{} is taken as {}/{}: distances are whole numbers of words", utf8(source), nameOf(token),
                              token.distance.value_or(0)));
     }
-    if (!isProximity(token.queryOperator) || i + 2 >= _tokens.size() || !isTerm(_tokens[i + 2])) return;
+    if (!isProximity(token.queryOperator)) return;
+    if (i + 1 < _tokens.size() && _tokens[i + 1].kind == QueryTokenKind::Open) ++i;
+    if (i + 2 >= _tokens.size() || (!isTerm(_tokens[i + 2]) && _tokens[i + 2].kind != QueryTokenKind::Close)) return;
     const std::u16string_view number = sourceOf(_tokens[i + 1]);
     if (!std::all_of(number.begin(), number.end(), isASCIIDigit<unichar>)) return;
     say(fmt::format("{} is taken as a word; for the distance: {}/{}", utf8(number), nameOf(token), utf8(number)));
@@ -142,10 +145,11 @@ class Doubter {
 
   // "-la" and "-5" are seldom meant to exclude.
   void doubtMinus(const QueryToken& token, const QueryToken& next) {
-    const std::u16string_view word = sourceOf(next);
-    if (sourceOf(token) != u"-" || next.kind != QueryTokenKind::Word ||
-        (word.size() > 2 && !isASCIIDigit(word.front())))
-      return;
+    if (sourceOf(token) != u"-" || next.kind != QueryTokenKind::Word) return;
+    const std::u16string_view units = next.word.view();
+    const std::u16string_view word =
+        units.substr(0, static_cast<size_t>(std::find_if_not(units.begin(), units.end(), isWordUnit) - units.begin()));
+    if (word.empty() || (word.size() > 2 && !isASCIIDigit(word.front()))) return;
     say(fmt::format("-{0} excludes what holds {0}; as text: \"-{0}\"", utf8(word)));
   }
 
@@ -168,6 +172,34 @@ class Doubter {
     const size_t first = text.find_first_not_of(u' ');
     text = text.substr(first, text.find_last_not_of(u' ') + 1 - first);
     say(fmt::format("[{}] is taken as a set, for one of its characters; as text: \"{}\"", utf8(set), utf8(text)));
+  }
+
+  // What other searches understand.
+  void doubtForeignSyntax(const QueryToken& token) {
+    const std::u16string_view word = token.word.view();
+    if (word.size() > kUnitsShown) return;
+    constexpr std::u16string_view kMarks[] = {u".*", u".+", u"\\b", u"\\w", u"\\d", u"\\s"};
+    if (std::any_of(std::begin(kMarks), std::end(kMarks), [&](auto mark) { return word.find(mark) != word.npos; })) {
+      return say(fmt::format("{} is no regular expression here: * stands for any letters, ? for one, [ab] for a or b",
+                             utf8(word)));
+    }
+    const size_t colon = word.find(u':');
+    if (colon != word.npos && colon > 0 && colon + 1 < word.size() && isWordUnit(word[colon + 1]) &&
+        std::all_of(word.begin(), word.begin() + static_cast<int64_t>(colon), isASCIILetter<unichar>)) {
+      return say(fmt::format("{} is taken as words in a row; there are no fields", utf8(word)));
+    }
+    doubtDistance(word);
+  }
+
+  // "NEAR5" and "w/5".
+  void doubtDistance(std::u16string_view word) {
+    for (const std::u16string_view name : {u"NEAR", u"NEXT", u"BEFORE", u"AFTER", u"W/", u"WITHIN/"}) {
+      if (word.size() <= name.size() || !equalsIgnoringASCIICase(word.substr(0, name.size()), name)) continue;
+      const std::u16string_view number = word.substr(name.size());
+      if (!std::all_of(number.begin(), number.end(), isASCIIDigit<unichar>)) continue;
+      say(fmt::format("{} is taken as a word; for the distance: {}/{}", utf8(word),
+                      name.back() == u'/' ? "NEAR" : utf8(name), utf8(number)));
+    }
   }
 
   const std::u16string_view _source;

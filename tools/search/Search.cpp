@@ -57,8 +57,8 @@ class Search {
       searchFor(*_typed.otherwise);
     }
     if (!hints) return;
-    complain(_counts.documentsWithMatch > 0 ? "nothing found as it stands; this is found without the question mark"
-                                            : "nothing found; " + hintAbout(_typed, _options, _files));
+    if (_counts.documentsWithMatch > 0) return complain("nothing found as it stands; found without the question mark");
+    if (const std::string hint = hintAbout(_typed, _options, _files); !hint.empty()) complain("nothing found; " + hint);
   }
 
   void searchFor(const PreparedQuery& query) {

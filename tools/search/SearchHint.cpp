@@ -42,8 +42,8 @@ bool wantsHints(HintChoice choice) {
 
 std::string hintAbout(const TypedQuery& typed, const SearchOptions& options, const std::vector<InputFile>& files) {
   std::optional<std::string> reason = reasonOfQuery(typed);
-  if (!reason && files.size() == 1 && typed.query->terms().isValid())
-    reason = reasonOfFile(*typed.query, options, files.front());
+  if (!typed.query->terms().isValid()) return reason.value_or("");
+  if (!reason && files.size() == 1) reason = reasonOfFile(*typed.query, options, files.front());
   return reason.value_or("velan explain QUERY FILE tells why a file does not match");
 }
 

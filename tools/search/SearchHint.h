@@ -13,7 +13,8 @@ namespace velan::tool {
 /// Whether hints are wanted; those who are not asked want them on a terminal only.
 bool wantsHints(HintChoice choice);
 
-/// One sentence with the likeliest reason. Of a single file its text is asked; it is read again.
+/// One sentence with the likeliest reason; empty for a query without terms that gives none. Of a single file its text
+/// is asked; it is read again.
 std::string hintAbout(const TypedQuery& typed, const SearchOptions& options, const std::vector<InputFile>& files);
 
 }  // namespace velan::tool

@@ -113,11 +113,14 @@ TEST(WildcardMatching, EqualsTheDefinitionForLongerPatterns) {
 
 TEST(WildcardMatching, ManyStarsAndLongPatterns) {
   const std::u16string text(3000, u'a');
-  const std::u16string stars = repeated(u"*a", 1000), sets = repeated(u"*[a-]b]", 1000);
+  const std::u16string stars = repeated(u"*a", 1000), sets = repeated(u"*[a-]b]", 1000),
+                       bars = repeated(u"*[|c]", 1000);
   EXPECT_TRUE(plain(text, stars));
   EXPECT_FALSE(plain(text, stars + u"b"));
   EXPECT_FALSE(withSets(text, sets));  // each set takes an "a" and wants "b]", or takes a "b"
   EXPECT_TRUE(withSets(std::u16string(1000, u'b'), sets));
+  EXPECT_TRUE(withSets(std::u16string(1000, u'b') + std::u16string(1000, u'c'), sets + bars));
+  EXPECT_FALSE(withSets(std::u16string(1000, u'b') + std::u16string(1000, u'|'), sets + bars));
 }
 
 TEST(WildcardMatching, Strings) {

@@ -47,7 +47,6 @@ struct KnownUnit {
   uint32_t* next;
 };
 constexpr uint32_t kUnknown = UINT32_MAX;
-constexpr uint32_t kFails = UINT32_MAX - 1;
 
 constexpr uint64_t bitsBelow(size_t bit) { return (uint64_t{1} << bit) - 1; }
 
@@ -63,6 +62,7 @@ class Simulation {
       : _pattern(pattern),
         _length(length),
         _wordCount(length / kPositionsPerWord + 1),
+        _fails(static_cast<uint32_t>(_wordCount * kPositionsPerWord)),
         _words(words),
         _memory(memory),
         _slots(slots),
@@ -151,17 +151,20 @@ class Simulation {
     if (*known.isComplete == 0) {
       size_t unknown = 0;
       forEachStart([&](size_t, size_t open) { unknown += known.next[open] == kUnknown; });
-      if (unknown > kFewSets) learnAllSets(c, known);
+      if (unknown > kFewSets) {
+        learnAllSets(c, known);
+      } else if (unknown > 0) {
+        forEachStart([&](size_t position, size_t open) {
+          if (known.next[open] != kUnknown) return;
+          const unichar* behind = stepOverSet(_pattern + position, _pattern + _length, c).next;
+          known.next[open] = behind ? static_cast<uint32_t>(behind - _pattern) : _fails;
+        });
+      }
     }
     size_t w = 0;  // ways mostly lead on in order: those into one word are put there together
     uint64_t bits = 0;
-    forEachStart([&](size_t position, size_t open) {
-      uint32_t& next = known.next[open];
-      if (next == kUnknown) {
-        const unichar* behind = stepOverSet(_pattern + position, _pattern + _length, c).next;
-        next = behind ? static_cast<uint32_t>(behind - _pattern) : kFails;
-      }
-      if (next == kFails) return;
+    forEachStart([&](size_t, size_t open) {
+      const uint32_t next = known.next[open];
       if (next / kPositionsPerWord != w) {
         _words[w].next |= std::exchange(bits, 0);
         w = next / kPositionsPerWord;
@@ -169,6 +172,7 @@ class Simulation {
       bits |= uint64_t{1} << (next % kPositionsPerWord);
     });
     _words[w].next |= bits;
+    _words[_wordCount].next = 0;
   }
 
   // Calls `visit` for the position and the number of each `[` that the text read so far can lead to.
@@ -176,10 +180,16 @@ class Simulation {
     for (size_t w = 0; w < _wordCount; ++w) {
       const Words& word = _words[w];
       const uint64_t starts = word.now & word.opens;
-      size_t open = word.opensBefore;
-      for (uint64_t left = starts; left != 0; left &= left - 1, ++open) {
-        const auto bit = static_cast<size_t>(std::countr_zero(left));
-        visit(w * kPositionsPerWord + bit, starts == word.opens ? open : openAt(word, bit));
+      if (starts == word.opens) {
+        size_t open = word.opensBefore;
+        for (uint64_t left = starts; left != 0; left &= left - 1) {
+          visit(w * kPositionsPerWord + static_cast<size_t>(std::countr_zero(left)), open++);
+        }
+      } else {
+        for (uint64_t left = starts; left != 0; left &= left - 1) {
+          const auto bit = static_cast<size_t>(std::countr_zero(left));
+          visit(w * kPositionsPerWord + bit, openAt(word, bit));
+        }
       }
     }
   }
@@ -216,10 +226,10 @@ class Simulation {
   }
 
   uint32_t behindSet(size_t i, const FromTheRight<SetOutcome>& outcomes) const {
-    if (i + 1 == _length) return kFails;
+    if (i + 1 == _length) return _fails;
     const bool isNegated = _pattern[i + 1] == '^';
     const SetOutcome outcome = outcomes.at(isNegated ? i + 2 : i + 1);
-    return outcome.matches != isNegated ? static_cast<uint32_t>(outcome.next) : kFails;
+    return outcome.matches != isNegated ? static_cast<uint32_t>(outcome.next) : _fails;
   }
 
   SetOutcome outcomeOfRange(size_t i, unichar c, const FromTheRight<SetOutcome>& outcomes,
@@ -248,7 +258,8 @@ class Simulation {
   const unichar* const _pattern;
   const size_t _length;
   const size_t _wordCount;
-  Words* const _words;
+  const uint32_t _fails;  // where a set that does not accept the unit leads: behind all positions
+  Words* const _words;    // one more than needed, for what fails
   uint64_t* const _memory;
   const size_t _slots;
   const std::span<const unichar> _units;
@@ -267,10 +278,10 @@ std::span<const unichar> distinctUnits(const unichar* pattern, size_t length, un
 bool simulateUnixWildcard(const unichar* text, const unichar* textEnd, const unichar* pattern,
                           const unichar* patternEnd, const unichar* table) {
   const auto length = static_cast<size_t>(patternEnd - pattern);
-  if (length >= kFails) return false;
+  if (length >= kUnknown - 2 * kPositionsPerWord) return false;
   const bool isLong = length > kUnitsOnStack;
   const size_t size = slotSize(length, static_cast<size_t>(std::count(pattern, patternEnd, u'[')));
-  ScratchBuffer<Words, kUnitsOnStack / kPositionsPerWord + 1> words(length / kPositionsPerWord + 1);
+  ScratchBuffer<Words, kUnitsOnStack / kPositionsPerWord + 2> words(length / kPositionsPerWord + 2);
   ScratchBuffer<unichar, 1> units(isLong ? length : 1);
   if (!words || !units) return false;
   std::span<const unichar> distinct;

@@ -44,7 +44,7 @@ bool WordSearch::searchOn() {
     _location = _end;
     return false;
   }
-  const Range run = _mayStandForSeveral ? runAround(word) : word;
+  const Range run = _mayStandForSeveral ? runFrom(word) : word;
   if (run.length > word.length) {
     searchRun(run);
   } else if (WordPattern::matches(_piece, _text, word)) {
@@ -67,21 +67,16 @@ Range WordSearch::nextWord() {
   return kAbsentRange;
 }
 
-// The word with all whole words to be searched that touch it or each other.
-Range WordSearch::runAround(Range word) const {
-  int64_t start = word.location;
-  while (start > _location && _text.wordEndsAt(start - 1)) {
-    const int64_t before = _text.words().locationOfPreviousWordFromIndex(start - 1, _location);
-    if (before == NSNotFound) break;
-    start = before;
-  }
+// The word with all whole words to be searched behind it that touch each other. One before it is in no place: either
+// there is none to be searched, or it is before the first literal, and the shortest stretch begins where that does.
+Range WordSearch::runFrom(Range word) const {
   int64_t end = endOf(word);
   while (end < _end && _text.wordBeginsAt(end)) {
     const Range next = _text.firstWordIn(end, _end);
     if (!isPresent(next)) break;
     end = endOf(next);
   }
-  return {start, end - start};
+  return {word.location, end - word.location};
 }
 
 // At the end of each word: the shortest stretch that ends there, unless a shorter one lies in it.

@@ -30,7 +30,7 @@ class WordSearch {
 
   bool searchOn();
   Range nextWord();
-  Range runAround(Range word) const;
+  Range runFrom(Range word) const;
   void searchRun(Range run);
   void splitPattern();
   void read(unichar unit);

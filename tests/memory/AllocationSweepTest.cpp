@@ -119,6 +119,16 @@ String parsedAndWritten() {
   return terms ? terms->standardizedQueryTerm() : String();
 }
 
+// What a tree of its own answers, absent when it tells that memory ran out.
+template <typename Ask>
+auto asked(const Ask& ask) {
+  std::optional<SparedAllocations> spared(std::in_place);
+  const auto terms = someTerms();
+  spared.reset();
+  const auto answer = ask(*terms);
+  return terms->ranOutOfMemory() ? std::nullopt : std::optional(answer);
+}
+
 #define OPERATION(neutral, throws, expression)                                         \
   {                                                                                    \
 #expression, neutral, throws, [=] { return answerOf([&] { return expression; }); } \
@@ -210,9 +220,14 @@ std::vector<Operation> operations() {
       OPERATION("", true, terms->extendedPlusWildcards()),
       OPERATION("", true, terms->plusString()),
       OPERATION("", true, stringsForQueryTerm(*terms)),
-      OPERATION("NO", false, terms->matchesString(text, ignoreCase)),
-      OPERATION("NO", false, terms->matchesString(text, false)),
-      OPERATION("NO", false, terms->containsString(text, ignoreCase)),
+      OPERATION("absent", false, asked([&](const auto& own) { return own.matchesString(text, ignoreCase); })),
+      OPERATION("absent", false, asked([&](const auto& own) { return own.containsString(text, false); })),
+      OPERATION("absent", false, asked([&](const auto& own) { return own.minTermLen(); })),
+      OPERATION("absent", false, asked([&](const auto& own) { return own.usesProximity(); })),
+      OPERATION("absent", false, asked([&](const auto& own) {
+                  return own.enumerateString(text, {0, NSNotFound}, ignoreCase,
+                                             [](const String&, Range, bool) { return false; });
+                })),
       OPERATION("NO", false,
                 matchesString(*words, *terms, nullptr, QueryOperator::And, 0, 0, NSNotFound, ignoreCase, true)),
       OPERATION("NO", false, containsString(*words, *terms, ignoreCase, true)),
@@ -220,7 +235,9 @@ std::vector<Operation> operations() {
       OPERATION("0", false,
                 enumerateOccurrences(*words, *terms, {0, NSNotFound}, ignoreCase, true,
                                      [](const String&, Range, bool) { return false; })),
-      OPERATION("absent", false, findNextQueryTerm(text, *terms, false, {0, NSNotFound}, false, false, false)),
+      OPERATION("absent", false, asked([&](const auto& own) {
+                  return findNextQueryTerm(text, own, false, {0, NSNotFound}, false, false, false);
+                })),
       // keyed
       OPERATION("absent", false, stringForKey(records, 1)),
       OPERATION("absent", true, stringsForKey(records, 2)),

@@ -6,7 +6,7 @@
 //    edit a `MutableString` or `MutableData` throw `std::bad_alloc`, or answer NO where they answer YES or NO. No list
 //    comes back shortened.
 //  - Where the neutral result could be taken for an answer ("no match"), the object can be asked: see
-//    `FastWordEnumerator::ranOutOfMemory` and `QueryMatcher::ranOutOfMemory`.
+//    `FastWordEnumerator::ranOutOfMemory`, `QueryTerms::ranOutOfMemory` and `QueryMatcher::ranOutOfMemory`.
 //  - Destruction and moving never take memory.
 #ifndef VELAN_BASE_OUT_OF_MEMORY_H
 #define VELAN_BASE_OUT_OF_MEMORY_H

@@ -16,35 +16,35 @@ constexpr QueryComparison plainComparison(bool caseSensitive) {
   return caseSensitive ? QueryComparison::Exact : QueryComparison::IgnoreCase;
 }
 
-// What `ask` answers, or the neutral result, which the enumerator takes note of, when memory runs out.
-template <typename Ask>
-auto answer(const FastWordEnumerator& enumerator, decltype(std::declval<Ask>()()) neutral, const Ask& ask) {
-  try {
-    return ask();
-  } catch (const std::bad_alloc&) {
-    enumerator.noteOutOfMemory();
-    return neutral;
-  }
+// Asks about an index of `string` that suits the comparison; the tree takes note when memory runs out for it.
+template <typename Result, typename Ask>
+Result answerOn(const String& string, const QueryTerms& terms, QueryComparison comparison, Result neutral,
+                const Ask& ask) {
+  const auto enumerator = enumeratorForComparison(string, comparison);
+  if (!enumerator && !string.isEmpty()) terms.noteOutOfMemory();
+  return enumerator ? answerOrNote(terms, neutral, [&] { return ask(*enumerator); }) : neutral;
 }
 
 bool matches(const QueryTerms& terms, const String& string, QueryComparison comparison, LeafKind kind) {
-  const auto enumerator = enumeratorForComparison(string, comparison);
-  if (!enumerator) return false;
-  return answer(*enumerator, false, [&] {
-    return QueryEvaluator(*enumerator, comparison, kind).evaluate(terms, {}, {0, string.length()});
+  return answerOn(string, terms, comparison, false, [&](const FastWordEnumerator& enumerator) {
+    return QueryEvaluator(enumerator, comparison, kind).evaluate(terms, {}, {0, string.length()});
   });
 }
 
 bool containsAny(const QueryTerms& terms, const String& string, QueryComparison comparison, LeafKind kind) {
-  const auto enumerator = enumeratorForComparison(string, comparison);
-  if (!enumerator) return false;
-  return answer(*enumerator, false, [&] { return QueryEvaluator(*enumerator, comparison, kind).containsAny(terms); });
+  return answerOn(string, terms, comparison, false, [&](const FastWordEnumerator& enumerator) {
+    return QueryEvaluator(enumerator, comparison, kind).containsAny(terms);
+  });
 }
 
 int64_t enumerate(const QueryTerms& terms, const String& string, Range range, QueryComparison comparison, bool wildcard,
                   QueryOccurrenceHandler handler) {
-  const auto enumerator = enumeratorForComparison(string, comparison);
-  return enumerator ? enumerateOccurrences(*enumerator, terms, range, comparison, wildcard, handler) : 0;
+  if (!handler) return 0;
+  auto occurrences =
+      answerOn(string, terms, comparison, std::vector<QueryOccurrence>(), [&](const FastWordEnumerator& enumerator) {
+        return queryOccurrences(enumerator, terms, range, comparison, wildcard);
+      });
+  return callHandlerWithOccurrences(std::move(occurrences), handler);
 }
 
 // The place of any leaf that comes first by `isBetter`, among those in the range that `isAllowed`.
@@ -52,11 +52,9 @@ template <typename IsAllowed, typename IsBetter>
 Range bestPlace(const String& string, const QueryTerms& terms, Range range, bool caseSensitive, bool exactPhrase,
                 IsAllowed isAllowed, IsBetter isBetter) {
   const QueryComparison comparison = plainComparison(caseSensitive);
-  const auto enumerator = enumeratorForComparison(string, comparison);
-  if (!enumerator) return kAbsentRange;
   const Range searched = clippedRange(range, string.length());
-  return answer(*enumerator, kAbsentRange, [&] {
-    QueryEvaluator evaluator(*enumerator, comparison, exactPhrase ? LeafKind::Plain : LeafKind::Tolerant);
+  return answerOn(string, terms, comparison, kAbsentRange, [&](const FastWordEnumerator& enumerator) {
+    QueryEvaluator evaluator(enumerator, comparison, exactPhrase ? LeafKind::Plain : LeafKind::Tolerant);
     Range best = kAbsentRange;
     walkPositiveLeaves(terms, [&](const QueryTerms& leaf) {
       LeafSearch& search = evaluator.search(leaf);
@@ -75,7 +73,7 @@ Range bestPlace(const String& string, const QueryTerms& terms, Range range, bool
 bool matchesString(const FastWordEnumerator& enumerator, const QueryTerms& node, const QueryTerms* partner,
                    QueryOperator queryOperator, int64_t distance, int64_t start, int64_t length,
                    QueryComparison comparison, bool wildcard) {
-  return answer(enumerator, false, [&] {
+  return answerOrNote(enumerator, false, [&] {
     return QueryEvaluator(enumerator, comparison, leafKind(wildcard))
         .evaluate(node, {partner, queryOperator, distance}, clippedRange({start, length}, enumerator.length()));
   });
@@ -83,8 +81,8 @@ bool matchesString(const FastWordEnumerator& enumerator, const QueryTerms& node,
 
 bool containsString(const FastWordEnumerator& enumerator, const QueryTerms& node, QueryComparison comparison,
                     bool wildcard) {
-  return answer(enumerator, false,
-                [&] { return QueryEvaluator(enumerator, comparison, leafKind(wildcard)).containsAny(node); });
+  return answerOrNote(enumerator, false,
+                      [&] { return QueryEvaluator(enumerator, comparison, leafKind(wildcard)).containsAny(node); });
 }
 
 std::vector<QueryOccurrence> queryOccurrences(const FastWordEnumerator& enumerator, const QueryTerms& node, Range range,
@@ -121,8 +119,8 @@ int64_t callHandlerWithOccurrences(std::vector<QueryOccurrence> occurrences,
 int64_t enumerateOccurrences(const FastWordEnumerator& enumerator, const QueryTerms& node, Range range,
                              QueryComparison comparison, bool wildcard, QueryOccurrenceHandler handler) {
   if (!handler) return 0;
-  auto occurrences =
-      answer(enumerator, {}, [&] { return queryOccurrences(enumerator, node, range, comparison, wildcard); });
+  auto occurrences = answerOrNote(enumerator, std::vector<QueryOccurrence>(),
+                                  [&] { return queryOccurrences(enumerator, node, range, comparison, wildcard); });
   return callHandlerWithOccurrences(std::move(occurrences), handler);
 }
 

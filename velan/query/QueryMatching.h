@@ -21,7 +21,8 @@ struct QueryOccurrence {
 /// The order in which occurrences are reported: by location, the longer first.
 inline bool precedes(const QueryOccurrence& a, const QueryOccurrence& b) { return rangePrecedes(a.range, b.range); }
 
-// Where memory runs out the answers are false, 0 and absent, and the enumerator, where one is given, takes note of it.
+// Where memory runs out the answers are false, 0 and absent, and the enumerator, where one is given, takes note of it,
+// else the tree.
 //
 // The functions on an enumerator serve callers that index a text once and ask several queries. The enumerator must have
 // been created without `wildcard`; for `IgnoreCase` it is best created to ignore case, which saves mapping its units

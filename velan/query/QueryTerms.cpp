@@ -88,25 +88,29 @@ const QueryTerms::Children& QueryTerms::children() const {
 }
 
 bool QueryTerms::usesProximity() const {
-  bool uses = false;
-  walkQuery(*this, [&uses](const QueryTerms& node) {
-    uses = uses || isProximity(node.queryOperator());
-    return !uses;
+  return answerOrNote(*this, false, [this] {
+    bool uses = false;
+    walkQuery(*this, [&uses](const QueryTerms& node) {
+      uses = uses || isProximity(node.queryOperator());
+      return !uses;
+    });
+    return uses;
   });
-  return uses;
 }
 
 bool QueryTerms::isValid() const { return _isWord || !children().empty(); }
 
 int64_t QueryTerms::minTermLen() const {
-  int64_t shortest = INT64_MAX;
-  walkPositiveLeaves(*this, [&shortest](const QueryTerms& leaf) {
-    int64_t length = 0;  // of the words alone: a phrase may be found with other separators, or with fewer
-    const auto words = wordsUsingWildcardSeparation(leaf.word(), nullptr);
-    for (const String& word : words.value_or(std::vector<String>())) length += wildcardLength(word);
-    shortest = std::min(shortest, length);
+  return answerOrNote(*this, int64_t{0}, [this] {
+    int64_t shortest = INT64_MAX;
+    walkPositiveLeaves(*this, [&shortest](const QueryTerms& leaf) {
+      int64_t length = 0;  // of the words alone: a phrase may be found with other separators, or with fewer
+      const auto words = wordsUsingWildcardSeparation(leaf.word(), nullptr);
+      for (const String& word : words.value_or(std::vector<String>())) length += wildcardLength(word);
+      shortest = std::min(shortest, length);
+    });
+    return shortest == INT64_MAX ? 0 : shortest;
   });
-  return shortest == INT64_MAX ? 0 : shortest;
 }
 
 String QueryTerms::description() const { return standardizedQueryTerm(); }

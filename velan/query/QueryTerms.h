@@ -170,6 +170,13 @@ class VELAN_EXPORT QueryTerms {
   /// keyword that it lacks is written as itself.
   String queryTermsForOperators(QueryStyle style, const QueryOperatorNames& dictionary) const;
 
+  /// Whether memory ran out during a search for the terms of this tree (`matchesString`, `containsString`,
+  /// `enumerateString`, `findNextQueryTerm` and their like), in `minTermLen` or in `usesProximity`, whose answer was
+  /// then none.
+  bool ranOutOfMemory() const { return __atomic_load_n(&_ranOutOfMemory, __ATOMIC_RELAXED); }
+  /// For those operations.
+  void noteOutOfMemory() const { __atomic_store_n(&_ranOutOfMemory, true, __ATOMIC_RELAXED); }
+
   /// `matchesString:caseSensitive:`: whether `string` matches the query, leaves taken as plain words. False for an
   /// empty string.
   bool matchesString(const String& string, std::same_as<bool> auto caseSensitive) const {
@@ -223,6 +230,7 @@ class VELAN_EXPORT QueryTerms {
   bool _queryPhrase = false;
   bool _querySubstr = false;
   bool _isWord = false;
+  mutable bool _ranOutOfMemory = false;
   int64_t _proximityDistance;
   QueryTerms* _next = nullptr;  // while it waits for its destruction
 };

@@ -1,12 +1,24 @@
-// Walking over the nodes of a query, of any depth, in the order of the tree.
+// Walking over the nodes of a query, of any depth, in the order of the tree, and answering questions about them.
 #ifndef VELAN_QUERY_EVALUATION_QUERY_WALK_INTERNAL_H
 #define VELAN_QUERY_EVALUATION_QUERY_WALK_INTERNAL_H
 
+#include <new>
 #include <vector>
 
 #include "velan/query/QueryTerms.h"
 
 namespace velan {
+
+/// What `ask` answers, or the neutral result, which `noter` takes note of, when memory runs out.
+template <typename Noter, typename Result, typename Ask>
+Result answerOrNote(const Noter& noter, Result neutral, const Ask& ask) {
+  try {
+    return ask();
+  } catch (const std::bad_alloc&) {
+    noter.noteOutOfMemory();
+    return neutral;
+  }
+}
 
 /// Calls `visit(node)` for `root` and, where that returns true, for everything below it; parents come first.
 template <typename Visit>

@@ -67,6 +67,8 @@ class Pages(InFolder):
                          "2:lamp\n3:<p>two<p>lamp\n4:<br>lamp\n")
         self.assertIn("found 3 times, at 2:1, 3:10, 4:5", self.velan("explain", "lamp", "a.html")[1])
         self.assertEqual(self.velan("words", "-n1", "a.html")[1], "3\tlamp\n")
+        self.write("a.xml", "<?xml ?><!DOCTYPE a [\n<!ENTITY b 'c'>\n<!ENTITY d 'e'>\n] >\n<a>]>lamp</a>")
+        self.assertEqual(self.velan("search", "lamp", "a.xml")[1], "5:]>lamp\n")
 
     def test_what_is_a_page(self):
         word = "<b>wo</b>rd"

@@ -1,8 +1,8 @@
 #include "tools/markup/MarkupText.h"
 
 #include <algorithm>
+#include <iterator>
 #include <new>
-#include <string>
 #include <string_view>
 #include <utility>
 
@@ -19,23 +19,48 @@ namespace {
 // What a tag does to the line that it stands in.
 enum class Effect : uint8_t { Nothing, EndsCell, EndsLine, EndsParagraph };
 
-bool isWord(std::u16string_view word, std::u16string_view list) {
-  for (size_t at = list.find(word); at != std::u16string_view::npos; at = list.find(word, at + 1)) {
-    const size_t end = at + word.size();
-    if ((at == 0 || list[at - 1] == u' ') && (end == list.size() || list[end] == u' ')) return true;
-  }
-  return false;
-}
+struct Element {
+  std::u16string_view name;
+  Effect effect;
+};
+
+// By name. All others end a line.
+constexpr Element kElements[] = {
+    {u"a", Effect::Nothing},           {u"abbr", Effect::Nothing},
+    {u"acronym", Effect::Nothing},     {u"b", Effect::Nothing},
+    {u"bdi", Effect::Nothing},         {u"bdo", Effect::Nothing},
+    {u"big", Effect::Nothing},         {u"blockquote", Effect::EndsParagraph},
+    {u"cite", Effect::Nothing},        {u"code", Effect::Nothing},
+    {u"data", Effect::Nothing},        {u"del", Effect::Nothing},
+    {u"dfn", Effect::Nothing},         {u"dl", Effect::EndsParagraph},
+    {u"em", Effect::Nothing},          {u"font", Effect::Nothing},
+    {u"h1", Effect::EndsParagraph},    {u"h2", Effect::EndsParagraph},
+    {u"h3", Effect::EndsParagraph},    {u"h4", Effect::EndsParagraph},
+    {u"h5", Effect::EndsParagraph},    {u"h6", Effect::EndsParagraph},
+    {u"hr", Effect::EndsParagraph},    {u"i", Effect::Nothing},
+    {u"img", Effect::Nothing},         {u"ins", Effect::Nothing},
+    {u"kbd", Effect::Nothing},         {u"label", Effect::Nothing},
+    {u"mark", Effect::Nothing},        {u"nobr", Effect::Nothing},
+    {u"ol", Effect::EndsParagraph},    {u"p", Effect::EndsParagraph},
+    {u"pre", Effect::EndsParagraph},   {u"q", Effect::Nothing},
+    {u"rb", Effect::Nothing},          {u"rp", Effect::Nothing},
+    {u"rt", Effect::Nothing},          {u"ruby", Effect::Nothing},
+    {u"s", Effect::Nothing},           {u"samp", Effect::Nothing},
+    {u"small", Effect::Nothing},       {u"span", Effect::Nothing},
+    {u"strike", Effect::Nothing},      {u"strong", Effect::Nothing},
+    {u"sub", Effect::Nothing},         {u"sup", Effect::Nothing},
+    {u"table", Effect::EndsParagraph}, {u"td", Effect::EndsCell},
+    {u"th", Effect::EndsCell},         {u"time", Effect::Nothing},
+    {u"title", Effect::EndsParagraph}, {u"tt", Effect::Nothing},
+    {u"u", Effect::Nothing},           {u"ul", Effect::EndsParagraph},
+    {u"var", Effect::Nothing},         {u"wbr", Effect::Nothing},
+};
+constexpr size_t kLongestName = 10;
+static_assert(std::ranges::is_sorted(kElements, {}, &Element::name));
 
 Effect effectOf(std::u16string_view name) {
-  if (isWord(name,
-             u"a abbr acronym b bdi bdo big cite code data del dfn em font i img ins kbd label mark nobr q rb rp rt "
-             u"ruby s samp small span strike strong sub sup time tt u var wbr")) {
-    return Effect::Nothing;
-  }
-  if (isWord(name, u"td th")) return Effect::EndsCell;
-  const bool paragraph = isWord(name, u"blockquote dl h1 h2 h3 h4 h5 h6 hr ol p pre table title ul");
-  return paragraph ? Effect::EndsParagraph : Effect::EndsLine;
+  const auto* element = std::ranges::lower_bound(kElements, name, {}, &Element::name);
+  return element != std::end(kElements) && element->name == name ? element->effect : Effect::EndsLine;
 }
 
 // A text that is built from left to right out of parts of the markup.
@@ -57,16 +82,21 @@ class TextBuilder {
   }
 
  private:
-  static bool isSpace(unichar c) { return isMemberOfCharacterSetRep(whiteCharacterSetRep(), c); }
+  bool isSpace(unichar c) const { return isMemberOfCharacterSetRep(_white, c); }
   // A soft hyphen, or a part of a line end.
   static bool isDropped(unichar c) { return c == 0xAD || c == u'\r'; }
   bool divides(unichar c) const { return !_preformatted && isSpace(c); }
+  bool isCopied(unichar c) const { return (c > u' ' && c < 0x7F) || (!isDropped(c) && !divides(c)); }
 
   void addTag(const TagReport& tag) {
     if (tag.kind == TagKind::Section) addSection(at(tag.tagLocation), at(tag.tagLocation + tag.tagLength));
     if (tag.kind != TagKind::Tag || tag.nameLength == 0) return;
-    std::u16string name(_source.substr(at(tag.nameLocation), at(tag.nameLength)));
-    for (unichar& c : name) c = toASCIILower(c);
+    noteDeclarations(tag);
+    unichar lower[kLongestName + 1];
+    const size_t length = std::min(at(tag.nameLength), std::size(lower));
+    std::ranges::transform(_source.substr(at(tag.nameLocation), length), lower,
+                           [](unichar c) { return toASCIILower(c); });
+    const std::u16string_view name(lower, length);
     if (name == u"pre") _preformatted = _markup[tag.tagLocation + 1] != u'/';
     _break = std::max(_break, effectOf(name));
   }
@@ -80,7 +110,30 @@ class TextBuilder {
     addUnits(start + kOpening.size(), end);
   }
 
+  // A document type may hold declarations in brackets; the first of them ends its tag.
+  void noteDeclarations(const TagReport& tag) {
+    const std::u16string_view units = _source.substr(at(tag.tagLocation), at(tag.tagLength));
+    const bool isDeclaration = units.starts_with(u"<!");
+    if (isDeclaration && units.find(u'[') != std::u16string_view::npos) _inDeclarations = true;
+    if (!isDeclaration && !units.starts_with(u"<?")) _inDeclarations = false;
+  }
+
+  // What ends them, "]>", is no text.
+  size_t afterDeclarations(size_t start, size_t end) {
+    const auto skipSpace = [&](size_t index) {
+      while (index < end && isSpace(_source[index])) ++index;
+      return index;
+    };
+    const size_t bracket = skipSpace(start);
+    if (bracket == end || _source[bracket] != u']') return start;
+    const size_t close = skipSpace(bracket + 1);
+    if (close == end || _source[close] != u'>') return start;
+    _inDeclarations = false;
+    return close + 1;
+  }
+
   void addText(size_t start, size_t end) {
+    if (_inDeclarations) start = afterDeclarations(start, end);
     const bool beginsPreformatted = _preformatted && _break == Effect::EndsParagraph;
     if (beginsPreformatted && start < end && _source[start] == u'\r') ++start;
     if (beginsPreformatted && start < end && _source[start] == u'\n') ++start;
@@ -118,7 +171,7 @@ class TextBuilder {
   void addUnits(size_t start, size_t end) {
     while (start < end) {
       size_t stop = start;
-      while (stop < end && !isDropped(_source[stop]) && !divides(_source[stop])) ++stop;
+      while (stop < end && isCopied(_source[stop])) ++stop;
       if (stop > start) {
         beginWord(start);
         write(_source.substr(start, stop - start), rangeOf(start, stop));
@@ -161,7 +214,9 @@ class TextBuilder {
   const std::u16string_view _source;
   MutableString _text;
   SourceMap _map;
+  const uint8_t* const _white = whiteCharacterSetRep();
   Effect _break = Effect::Nothing;
+  bool _inDeclarations = false;
   bool _space = false;
   bool _preformatted = false;
 };

@@ -1,5 +1,5 @@
-// Keyed data beside FlexBuffers maps and MessagePack maps with the same 32-bit numbers; property lists, whose peer is
-// Python's plistlib (see python_property_list.py).
+// Keyed data beside the simplest loop, and FlexBuffers maps and MessagePack maps with the same 32-bit numbers; property
+// lists, whose peer is Python's plistlib (see python_property_list.py).
 #include <benchmark/benchmark.h>
 #include <flatbuffers/flexbuffers.h>
 
@@ -7,6 +7,7 @@
 #include <fstream>
 #include <msgpack.hpp>
 
+#include "velan/base/ByteOrder.h"
 #include "velan/base/propertylist/PropertyList.h"
 #include "velan/keyed/KeyedFiles.h"
 #include "velan/keyed/KeyedReading.h"
@@ -77,6 +78,29 @@ void BM_LookUpKeyed(benchmark::State& state) {
   const Data data = keyedData(static_cast<uint32_t>(state.range(0))).takeData();
   const uint32_t key = soughtKey(state);
   for (auto _ : state) benchmark::DoNotOptimize(unsignedForKey(data, key));
+}
+
+// The simplest loop that tells variable records from others.
+const uint8_t* findPlainly(std::span<const uint8_t> bytes, uint32_t marker, uint32_t key) {
+  size_t at = 0;
+  while (bytes.size() - at >= kKeyedHeaderSize) {
+    const auto found = loadBigEndian<uint32_t>(&bytes[at]);
+    if (found == marker && loadBigEndian<uint32_t>(&bytes[at + 4]) == key) return &bytes[at];
+    const bool variable = found == VLst || found == VLdt || found == VLpl;
+    const uint64_t size = kKeyedHeaderSize + (variable ? uint64_t{loadBigEndian<uint32_t>(&bytes[at + 8])} : 0);
+    if (size > bytes.size() - at) break;
+    at += size;
+  }
+  return nullptr;
+}
+
+void BM_LookUpPlainly(benchmark::State& state) {
+  const Data data = keyedData(static_cast<uint32_t>(state.range(0))).takeData();
+  const uint32_t key = soughtKey(state);
+  for (auto _ : state) {
+    const uint8_t* const found = findPlainly(data.span(), VLun, key);
+    benchmark::DoNotOptimize(found ? loadBigEndian<uint32_t>(found + 8) : 0);
+  }
 }
 
 void BM_LookUpFlexBuffers(benchmark::State& state) {
@@ -196,6 +220,7 @@ BENCHMARK(BM_AppendKeyed)->SIZES;
 BENCHMARK(BM_AppendFlexBuffers)->SIZES;
 BENCHMARK(BM_AppendMessagePack)->SIZES;
 BENCHMARK(BM_LookUpKeyed)->LOOKUPS;
+BENCHMARK(BM_LookUpPlainly)->LOOKUPS;
 BENCHMARK(BM_LookUpFlexBuffers)->LOOKUPS;
 BENCHMARK(BM_LookUpMessagePack)->LOOKUPS;
 BENCHMARK(BM_SetKeyed)->ArgsProduct({{16, 1024, 100000}, {0, 1}});

@@ -2,6 +2,8 @@
 #ifndef VELAN_KEYED_KEYED_WALK_INTERNAL_H
 #define VELAN_KEYED_KEYED_WALK_INTERNAL_H
 
+#include <algorithm>
+#include <array>
 #include <bit>
 #include <optional>
 #include <span>
@@ -9,30 +11,47 @@
 
 #include "velan/base/ByteOrder.h"
 #include "velan/base/Value.h"
+#include "velan/base/kernels/KernelsInternal.h"
 #include "velan/keyed/KeyedRecords.h"
 
 namespace velan::keyed {
 
 constexpr bool isVariableSize(uint32_t marker) { return marker == VLst || marker == VLdt || marker == VLpl; }
 
-constexpr bool isKnownMarker(uint32_t marker) {
-  switch (marker) {
-    case VLbl:
-    case VLun:
-    case VLsi:
-    case VLul:
-    case VLsl:
-    case VLfl:
-    case VLdb:
-    case VLda:
-    case VLst:
-    case VLdt:
-    case VLpl:
-      return true;
-    default:
-      return false;
+/// The marker and the key of a record as one number, the bytes as they lie in memory, the marker's lowest.
+constexpr uint64_t identity(uint32_t marker, uint32_t key) { return byteSwapped(uint64_t{marker} << 32 | key); }
+
+// Each marker of a fixed size has a slot of its own, so that one comparison tells whether a marker is one of them. Of
+// the markers too the bytes are as in memory.
+constexpr uint32_t kSlotFactor = 389;
+constexpr int kSlotShift = 24;
+constexpr size_t slotOf(uint32_t marker) { return marker * kSlotFactor >> kSlotShift & 7; }
+
+constexpr std::array<uint32_t, 8> makeFixedMarkers() {
+  std::array<uint32_t, 8> slots{};
+  for (const uint32_t marker : {VLbl, VLun, VLsi, VLul, VLsl, VLfl, VLdb, VLda}) {
+    slots[slotOf(byteSwapped(marker))] = byteSwapped(marker);
   }
+  return slots;
 }
+inline constexpr std::array<uint32_t, 8> kFixedMarkers = makeFixedMarkers();
+static_assert(std::find(kFixedMarkers.begin(), kFixedMarkers.end(), 0) == kFixedMarkers.end());
+
+constexpr bool hasFixedSize(uint64_t identity) {
+  const auto marker = static_cast<uint32_t>(identity);
+  return kFixedMarkers[slotOf(marker)] == marker;
+}
+
+constexpr bool isKnownMarker(uint32_t marker) { return hasFixedSize(identity(marker, 0)) || isVariableSize(marker); }
+
+/// Finds where the first record of the walk over `bytes` begins whose identity is `sought`, or `kNotFound`. The marker
+/// sought is a known one.
+using FindIdentity = size_t (*)(const uint8_t* bytes, size_t length, uint64_t sought);
+const Kernels<FindIdentity>& findIdentityKernels();
+inline constexpr size_t kNotFound = SIZE_MAX;
+#ifdef __x86_64__
+size_t findIdentityAvx2(const uint8_t* bytes, size_t length, uint64_t sought);
+#endif
 
 /// A record whose header lies in the buffer. Its payload need not: only `payload` and `fits` look.
 class Record {
@@ -45,9 +64,7 @@ class Record {
   size_t available() const { return _available; }
   uint32_t marker() const { return loadBigEndian<uint32_t>(_start); }
   uint32_t key() const { return loadBigEndian<uint32_t>(_start + 4); }
-  bool is(uint32_t marker, uint32_t key) const {
-    return loadBigEndian<uint64_t>(_start) == (uint64_t{marker} << 32 | key);
-  }
+  uint64_t identity() const { return loadLittleEndian<uint64_t>(_start); }
   /// The value area as a number of 8, 32 or 64 bits.
   template <typename Number>
   Number value() const {
@@ -92,21 +109,22 @@ class RecordWalk {
   bool atRecord() const { return _remaining >= kKeyedHeaderSize && isKnownMarker(loadBigEndian<uint32_t>(_at)); }
   Record record() const { return {_at, _remaining}; }
   /// Goes behind the record, or to the end of the walk when it does not fit.
-  void advance() {
-    const uint64_t size = record().size();
+  void advance() { step(record().size()); }
+  /// Goes to the next record with this marker and key, which may be the one here.
+  bool find(uint32_t marker, uint32_t key) {
+    if (!isKnownMarker(marker)) return false;
+    const uint64_t sought = keyed::identity(marker, key);
+    return (_remaining >= kKeyedHeaderSize && record().identity() == sought) || findFurther(sought);
+  }
+
+ private:
+  bool findFurther(uint64_t sought);
+  void step(uint64_t size) {
     const size_t step = size <= _remaining ? static_cast<size_t>(size) : _remaining;
     _at += step;
     _remaining -= step;
   }
-  /// Goes to the next record with this marker and key, which may be the one here.
-  bool find(uint32_t marker, uint32_t key) {
-    for (; atRecord(); advance()) {
-      if (record().is(marker, key)) return true;
-    }
-    return false;
-  }
 
- private:
   const uint8_t* _at;
   size_t _remaining;
 };

@@ -19,11 +19,12 @@
 namespace {
 
 thread_local bool failsOnwards = false;
-thread_local int64_t left = 0;  // successful allocations before the first that fails
+thread_local int64_t first = 0;  // that fails
+thread_local int64_t counted = 0;
 thread_local bool failed = false;
 
 bool fails() {
-  if (!velan::countsAllocations || left-- > 0 || (failed && !failsOnwards)) return false;
+  if (!velan::countsAllocations || counted++ < first || (failed && !failsOnwards)) return false;
   failed = true;
   return true;
 }
@@ -34,7 +35,8 @@ namespace velan {
 
 FailingAllocation::FailingAllocation(int64_t at, bool onwards) {
   failsOnwards = onwards;
-  left = at;
+  first = at;
+  counted = 0;
   failed = false;
   countsAllocations = true;
 }
@@ -42,6 +44,8 @@ FailingAllocation::FailingAllocation(int64_t at, bool onwards) {
 FailingAllocation::~FailingAllocation() { countsAllocations = false; }
 
 bool FailingAllocation::happened() { return failed; }
+
+int64_t FailingAllocation::count() { return counted; }
 
 }  // namespace velan
 

@@ -20,6 +20,8 @@ class FailingAllocation {
   FailingAllocation& operator=(const FailingAllocation&) = delete;
   /// Whether an allocation has failed since the last one began.
   static bool happened();
+  /// How many allocations there have been since then.
+  static int64_t count();
 };
 
 /// Allocations of the test's own code, which do not count and do not fail.

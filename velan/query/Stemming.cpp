@@ -41,7 +41,7 @@ String stringByStemmingWords(const String& string, std::string_view language) {
   stemmed.reserve(string.length());
   int64_t copied = 0;
   bool startsSentence = true;
-  tokenizer->enumerateTokens(string.view(), [&](const WordTokenizer::Token& token) {
+  const bool isWhole = tokenizer->enumerateTokens(string.view(), [&](const WordTokenizer::Token& token) {
     if (!token.isWord) return;
     const std::u16string_view between =
         string.view().substr(static_cast<size_t>(copied), static_cast<size_t>(token.location - copied));
@@ -54,6 +54,7 @@ String stringByStemmingWords(const String& string, std::string_view language) {
     stemmed.appendString(lemma.isEmpty() ? word : lemma.view());
     copied = token.location + token.length;
   });
+  if (!isWhole) return string;
   return stemmed;
 }
 

@@ -5,9 +5,11 @@
 #include <algorithm>
 #include <map>
 #include <mutex>
+#include <new>
 #include <utility>
 
 #include "velan/base/ASCII.h"
+#include "velan/base/utf/UTF.h"
 #include "velan/platform/lemmas/FunctionWordsInternal.h"
 #include "velan/platform/lemmas/HunspellDictionaryInternal.h"
 #include "velan/platform/lemmas/LemmaFilesInternal.h"
@@ -49,27 +51,33 @@ std::u16string_view derivedNoun(std::u16string_view word, const std::string& lan
   return {};
 }
 
+// An absent lemma means that there is none, not that memory ran out.
+String present(String lemma) {
+  if (!lemma) throw std::bad_alloc();
+  return lemma;
+}
+
 // Dictionaries give all readings of a form. A word that is a base form itself is most often meant so ("ligne" is a
 // line, seldom a form of "ligner"). Else, measured on lists of inflected words, the last one is right most often in
 // French, German and Polish, the first one elsewhere; German nouns are told by their capital.
 String bestStem(const std::vector<std::u16string>& stems, std::u16string_view word, const std::string& language) {
   if (stems.empty()) return String();
-  if (const auto noun = derivedNoun(word, language); !noun.empty()) return String(noun);
+  if (const auto noun = derivedNoun(word, language); !noun.empty()) return present(noun);
   for (const std::u16string& stem : stems) {
-    if (equalsIgnoringCase(stem, word)) return String(word);
+    if (equalsIgnoringCase(stem, word)) return present(word);
   }
   if (language == "fr" && (word.ends_with(u's') || word.ends_with(u'x'))) {  // "options": of "option", not of "opter"
     const auto singular = word.substr(0, word.size() - 1);
-    if (std::find(stems.begin(), stems.end(), singular) != stems.end()) return String(singular);
+    if (std::find(stems.begin(), stems.end(), singular) != stems.end()) return present(singular);
   }
   if (language == "de") {
     const auto found = std::find_if(stems.rbegin(), stems.rend(), [&](const std::u16string& stem) {
       return startsWithCapital(stem) == startsWithCapital(word);
     });
-    if (found != stems.rend()) return String(*found);
+    if (found != stems.rend()) return present(*found);
   }
   const bool lastIsBest = language == "de" || language == "fr" || language == "pl";
-  return String(lastIsBest ? stems.back() : stems.front());
+  return present(lastIsBest ? stems.back() : stems.front());
 }
 
 // No function word is longer.
@@ -141,16 +149,16 @@ std::unique_ptr<Lemmatizer> Lemmatizer::load(const std::string& language) {
 }
 
 String Lemmatizer::lemma(std::u16string_view word) const {
-  if (isFunctionWord(word, _data->language)) return String(word);
+  if (isFunctionWord(word, _data->language)) return present(word);
   if (const size_t elided = lengthOfElision(word, _data->language)) {
     const String rest = lemma(word.substr(elided));  // which may begin with an elision again: each is shorter
-    return rest ? String(std::u16string(word.substr(0, elided)).append(rest.view())) : String(word);
+    return present(rest ? String(std::u16string(word.substr(0, elided)).append(rest.view())) : String(word));
   }
   if (_data->wordNet) {
     const std::string lower = lowerCaseASCII(word);
     const std::string lemma = lower.empty() ? lower : _data->wordNet->lemma(lower);
-    if (lemma.empty()) return String();
-    return lemma == lower ? String(word) : String::fromUTF8(lemma);
+    if (lemma.empty() || !isUTF8(lemma)) return String();
+    return present(lemma == lower ? String(word) : String::fromUTF8(lemma));
   }
   return bestStem(_data->dictionary->stems(word), word, _data->language);
 }

@@ -27,7 +27,7 @@ class VELAN_EXPORT Lemmatizer {
   /// pronouns, prepositions, conjunctions; auxiliaries except in English) of German, French, English, Spanish, Italian,
   /// Dutch and Portuguese. What is elided in French and Italian stays before the base form of the rest ("d'enfants"
   /// gives "d'enfant"). Of several readings the likelier one is taken: in English the one that WordNet's texts have
-  /// more often.
+  /// more often. May throw `std::bad_alloc`.
   String lemma(std::u16string_view word) const;
 
   ~Lemmatizer();

@@ -1,6 +1,7 @@
 #include "velan/text/editing/Normalization.h"
 
 #include <algorithm>
+#include <new>
 
 #include "velan/base/utf/UTF.h"
 #include "velan/platform/TextMappingInternal.h"
@@ -20,9 +21,13 @@ bool normalizeLowercaseString(MutableString& text) {
 }
 
 String normalizedLowercaseString(const String& string) {
-  MutableString text(string);
-  if (!normalizeLowercaseString(text)) return String();
-  return text.view() == string.view() ? string : text.takeString();
+  try {
+    MutableString text(string);
+    if (!normalizeLowercaseString(text)) return String();
+    return text.view() == string.view() ? string : text.takeString();
+  } catch (const std::bad_alloc&) {
+    return String();
+  }
 }
 
 }  // namespace velan

@@ -9,6 +9,7 @@
 #include "velan/base/ASCII.h"
 #include "velan/base/TextNumbers.h"
 #include "velan/base/dates/ISODate.h"
+#include "velan/platform/CharacterDataInternal.h"
 #include "velan/text/comparison/StringEquality.h"
 #include "velan/text/inspection/LineEndsInternal.h"
 #include "velan/text/inspection/TrimmedUnitsInternal.h"
@@ -18,8 +19,10 @@ namespace {
 
 constexpr size_t kShortestLine = 2;
 
-bool isOneOf(const String& text, std::initializer_list<String> words) {
-  return std::ranges::any_of(words, [&](const String& word) { return isEqualToStringNoCase(text, word); });
+bool isOneOf(const String& text, std::initializer_list<std::u16string_view> words) {
+  return std::ranges::any_of(words, [units = text.view()](std::u16string_view word) {
+    return units.size() == word.size() && equalWhenCaseFolded(units, word);
+  });
 }
 
 bool isAffirmative(const String& text) { return isOneOf(text, {u"on", u"yes", u"true"}); }
@@ -40,12 +43,21 @@ std::optional<Value> numberFromText(std::string_view text) {
   return std::nullopt;
 }
 
-Value typedValue(const String& text) {
+Value typedValue(std::u16string_view value) {
+  const String text = value;
+  if (!text) throw std::bad_alloc();
   if (isAffirmative(text)) return true;
   if (isNegative(text)) return false;
   if (const auto number = numberFromText(text.toUTF8())) return *number;
   if (const auto date = dateFromISOText(text.view(), ISODateForm::Extended)) return *date;
   return text;
+}
+
+// Empty where the line does not set the key.
+std::u16string_view valueForKey(const String& line, const String& key) {
+  if (line.length() <= key.length() || !hasPrefixNoCase(line, key)) return {};
+  const std::u16string_view rest = line.view().substr(static_cast<size_t>(key.length()));
+  return isMemberOfCharacterSetRep(whiteCharacterSetRep(), rest.front()) ? withoutWhiteEnds(rest) : rest.substr(0, 0);
 }
 
 }  // namespace
@@ -62,10 +74,8 @@ std::vector<String> configLines(const String& text) {
 }
 
 String configValueForKey(const String& line, const String& key) {
-  if (line.length() <= key.length() || !hasPrefixNoCase(line, key)) return String();
-  const std::u16string_view rest = line.view().substr(static_cast<size_t>(key.length()));
-  const std::u16string_view value = withoutWhiteEnds(rest);
-  return value.empty() || !isMemberOfCharacterSetRep(whiteCharacterSetRep(), rest.front()) ? String() : String(value);
+  const std::u16string_view value = valueForKey(line, key);
+  return value.empty() ? String() : String(value);
 }
 
 Value typedValueForKeys(const String& text, const std::vector<String>& keys) {
@@ -73,7 +83,7 @@ Value typedValueForKeys(const String& text, const std::vector<String>& keys) {
   for (const String& key : keys) {
     if (!key) break;
     for (const String& line : lines) {
-      if (const String value = configValueForKey(line, key)) return typedValue(value);
+      if (const auto value = valueForKey(line, key); !value.empty()) return typedValue(value);
     }
   }
   return NSNotFound;

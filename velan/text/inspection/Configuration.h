@@ -20,7 +20,7 @@ VELAN_EXPORT std::vector<String> configLines(const String& text);
 
 /// `configValueForKey:`: the value of `key` when `line`, one of `configLines`, sets it: what follows the key without
 /// white space at its ends. The line must begin with the key, in any case, and white space must follow. Absent
-/// otherwise, for a setting without a value, and for an empty or absent key.
+/// otherwise, for a setting without a value, for an empty or absent key, and when memory runs out.
 VELAN_EXPORT String configValueForKey(const String& line, const String& key);
 
 /// `typedValueForKeys:`: what `text`, all of a configuration, sets the first of `keys` to that it sets at all; of
@@ -35,7 +35,7 @@ VELAN_EXPORT String configValueForKey(const String& line, const String& key);
 /// | a date of ISO 8601: 2001-02-03, perhaps with a time of day, a fraction and an offset | Date |
 /// | anything else | String |
 ///
-/// `NSNotFound` as a number when no key is found.
+/// `NSNotFound` as a number when no key is found. May throw `std::bad_alloc`.
 VELAN_EXPORT Value typedValueForKeys(const String& text, const std::vector<String>& keys);
 
 /// `boolValue`: how people write yes in a setting. An integer at the beginning, after white space and perhaps a sign,

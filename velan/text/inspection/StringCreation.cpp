@@ -13,13 +13,15 @@ String uniqueString() {
   if (!fillWithRandomBytes(bytes)) return String();
   bytes[6] = static_cast<uint8_t>(0x40 | (bytes[6] & 0x0F));  // the version
   bytes[8] = static_cast<uint8_t>(0x80 | (bytes[8] & 0x3F));  // the variant
-  std::u16string text;
-  for (size_t i = 0; i < bytes.size(); ++i) {
-    if (i == 4 || i == 6 || i == 8 || i == 10) text += u'-';
-    text += static_cast<unichar>(lowerHexadecimalDigit(bytes[i] >> 4));
-    text += static_cast<unichar>(lowerHexadecimalDigit(bytes[i]));
-  }
-  return String(text);
+  return String::filled(36, [&](unichar* units) {
+    const unichar* const start = units;
+    for (size_t i = 0; i < bytes.size(); ++i) {
+      if (i == 4 || i == 6 || i == 8 || i == 10) *units++ = u'-';
+      *units++ = static_cast<unichar>(lowerHexadecimalDigit(bytes[i] >> 4));
+      *units++ = static_cast<unichar>(lowerHexadecimalDigit(bytes[i]));
+    }
+    return units - start;
+  });
 }
 
 String stringWithComponents(const std::vector<String>& components) {

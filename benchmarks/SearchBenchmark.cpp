@@ -20,6 +20,7 @@
 #include <vector>
 
 #include "velan/base/String.h"
+#include "velan/query/PreparedQuery.h"
 #include "velan/text/CharacterSetOperations.h"
 #include "velan/text/CharacterSets.h"
 #include "velan/text/ConversionTables.h"
@@ -287,6 +288,43 @@ void addMapping(const Text& text) {
   });
 }
 
+// Every occurrence of a query in running text, with the index that it takes; what is prepared once a query is not
+// measured. The expressions mean the same in the ASCII of this text.
+void addQueries(const Text& text) {
+  const struct {
+    const char* operation;
+    std::u16string query, expression;
+  } rows[] = {
+      {"query_word", u"copy", u"\\bcopy\\b"},
+      {"query_frequent_word", u"the", u"\\bthe\\b"},
+      {"query_absent_word", u"lighthouse", u"\\blighthouse\\b"},
+      {"query_prefix", u"con*", u"\\bcon\\w*"},
+      {"query_infix", u"*tra*", u"\\w*tra\\w*"},
+      {"query_suffix", u"*tion", u"\\w*tion\\b"},
+      {"query_set", u"[a-c]o[mn]*", u"\\b[a-c]o[mn]\\w*"},
+      {"query_mixed", u"c?p*ght*", u"\\bc\\wp\\w*ght\\w*"},
+      {"query_phrase", u"\"the program\"", u"\\bthe\\W+program\\b"},
+      {"query_wildcard_phrase", u"\"the pro*\"", u"\\bthe\\W+pro\\w*"},
+      {"query_three_terms", u"copy OR license* OR patent", u"\\b(?:copy\\b|license\\w*|patent\\b)"},
+  };
+  const String string(text.units);
+  const std::u16string_view units = text.units;
+  for (const bool caseSensitive : {true, false}) {
+    for (const auto& row : rows) {
+      const std::string operation = std::string(row.operation) + (caseSensitive ? "" : "_no_case");
+      const std::shared_ptr<const PreparedQuery> query =
+          PreparedQuery::queryWithTerms(QueryTerms::initWithWildcard(row.query),
+                                        caseSensitive ? QueryComparison::Exact : QueryComparison::IgnoreCase, true);
+      add(operation, "velan", text, [=] {
+        const auto words = query->enumeratorWithString(string);
+        return QueryMatcher(*query, *words).occurrences({0, NSNotFound}).size();
+      });
+      const auto pcre = std::make_shared<Pcre>(row.expression, caseSensitive ? 0u : uint32_t{PCRE2_CASELESS});
+      add(operation, "pcre2", text, [=] { return pcre->count(units); });
+    }
+  }
+}
+
 // What the memory gives: every word of the text is read.
 void addLimit(const Text& text) {
   const std::u16string_view units = text.units;
@@ -319,6 +357,7 @@ int main(int argc, char** argv) {
       addWithoutDiacritics(text, text.absentPhrase);
       addUnits(text);
       addMapping(text);
+      if (text.name == std::string_view("licence")) addQueries(text);
     }
   }
   benchmark::RunSpecifiedBenchmarks();

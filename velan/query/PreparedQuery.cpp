@@ -27,7 +27,7 @@ std::unique_ptr<const PreparedQuery> PreparedQuery::queryWithTerms(std::shared_p
 }
 
 std::unique_ptr<FastWordEnumerator> PreparedQuery::enumeratorWithString(const String& text) const {
-  return enumeratorForComparison(text, _comparison);
+  return FastWordEnumerator::enumeratorDividingOnDemand(text, false);
 }
 
 QueryMatcher::QueryMatcher(const PreparedQuery& query, const FastWordEnumerator& enumerator)

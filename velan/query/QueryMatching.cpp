@@ -16,23 +16,22 @@ constexpr QueryComparison plainComparison(bool caseSensitive) {
   return caseSensitive ? QueryComparison::Exact : QueryComparison::IgnoreCase;
 }
 
-// Asks about an index of `string` that suits the comparison; the tree takes note when memory runs out for it.
+// Asks about an index of `string`; the tree takes note when memory runs out for it.
 template <typename Result, typename Ask>
-Result answerOn(const String& string, const QueryTerms& terms, QueryComparison comparison, Result neutral,
-                const Ask& ask) {
-  const auto enumerator = enumeratorForComparison(string, comparison);
+Result answerOn(const String& string, const QueryTerms& terms, Result neutral, const Ask& ask) {
+  const auto enumerator = FastWordEnumerator::enumeratorDividingOnDemand(string, false);
   if (!enumerator && !string.isEmpty()) terms.noteOutOfMemory();
   return enumerator ? answerOrNote(terms, neutral, [&] { return ask(*enumerator); }) : neutral;
 }
 
 bool matches(const QueryTerms& terms, const String& string, QueryComparison comparison, LeafKind kind) {
-  return answerOn(string, terms, comparison, false, [&](const FastWordEnumerator& enumerator) {
+  return answerOn(string, terms, false, [&](const FastWordEnumerator& enumerator) {
     return QueryEvaluator(enumerator, comparison, kind).evaluate(terms, {}, {0, string.length()});
   });
 }
 
 bool containsAny(const QueryTerms& terms, const String& string, QueryComparison comparison, LeafKind kind) {
-  return answerOn(string, terms, comparison, false, [&](const FastWordEnumerator& enumerator) {
+  return answerOn(string, terms, false, [&](const FastWordEnumerator& enumerator) {
     return QueryEvaluator(enumerator, comparison, kind).containsAny(terms);
   });
 }
@@ -40,10 +39,9 @@ bool containsAny(const QueryTerms& terms, const String& string, QueryComparison 
 int64_t enumerate(const QueryTerms& terms, const String& string, Range range, QueryComparison comparison, bool wildcard,
                   QueryOccurrenceHandler handler) {
   if (!handler) return 0;
-  auto occurrences =
-      answerOn(string, terms, comparison, std::vector<QueryOccurrence>(), [&](const FastWordEnumerator& enumerator) {
-        return queryOccurrences(enumerator, terms, range, comparison, wildcard);
-      });
+  auto occurrences = answerOn(string, terms, std::vector<QueryOccurrence>(), [&](const FastWordEnumerator& enumerator) {
+    return queryOccurrences(enumerator, terms, range, comparison, wildcard);
+  });
   return callHandlerWithOccurrences(std::move(occurrences), handler);
 }
 
@@ -53,7 +51,7 @@ Range bestPlace(const String& string, const QueryTerms& terms, Range range, bool
                 IsAllowed isAllowed, IsBetter isBetter) {
   const QueryComparison comparison = plainComparison(caseSensitive);
   const Range searched = clippedRange(range, string.length());
-  return answerOn(string, terms, comparison, kAbsentRange, [&](const FastWordEnumerator& enumerator) {
+  return answerOn(string, terms, kAbsentRange, [&](const FastWordEnumerator& enumerator) {
     QueryEvaluator evaluator(enumerator, comparison, exactPhrase ? LeafKind::Plain : LeafKind::Tolerant);
     Range best = kAbsentRange;
     walkPositiveLeaves(terms, [&](const QueryTerms& leaf) {

@@ -17,29 +17,31 @@ std::u16string_view plainWord(const QueryTerms& leaf) {
   return word;
 }
 
+// A literal that begins and ends where words do holds a word unit at both ends.
+bool isFoundNowhere(const std::u16string& literal, bool whole) {
+  const auto separates = [](unichar c) { return isMemberOfCharacterSetRep(defaultWordSeparators(), c); };
+  return literal.empty() || (whole && (separates(literal.front()) || separates(literal.back())));
+}
+
 }  // namespace
 
 LeafPattern::LeafPattern(const QueryTerms& leaf, LeafKind kind, QueryComparison comparison)
-    : _literal(kind == LeafKind::Plain || (kind == LeafKind::Tolerant && !leaf.queryPhrase())),
-      _whole(!leaf.querySubstring()) {
+    : _whole(!leaf.querySubstring()), _meaning(LeafMeaning::Words) {
   const unichar* table = comparisonTable(comparison);
-  if (_literal) {
-    _word = mappedUnits(plainWord(leaf), table);
-  } else if (kind == LeafKind::Tolerant) {
+  if (kind == LeafKind::Plain || (kind == LeafKind::Tolerant && !leaf.queryPhrase())) {
+    const std::u16string word = mappedUnits(plainWord(leaf), table);
+    _literal.emplace(word, table);
+    _meaning = isFoundNowhere(word, _whole) ? LeafMeaning::Nothing : LeafMeaning::Literal;
+    return;
+  }
+  if (kind == LeafKind::Tolerant) {
     _pattern = WordPattern::withPhrase(leaf.word().view(), table);
   } else {
     const bool fuzzy = contains(comparison, QueryComparison::Fuzzy);
     _pattern = WordPattern::withWildcard(leaf.word().view(), true, leaf.queryPhrase(), fuzzy, table);
   }
-}
-
-// A literal that begins and ends where words do holds a word unit at both ends.
-LeafMeaning LeafPattern::meaning() const {
-  if (!_literal)
-    return isWholeRange() ? LeafMeaning::WholeRange : _pattern.isFound() ? LeafMeaning::Words : LeafMeaning::Nothing;
-  const auto separates = [](unichar c) { return isMemberOfCharacterSetRep(defaultWordSeparators(), c); };
-  const bool never = _word.empty() || (_whole && (separates(_word.front()) || separates(_word.back())));
-  return never ? LeafMeaning::Nothing : LeafMeaning::Literal;
+  if (!_pattern.isFound()) _meaning = LeafMeaning::Nothing;
+  if (isWholeRange()) _meaning = LeafMeaning::WholeRange;
 }
 
 LeafPatterns::LeafPatterns(const QueryTerms& root, LeafKind kind, QueryComparison comparison) {

@@ -30,21 +30,21 @@ class LeafPattern {
   LeafPattern(const QueryTerms& leaf, LeafKind kind, QueryComparison comparison);
 
   /// `Words` for every leaf that is found by a pattern of words.
-  LeafMeaning meaning() const;
+  LeafMeaning meaning() const { return _meaning; }
   /// Whether the leaf is a lone `*`: found as the whole of any range that is not empty, and nowhere else.
   bool isWholeRange() const { return _pattern.isWholeRange(); }
-  /// The units of a leaf that is found by them, mapped; null for any other.
-  const std::u16string* literal() const { return _literal ? &_word : nullptr; }
+  /// The units of a leaf that is found by them; null for any other.
+  const Literal* literal() const { return _literal ? &*_literal : nullptr; }
   /// Whether a literal begins and ends where words do.
   bool isWhole() const { return _whole; }
   /// The pattern of any other leaf.
   const WordPattern& pattern() const { return _pattern; }
 
  private:
-  bool _literal;  // found by its units rather than by a pattern
   bool _whole;
-  std::u16string _word;  // of a literal, mapped
-  WordPattern _pattern;  // of any other
+  LeafMeaning _meaning;
+  std::optional<Literal> _literal;  // of a leaf that is found by its units
+  WordPattern _pattern;             // of any other
 };
 
 /// The patterns of all leaves of a tree.

@@ -7,6 +7,8 @@ namespace velan {
 namespace {
 
 constexpr size_t kBits = 64;
+// In longer patterns the words around each anchor would be too many.
+constexpr size_t kMostAroundAnchor = 16;
 // Comparing a word with so many pieces costs no more than looking up what is known of it.
 constexpr int kFewPlaces = 16;
 // What is remembered of words is forgotten when it takes more bytes than this.
@@ -22,13 +24,47 @@ void forEachBit(uint64_t bits, auto visit) {
 
 PhraseSearch::PhraseSearch(const WordPattern& pattern, const SearchedText& text, Range range)
     : _pieces(pattern._pieces),
+      _anchor(pattern._anchor && _pieces.size() <= kMostAroundAnchor ? &*pattern._anchor : nullptr),
+      _anchored(pattern._anchored),
       _text(text),
+      _start(range.location),
       _location(range.location),
       _end(endOf(range)),
-      _starts(_pieces.size()),
-      _reached((_pieces.size() + kBits - 1) / kBits) {}
+      _starts(_anchor ? 0 : _pieces.size()),
+      _reached(_anchor ? 0 : (_pieces.size() + kBits - 1) / kBits) {}
 
-Range PhraseSearch::next() {
+Range PhraseSearch::next() { return _anchor ? nextAroundAnchor() : nextReadingAll(); }
+
+Range PhraseSearch::nextAroundAnchor() {
+  while (_location < _end) {
+    const int64_t hit = _text.find(*_anchor, _location, _end);
+    if (hit < 0) break;
+    const Range word = _text.words().rangeOfWordAtIndex(hit);
+    _location = isPresent(word) ? endOf(word) : hit + 1;
+    if (!isPresent(word) || word.location < _start || endOf(word) > _end) continue;
+    const Range place = placeAround(word);
+    if (isPresent(place)) return place;
+  }
+  _location = _end;
+  return kAbsentRange;
+}
+
+Range PhraseSearch::placeAround(Range word) const {
+  if (!WordPattern::matches(_pieces[_anchored], _text, word)) return kAbsentRange;
+  Range last = word;
+  for (size_t i = _anchored + 1; i < _pieces.size(); ++i) {
+    last = _text.firstWordIn(endOf(last), _end);
+    if (!isPresent(last) || !WordPattern::matches(_pieces[i], _text, last)) return kAbsentRange;
+  }
+  Range first = word;
+  for (size_t i = _anchored; i-- > 0;) {
+    first = _text.words().rangeOfPreviousWordFromIndex(first.location - 1, _start);
+    if (!isPresent(first) || !WordPattern::matches(_pieces[i], _text, first)) return kAbsentRange;
+  }
+  return {first.location, endOf(last) - first.location};
+}
+
+Range PhraseSearch::nextReadingAll() {
   const size_t last = _pieces.size() - 1;
   while (true) {
     const Range word = _text.firstWordIn(_location, _end);

@@ -10,10 +10,12 @@
 
 namespace velan {
 
-/// Reads each word once and follows all places that may have begun before it, as bits of one row: bit i says that the
-/// last words match the pieces up to i. While few places are open, the word is compared with the pieces that they are
-/// at. Otherwise what pieces match a word is remembered for all words of the same units, and found out once for all
-/// equal pieces; then a word takes a step for 64 pieces.
+/// Of a short pattern whose units are known in part, only the words around these are looked at.
+///
+/// Otherwise reads each word once and follows all places that may have begun before it, as bits of one row: bit i says
+/// that the last words match the pieces up to i. While few places are open, the word is compared with the pieces that
+/// they are at. Otherwise what pieces match a word is remembered for all words of the same units, and found out once
+/// for all equal pieces; then a word takes a step for 64 pieces.
 class PhraseSearch {
  public:
   /// Borrows both. `pattern` has at least two pieces.
@@ -30,13 +32,19 @@ class PhraseSearch {
     Row known, matching;
   };
 
+  Range nextAroundAnchor();
+  Range placeAround(Range word) const;
+  Range nextReadingAll();
   void keepMatching(Range word);
   WordClass& classOf(Range word);
   void learn(WordClass& words, size_t position, Range word) const;
   void groupPieces();
 
   const std::vector<WordPattern::Piece>& _pieces;
+  const Literal* const _anchor;  // null to read every word
+  const size_t _anchored;        // the piece that holds it
   const SearchedText& _text;
+  const int64_t _start;
   int64_t _location;  // what begins before was read
   const int64_t _end;
   std::vector<int64_t> _starts;  // of the last words, each at its number modulo the number of pieces

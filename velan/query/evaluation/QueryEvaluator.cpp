@@ -87,7 +87,7 @@ Range RelationRanges::nextPiece() {
 
 QueryEvaluator::QueryEvaluator(const FastWordEnumerator& enumerator, QueryComparison comparison, LeafKind kind,
                                const LeafPatterns* prepared)
-    : _text(enumerator, comparison, SearchedText::Mapping::InAdvance),
+    : _text(enumerator, comparison),
       _comparison(comparisonOn(enumerator, comparison)),
       _kind(kind),
       _prepared(prepared),

@@ -3,7 +3,6 @@
 #include "velan/query/evaluation/SearchedTextInternal.h"
 #include "velan/text/ConversionTables.h"
 #include "velan/text/UnitMappingInternal.h"
-#include "velan/text/search/UnitSearchInternal.h"
 #include "velan/wildcard/WildcardPattern.h"
 
 namespace velan {
@@ -18,12 +17,6 @@ QueryComparison comparisonOn(const FastWordEnumerator& enumerator, QueryComparis
   return enumerator.isCaseInsensitive() ? comparison | QueryComparison::IgnoreCase : comparison;
 }
 
-std::unique_ptr<FastWordEnumerator> enumeratorForComparison(const String& text, QueryComparison comparison) {
-  const bool upperCase =
-      contains(comparison, QueryComparison::IgnoreCase) && !contains(comparison, QueryComparison::IgnoreDiacritics);
-  return FastWordEnumerator::enumeratorDividingOnDemand(text, upperCase);
-}
-
 const unichar* comparisonTable(QueryComparison comparison) {
   return unicharTableForWildcardComparison(static_cast<uint32_t>(comparison));
 }
@@ -34,27 +27,16 @@ std::u16string mappedUnits(std::u16string_view units, const unichar* table) {
   return mapped;
 }
 
-SearchedText::SearchedText(const FastWordEnumerator& enumerator, QueryComparison comparison, Mapping mapping)
+SearchedText::SearchedText(const FastWordEnumerator& enumerator, QueryComparison comparison)
     : _words(enumerator),
       _length(static_cast<int64_t>(enumerator.length())),
       _patternTable(comparisonTable(comparisonOn(enumerator, comparison))),
-      _table(_patternTable),
-      _units(enumerator.characters()) {
-  if (enumerator.isCaseInsensitive() && _table == initUpperCharsTable()) _table = nullptr;
-  if (_table && mapping == Mapping::InAdvance) {
-    _mapped.resize(static_cast<size_t>(_length));
-    mapUnits(_units, _mapped.size(), _table, _mapped.data());
-    _units = _mapped.data();
-    _table = nullptr;
-  }
-}
+      _table(enumerator.isCaseInsensitive() && _patternTable == initUpperCharsTable() ? nullptr : _patternTable),
+      _units(enumerator.characters()) {}
 
 Range SearchedText::firstWordIn(int64_t location, int64_t end) const {
-  while (location < end && !wordBeginsAt(location)) ++location;
-  for (int64_t last = location; last < end; ++last) {
-    if (wordEndsAt(last)) return {location, last + 1 - location};
-  }
-  return kAbsentRange;
+  const Range word = _words.rangeOfNextWordFromIndex(location, end);
+  return isPresent(word) && endOf(word) <= end ? word : kAbsentRange;
 }
 
 bool SearchedText::hasUnitsAt(int64_t location, std::u16string_view literal) const {
@@ -64,17 +46,19 @@ bool SearchedText::hasUnitsAt(int64_t location, std::u16string_view literal) con
                     [this](unichar pattern, unichar unit) { return pattern == _table[unit]; });
 }
 
-int64_t SearchedText::find(std::u16string_view literal, int64_t location, int64_t end) const {
-  const unichar* units = _units + location;
+int64_t SearchedText::find(const Literal& literal, int64_t location, int64_t end) const {
   const auto length = static_cast<size_t>(end - location);
-  const size_t found = _table ? findMappedUnits(units, length, literal.data(), literal.size(), _table)
-                              : findUnits(units, length, literal.data(), literal.size());
+  const size_t found = literal.find(_units + location, length);
   return found == length ? -1 : location + static_cast<int64_t>(found);
 }
 
-Range SearchedText::findWord(std::u16string_view literal, Range range, bool whole) const {
-  if (literal.empty()) return kAbsentRange;
-  const auto length = static_cast<int64_t>(literal.size());
+bool SearchedText::holdsUnits(Range range, std::u16string_view literal) const {
+  const auto length = static_cast<size_t>(range.length);
+  return findMappedUnits(_units + range.location, length, literal.data(), literal.size(), _table) < length;
+}
+
+Range SearchedText::findWord(const Literal& literal, Range range, bool whole) const {
+  const int64_t length = literal.length();
   const int64_t end = endOf(range);
   for (int64_t from = range.location; from <= end;) {
     from = find(literal, from, end);

@@ -10,30 +10,42 @@
 #include "velan/base/Range.h"
 #include "velan/query/QueryComparison.h"
 #include "velan/query/words/FastWordEnumerator.h"
+#include "velan/text/search/UnitSearchInternal.h"
 
 namespace velan {
 
 /// The comparison of a text that is indexed like this: one in upper case can only be searched ignoring case.
 QueryComparison comparisonOn(const FastWordEnumerator& enumerator, QueryComparison comparison);
 
-/// The index of `text` that suits the comparison best; null for an empty or absent text, or when memory runs out. Units
-/// in upper case save mapping them later, but not on the way to units without diacritics.
-std::unique_ptr<FastWordEnumerator> enumeratorForComparison(const String& text, QueryComparison comparison);
-
 /// What both sides are mapped through; null for nothing.
 const unichar* comparisonTable(QueryComparison comparison);
 std::u16string mappedUnits(std::u16string_view units, const unichar* table);
 
+/// Units to look for in any number of texts.
+class Literal {
+ public:
+  /// The units have gone through `table`, which those of texts are to go through; null for none.
+  Literal(std::u16string_view units, const unichar* table)
+      : _length(static_cast<int64_t>(units.size())), _search(Owned{std::u16string(units)}, units.size(), table) {}
+
+  int64_t length() const { return _length; }
+  /// The first position in `text`, or `length` if there is none, as for no units.
+  size_t find(const unichar* text, size_t length) const { return _search.find(text, length); }
+
+ private:
+  struct Owned {
+    std::u16string units;
+    unichar operator()(size_t i) const { return units[i]; }
+  };
+
+  int64_t _length;
+  UnitSearch<Owned> _search;
+};
+
 /// Borrows the enumerator. Positions and lengths are in code units of its text.
 class SearchedText {
  public:
-  /// How the units are mapped for a comparison.
-  enum class Mapping : uint8_t {
-    OnTheFly,  // for one search: nothing is prepared
-    InAdvance  // for many searches: one mapped copy, unless the enumerator's units are so already
-  };
-
-  SearchedText(const FastWordEnumerator& enumerator, QueryComparison comparison, Mapping mapping);
+  SearchedText(const FastWordEnumerator& enumerator, QueryComparison comparison);
 
   int64_t length() const { return _length; }
   /// The units to compare with; still to be mapped through `table()` unless that is null.
@@ -49,13 +61,14 @@ class SearchedText {
   Range firstWordIn(int64_t location, int64_t end) const;
   /// Whether the units of `range` are those of `literal`.
   bool hasUnitsAt(int64_t location, std::u16string_view literal) const;
-  /// The first place of `literal` (not empty) that begins at or after `location` and ends at or before `end`; -1 if
-  /// there is none.
-  int64_t find(std::u16string_view literal, int64_t location, int64_t end) const;
+  /// The first place of `literal` that begins at or after `location` and ends at or before `end`; -1 if there is none.
+  int64_t find(const Literal& literal, int64_t location, int64_t end) const;
+  /// Whether `literal` (not empty) lies in the `range`, which is short.
+  bool holdsUnits(Range range, std::u16string_view literal) const;
 
   /// The first place of `literal` in `range`; with `whole` it begins where a word does and ends where a word does.
   /// Absent for an empty literal.
-  Range findWord(std::u16string_view literal, Range range, bool whole) const;
+  Range findWord(const Literal& literal, Range range, bool whole) const;
 
   /// The position `count` (at least 1) word starts before `location`, not before `start`.
   int64_t wordStartBefore(int64_t location, int64_t count, int64_t start) const;
@@ -67,10 +80,9 @@ class SearchedText {
 
   const FastWordEnumerator& _words;
   const int64_t _length;
-  const unichar* _patternTable;
-  const unichar* _table;  // what the units still have to be mapped through
-  const unichar* _units;
-  std::u16string _mapped;
+  const unichar* const _patternTable;
+  const unichar* const _table;  // what the units still have to be mapped through
+  const unichar* const _units;
   // Where words start and end (one past the last unit), for counting words from any place; made when first needed.
   mutable std::vector<int64_t> _wordStarts;
   mutable std::vector<int64_t> _wordEnds;

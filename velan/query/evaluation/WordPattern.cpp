@@ -93,6 +93,7 @@ WordPattern WordPattern::withWildcard(std::u16string_view pattern, bool split, b
       break;
     }
   }
+  result.chooseAnchor(table);
   return result;
 }
 
@@ -114,12 +115,37 @@ WordPattern WordPattern::withPhrase(std::u16string_view phrase, const unichar* t
   for (const std::u16string& word : wordsOf(phrase, false)) {
     result._pieces.push_back(literalPiece(mappedUnits(word, table)));
   }
+  result.chooseAnchor(table);
   return result;
 }
 
 std::u16string_view WordPattern::literalOf(const Piece& piece) {
   return std::u16string_view(piece.units)
       .substr(static_cast<size_t>(piece.literal.location), static_cast<size_t>(piece.literal.length));
+}
+
+// Where a range of a set ends with its `]`, what follows may belong to the set.
+std::u16string_view WordPattern::longestRunOf(const Piece& piece) {
+  const std::u16string_view units = piece.units;
+  if ((piece.type == WildcardTypeExact && piece.fuzzy) || units.find(u"-]") != units.npos) return {};
+  std::u16string_view longest;
+  for (size_t i = 0; i < units.size(); ++i) {
+    const size_t end = std::min(units.find_first_of(u"*?[", i), units.size());
+    if (end - i > longest.size()) longest = units.substr(i, end - i);
+    i = end < units.size() && units[end] == u'[' ? std::min(units.find(u']', end), units.size()) : end;
+  }
+  return longest;
+}
+
+void WordPattern::chooseAnchor(const unichar* table) {
+  std::u16string_view longest;
+  for (size_t i = 0; i < _pieces.size(); ++i) {
+    const std::u16string_view run = longestRunOf(_pieces[i]);
+    if (run.size() <= longest.size()) continue;
+    longest = run;
+    _anchored = i;
+  }
+  if (!longest.empty()) _anchor.emplace(longest, table);
 }
 
 // Comparisons with the threshold are written so that a similarity that is not a number is never enough.
@@ -151,7 +177,7 @@ bool WordPattern::matches(const Piece& piece, const SearchedText& text, Range wo
     case WildcardTypeSuffix:
       return text.hasUnitsAt(endOf(word) - piece.literal.length, literalOf(piece));
     case WildcardTypeContains:
-      return text.find(literalOf(piece), word.location, endOf(word)) >= 0;
+      return text.holdsUnits(word, literalOf(piece));
     case WildcardTypeAnyOne:
     case WildcardTypeGeneral:
       return stringMatchesWildcardUsingUnicharTable(start, end, pattern, patternEnd, text.table());

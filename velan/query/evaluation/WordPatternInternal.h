@@ -2,6 +2,7 @@
 #ifndef VELAN_QUERY_EVALUATION_WORD_PATTERN_INTERNAL_H
 #define VELAN_QUERY_EVALUATION_WORD_PATTERN_INTERNAL_H
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -56,8 +57,13 @@ class WordPattern {
   static bool matches(const Piece& piece, const SearchedText& text, Range word);
   static bool isSimilar(const Piece& piece, const SearchedText& text, Range word);
   static std::u16string_view literalOf(const Piece& piece);
+  static std::u16string_view longestRunOf(const Piece& piece);
+  void chooseAnchor(const unichar* table);
 
   std::vector<Piece> _pieces;
+  // The longest units that one of the pieces holds for certain, where it has any, and which piece that is.
+  std::optional<Literal> _anchor;
+  size_t _anchored = 0;
   bool _wholeRange = false;
 };
 

@@ -25,7 +25,7 @@ WordSearch::WordSearch(const WordPattern& pattern, const SearchedText& text, Ran
       _text(text),
       _location(range.location),
       _end(endOf(range)),
-      _seeksLiteral(hasOneLiteral(_piece.type) && !(_piece.type == WildcardTypeExact && _piece.fuzzy)),
+      _anchor(pattern._anchor ? &*pattern._anchor : nullptr),
       _mayStandForSeveral(_piece.type != WildcardTypeExact && !_piece.standsForAnyWord) {}
 
 Range WordSearch::next() {
@@ -44,7 +44,7 @@ bool WordSearch::searchOn() {
     _location = _end;
     return false;
   }
-  const Range run = _mayStandForSeveral ? runFrom(word) : word;
+  const Range run = _mayStandForSeveral ? runAround(word) : word;
   if (run.length > word.length) {
     searchRun(run);
   } else if (WordPattern::matches(_piece, _text, word)) {
@@ -54,11 +54,11 @@ bool WordSearch::searchOn() {
   return true;
 }
 
-// The next whole word, or the next one with a literal in it.
+// The next whole word, or the next one in which the anchor begins.
 Range WordSearch::nextWord() {
-  if (!_seeksLiteral) return _text.firstWordIn(_location, _end);
+  if (!_anchor) return _text.firstWordIn(_location, _end);
   while (_location < _end) {
-    const int64_t hit = _text.find(WordPattern::literalOf(_piece), _location, _end);
+    const int64_t hit = _text.find(*_anchor, _location, _end);
     if (hit < 0) return kAbsentRange;
     const Range word = _text.words().rangeOfWordAtIndex(hit);
     if (isPresent(word) && word.location >= _location && endOf(word) <= _end) return word;
@@ -67,16 +67,22 @@ Range WordSearch::nextWord() {
   return kAbsentRange;
 }
 
-// The word with all whole words to be searched behind it that touch each other. One before it is in no place: either
-// there is none to be searched, or it is before the first literal, and the shortest stretch begins where that does.
-Range WordSearch::runFrom(Range word) const {
+// The word with all whole words to be searched that touch it or each other. Where the pattern has its literal units in
+// one run none before the word matters: the shortest stretch that ends at a word begins where that run does.
+Range WordSearch::runAround(Range word) const {
+  int64_t start = word.location;
+  while (!hasOneLiteral(_piece.type) && start > _location && _text.wordEndsAt(start - 1)) {
+    const int64_t before = _text.words().locationOfPreviousWordFromIndex(start - 1, _location);
+    if (before == NSNotFound) break;
+    start = before;
+  }
   int64_t end = endOf(word);
   while (end < _end && _text.wordBeginsAt(end)) {
     const Range next = _text.firstWordIn(end, _end);
     if (!isPresent(next)) break;
     end = endOf(next);
   }
-  return {word.location, end - word.location};
+  return {start, end - start};
 }
 
 // At the end of each word: the shortest stretch that ends there, unless a shorter one lies in it.

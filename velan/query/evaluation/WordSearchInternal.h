@@ -30,7 +30,7 @@ class WordSearch {
 
   bool searchOn();
   Range nextWord();
-  Range runFrom(Range word) const;
+  Range runAround(Range word) const;
   void searchRun(Range run);
   void splitPattern();
   void read(unichar unit);
@@ -40,7 +40,7 @@ class WordSearch {
   const SearchedText& _text;
   int64_t _location;  // what begins before was searched
   const int64_t _end;
-  const bool _seeksLiteral;  // looks at words only where the literal stands
+  const Literal* const _anchor;  // looks at words only where it stands; null for none
   const bool _mayStandForSeveral;
   std::vector<Range> _found;  // in the last run
   size_t _taken = 0;          // of these

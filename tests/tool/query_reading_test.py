@@ -69,18 +69,19 @@ class Readings(unittest.TestCase):
             if query != "a, %":
                 self.assertIn(note, velan("search", "--hints", "always", "--", query, stdin=b"x")[2], query)
             self.assertEqual(velan("search", "--", query, stdin=b"x"), (1, "", ""), query)
+        self.assertIn('to find the word: (a "next" b) OR (c)', velan("explain", "-e", "a next b", "-e", "c")[1])
         for query in ("a or b or c", "a b OR c", "l[ai]mp AND NOT red", "a NEAR/3 (b OR c) AND-d", "x -draft", "http://a.b", "a: b NEARBY"):
             self.assertNotIn("note:", velan("explain", "--", query)[1], query)
 
     def test_reasons(self):
-        text = "The old lamp of Zürich.\nThe keeper received a letter; two lamps, no lighthouse there.\n".encode()
+        text = "The old lamp of Zürich.\nThe keeper received a letter; two lamps, no lighthouse there. Straße frei.\n".encode()
         cases = [
             ("zurich", "-d would find Zürich at 1:17"), ("recieved", "--fuzzy would find received at 2:12"),
             ("light", "*light* would find lighthouse at 2:45"), ("-s Lamp", "without -s one would find lamp at 1:9"),
             ("old NEAR/3 letter", "8 words apart where they are nearest (at 1:5 and 2:23), not within 3"),
             ("letter BEFORE (old)", "nowhere within 10"), ("letter BEFORE old", "letter never stands before old"),
             ("old NOT lamp", "lamp must not be there, but is, at 1:9"), ("old XOR lamp", "XOR wants one of them"),
-            ('"old keeper"', "its words are, but not in a row"), ('"old hat"', "nor is hat"),
+            ('"frei strasse"', "its words are, but"), ('"old keeper"', "its words are, but not in a row"), ('"old hat"', "nor is hat"),
             ("old (hat OR cap) letter", "hat is not there"), ("there? hat?", "hat? is not there"),
         ]
         for query, reason in cases:

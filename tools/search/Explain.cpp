@@ -12,6 +12,7 @@
 #include "tools/documents/SourcePlaces.h"
 #include "tools/search/FailureReasons.h"
 #include "tools/search/QueryDoubts.h"
+#include "tools/search/QueryUnits.h"
 #include "tools/search/WordReadings.h"
 #include "tools/text/TextCommands.h"
 #include "velan/wildcard/WildcardPattern.h"
@@ -21,8 +22,6 @@ namespace {
 
 constexpr size_t kDeepest = 40;  // groups further down are left out
 constexpr size_t kPlacesShown = 5;
-
-constexpr const char* kOperatorNames[] = {"AND", "OR", "XOR", "NEAR", "BEFORE", "AFTER", "NEXT", "OPT", ""};
 
 constexpr const char* kTypeMeanings[] = {
     "an exact word",
@@ -102,7 +101,7 @@ class TreePrinter {
   static std::string heading(const ExplainedTerm& term) {
     std::string text;
     const QueryOperator op = term.term->queryOperator();
-    if (!term.isFirst) text = kOperatorNames[static_cast<size_t>(op)];
+    if (!term.isFirst) text = keywordOf(op);
     if (!term.isFirst && isProximity(op)) text += fmt::format("/{}", term.term->proximityDistance());
     if (!term.isFirst) text += ' ';
     if (term.term->queryNot()) text += "NOT ";
@@ -130,11 +129,6 @@ std::string notesOn(const CorrectedQuery& query, const std::vector<ExplainedTerm
   std::string lines;
   for (const std::string& note : notes) lines += fmt::format("note:         {}\n", note);
   return lines;
-}
-
-bool matchesText(const PreparedQuery& query, const String& text) {
-  const auto index = indexOf(text, query);
-  return index && QueryMatcher(query, *index).matches();
 }
 
 }  // namespace
@@ -166,10 +160,14 @@ int runExplain(const ExplainOptions& options) {
   const std::vector<ExplainedTerm> terms = explanationIn(*query, searched, kDeepest + 1);
   describe(terms, &places);
   const bool matches = terms.front().holds == true;
+  const auto matchesOtherwise = [&](const PreparedQuery& other) {
+    return explanationIn(other, WordReadings(other, options.query.verbatim).read(document->text), 0).front().holds;
+  };
   print(fmt::format("{}: {}\n", displayName(path), matches ? "matches" : "does not match"));
   if (matches) return Something;
-  for (const std::string& reason : failureReasons(*query, terms, document->text, places)) print("  " + reason + '\n');
-  if (typed->otherwise && matchesText(*typed->otherwise, document->text)) {
+  for (const std::string& reason : failureReasons(*query, terms, document->text, places, options.query.verbatim))
+    print("  " + reason + '\n');
+  if (typed->otherwise && matchesOtherwise(*typed->otherwise) == true) {
     print("  without the question mark it matches, which search tries when nothing is found\n");
   }
   return Nothing;

@@ -8,6 +8,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "tools/search/WordReadings.h"
 #include "velan/base/ASCII.h"
 
 namespace velan::tool {
@@ -34,8 +35,8 @@ struct Neighbours {
 class FailureSearch {
  public:
   FailureSearch(const PreparedQuery& query, const std::vector<ExplainedTerm>& terms, const String& text,
-                const SourcePlaces& source)
-      : _query(query), _terms(terms), _text(text), _source(source) {
+                const SourcePlaces& source, bool verbatim)
+      : _query(query), _terms(terms), _text(text), _source(source), _verbatim(verbatim) {
     for (size_t i = 0; i < terms.size(); ++i) _numbers[terms[i].term] = i;
   }
 
@@ -224,11 +225,12 @@ class FailureSearch {
         queryTermsWithTokens(std::span(&token, 1), QueryOperator::And, QueryTerms::kDefaultDistance), comparison,
         wildcard);
     if (!query) throw std::bad_alloc();
-    const auto index = indexOf(_text, *query);
+    const SearchedText searched = WordReadings(*query, _verbatim).read(_text);
+    const auto index = indexOf(searched.text(), *query);
     if (!index) return std::nullopt;
-    const auto found = QueryMatcher(*query, *index).occurrences({0, _text.length()});
+    const auto found = QueryMatcher(*query, *index).occurrences({0, NSNotFound});
     if (found.empty()) return std::nullopt;
-    return found.front().range;
+    return searched.sourceOf(found.front().range);
   }
 
   std::string textAt(Range place) const {
@@ -239,6 +241,7 @@ class FailureSearch {
   const std::vector<ExplainedTerm>& _terms;
   const String& _text;
   const SourcePlaces& _source;
+  const bool _verbatim;
   std::unordered_map<const QueryTerms*, size_t> _numbers;
   std::unique_ptr<FastWordEnumerator> _words;
   std::vector<std::string> _reasons;
@@ -247,8 +250,8 @@ class FailureSearch {
 }  // namespace
 
 std::vector<std::string> failureReasons(const PreparedQuery& query, const std::vector<ExplainedTerm>& terms,
-                                        const String& text, const SourcePlaces& source) {
-  return FailureSearch(query, terms, text, source).reasons();
+                                        const String& text, const SourcePlaces& source, bool verbatim) {
+  return FailureSearch(query, terms, text, source, verbatim).reasons();
 }
 
 }  // namespace velan::tool

@@ -12,9 +12,9 @@ namespace velan::tool {
 
 /// A sentence for each term that stands in the way, up to ten: which one is absent, and what would find it (other
 /// options, a wildcard); how far apart two words are; what must not be there but is. `terms` is the query's explanation
-/// in `text`, in which it does not match. Throws `std::bad_alloc`.
+/// in `text`, in which it does not match; `verbatim` is that of `WordReadings`. Throws `std::bad_alloc`.
 std::vector<std::string> failureReasons(const PreparedQuery& query, const std::vector<ExplainedTerm>& terms,
-                                        const String& text, const SourcePlaces& source);
+                                        const String& text, const SourcePlaces& source, bool verbatim);
 
 }  // namespace velan::tool
 

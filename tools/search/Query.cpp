@@ -14,7 +14,7 @@
 namespace velan::tool {
 namespace {
 
-constexpr size_t kBytesShown = 60;
+constexpr size_t kUnitsShown = 60;
 constexpr int64_t kMaxDistance = 1'000'000'000;
 
 QueryComparison comparisonOf(const QueryOptions& options) {
@@ -143,8 +143,10 @@ std::optional<TypedQuery> makeQuery(const QueryOptions& options) {
     complain("the query has no terms, so it matches nothing");
     return typed;
   }
-  const std::string& shown = options.query.size() <= kBytesShown ? options.query : typed.reading.neverFound.front();
-  complain(fmt::format("{} can never be found: a term needs a letter or a digit", shown));
+  const std::u16string_view source = typed.reading.source.view();
+  const bool isShort = source.size() <= kUnitsShown;
+  complain(fmt::format("{}{} can never be found: a term needs a letter or a digit",
+                       String(source.substr(0, kUnitsShown)).toUTF8(), isShort ? "" : "…"));
   return std::nullopt;
 }
 

@@ -7,11 +7,10 @@
 #include <string_view>
 #include <utility>
 
+#include "tools/search/QueryUnits.h"
 #include "tools/search/QuotationMarks.h"
 #include "velan/base/ASCII.h"
 #include "velan/query/QueryExplanation.h"
-#include "velan/text/CharacterSets.h"
-#include "velan/text/Separators.h"
 
 namespace velan::tool {
 namespace {
@@ -22,26 +21,6 @@ constexpr size_t kWordsOfEndedSentence = 4;  // with . ! or ? at the end
 constexpr size_t kWordsForKeyword = 3;
 
 using Tokens = std::vector<QueryToken>;
-
-bool isWordUnit(unichar c) { return !isMemberOfCharacterSetRep(defaultWordSeparators(), c); }
-bool isWhite(unichar c) { return isMemberOfCharacterSetRep(whiteCharacterSetRep(), c); }
-
-bool isTerm(const QueryToken& token) {
-  return token.kind == QueryTokenKind::Word || token.kind == QueryTokenKind::Phrase;
-}
-
-std::u16string_view trimmedBlanks(std::u16string_view units) {
-  const size_t first = std::min(units.find_first_not_of(u' '), units.size());
-  return units.substr(first, units.find_last_not_of(u' ') + 1 - first);
-}
-
-String withoutBrackets(const String& word) {
-  std::u16string units(word.view());
-  for (unichar& c : units) {
-    if (c == u'[' || c == u']') c = u' ';
-  }
-  return String(trimmedBlanks(units));
-}
 
 String withoutSignsAtEnds(const String& word) {
   const std::u16string_view units = word.view();

@@ -5,34 +5,22 @@
 #include <algorithm>
 #include <string_view>
 
+#include "tools/search/QueryUnits.h"
 #include "velan/base/ASCII.h"
 #include "velan/query/words/Components.h"
-#include "velan/text/CharacterSets.h"
-#include "velan/text/Separators.h"
 
 namespace velan::tool {
 namespace {
 
+constexpr size_t kMostDoubts = 10;
 constexpr size_t kTermsShown = 12;
 constexpr size_t kUnitsShown = 80;
 constexpr size_t kBytesShown = 300;
 
-bool isWhite(unichar c) { return isMemberOfCharacterSetRep(whiteCharacterSetRep(), c); }
-bool isWordUnit(unichar c) { return !isMemberOfCharacterSetRep(defaultWordSeparators(), c); }
-
-bool isTerm(const QueryToken& token) {
-  return token.kind == QueryTokenKind::Word || token.kind == QueryTokenKind::Phrase;
-}
-
 std::string utf8(std::u16string_view units) { return String(units).toUTF8(); }
 
-const char* nameOf(QueryOperator op) {
-  constexpr const char* kNames[] = {"AND", "OR", "XOR", "NEAR", "BEFORE", "AFTER", "NEXT", "OPT", ""};
-  return kNames[static_cast<size_t>(op)];
-}
-
 std::string nameOf(const QueryToken& token) {
-  return token.kind == QueryTokenKind::Operator ? nameOf(token.queryOperator) : "NOT";
+  return token.kind == QueryTokenKind::Operator ? keywordOf(token.queryOperator) : "NOT";
 }
 
 class Doubter {
@@ -40,8 +28,9 @@ class Doubter {
   explicit Doubter(const CorrectedQuery& query) : _source(query.source.view()), _tokens(query.tokens) {}
 
   std::vector<std::string> doubts() {
-    for (size_t i = 0; i < _tokens.size(); ++i) {
+    for (size_t i = 0; i < _tokens.size() && _doubts.size() < kMostDoubts; ++i) {
       const QueryToken& token = _tokens[i];
+      if (token.range.length == 0) continue;  // nobody typed it
       if (isCommonWord(token)) {
         doubtKeyword(token);
       } else if (token.kind == QueryTokenKind::Operator) {
@@ -103,12 +92,12 @@ class Doubter {
     say(fmt::format("{} is taken as a word; for the distance: {}/{}", utf8(number), nameOf(token), utf8(number)));
   }
 
-  // Where the run of units without white space begins that holds `location`, and where it ends.
+  // The run of units without white space that holds `range`, or as much of it as is too long to be shown.
   std::u16string_view runAround(const Range& range) const {
     auto start = static_cast<size_t>(range.location);
     auto end = static_cast<size_t>(endOf(range));
-    while (start > 0 && !isWhite(_source[start - 1])) --start;
-    while (end < _source.size() && !isWhite(_source[end])) ++end;
+    while (start > 0 && end - start <= kUnitsShown && !isWhite(_source[start - 1])) --start;
+    while (end < _source.size() && end - start <= kUnitsShown && !isWhite(_source[end])) ++end;
     return _source.substr(start, end - start);
   }
 
@@ -165,13 +154,8 @@ class Doubter {
     const bool isAll =
         open == 0 && close + 1 == word.size() && set.find(u'-') == set.npos && set.find(u'^') == set.npos;
     if (set.empty() || (!isIndex && !isAll)) return;
-    std::u16string text(word);
-    for (unichar& c : text) {
-      if (c == u'[' || c == u']') c = u' ';
-    }
-    const size_t first = text.find_first_not_of(u' ');
-    text = text.substr(first, text.find_last_not_of(u' ') + 1 - first);
-    say(fmt::format("[{}] is taken as a set, for one of its characters; as text: \"{}\"", utf8(set), utf8(text)));
+    say(fmt::format("[{}] is taken as a set, for one of its characters; as text: \"{}\"", utf8(set),
+                    withoutBrackets(token.word).toUTF8()));
   }
 
   // What other searches understand.
@@ -218,8 +202,8 @@ std::string written(const QueryTerms& term) {
 
 std::string joinedBy(const QueryTerms& term) {
   const QueryOperator op = term.queryOperator();
-  return isProximity(op) ? fmt::format(" {}/{} ", nameOf(op), term.proximityDistance())
-                         : fmt::format(" {} ", nameOf(op));
+  return isProximity(op) ? fmt::format(" {}/{} ", keywordOf(op), term.proximityDistance())
+                         : fmt::format(" {} ", keywordOf(op));
 }
 
 std::string enclosed(const std::string& text) { return '(' + text + ')'; }

@@ -11,7 +11,7 @@
 namespace velan::tool {
 
 /// A sentence for each sign or keyword that became an operator or a set and may have been meant as text, and for each
-/// number that is no distance: what it became, and how to write the other thing.
+/// number that is no distance, up to ten: what it became, and how to write the other thing.
 std::vector<std::string> doubtsAbout(const CorrectedQuery& query);
 
 /// The terms of a group as they are folded from left to right: "(red OR blue) AND green". Nothing where the order makes

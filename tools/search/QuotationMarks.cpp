@@ -4,8 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "velan/text/CharacterSets.h"
-#include "velan/text/Separators.h"
+#include "tools/search/QueryUnits.h"
 
 namespace velan::tool {
 namespace {
@@ -22,9 +21,6 @@ constexpr Marks kMarks[] = {
     {u'«', u"»", false}, {u'‹', u"›", false}, {u'「', u"」", false}, {u'『', u"』", false},
     {u'»', u"«»", true}, {u'›', u"‹›", true}, {u'‘', u"’", true},    {u'‚', u"‘’", true},
 };
-
-bool isWordUnit(unichar c) { return !isMemberOfCharacterSetRep(defaultWordSeparators(), c); }
-bool isWhite(unichar c) { return isMemberOfCharacterSetRep(whiteCharacterSetRep(), c); }
 
 class MarkReplacer {
  public:

@@ -28,7 +28,7 @@ std::optional<std::string> reasonOfFile(const PreparedQuery& query, const Search
   const SearchedText searched = WordReadings(query, options.query.verbatim).read(document->text);
   const std::vector<ExplainedTerm> terms = explanationIn(query, searched, kDeepest);
   if (terms.front().holds == true) return "the whole document matches, but none of its parts; --unit document finds it";
-  const auto reasons = failureReasons(query, terms, document->text, SourcePlaces(*document));
+  const auto reasons = failureReasons(query, terms, document->text, SourcePlaces(*document), options.query.verbatim);
   if (reasons.empty()) return std::nullopt;
   return reasons.front();
 }

@@ -60,8 +60,12 @@ TEST(UnitKernels, FindAndCountMembers) {
     for (const std::u16string_view letters : {kLetters, kManyPages}) {
       expectEqualResults(letters, [&](const UnitKernels& run, const unichar* units, size_t length) {
         const auto slow = static_cast<size_t>(std::count_if(units, units + length, isMember));
-        return std::array{run.findMember(units, length, rep, true), run.findMember(units, length, rep, false),
-                          run.countMembers(units, length, rep) - slow};
+        std::u16string members(length + UnitKernels::kCopySlack, u' ');
+        SetHints hints;
+        members.resize(run.copyMembers(units, length, rep, hints, members.data()));
+        return std::pair(members,
+                         std::array{run.findMember(units, length, rep, true), run.findMember(units, length, rep, false),
+                                    run.countMembers(units, length, rep) - slow});
       });
     }
   }

@@ -129,6 +129,8 @@ struct Units512 {
   void store(unichar* p) const { _mm512_storeu_si512(p, v); }
 
   Units512 operator-(Units512 other) const { return {_mm512_sub_epi16(v, other.v)}; }
+  /// Writes a whole vector of which only those wanted count, which come first.
+  void storeCompressed(Matches m, unichar* p) const { _mm512_storeu_si512(p, _mm512_maskz_compress_epi16(m, v)); }
   Units512 differing(Units512 mask, Units512 bits) const {
     return {_mm512_ternarylogic_epi64(v, mask.v, bits.v, 0x6A)};
   }

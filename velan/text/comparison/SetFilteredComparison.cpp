@@ -1,34 +1,59 @@
 #include "velan/text/comparison/SetFilteredComparison.h"
 
+#include <algorithm>
+
 #include "velan/base/String.h"
-#include "velan/text/CharacterSets.h"
 #include "velan/text/ConversionTables.h"
+#include "velan/text/ConversionTablesInternal.h"
 
 namespace velan {
 namespace {
 
 enum class Mode : bool { Equal, Prefix };
 
-// The next member at or after `p`, or `end`.
-const unichar* nextMember(const unichar* p, const unichar* end, const uint8_t* rep) {
-  while (p < end && !isMemberOfCharacterSetRep(rep, *p)) ++p;
-  return p;
-}
+// The members of a text, some at a time.
+class MemberReader {
+ public:
+  MemberReader(std::u16string_view text, const uint8_t* rep) : _text(text), _rep(rep) {}
+
+  // The members that come next; empty only at the end.
+  std::u16string_view next() {
+    while (_members.empty() && !_text.empty()) {
+      const size_t count = std::min(_text.size(), _step);
+      _members = {_buffer, unitKernels().copyMembers(_text.data(), count, _rep, _hints, _buffer)};
+      _text.remove_prefix(count);
+      _step = kMost;
+    }
+    return _members;
+  }
+  void skip(size_t count) { _members.remove_prefix(count); }
+
+ private:
+  static constexpr size_t kMost = 512;
+
+  std::u16string_view _text;
+  const uint8_t* _rep;
+  SetHints _hints;
+  size_t _step = 64;  // most texts that differ do so soon
+  std::u16string_view _members;
+  unichar _buffer[kMost + UnitKernels::kCopySlack];
+};
 
 // `table` is null for an exact comparison.
 bool membersMatch(std::u16string_view a, std::u16string_view b, const uint8_t* rep, const unichar* table, Mode mode) {
   if (a.empty() && b.empty()) return true;
   if (!rep) return false;
-  const unichar *p = a.data(), *endA = p + a.size();
-  const unichar *q = b.data(), *endB = q + b.size();
-  while ((p = nextMember(p, endA, rep)) < endA) {
-    q = nextMember(q, endB, rep);
-    if (q == endB) return mode == Mode::Prefix;
-    if (*p != *q && (!table || table[*p] != table[*q])) return false;
-    ++p;
-    ++q;
+  const UnitMapping mapping = mappingOf(table);
+  MemberReader readerA(a, rep), readerB(b, rep);
+  for (;;) {
+    const std::u16string_view inA = readerA.next(), inB = readerB.next();
+    if (inA.empty()) return inB.empty();
+    if (inB.empty()) return mode == Mode::Prefix;
+    const size_t shorter = std::min(inA.size(), inB.size());
+    if (unitKernels().mismatch(inA.data(), inB.data(), shorter, mapping) < shorter) return false;
+    readerA.skip(shorter);
+    readerB.skip(shorter);
   }
-  return nextMember(q, endB, rep) == endB;
 }
 
 std::u16string_view viewOf(const unichar* units, size_t length) { return {units, units ? length : 0}; }

@@ -24,7 +24,7 @@ inline unichar asciiMappedUnit(unichar c, const UnitMapping& mapping) {
 
 /// Units of which some are not ASCII, or of a table that is not known, looked up in registers.
 template <typename V>
-V mappedAnywhere(const unichar* at, const UnitMapping& mapping, RecentWindows& windows) {
+V mappedAnywhere(const unichar* at, const UnitMapping& mapping, unichar (&windows)[3]) {
   constexpr auto kWindowMask = static_cast<unichar>(-V::kTableWindow);
   const V units = V::load(at);
   const V bases = units.differing(V::of(kWindowMask), V::of(0));
@@ -35,16 +35,17 @@ V mappedAnywhere(const unichar* at, const UnitMapping& mapping, RecentWindows& w
     known = V::either(known, within);
     mapped = V::choose(within, units.inTable(mapping.table + base), mapped);
   };
-  addWindow(windows.latest[0]);
+  addWindow(windows[0]);
   uint64_t others = V::bits(V::inverse(known));
   if (others == 0) return mapped;
-  addWindow(windows.latest[1]);
-  addWindow(windows.latest[2]);
+  addWindow(windows[1]);
+  addWindow(windows[2]);
   known = V::either(known, units - V::of(mapping.firstUnchanged) <= V::of(mapping.unchangedSpan));
   constexpr unsigned kMostSteps = 3;
   for (unsigned k = 0; (others = V::bits(V::inverse(known))) != 0 && k < kMostSteps; ++k) {
-    windows.add(static_cast<unichar>(at[static_cast<unsigned>(__builtin_ctzll(others)) / V::kBits] & kWindowMask));
-    addWindow(windows.latest[0]);
+    addRecent(static_cast<unichar>(at[static_cast<unsigned>(__builtin_ctzll(others)) / V::kBits] & kWindowMask),
+              windows);
+    addWindow(windows[0]);
   }
   if (others == 0) return mapped;
   unichar each[V::kUnits];
@@ -57,7 +58,7 @@ V mappedAnywhere(const unichar* at, const UnitMapping& mapping, RecentWindows& w
 
 /// One block; `mapped` may be `units`.
 template <typename V>
-__attribute__((noinline)) void mapAnywhere(const unichar* units, const UnitMapping& mapping, RecentWindows& windows,
+__attribute__((noinline)) void mapAnywhere(const unichar* units, const UnitMapping& mapping, unichar (&windows)[3],
                                            unichar* mapped) {
   if constexpr (V::kTableWindow != 0) {
     mappedAnywhere<V>(units, mapping, windows).store(mapped);
@@ -68,7 +69,7 @@ __attribute__((noinline)) void mapAnywhere(const unichar* units, const UnitMappi
 
 template <typename V>
 __attribute__((noinline)) typename V::Matches differAnywhere(const unichar* a, const unichar* b,
-                                                             const UnitMapping& mapping, RecentWindows& windows) {
+                                                             const UnitMapping& mapping, unichar (&windows)[3]) {
   if constexpr (V::kTableWindow != 0) {
     return V::inverse(mappedAnywhere<V>(a, mapping, windows) == mappedAnywhere<V>(b, mapping, windows));
   } else {
@@ -82,7 +83,7 @@ __attribute__((noinline)) typename V::Matches differAnywhere(const unichar* a, c
 
 /// Writes the mapped units one block after the other, so that `mapped` may be `units`.
 template <typename V>
-void mapEach(const unichar* units, size_t count, const UnitMapping& mapping, RecentWindows& windows, unichar* mapped) {
+void mapEach(const unichar* units, size_t count, const UnitMapping& mapping, unichar (&windows)[3], unichar* mapped) {
   size_t i = 0;
   if constexpr (V::kUnits > 1) {
     for (; count - i >= V::kUnits; i += V::kUnits) {
@@ -107,7 +108,7 @@ struct MismatchTest {
   const unichar* a;
   const unichar* b;
   const UnitMapping& mapping;
-  RecentWindows& windows;
+  unichar (&windows)[3];
 
   bool one(size_t i) const { return asciiMappedUnit(a[i], mapping) != asciiMappedUnit(b[i], mapping); }
   template <typename V>

@@ -1,4 +1,4 @@
-// Where a text has been looked up: its next units mostly lie there, too.
+// The windows in which units were looked up: the next units of a text mostly lie there, too.
 #ifndef VELAN_TEXT_KERNELS_RECENT_WINDOWS_INTERNAL_H
 #define VELAN_TEXT_KERNELS_RECENT_WINDOWS_INTERNAL_H
 
@@ -7,16 +7,13 @@
 namespace velan {
 namespace {
 
-/// The first units of the windows that were looked up last, the latest first; the very first window is not among them.
-struct RecentWindows {
-  void add(unichar base) {
-    latest[2] = latest[1];
-    latest[1] = latest[0];
-    latest[0] = base;
-  }
-
-  unichar latest[3] = {0x400, 0x2000, 0x3000};
-};
+/// `windows` are the first units of those that were looked up last, the latest first; the very first window is not
+/// among them.
+inline void addRecent(unichar base, unichar (&windows)[3]) {
+  windows[2] = windows[1];
+  windows[1] = windows[0];
+  windows[0] = base;
+}
 
 }  // namespace
 }  // namespace velan

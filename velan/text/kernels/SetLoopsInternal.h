@@ -7,41 +7,34 @@
 
 #include "velan/base/kernels/UnitVectorsInternal.h"
 #include "velan/text/kernels/RecentWindowsInternal.h"
+#include "velan/text/kernels/UnitKernelsInternal.h"
 
 namespace velan {
 namespace {
 
 inline bool isInSet(const uint8_t* rep, unichar c) { return (rep[c >> 3] >> (c & 7) & 1) != 0; }
 
-/// What a text has shown of itself, so that its next units are looked up at once.
-struct SetHints {
-  /// Whether `c` lies in a row of units that are all in the set, or all not, such as the ideographs among the letters,
-  /// and that is longer than the one known.
-  bool findsRunAround(unichar c, const uint8_t* rep) {
-    constexpr size_t kWord = 64;  // units
-    const auto isUniform = [rep, wanted = isInSet(rep, c) ? ~uint64_t{0} : 0](size_t word) {
-      uint64_t bits;
-      std::memcpy(&bits, rep + word * sizeof bits, sizeof bits);
-      return bits == wanted;
-    };
-    size_t first = c / kWord, last = first;
-    if (runSearches == 0 || !isUniform(first)) return false;
-    --runSearches;
-    while (first > 0 && isUniform(first - 1)) --first;
-    while (last + 1 < VelanTableLength / kWord && isUniform(last + 1)) ++last;
-    const auto span = static_cast<unichar>((last - first) * kWord + kWord - 1);
-    if (span <= runSpan) return false;
-    runLow = static_cast<unichar>(first * kWord);
-    runSpan = span;
-    runIsInSet = isInSet(rep, c);
-    return true;
-  }
-
-  RecentWindows windows;
-  unichar runLow = 0, runSpan = 0;
-  bool runIsInSet = false;
-  unsigned runSearches = 8;  // that are still worth it
-};
+/// Whether `c` lies in a row of units that are all in the set, or all not, such as the ideographs among the letters,
+/// and that is longer than the one known.
+inline bool findsRunAround(unichar c, const uint8_t* rep, SetHints& hints) {
+  constexpr size_t kWord = 64;  // units
+  const auto isUniform = [rep, wanted = isInSet(rep, c) ? ~uint64_t{0} : 0](size_t word) {
+    uint64_t bits;
+    std::memcpy(&bits, rep + word * sizeof bits, sizeof bits);
+    return bits == wanted;
+  };
+  size_t first = c / kWord, last = first;
+  if (hints.runSearches == 0 || !isUniform(first)) return false;
+  --hints.runSearches;
+  while (first > 0 && isUniform(first - 1)) --first;
+  while (last + 1 < VelanTableLength / kWord && isUniform(last + 1)) ++last;
+  const auto span = static_cast<unichar>((last - first) * kWord + kWord - 1);
+  if (span <= hints.runSpan) return false;
+  hints.runLow = static_cast<unichar>(first * kWord);
+  hints.runSpan = span;
+  hints.runIsInSet = isInSet(rep, c);
+  return true;
+}
 
 template <typename V>
 constexpr auto kWindowMask = static_cast<unichar>(-V::kWindow);
@@ -71,7 +64,7 @@ Members<V> membersNearby(const unichar* units, const uint8_t* rep, const SetHint
   const V vector = V::load(units);
   const auto within = vector <= V::of(V::kWindow - 1);
   Members<V> found = {vector, V::both(vector.inBitmap(rep), within), within};
-  found.addWindow(hints.windows.latest[0], rep);
+  found.addWindow(hints.windows[0], rep);
   return found;
 }
 
@@ -80,18 +73,18 @@ template <typename V>
 __attribute__((noinline)) typename V::Matches membersAnywhere(const unichar* units, const uint8_t* rep,
                                                               SetHints& hints) {
   Members<V> found = membersNearby<V>(units, rep, hints);
-  found.addWindow(hints.windows.latest[1], rep);
-  found.addWindow(hints.windows.latest[2], rep);
+  found.addWindow(hints.windows[1], rep);
+  found.addWindow(hints.windows[2], rep);
   if (hints.runSpan != 0) found.addRun(hints);
   constexpr unsigned kMostSteps = 3;
   uint64_t others = 0;
   for (unsigned k = 0; (others = found.others()) != 0 && k < kMostSteps; ++k) {
     const unichar other = units[static_cast<unsigned>(__builtin_ctzll(others)) / V::kBits];
-    if (hints.findsRunAround(other, rep)) {
+    if (findsRunAround(other, rep, hints)) {
       found.addRun(hints);
     } else {
-      hints.windows.add(static_cast<unichar>(other & kWindowMask<V>));
-      found.addWindow(hints.windows.latest[0], rep);
+      addRecent(static_cast<unichar>(other & kWindowMask<V>), hints.windows);
+      found.addWindow(hints.windows[0], rep);
     }
   }
   if (others == 0) return found.members;
@@ -110,6 +103,37 @@ typename V::Matches membersAt(const unichar* units, const uint8_t* rep, SetHints
   if (V::bits(V::inverse(vector <= V::of(V::kWindow - 1))) == 0) return vector.inBitmap(rep);
   const Members<V> found = membersNearby<V>(units, rep, hints);
   return found.others() == 0 ? found.members : membersAnywhere<V>(units, rep, hints);
+}
+
+/// Writes the members among `units` to `members`, which has room for a vector more, and returns how many there are.
+template <typename V>
+size_t copyMembersOf(const unichar* units, size_t length, const uint8_t* rep, SetHints& hints, unichar* members) {
+  size_t i = 0, count = 0;
+  if constexpr (V::kUnits > 1) {
+    for (; length - i >= V::kUnits; i += V::kUnits) {
+      const auto found = membersAt<V>(units + i, rep, hints);
+      const uint64_t bits = V::bits(found);
+      if constexpr (requires(V v) { v.storeCompressed(found, members); }) {
+        V::load(units + i).storeCompressed(found, members + count);
+        count += static_cast<size_t>(__builtin_popcountll(bits));
+      } else if (V::bits(V::inverse(found)) == 0) {
+        V::load(units + i).store(members + count);
+        count += V::kUnits;
+      } else {
+        for (size_t k = 0; k < V::kUnits; ++k) {
+          members[count] = units[i + k];
+          count += bits >> (k * V::kBits) & 1;
+        }
+      }
+    }
+    return count + copyMembersOf<typename V::Narrower>(units + i, length - i, rep, hints, members + count);
+  } else {
+    for (; i < length; ++i) {
+      members[count] = units[i];
+      count += isInSet(rep, units[i]);
+    }
+    return count;
+  }
 }
 
 /// Units that are members, or that are not.

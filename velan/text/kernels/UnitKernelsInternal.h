@@ -66,14 +66,27 @@ struct UnitMapping {
   unichar unchangedSpan;
 };
 
+/// What a text has shown of itself, so that its next units are looked up at once.
+struct SetHints {
+  unichar windows[3] = {0x400, 0x2000, 0x3000};  // where look-ups were, the latest first
+  unichar runLow = 0, runSpan = 0;               // units that are all in the set, or all not
+  bool runIsInSet = false;
+  uint8_t runSearches = 8;  // that are still worth it
+};
+
 /// Lengths and positions are in units, and what is not found is at `length`.
 struct UnitKernels {
+  static constexpr size_t kCopySlack = 32;
+
   size_t (*find)(const unichar* units, size_t length, const UnitFilter& filter);
   size_t (*findLast)(const unichar* units, size_t length, const UnitFilter& filter);
   size_t (*count)(const unichar* units, size_t length, const UnitFilter& filter);
   /// The first unit that is, or is not, in the set `rep`.
   size_t (*findMember)(const unichar* units, size_t length, const uint8_t* rep, bool isMember);
   size_t (*countMembers)(const unichar* units, size_t length, const uint8_t* rep);
+  /// Writes the members to `members`, which has room for `kCopySlack` units more, and returns how many there are.
+  /// `hints` are those of the part of the text before.
+  size_t (*copyMembers)(const unichar* units, size_t length, const uint8_t* rep, SetHints& hints, unichar* members);
   /// Writes `count` units through `mapping`, which has a table, to `mapped`, which may be `units`.
   void (*map)(const unichar* units, size_t count, const UnitMapping& mapping, unichar* mapped);
   /// The first position where the units of `a` and `b` differ through `mapping`.

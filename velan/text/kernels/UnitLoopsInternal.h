@@ -250,13 +250,19 @@ struct UnitLoops {
     return countWhere<V>(0, length, MemberTest<true>{units, rep, hints});
   }
 
+  static size_t copyMembers(const unichar* units, size_t length, const uint8_t* rep, SetHints& hints,
+                            unichar* members) {
+    static_assert(V::kUnits <= UnitKernels::kCopySlack);
+    return copyMembersOf<V>(units, length, rep, hints, members);
+  }
+
   static void map(const unichar* units, size_t count, const UnitMapping& mapping, unichar* mapped) {
-    RecentWindows windows;
+    unichar windows[] = {0x400, 0x380, 0x80};
     mapEach<V>(units, count, mapping, windows, mapped);
   }
 
   static size_t mismatch(const unichar* a, const unichar* b, size_t length, const UnitMapping& mapping) {
-    RecentWindows windows;
+    unichar windows[] = {0x400, 0x380, 0x80};
     if (!mapping.table) return firstWhere<V>(length, MismatchTest<false>{a, b, mapping, windows}, kAny);
     return firstWhere<V>(length, MismatchTest<true>{a, b, mapping, windows},
                          [&](size_t i) { return mapping.table[a[i]] != mapping.table[b[i]]; });
@@ -276,8 +282,18 @@ struct UnitLoops {
     return {count, {end.position < next ? next : end.position, end.gaveUp}};
   }
 
-  static constexpr UnitKernels kKernels = {find, findLast, count,    findMember, countMembers,
-                                           map,  mismatch, findHead, countHead};
+  static constexpr UnitKernels kKernels = {
+      .find = find,
+      .findLast = findLast,
+      .count = count,
+      .findMember = findMember,
+      .countMembers = countMembers,
+      .copyMembers = copyMembers,
+      .map = map,
+      .mismatch = mismatch,
+      .findHead = findHead,
+      .countHead = countHead,
+  };
 };
 
 }  // namespace

@@ -16,12 +16,33 @@ import sys
 
 KB, MB = 1 << 10, 1 << 20
 
+TEXTS = [f"english/{KB}", f"english/{64 * KB}", f"mixed/{64 * KB}", f"russian/{64 * KB}", f"english/{8 * MB}"]
+
 # Program, operation, our benchmark, those of the peers, inputs, the machine's limit. An input stands for `*`.
 ROWS = [
     ("compression", "deflate, level 1", "BM_Deflate/*", ["BM_DeflateZlib/*", "BM_DeflateLibdeflate/*", "BM_DeflateISAL/*"],
      [4 * KB, 64 * KB, 8 * MB], "read"),
     ("compression", "inflate", "BM_Inflate/*", ["BM_InflateZlib/*", "BM_InflateLibdeflate/*", "BM_InflateISAL/*"],
      [4 * KB, 64 * KB, 8 * MB], "copy"),
+    ("search", "exact search, absent phrase", "exact_absent/velan/*",
+     ["exact_absent/pcre2/*", "exact_absent/hyperscan/*", "exact_absent/icu/*"], TEXTS, "read"),
+    ("search", "exact search, every hit", "exact_every_hit/velan/*",
+     ["exact_every_hit/pcre2/*", "exact_every_hit/hyperscan/*", "exact_every_hit/icu/*"], TEXTS, "read"),
+    ("search", "search ignoring case, absent phrase", "no_case_absent/velan/*",
+     ["no_case_absent/pcre2/*", "no_case_absent/hyperscan/*"], TEXTS, "read"),
+    ("search", "search ignoring case, every hit", "no_case_every_hit/velan/*",
+     ["no_case_every_hit/pcre2/*", "no_case_every_hit/hyperscan/*"], TEXTS, "read"),
+    ("search", "search ignoring diacritics, absent phrase", "no_diacritics_absent/velan/*",
+     ["no_diacritics_absent/table_loop/*"], TEXTS, "read"),
+    ("search", "find one unit", "find_unit/velan/*", ["find_unit/std/*"], TEXTS[:2], "read"),
+    ("search", "count one unit", "count_unit/velan/*", ["count_unit/std/*"], TEXTS[:2], "read"),
+    ("search", "find one of a set", "one_of_set/velan/*", ["one_of_set/bitmap_loop/*"], TEXTS, "read"),
+    ("search", "count members of a set", "count_set/velan/*", ["count_set/bitmap_loop/*"], TEXTS, "read"),
+    ("search", "fold to a copy", "fold/velan/*", ["fold/table_loop/*"], TEXTS, "copy"),
+    ("search", "compare ignoring case, the same", "compare_no_case_same/velan/*", ["compare/memcmp/*"], TEXTS, "read"),
+    ("search", "compare ignoring case, the other case", "compare_no_case_other/velan/*",
+     ["compare_no_case_other/table_loop/*"], TEXTS, "read"),
+    ("search", "compare members of a set", "compare_letters/velan/*", ["compare_letters/bitmap_loop/*"], TEXTS, "read"),
 ]
 
 
@@ -58,6 +79,11 @@ def rate(one):
     return f"{one['cpu_time']:.3g} {one['time_unit']}"
 
 
+def peer_of(name):
+    """Benchmarks are called BM_Peer/input or operation/peer/input."""
+    return re.sub("^BM_|/.*", "", name) if name.startswith("BM_") else name.split("/")[1]
+
+
 def size_of(given):
     number = re.search(r"\d+", str(given))
     value = int(number.group()) if number else 0
@@ -91,7 +117,7 @@ def lines(rows, folder, seconds):
                           if name in measured]
                 best, name = min(others, key=lambda other: other[0]["cpu_time"], default=(None, ""))
                 ratio = f"{best['cpu_time'] / mine['cpu_time']:.2f}" if best else ""
-                peer = f"{re.sub('^BM_|/.*', '', name)} {rate(best)}" if best else ""
+                peer = f"{peer_of(name)} {rate(best)}" if best else ""
                 yield (f"| {operation} | {size_of(given)} | {rate(mine)} | {peer} | {ratio} | "
                        f"{limit_of(limit, given, machine) if limit else ''} |")
 

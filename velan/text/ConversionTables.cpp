@@ -1,6 +1,8 @@
 #include "velan/text/ConversionTables.h"
 
+#include <atomic>
 #include <bit>
+#include <functional>
 #include <mutex>
 
 #include "velan/base/ASCII.h"
@@ -26,7 +28,7 @@ struct Table {
   alignas(64) unichar entries[VelanTableLength];  // vectors of them lie in one line of the cache
   UnitMapping mapping;
   std::once_flag ringsOnce;
-  bool hasRings = false;
+  std::atomic<bool> hasRings = false;  // they are complete
   unichar rings[VelanTableLength];
 };
 Table lower, upper, umlauts, lowerUmlauts, upperUmlauts;
@@ -92,7 +94,7 @@ void fillRings(Table& table) {
     table.rings[c] = table.rings[entry];
     table.rings[entry] = static_cast<unichar>(c);
   }
-  table.hasRings = true;
+  table.hasRings.store(true, std::memory_order_release);
 }
 
 unichar asciiOrSpace(unichar c) { return c < 0x80 ? c : u' '; }
@@ -147,7 +149,8 @@ Table* ownTable(const unichar* table) {
 const unichar* ringsOfTable(const unichar* table) {
   Table* own = ownTable(table);
   if (!own) return nullptr;
-  std::call_once(own->ringsOnce, fillRings, *own);
+  if (own->hasRings.load(std::memory_order_acquire)) return own->rings;
+  std::call_once(own->ringsOnce, fillRings, std::ref(*own));
   return own->hasRings ? own->rings : nullptr;
 }
 

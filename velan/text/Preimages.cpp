@@ -44,14 +44,16 @@ UnitFilter filterOfPreimages(unichar c, const unichar* table) {
   if (!table) return UnitFilter(c);
   const unichar* rings = ringsOfTable(table);
   if (!rings) return filterOfAll();
-  unichar units[kMostCollected] = {c};
-  size_t count = 1;
-  for (unichar next = rings[c]; next != c; next = rings[next]) {
-    if (count == kMostCollected) return filterOfAll();
-    units[count++] = next;
+  const unichar second = rings[c];
+  if (second == c) return UnitFilter(c);
+  if (rings[second] == c) return UnitFilter(c, second);
+  unichar units[kMostCollected];
+  size_t count = 0;
+  for (unichar unit = second; count < kMostCollected; unit = rings[unit]) {
+    units[count++] = unit;
+    if (unit == c) break;
   }
-  if (count == 1) return UnitFilter(c);
-  if (count == 2) return UnitFilter(units[0], units[1]);
+  if (units[count - 1] != c) return filterOfAll();
   std::sort(units, units + count);
   return filterOfRanges(units, count);
 }

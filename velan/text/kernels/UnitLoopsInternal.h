@@ -33,13 +33,12 @@ size_t firstAccepted(uint64_t bits, size_t block, size_t end, Accept accept) {
   return end;
 }
 
-/// The first position below `count` that `test` wants and `accept` takes, or `count`.
+/// The first of the positions `[i, count)` that `test` wants and `accept` takes, or `count`.
 template <typename V, typename Test, typename Accept>
-size_t firstWhere(size_t count, Test test, Accept accept) {
-  size_t i = 0;
+size_t firstWhere(size_t i, size_t count, Test test, Accept accept) {
   if constexpr (kIsVector<V>) {
     constexpr size_t kStep = V::kUnits;
-    if (count < kStep) return firstWhere<typename V::Narrower>(count, test, accept);
+    if (count < kStep) return firstWhere<typename V::Narrower>(i, count, test, accept);
     // Most distances are short, so that the first blocks are looked at one by one.
     for (size_t near = 4;;) {
       for (; near > 0 && count - i >= kStep; --near, i += kStep) {
@@ -184,31 +183,81 @@ inline size_t sameMappedUnits(const unichar* text, const unichar* needle, size_t
   return i;
 }
 
-/// Calls `onMatch(position)` where the head lies, at `next`, which it may raise, or behind, until it returns true.
-template <typename V, typename Test, bool hasTable, typename OnMatch>
-NeedlePosition forEachHeadBy(const unichar* text, size_t positions, const NeedleHead& head, const size_t& next,
-                             OnMatch onMatch) {
-  size_t compared = 0;
-  bool gaveUp = false;
-  const size_t found = firstWhere<V>(positions, Test{text, head}, [&](size_t position) {
-    if (position < next) return false;
-    const size_t same = hasTable ? sameMappedUnits(text + position, head.units, head.length, head.table)
-                                 : sameUnits(text + position, head.units, head.length);
-    if (same == head.length) return onMatch(position);
-    compared += same + 1;
+/// Looks closer where the probes of a head are.
+template <bool hasTable>
+class HeadMatcher {
+ public:
+  HeadMatcher(const unichar* text, const NeedleHead& head) : _text(text), _head(head) {}
+
+  /// Whether the head lies at `position`. Positions come in rising order.
+  bool matches(size_t position) {
+    const size_t same = hasTable ? sameMappedUnits(_text + position, _head.units, _head.length, _head.table)
+                                 : sameUnits(_text + position, _head.units, _head.length);
+    if (same == _head.length) return true;
+    _compared += same + 1;
     // A scan stays ahead of searches that need no luck while it compares no more than a few units per position.
-    gaveUp = compared / 4 > position + 1024;
-    return gaveUp;
-  });
-  return {found, gaveUp};
+    gaveUp = _compared / 4 > position + 1024;
+    return false;
+  }
+
+  bool gaveUp = false;
+
+ private:
+  const unichar* _text;
+  const NeedleHead& _head;
+  size_t _compared = 0;
+};
+
+template <typename V, typename Test, bool hasTable>
+NeedlePosition findHeadBy(const unichar* text, size_t positions, const NeedleHead& head) {
+  HeadMatcher<hasTable> matcher(text, head);
+  const size_t found = firstWhere<V>(0, positions, Test{text, head},
+                                     [&](size_t position) { return matcher.matches(position) || matcher.gaveUp; });
+  return {found, matcher.gaveUp};
 }
 
-template <typename V, typename OnMatch>
-NeedlePosition forEachHead(const unichar* text, size_t positions, const NeedleHead& head, const size_t& next,
-                           OnMatch onMatch) {
-  if (head.usesFilters) return forEachHeadBy<V, FilterTest, true>(text, positions, head, next, onMatch);
-  if (head.table) return forEachHeadBy<V, MaskTest, true>(text, positions, head, next, onMatch);
-  return forEachHeadBy<V, MaskTest, false>(text, positions, head, next, onMatch);
+/// Calls `accept(position)` in rising order for the positions below `count` that `test` wants until it returns true.
+/// Where there are many and vectors can be compressed the positions are gathered first, so that none is mispredicted.
+template <typename V, typename Test, typename Accept>
+void forEachWhere(size_t count, Test test, Accept accept) {
+  if constexpr (requires(V v, typename V::Matches m, unichar * p) { v.storeCompressed(m, p); }) {
+    constexpr size_t kBlocks = 32, kMany = 8;
+    unichar order[V::kUnits], gathered[(kBlocks + 1) * V::kUnits];
+    for (size_t k = 0; k < V::kUnits; ++k) order[k] = static_cast<unichar>(k);
+    size_t wanted = 0;
+    for (size_t i = 0;;) {
+      if (wanted < kMany) i = firstWhere<V>(i, count, test, kAny);
+      const size_t start = i;
+      wanted = 0;
+      for (size_t left = kBlocks; left > 0 && count - i >= V::kUnits; --left, i += V::kUnits) {
+        const auto matches = test.template block<V>(i);
+        (V::load(order) - V::of(static_cast<unichar>(start - i))).storeCompressed(matches, gathered + wanted);
+        wanted += static_cast<size_t>(__builtin_popcountll(V::bits(matches)));
+      }
+      for (size_t k = 0; k < wanted; ++k) {
+        if (accept(start + gathered[k])) return;
+      }
+      if (count - i >= V::kUnits) continue;
+      firstWhere<V>(i, count, test, accept);
+      return;
+    }
+  } else {
+    firstWhere<V>(0, count, test, accept);
+  }
+}
+
+template <typename V, typename Test, bool hasTable>
+NeedleCount countHeadBy(const unichar* text, size_t positions, const NeedleHead& head) {
+  HeadMatcher<hasTable> matcher(text, head);
+  size_t count = 0, next = 0;
+  forEachWhere<V>(positions, Test{text, head}, [&](size_t position) {
+    if (position >= next && matcher.matches(position)) {
+      ++count;
+      next = position + head.length;
+    }
+    return matcher.gaveUp;
+  });
+  return {count, {next, matcher.gaveUp}};
 }
 
 /// Calls `search` with the narrowest kind that the filter is of, as a constant.
@@ -225,7 +274,7 @@ template <typename V>
 struct UnitLoops {
   static size_t find(const unichar* units, size_t length, const UnitFilter& filter) {
     return withKind(filter.kind, [&](auto kind) {
-      return firstWhere<V>(length, UnitTest<kind()>{units, filter}, kAny);
+      return firstWhere<V>(0, length, UnitTest<kind()>{units, filter}, kAny);
     });
   }
 
@@ -241,8 +290,8 @@ struct UnitLoops {
 
   static size_t findMember(const unichar* units, size_t length, const uint8_t* rep, bool isMember) {
     SetHints hints;
-    return isMember ? firstWhere<V>(length, MemberTest<true>{units, rep, hints}, kAny)
-                    : firstWhere<V>(length, MemberTest<false>{units, rep, hints}, kAny);
+    return isMember ? firstWhere<V>(0, length, MemberTest<true>{units, rep, hints}, kAny)
+                    : firstWhere<V>(0, length, MemberTest<false>{units, rep, hints}, kAny);
   }
 
   static size_t countMembers(const unichar* units, size_t length, const uint8_t* rep) {
@@ -263,23 +312,21 @@ struct UnitLoops {
 
   static size_t mismatch(const unichar* a, const unichar* b, size_t length, const UnitMapping& mapping) {
     unichar windows[] = {0x400, 0x380, 0x80};
-    if (!mapping.table) return firstWhere<V>(length, MismatchTest<false>{a, b, mapping, windows}, kAny);
-    return firstWhere<V>(length, MismatchTest<true>{a, b, mapping, windows},
+    if (!mapping.table) return firstWhere<V>(0, length, MismatchTest<false>{a, b, mapping, windows}, kAny);
+    return firstWhere<V>(0, length, MismatchTest<true>{a, b, mapping, windows},
                          [&](size_t i) { return mapping.table[a[i]] != mapping.table[b[i]]; });
   }
 
   static NeedlePosition findHead(const unichar* text, size_t positions, const NeedleHead& head) {
-    return forEachHead<V>(text, positions, head, 0, kAny);
+    if (head.usesFilters) return findHeadBy<V, FilterTest, true>(text, positions, head);
+    if (head.table) return findHeadBy<V, MaskTest, true>(text, positions, head);
+    return findHeadBy<V, MaskTest, false>(text, positions, head);
   }
 
   static NeedleCount countHead(const unichar* text, size_t positions, const NeedleHead& head) {
-    size_t count = 0, next = 0;
-    const NeedlePosition end = forEachHead<V>(text, positions, head, next, [&](size_t position) {
-      ++count;
-      next = position + head.length;
-      return false;
-    });
-    return {count, {end.position < next ? next : end.position, end.gaveUp}};
+    if (head.usesFilters) return countHeadBy<V, FilterTest, true>(text, positions, head);
+    if (head.table) return countHeadBy<V, MaskTest, true>(text, positions, head);
+    return countHeadBy<V, MaskTest, false>(text, positions, head);
   }
 
   static constexpr UnitKernels kKernels = {

@@ -1,4 +1,5 @@
 #include <array>
+#include <new>
 
 #include "velan/text/PreimagesInternal.h"
 #include "velan/text/search/UnitSearchInternal.h"
@@ -26,29 +27,35 @@ unsigned frequencyIgnoringCase(unichar c) {
   return std::max(frequency(c), c < kRankedUnits - 0x20 ? frequency(static_cast<unichar>(c + 0x20)) : 0);
 }
 
-// A letter mostly differs in one bit from its other case, and that bit is left out.
-NeedleHead::Probe probeOf(size_t position, const UnitFilter& filter) {
-  const auto mask = static_cast<unichar>(~(filter.low[0] ^ filter.low[1]));
-  return {position, mask, static_cast<unichar>(filter.low[0] & mask), filter};
+// Sets the probe where it stands: the copy of a struct written a moment ago stalls.
+void setProbe(NeedleHead& head, NeedleHead::Probe& probe, size_t position) {
+  const unichar unit = head.units[position];
+  probe.position = position;
+  probe.mask = 0xFFFF;
+  probe.bits = unit;
+  if (!head.table) return;
+  new (&probe.filter) UnitFilter(filterOfPreimages(unit, head.table));
+  head.usesFilters |= probe.filter.kind == UnitFilter::Kind::Ranges;
+  // A letter mostly differs in one bit from its other case, and that bit is left out.
+  probe.mask = static_cast<unichar>(~(probe.filter.low[0] ^ probe.filter.low[1]));
+  probe.bits = probe.filter.low[0] & probe.mask;
 }
 
 }  // namespace
 
 void chooseProbes(NeedleHead& head) {
+  static_assert(NeedleHead::kMost <= 0x100);
   head.usesFilters = false;
   size_t i = 0;
   for (size_t k = 0; k < NeedleHead::kProbes; ++k) {
     // The rarest of each third: neighbours mostly come together, so that one says little when the other is there.
     const size_t end = head.length * (k + 1) / NeedleHead::kProbes;
-    size_t best = 0;
-    for (unsigned least = ~0u; i < end; ++i) {
+    unsigned rarest = ~0u;  // the frequency above the position: a minimum needs no branch
+    for (; i < end; ++i) {
       const unsigned f = head.table ? frequencyIgnoringCase(head.units[i]) : frequency(head.units[i]);
-      if (f >= least) continue;
-      least = f;
-      best = i;
+      rarest = std::min(rarest, f << 8 | static_cast<unsigned>(i));
     }
-    head.probes[k] = probeOf(best, filterOfPreimages(head.units[best], head.table));
-    head.usesFilters |= head.probes[k].filter.kind == UnitFilter::Kind::Ranges;
+    setProbe(head, head.probes[k], rarest == ~0u ? 0 : rarest & 0xFF);
   }
 }
 

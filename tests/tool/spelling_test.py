@@ -46,7 +46,7 @@ class Spelling(InFolder):
             ("wellknown", "well-\n  known\nwell- known -\nknown well-", 1), ("abcdef", "ab-\ncd-\n ef", 1), ("cdef", "ab-\ncd-\n ef", 0),
             ("strassen", "Straßen-\nbahn", 1), ("strassenbahn OR strassen", "Straßen-\nbahn", 1),
             ("fix", "\u0308 \ufb01\u0300 \ufb01x", 1),
-            ('"the lighthouse of"', "the light-\r\n\thouse of", 1), ("light*", "the light-\r\nhouse", 1), ("x\u0302y", "x\u0302y", 1),
+            ('"the lighthouse of"', "the light-\r\n\thouse of", 1), *((query, "the light-\r\nhouse", 1) for query in ("light*", "*thouse", "l[i]ghtho?se")), ("x\u0302y", "x\u0302y", 1),
             ("the NEAR/1 of", "the light-\nhouse of", 0), ("the NEAR/2 of", "the Stra\xadße of", 2), ("the NEAR/2 strasse NEAR/1 of", "the Straße of", 3),
         ]
         for query, text, count in cases:
@@ -65,6 +65,9 @@ class Spelling(InFolder):
         for query, lines in (("old lighthouse", "1\n2\n"), ("house lamp", "2\n"), ("lighthouse lamp", ""), ("strasse", "3\n")):
             output = self.velan("search", "--unit", "line", query, "a.txt")[1]
             self.assertEqual(re.sub(":.*", "", output), lines, query)
+        self.write("c.txt", "Licht-\nhäuser")
+        for option in ("-d", "--fuzzy=0.9"):
+            self.assertEqual(self.velan("search", "-c", option, "Lichthauser", "c.txt")[1], "2\n", option)
         self.write("b.html", "<p>Mu&#x308;l<b>l</b>er, of&#xFB01;ce")
         self.assertIn("found 1 time, at 1:4", self.velan("explain", "Müller", "b.html")[1])
         self.assertIn('"byte_offset":25,"byte_length":12', self.velan("search", "--json", "offiCE", "b.html")[1])

@@ -44,9 +44,9 @@ std::u16string withoutJoinedLetters(std::u16string_view word) {
 // Finds the words that may be read in another way.
 class ReadingFinder {
  public:
-  explicit ReadingFinder(std::u16string_view text) : _text(text) {}
+  ReadingFinder(std::u16string_view text, const QueryWords& words) : _text(text), _words(words) {}
 
-  // By position; of those that overlap the longer ones first.
+  // Those that may be words of the query, by position; of those that overlap the longer ones first.
   std::vector<Reading> find() {
     for (size_t i = findOtherSpelling(_text, 0); i < _text.size(); i = findOtherSpelling(_text, i)) {
       size_t start = i;
@@ -76,8 +76,12 @@ class ReadingFinder {
   // `whole` is empty for what stands undivided in the text.
   void add(size_t start, size_t end, const std::u16string& whole) {
     const std::u16string_view units = whole.empty() ? _text.substr(start, end - start) : std::u16string_view(whole);
-    if (!whole.empty()) _readings.push_back({start, end, whole});
-    if (std::ranges::any_of(units, isJoinedLetter)) _readings.push_back({start, end, withoutJoinedLetters(units)});
+    if (!whole.empty()) addIfWanted({start, end, whole});
+    if (std::ranges::any_of(units, isJoinedLetter)) addIfWanted({start, end, withoutJoinedLetters(units)});
+  }
+
+  void addIfWanted(Reading reading) {
+    if (_words.mayBe(reading.units)) _readings.push_back(std::move(reading));
   }
 
   size_t endOfWord(size_t index) const {
@@ -98,12 +102,15 @@ class ReadingFinder {
   static constexpr size_t kNone = std::numeric_limits<size_t>::max();
 
   const std::u16string_view _text;
+  const QueryWords& _words;
   size_t _done = 0;  // words before it are dealt with
   std::vector<Reading> _readings;
 };
 
-// Those readings that hold a word of the query, without overlaps.
-std::vector<Reading> readingsWith(const PreparedQuery& words, std::vector<Reading> readings) {
+// Those that are words of the query, without overlaps.
+std::vector<Reading> readingsIn(const String& source, const QueryWords& words) {
+  std::vector<Reading> readings = ReadingFinder(source.view(), words).find();
+  if (readings.empty()) return {};
   MutableString list;
   std::vector<int64_t> ends;
   for (const Reading& reading : readings) {
@@ -112,9 +119,8 @@ std::vector<Reading> readingsWith(const PreparedQuery& words, std::vector<Readin
     ends.push_back(list.length());
   }
   const String text = list.string();
-  const auto index = indexOf(text, words);
-  if (!index) return {};
-  QueryMatcher matcher(words, *index);
+  const auto index = indexOf(text, words.anyOfThem());
+  QueryMatcher matcher(words.anyOfThem(), *index);
   std::vector<Reading> chosen;
   size_t taken = 0;  // readings before it were looked at
   size_t done = 0;
@@ -150,33 +156,12 @@ MappedText withReadings(const String& text, const std::vector<Reading>& readings
   return result;
 }
 
-void addQuoted(std::u16string_view word, MutableString& query) {
-  if (!query.isEmpty()) query.appendString(u" OR "_s);
-  query.appendCharacter(u'"');
-  query.appendString(word);
-  query.appendCharacter(u'"');
-}
-
-// A query for any of the words that another one looks for; empty where it has none.
-String anyWordOf(const PreparedQuery& query) {
-  MutableString words;
-  for (const ExplainedTerm& term : query.explanation(std::numeric_limits<uint32_t>::max())) {
-    if (term.meaning == LeafMeaning::Literal) {
-      if (const auto index = FastWordEnumerator::enumeratorWithString(term.term->word())) {
-        index->enumerateWords(1, nullptr, [&](std::u16string_view word) { addQuoted(word, words); });
-      }
-    }
-    for (const ExplainedPiece& piece : term.pieces) {
-      if (!piece.standsForAnyWord && piece.normalForm) addQuoted(piece.pattern.view(), words);
-    }
-  }
-  return words.string();
-}
-
 }  // namespace
 
 Range SearchedText::rangeFrom(Range range) const {
-  const auto position = [this](int64_t source) { return _read.positionOf(_plain.positionOf(source)); };
+  const auto position = [this](int64_t source) {
+    return std::min(_read.positionOf(_plain.positionOf(source)), _text.length());  // a text may have vanished
+  };
   const int64_t start = position(range.location);
   return {start, position(endOf(range)) - start};
 }
@@ -192,14 +177,15 @@ std::vector<ExplainedTerm> explanationIn(const PreparedQuery& query, const Searc
   return terms;
 }
 
-WordReadings::WordReadings(const PreparedQuery& query, bool verbatim) : _verbatim(verbatim) {
-  if (verbatim) return;
-  const String any = anyWordOf(query);
-  if (any.isEmpty()) return;
-  std::shared_ptr<const QueryTerms> terms =
-      query.wildcard() ? QueryTerms::initWithWildcard(any) : QueryTerms::initWithString(any);
-  _words = PreparedQuery::queryWithTerms(std::move(terms), query.comparison(), query.wildcard());
-  if (!_words) throw std::bad_alloc();
+WordReadings::WordReadings(const PreparedQuery& query, bool verbatim)
+    : _verbatim(verbatim), _words(verbatim ? nullptr : QueryWords::wordsOf(query)) {}
+
+bool WordReadings::mayRead(std::string_view utf8) const {
+  if (_verbatim) return false;
+  const Spelling spelling = spellingOfUTF8(utf8);
+  if (spelling.unusual) return true;
+  if (!_words || spelling.isPlain()) return false;
+  return !ReadingFinder(String::fromUTF8Lossy(utf8).view(), *_words).find().empty();
 }
 
 SearchedText WordReadings::read(const String& text) const {
@@ -212,7 +198,7 @@ SearchedText WordReadings::read(const String& text) const {
     searched._plain = std::move(plain.map);
   }
   if (!_words || !(spelling.joinedLetters || spelling.lineEndHyphens)) return searched;
-  const std::vector<Reading> readings = readingsWith(*_words, ReadingFinder(searched._text.view()).find());
+  const std::vector<Reading> readings = readingsIn(searched._text, *_words);
   if (readings.empty()) return searched;
   MappedText read = withReadings(searched._text, readings);
   searched._text = std::move(read.text);

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tools/documents/PlainText.h"
+#include "tools/search/QueryWords.h"
 #include "velan/query/PreparedQuery.h"
 
 namespace velan::tool {
@@ -42,12 +43,12 @@ class WordReadings {
 
   /// Throws `std::bad_alloc`.
   SearchedText read(const String& text) const;
-  /// Whether `read` may find words in a text that are not in its UTF-8 form.
-  bool mayRead(std::string_view utf8) const { return !_verbatim && !spellingOfUTF8(utf8).isPlain(); }
+  /// Whether `read` may give words of the query that do not stand like that in the text, given in UTF-8.
+  bool mayRead(std::string_view utf8) const;
 
  private:
   const bool _verbatim;
-  std::unique_ptr<const PreparedQuery> _words;  // any of the query's words; null when it has none
+  const std::unique_ptr<const QueryWords> _words;  // null when there are none
 };
 
 /// The terms of the query as they fare in the text, with their places in the other one; an empty text holds nothing.

@@ -142,5 +142,18 @@ TEST(PercentEscapes, EncodingEverything) {
   }
 }
 
+// Runs of escapes are decoded in pieces, whose ends cut characters.
+TEST(PercentEscapes, LongRunsComeBack) {
+  for (size_t before = 0; before < 4; ++before) {
+    std::u16string text(before, u'\u00e9');
+    for (int i = 0; i < 200; ++i) text += i % 2 ? u"\u20ac" : u"\U0001F600";
+    const String encoded = stringByAddingPercentEscapesToURL(String(text));
+    EXPECT_EQ(stringByReplacingPercentEscapesOfURL(encoded), String(text)) << before;
+    for (const char16_t* bad : {u"%E2%82", u"%FF", u"%80%41"}) {
+      EXPECT_TRUE(stringByReplacingPercentEscapesOfURL(String(std::u16string(encoded.view()) + bad)).isAbsent());
+    }
+  }
+}
+
 }  // namespace
 }  // namespace velan

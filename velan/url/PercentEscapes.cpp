@@ -2,11 +2,13 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <string>
 #include <string_view>
 
 #include "velan/base/ASCII.h"
 #include "velan/base/utf/UTF.h"
+#include "velan/base/utf/UTFInternal.h"
 #include "velan/text/encoding/StringConversion.h"
 
 namespace velan {
@@ -41,39 +43,78 @@ constexpr ASCIISet kLegal = withAlphanumerics(setOf("!$&'()*+,-./:;=?@_~"), true
 
 constexpr bool isIn(const ASCIISet& set, unichar c) { return c < set.size() && set[c]; }
 
+constexpr std::array<int8_t, 256> makeDigitValues() {
+  std::array<int8_t, 256> values{};
+  for (unichar c = 0; c < 256; ++c) values[c] = static_cast<int8_t>(hexadecimalDigitValue(c));
+  return values;
+}
+constexpr std::array<int8_t, 256> kDigitValues = makeDigitValues();
+
 // The byte of the escape at `index`, where there is a `%`; -1 when no two digits follow.
 int escapedByte(std::u16string_view text, size_t index) {
   if (text.size() - index < 3) return -1;
-  const int high = hexadecimalDigitValue(text[index + 1]);
-  const int low = hexadecimalDigitValue(text[index + 2]);
-  return high < 0 || low < 0 ? -1 : high * 16 + low;
+  const unichar high = text[index + 1];
+  const unichar low = text[index + 2];
+  if ((high | low) >= 256 || (kDigitValues[high] | kDigitValues[low]) < 0) return -1;
+  return kDigitValues[high] * 16 + kDigitValues[low];
 }
 
-String escaped(const String& string, const ASCIISet& set) {
+// Four units for each byte, so that all of a step is written at once and no branch asks which kind it is.
+struct Written {
+  unichar units[4];
+};
+
+using Escapes = std::array<Written, 256>;
+constexpr Escapes escapesWith(char (*digit)(unsigned)) {
+  Escapes escapes{};
+  for (unsigned byte = 0; byte < 256; ++byte) {
+    escapes[byte] = {u'%', static_cast<unichar>(digit(byte >> 4)), static_cast<unichar>(digit(byte)), 0};
+  }
+  return escapes;
+}
+constexpr Escapes kUpperEscapes = escapesWith(upperHexadecimalDigit);
+constexpr Escapes kLowerEscapes = escapesWith(lowerHexadecimalDigit);
+constexpr int64_t kSlack = 3;  // units behind the last one that counts
+
+// What is written for the units below U+0080, and how many of the four units count.
+struct ASCIIForms {
+  std::array<Written, 128> written;
+  std::array<uint8_t, 128> lengths;
+
+  constexpr ASCIIForms(const ASCIISet& set, bool escapesMembers, const Escapes& escapes) : written(), lengths() {
+    for (unichar c = 0; c < 128; ++c) put(c, set[c] == escapesMembers, escapes);
+  }
+  constexpr void put(unichar c, bool isEscaped, const Escapes& escapes) {
+    written[c] = isEscaped ? escapes[c] : Written{c, 0, 0, 0};
+    lengths[c] = isEscaped ? 3 : 1;
+  }
+};
+
+constexpr ASCIIForms kStandardForms(kStandardEscaped, true, kLowerEscapes);
+constexpr ASCIIForms kASCIIForms(kASCIIEscaped, true, kLowerEscapes);
+constexpr ASCIIForms kUTF8Forms(kLegal, false, kUpperEscapes);
+
+void write(unichar* units, const Written& written) { std::memcpy(units, written.units, sizeof written.units); }
+
+String escaped(const String& string, const ASCIIForms& forms) {
   if (string.isEmpty()) return string;
-  const auto count = std::count_if(string.begin(), string.end(), [&set](unichar c) { return isIn(set, c); });
-  return String::filled(string.length() + 2 * count, [&](unichar* units) {
-    unichar* end = units;
+  int64_t length = 0;
+  for (const unichar c : string.view()) length += c < 128 ? forms.lengths[c] : 1;
+  return String::filled(length + kSlack, [&](unichar* units) {
     for (const unichar c : string.view()) {
-      if (isIn(set, c)) {
-        *end++ = '%';
-        *end++ = static_cast<unichar>(lowerHexadecimalDigit(c >> 4));
-        *end++ = static_cast<unichar>(lowerHexadecimalDigit(c));
+      if (c < 128) {
+        write(units, forms.written[c]);
+        units += forms.lengths[c];
       } else {
-        *end++ = c;
+        *units++ = c;
       }
     }
-    return end - units;
+    return length;
   });
 }
 
 void appendEscapes(std::u16string& result, std::string_view bytes) {
-  for (const char c : bytes) {
-    const auto byte = static_cast<unsigned char>(c);
-    const unichar units[] = {u'%', static_cast<unichar>(upperHexadecimalDigit(byte >> 4)),
-                             static_cast<unichar>(upperHexadecimalDigit(byte))};
-    result.append(units, 3);
-  }
+  for (const char c : bytes) result.append(kUpperEscapes[static_cast<unsigned char>(c)].units, 3);
 }
 
 // Single units are no files: they carry no byte-order mark.
@@ -91,17 +132,92 @@ std::u16string sortedUnits(const String& string) {
 
 bool isIn(const std::u16string& sorted, unichar c) { return std::binary_search(sorted.begin(), sorted.end(), c); }
 
-// Appends the escapes of a unit or a pair; false when the encoding lacks it.
-bool appendEncoded(std::u16string& result, std::u16string_view character, StringEncoding encoding) {
-  if (encoding == StringEncoding::UTF8) {
-    char bytes[2 * kMaxUTF8BytesPerUnit];
-    const Transcoded transcoded = convertUTF16ToUTF8(character, bytes);
-    if (transcoded.consumed == character.size()) appendEscapes(result, {bytes, transcoded.written});
-    return transcoded.consumed == character.size();
+// The escapes of all units that are not kept, in UTF-8; absent for a lone surrogate. `kept` are units above U+007F.
+String escapedAsUTF8(const String& string, const ASCIIForms& forms, const std::u16string& kept) {
+  const std::u16string_view text = string.view();
+  const auto stays = [&kept](unichar c) { return !kept.empty() && isIn(kept, c); };
+  int64_t length = 0;
+  for (size_t i = 0; i < text.size(); ++i) {
+    const unichar c = text[i];
+    if (c < 128) {
+      length += forms.lengths[c];
+    } else if (stays(c)) {
+      length += 1;
+    } else if (isSurrogate(c)) {
+      if (isLowSurrogate(c) || i + 1 == text.size() || !isLowSurrogate(text[i + 1])) return String();
+      length += 12;
+      ++i;
+    } else {
+      length += c < 0x800 ? 6 : 9;
+    }
   }
+  return String::filled(length + kSlack, [&](unichar* units) {
+    for (size_t i = 0; i < text.size(); ++i) {
+      const unichar c = text[i];
+      if (c < 128) {
+        write(units, forms.written[c]);
+        units += forms.lengths[c];
+      } else if (stays(c)) {
+        *units++ = c;
+      } else {
+        char bytes[4];
+        size_t count = 4;
+        if (isSurrogate(c)) {
+          putFourBytes(c, text[++i], bytes);
+        } else if (c < 0x800) {
+          count = 2;
+          putTwoBytes(c, bytes);
+        } else {
+          count = 3;
+          putThreeBytes(c, bytes);
+        }
+        for (size_t k = 0; k < count; ++k, units += 3)
+          write(units, kUpperEscapes[static_cast<unsigned char>(bytes[k])]);
+      }
+    }
+    return length;
+  });
+}
+
+// Appends the escapes of a unit; false when the encoding lacks it.
+bool appendEncoded(std::u16string& result, std::u16string_view character, StringEncoding encoding) {
   const Data bytes = dataUsingEncoding(character, withoutMark(encoding));
   if (bytes) appendEscapes(result, bytes.view());
   return !bytes.isAbsent();
+}
+
+String decodedAsUTF8(const String& string, size_t from) {
+  const std::u16string_view text = string.view();
+  return String::filled(string.length(), [&](unichar* units) -> int64_t {
+    unichar* end = std::copy_n(text.data(), from, units);
+    while (from < text.size()) {
+      if (text[from] != '%') {
+        *end++ = text[from++];
+        continue;
+      }
+      const int byte = escapedByte(text, from);
+      if (byte < 0) return -1;
+      if (byte < 128) {
+        *end++ = static_cast<unichar>(byte);
+        from += 3;
+        continue;
+      }
+      // What follows a byte above ASCII is mostly of the same kind.
+      char bytes[256];
+      size_t count = 0;
+      for (; count < sizeof bytes && from < text.size() && text[from] == '%'; from += 3) {
+        const int next = escapedByte(text, from);
+        if (next < 0) return -1;
+        bytes[count++] = static_cast<char>(next);
+      }
+      const Transcoded done = convertUTF8ToUTF16({bytes, count}, end);
+      end += done.written;
+      const size_t left = count - done.consumed;
+      if (left > 0 && (count < sizeof bytes || left > 3)) return -1;
+      from -= 3 * left;  // the beginning of a character that the piece has cut
+    }
+    return end - units;
+  });
 }
 
 }  // namespace
@@ -115,7 +231,12 @@ size_t convertPercentEscapesOfURL(unichar* characters, size_t length, bool stand
   size_t to = from;
   while (from < length) {
     const unichar c = characters[from];
-    const int byte = c == '%' ? escapedByte(text, from) : -1;
+    if (c != '%') {
+      characters[to++] = c;
+      ++from;
+      continue;
+    }
+    const int byte = escapedByte(text, from);
     const auto decoded = static_cast<unichar>(byte);
     const bool isDecoded = byte >= 0 && byte < 128 &&
                            (!standard || isIn(kStandardDecoded, decoded) || (decoded == '?' && !keepsQuestionMark));
@@ -135,14 +256,15 @@ String _stringByReplacingPercentEscapesOfURL(const String& string, bool standard
   return result.length() == string.length() ? string : result;
 }
 
-String stringByAddingStandardPercentEscapesToURL(const String& string) { return escaped(string, kStandardEscaped); }
+String stringByAddingStandardPercentEscapesToURL(const String& string) { return escaped(string, kStandardForms); }
 
-String stringByAddingASCIIPercentEscapesToURL(const String& string) { return escaped(string, kASCIIEscaped); }
+String stringByAddingASCIIPercentEscapesToURL(const String& string) { return escaped(string, kASCIIForms); }
 
 String stringByReplacingPercentEscapesOfURL(const String& string, StringEncoding encoding) {
   const std::u16string_view text = string.view();
   size_t next = text.find(u'%');
   if (next == text.npos) return string;
+  if (encoding == StringEncoding::UTF8) return decodedAsUTF8(string, next);
   std::u16string result;
   std::string bytes;
   size_t from = 0;
@@ -152,15 +274,9 @@ String stringByReplacingPercentEscapesOfURL(const String& string, StringEncoding
     for (from = next; from < text.size() && text[from] == '%'; from += 3) {
       const int byte = escapedByte(text, from);
       if (byte < 0) return String();
-      if (byte < 128 && bytes.empty() && encoding == StringEncoding::UTF8) {
-        result += static_cast<unichar>(byte);  // most are
-      } else {
-        bytes += static_cast<char>(byte);
-      }
+      bytes += static_cast<char>(byte);
     }
-    if (bytes.empty()) continue;
-    const String decoded = encoding == StringEncoding::UTF8 ? String::fromUTF8(bytes)
-                                                            : stringWithBytes(bytes.data(), bytes.size(), encoding);
+    const String decoded = stringWithBytes(bytes.data(), bytes.size(), encoding);
     if (!decoded) return String();
     result += decoded.view();
   }
@@ -174,18 +290,22 @@ String stringByAddingPercentEscapesToURL(const String& string, StringEncoding en
   const std::u16string left = sortedUnits(leaveUnescaped);
   const std::u16string forced = sortedUnits(toBeEscaped);
   const auto stays = [&](unichar c) { return isIn(kLegal, c) ? !isIn(forced, c) : isIn(left, c); };
-  const bool takesPairs = encoding == StringEncoding::UTF8;
+  if (std::all_of(text.begin(), text.end(), stays)) return string;
+  if (encoding == StringEncoding::UTF8) {
+    ASCIIForms forms = kUTF8Forms;
+    for (const unichar c : left + forced) {
+      if (c < 128) forms.put(c, !stays(c), kUpperEscapes);
+    }
+    return escapedAsUTF8(string, forms,
+                         left.substr(static_cast<size_t>(std::ranges::lower_bound(left, 128) - left.begin())));
+  }
   std::u16string result;
-  for (size_t i = 0; i < text.size();) {
-    const size_t start = i;
-    while (i < text.size() && stays(text[i])) ++i;
-    if (start == 0 && i == text.size()) return string;
-    result += text.substr(start, i - start);
-    if (i == text.size()) break;
-    const bool isPair = takesPairs && isHighSurrogate(text[i]) && i + 1 < text.size() && isLowSurrogate(text[i + 1]);
-    const size_t count = isPair ? 2 : 1;
-    if (!appendEncoded(result, text.substr(i, count), encoding)) return String();
-    i += count;
+  for (size_t i = 0; i < text.size(); ++i) {
+    if (stays(text[i])) {
+      result += text[i];
+    } else if (!appendEncoded(result, text.substr(i, 1), encoding)) {
+      return String();
+    }
   }
   return result;
 }

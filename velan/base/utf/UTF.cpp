@@ -42,21 +42,6 @@ size_t narrowASCII(const unichar* units, size_t length, char* bytes) {
 constexpr bool needsTwo(unichar unit) { return unit >= 0x80 && unit < 0x800; }
 constexpr bool needsThree(unichar unit) { return unit >= 0x800 && !isSurrogate(unit); }
 
-void putTwo(unichar unit, char* bytes) {
-  storeBigEndian(bytes, static_cast<uint16_t>(0xC080 | (unit & 0x7C0) << 2 | (unit & 0x3F)));
-}
-
-void putThree(unichar unit, char* bytes) {
-  bytes[0] = static_cast<char>(0xE0 | unit >> 12);
-  storeBigEndian(bytes + 1, static_cast<uint16_t>(0x8080 | (unit & 0xFC0) << 2 | (unit & 0x3F)));
-}
-
-void putPair(unichar high, unichar low, char* bytes) {
-  const uint32_t codePoint = 0x10000u + ((high & 0x3FFu) << 10) + (low & 0x3FFu);
-  storeBigEndian(bytes, 0xF0808080u | (codePoint & 0x1C0000) << 6 | (codePoint & 0x3F000) << 4 |
-                            (codePoint & 0xFC0) << 2 | (codePoint & 0x3F));
-}
-
 // Converts the sequence of two or three bytes at `bytes`, which at least four begin with; its length, or 0 where it is
 // none of these, malformed ones included.
 size_t shortSequence(const uint8_t* bytes, unichar& unit) {
@@ -108,11 +93,11 @@ Transcoded toUTF8Scalar(const unichar* units, size_t length, char* bytes) {
       in += ascii;
       out += ascii;
     } else if (needsTwo(unit)) {
-      for (; in < length && needsTwo(units[in]); out += 2) putTwo(units[in++], bytes + out);
+      for (; in < length && needsTwo(units[in]); out += 2) putTwoBytes(units[in++], bytes + out);
     } else if (needsThree(unit)) {
-      for (; in < length && needsThree(units[in]); out += 3) putThree(units[in++], bytes + out);
+      for (; in < length && needsThree(units[in]); out += 3) putThreeBytes(units[in++], bytes + out);
     } else if (isHighSurrogate(unit) && in + 1 < length && isLowSurrogate(units[in + 1])) {
-      putPair(unit, units[in + 1], bytes + out);
+      putFourBytes(unit, units[in + 1], bytes + out);
       in += 2;
       out += 4;
     } else {
@@ -153,7 +138,7 @@ Transcoded toUTF8Lossy(std::u16string_view utf16, char* bytes) {
     in += piece.consumed;
     out += piece.written;
     if (in == utf16.size()) return {in, out};
-    putThree(0xFFFD, bytes + out);
+    putThreeBytes(0xFFFD, bytes + out);
     in += 1;
     out += 3;
   }

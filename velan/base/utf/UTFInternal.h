@@ -1,10 +1,11 @@
-// One sequence of UTF-8 at a time: for converters that stop anywhere.
+// One sequence of UTF-8 at a time, for what works on single characters.
 #ifndef VELAN_BASE_UTF_UTF_INTERNAL_H
 #define VELAN_BASE_UTF_UTF_INTERNAL_H
 
 #include <cstddef>
 #include <cstdint>
 
+#include "velan/base/ByteOrder.h"
 #include "velan/base/CTypes.h"
 
 namespace velan {
@@ -50,6 +51,20 @@ inline size_t putUTF16(uint32_t codePoint, unichar* units) {
   units[0] = static_cast<unichar>(0xD7C0 + (codePoint >> 10));
   units[1] = static_cast<unichar>(0xDC00 + (codePoint & 0x3FF));
   return 2;
+}
+
+/// The bytes of a unit from U+0080 up, of one from U+0800 up, and of a pair.
+inline void putTwoBytes(unichar unit, char* bytes) {
+  storeBigEndian(bytes, static_cast<uint16_t>(0xC080 | (unit & 0x7C0) << 2 | (unit & 0x3F)));
+}
+inline void putThreeBytes(unichar unit, char* bytes) {
+  bytes[0] = static_cast<char>(0xE0 | unit >> 12);
+  storeBigEndian(bytes + 1, static_cast<uint16_t>(0x8080 | (unit & 0xFC0) << 2 | (unit & 0x3F)));
+}
+inline void putFourBytes(unichar high, unichar low, char* bytes) {
+  const uint32_t codePoint = 0x10000u + ((high & 0x3FFu) << 10) + (low & 0x3FFu);
+  storeBigEndian(bytes, 0xF0808080u | (codePoint & 0x1C0000) << 6 | (codePoint & 0x3F000) << 4 |
+                            (codePoint & 0xFC0) << 2 | (codePoint & 0x3F));
 }
 
 }  // namespace velan

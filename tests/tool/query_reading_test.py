@@ -4,6 +4,7 @@
 import os
 import pty
 import subprocess
+import tempfile
 import unittest
 
 from tool_test import TOOL, velan  # takes the arguments
@@ -88,6 +89,12 @@ class Readings(unittest.TestCase):
             options, query = (["-s"], query[3:]) if query.startswith("-s ") else ([], query)
             self.assertIn(reason, velan("explain", *options, query, "-", stdin=text)[1], query)
         self.assertIn("without the question mark it matches", velan("explain", "old?", "-", stdin=text)[1])
+        with tempfile.TemporaryDirectory() as folder:
+            for name, words in (("a", "a letter"), ("b", "received a letter"), ("c", "nothing")):
+                with open(os.path.join(folder, name), "w", encoding="utf-8") as file:
+                    file.write(words)
+            self.assertRegex(velan("search", "--hints", "always", "recieved letter", folder)[2],
+                             "nothing found; .*/b: recieved is not there; --fuzzy would find received at 1:1\n")
         controller, terminal = pty.openpty()
         for both, hints in ((True, 1), (False, 0)):
             done = subprocess.run([TOOL, "search", "old NEAR/3 letter"], input=text, stdout=terminal,

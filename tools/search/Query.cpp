@@ -114,7 +114,7 @@ void addQueryOptions(CLI::App& command, QueryOptions& options) {
   addNumber(command, "--distance", options.distance, int64_t{0}, kMaxDistance,
             "How many words NEAR, BEFORE, AFTER reach (10)");
   addChoice(command, "--keywords", "WHICH", options.keywords,
-            "Take as operators: auto (default; not, near, next … of a sentence are words), any, upper (only capitals)",
+            "Operators: auto (default; in sentences not, near … are words), any, upper (capitals only)",
             {{"auto", KeywordCase::Auto}, {"any", KeywordCase::Any}, {"upper", KeywordCase::Upper}});
   command.add_flag("--verbatim", options.verbatim, "Find words only as they are spelt: not Straße with strasse");
   command.add_flag("--no-wildcards", options.noWildcards, "Take * and ? as they are; not with -d, --fuzzy");

@@ -78,10 +78,7 @@ TEST(QueryDepth, ProximityInLongTexts) {
 TEST(QueryDepth, OccurrencesInLongTexts) {
   const size_t words = 100'000;
   const auto text = FastWordEnumerator::initWithString(repeated(u"a b ", words, u"zz"));
-  const struct {
-    String query;
-    int64_t occurrences, primary;
-  } cases[] = {
+  const Cases<String, int64_t, int64_t> cases = {
       {u"a NEAR/1 b"_s, 200'000, 200'000},
       {u"zz NEAR/3 b"_s, 100'001, 4},  // the b before it, and those in whose span it lies
       {u"((a NEAR/2 b) NEAR/2 a) NEAR/2 b"_s, 200'000, -1},
@@ -90,16 +87,16 @@ TEST(QueryDepth, OccurrencesInLongTexts) {
       {u"((b NOT NEAR/3 zz) NEAR/1000 a) NEAR/1000 b"_s, 200'000, 200'000},
       {u"(((a XOR missing) NEAR/1000 b) NEAR/1000 a) NEAR/1000 b"_s, 200'000, 200'000},
   };
-  for (const auto& c : cases) {
+  for (const auto& [query, occurrences, primary] : cases) {
     int64_t primaries = 0;
-    const auto terms = QueryTerms::initWithWildcard(c.query);
+    const auto terms = QueryTerms::initWithWildcard(query);
     const int64_t count = enumerateOccurrences(*text, *terms, {0, NSNotFound}, QueryComparison::Exact, true,
-                                               [&](const String&, Range, bool primary) {
+                                               [&primaries](const String&, Range, bool primary) {
                                                  primaries += primary;
                                                  return false;
                                                });
-    EXPECT_EQ(count, c.occurrences) << c.query.toUTF8();
-    EXPECT_TRUE(c.primary < 0 || primaries == c.primary) << c.query.toUTF8() << ' ' << primaries;
+    EXPECT_EQ(count, occurrences) << query.toUTF8();
+    EXPECT_TRUE(primary < 0 || primaries == primary) << query.toUTF8() << ' ' << primaries;
   }
 }
 

@@ -6,10 +6,7 @@ namespace velan {
 namespace {
 
 TEST(ConversionTables, Entries) {
-  const struct {
-    const char* why;
-    unichar c, lower, upper, umlauts, lowerUmlauts, upperUmlauts;
-  } cases[] = {
+  const Cases<const char*, unichar, unichar, unichar, unichar, unichar, unichar> cases = {
       {"ASCII capital", 'A', 'a', 'A', 'A', 'a', 'A'},
       {"ASCII small", 'a', 'a', 'A', 'a', 'a', 'A'},
       {"a with diaeresis", 0xE4, 0xE4, 0xC4, 'a', 'a', 'A'},
@@ -25,26 +22,25 @@ TEST(ConversionTables, Entries) {
       {"surrogate", 0xD835, 0xD835, 0xD835, 0xD835, 0xD835, 0xD835},
       {"last entry", 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(toLower(c.c), c.lower) << c.why;
-    EXPECT_EQ(toUpper(c.c), c.upper) << c.why;
-    EXPECT_EQ(umlautsToAscii(c.c), c.umlauts) << c.why;
-    EXPECT_EQ(umlautsToLowerAscii(c.c), c.lowerUmlauts) << c.why;
-    EXPECT_EQ(umlautsToUpperAscii(c.c), c.upperUmlauts) << c.why;
+  for (const auto& [why, unit, lower, upper, umlauts, lowerUmlauts, upperUmlauts] : cases) {
+    EXPECT_EQ(toLower(unit), lower) << why;
+    EXPECT_EQ(toUpper(unit), upper) << why;
+    EXPECT_EQ(umlautsToAscii(unit), umlauts) << why;
+    EXPECT_EQ(umlautsToLowerAscii(unit), lowerUmlauts) << why;
+    EXPECT_EQ(umlautsToUpperAscii(unit), upperUmlauts) << why;
   }
 }
 
 TEST(ConversionTables, ToAscii) {
-  const struct {
-    unichar c, ascii, upper, lower;
-  } cases[] = {{0xE9, 'e', 'E', 'e'},  {0xC9, 'E', 'E', 'e'}, {0x416, ' ', ' ', ' '}, {0x7F, 0x7F, 0x7F, 0x7F},
-               {0x80, ' ', ' ', ' '},  {'[', '[', '[', '['},  {'{', '{', '{', '{'},   {'`', '`', '`', '`'},
-               {'@', '@', '@', '@'},   {'z', 'z', 'Z', 'z'},  {'Z', 'Z', 'Z', 'z'},   {0, 0, 0, 0},
-               {0x212A, 'K', 'K', 'k'}};
-  for (const auto& c : cases) {
-    EXPECT_EQ(toAscii(c.c), c.ascii) << int{c.c};
-    EXPECT_EQ(toUpperAscii(c.c), c.upper) << int{c.c};
-    EXPECT_EQ(toLowerAscii(c.c), c.lower) << int{c.c};
+  const Cases<unichar, unichar, unichar, unichar> cases = {
+      {0xE9, 'e', 'E', 'e'},  {0xC9, 'E', 'E', 'e'}, {0x416, ' ', ' ', ' '}, {0x7F, 0x7F, 0x7F, 0x7F},
+      {0x80, ' ', ' ', ' '},  {'[', '[', '[', '['},  {'{', '{', '{', '{'},   {'`', '`', '`', '`'},
+      {'@', '@', '@', '@'},   {'z', 'z', 'Z', 'z'},  {'Z', 'Z', 'Z', 'z'},   {0, 0, 0, 0},
+      {0x212A, 'K', 'K', 'k'}};
+  for (const auto& [unit, ascii, upper, lower] : cases) {
+    EXPECT_EQ(toAscii(unit), ascii) << int{unit};
+    EXPECT_EQ(toUpperAscii(unit), upper) << int{unit};
+    EXPECT_EQ(toLowerAscii(unit), lower) << int{unit};
   }
 }
 

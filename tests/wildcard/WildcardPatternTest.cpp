@@ -33,13 +33,11 @@ TEST(WildcardPattern, NormalFormTypeAndRange) {
 }
 
 TEST(WildcardPattern, FewLiterals) {
-  const struct {
-    std::u16string pattern;
-    uint64_t least;
-    uint32_t type;
-  } cases[] = {{u"ab*", 2, 2}, {u"ab*", 3, 10}, {u"ab", 3, 0}, {u"a[bc]*", 2, 7}, {u"a??*", 2, 10}, {u"*a", 0, 3}};
-  for (auto c : cases) {
-    EXPECT_EQ(optimizeWildcard(c.pattern.data(), c.pattern.data() + c.pattern.size(), nullptr, c.least), c.type);
+  const Cases<std::u16string, uint64_t, uint32_t> cases = {{u"ab*", 2, 2},    {u"ab*", 3, 10},  {u"ab", 3, 0},
+                                                           {u"a[bc]*", 2, 7}, {u"a??*", 2, 10}, {u"*a", 0, 3}};
+  for (const auto& [pattern, least, type] : cases) {
+    std::u16string units = pattern;
+    EXPECT_EQ(optimizeWildcard(units.data(), units.data() + units.size(), nullptr, least), type);
   }
 }
 

@@ -20,28 +20,24 @@ std::string joined(const std::vector<String>& words) {
 }
 
 TEST(WordSeparation, EnumerationListsAndCountsAgree) {
-  const struct {
-    String text;
-    std::string words;
-    int64_t count;
-  } cases[] = {
+  const Cases<String, std::string, int64_t> cases = {
       {u""_s, "", 0},       {u" ,.\n"_s, "", 0},    {u"  a  b "_s, "a|b", 2},          {u"x--y"_s, "x|y", 2},
       {u"a'b"_s, "a|b", 2}, {u"日本"_s, "日本", 1}, {u"ab\U0001F600cd"_s, "ab|cd", 2}, {u"Ende"_s, "Ende", 1},
   };
-  for (const auto& c : cases) {
+  for (const auto& [text, expected, count] : cases) {
     std::vector<String> words;
-    const auto collect = [&](const String& text, const unichar* units, int64_t start, int64_t length) {
-      EXPECT_EQ(units, text.characters());
-      words.push_back(text.substring({start, length}));
+    const auto collect = [&words](const String& string, const unichar* units, int64_t start, int64_t length) {
+      EXPECT_EQ(units, string.characters());
+      words.push_back(string.substring({start, length}));
       return false;
     };
-    EXPECT_EQ(enumerateWordsUsingBlock(c.text, collect), c.count) << c.words;
-    EXPECT_EQ(joined(words), c.words);
-    EXPECT_EQ(numberOfWordsUsingDefaultSeparation(c.text), c.count) << c.words;
-    EXPECT_EQ(wordsUsingDefaultSeparation(c.text).has_value(), !c.text.isEmpty()) << c.words;
-    EXPECT_EQ(wordsUsingDefaultSeparation(c.text).value_or(std::vector<String>()), words);
-    EXPECT_EQ(firstWord(c.text), words.empty() ? String() : words.front());
-    EXPECT_EQ(lastWord(c.text), words.empty() ? String() : words.back());
+    EXPECT_EQ(enumerateWordsUsingBlock(text, collect), count) << expected;
+    EXPECT_EQ(joined(words), expected);
+    EXPECT_EQ(numberOfWordsUsingDefaultSeparation(text), count) << expected;
+    EXPECT_EQ(wordsUsingDefaultSeparation(text).has_value(), !text.isEmpty()) << expected;
+    EXPECT_EQ(wordsUsingDefaultSeparation(text).value_or(std::vector<String>()), words);
+    EXPECT_EQ(firstWord(text), words.empty() ? String() : words.front());
+    EXPECT_EQ(lastWord(text), words.empty() ? String() : words.back());
   }
 }
 

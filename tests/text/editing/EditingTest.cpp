@@ -73,12 +73,7 @@ TEST(Editing, FormsCaseLigaturesAndUnits) {
 }
 
 TEST(Replacement, Formats) {
-  const struct {
-    const char* why;
-    String format;
-    ValueArray arguments;
-    String result;
-  } cases[] = {
+  const Cases<const char*, String, ValueArray, String> cases = {
       {"texts and numbers", u"%@=%@;", {u"a", 5}, u"a=5;"},
       {"a percent sign", u"100%%", {u"a"}, u"100%"},
       {"percent signs of arguments", u"%@%@", {u"%@", u"%n"}, u"%@%n"},
@@ -87,10 +82,10 @@ TEST(Replacement, Formats) {
       {"absent", u"[%@%@]", {Value(), 1.5}, u"[1.5]"},
       {"a long text", u"%@", {String(std::u16string(1000, u'x'))}, String(std::u16string(1000, u'x'))},
   };
-  for (const auto& c : cases) {
-    const String result =
-        edited(u"$$", [&](auto& t) { EXPECT_TRUE(replaceStringWithFormat(t, u"$$", c.format, c.arguments)); });
-    EXPECT_EQ(result, c.result) << c.why;
+  for (const auto& [why, format, arguments, result] : cases) {
+    MutableString text(u"$$");
+    EXPECT_TRUE(replaceStringWithFormat(text, u"$$", format, arguments)) << why;
+    EXPECT_EQ(text.string(), result) << why;
   }
 }
 

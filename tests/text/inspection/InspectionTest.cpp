@@ -19,30 +19,25 @@ namespace {
 using Predicate = bool (*)(const String&);
 
 TEST(CharacterClasses, EveryClass) {
-  const struct {
-    const uint8_t* rep;
-    Predicate contains;
-    int64_t (*count)(const String&);
-    Predicate consists;
-    bool whenEmpty;
-  } cases[] = {
+  const Cases<const uint8_t*, Predicate, int64_t (*)(const String&), Predicate, bool> cases = {
       {alphaNumCharacterSetRep(), containsAlphaNumCharacter, countAlphaNumCharacters, isAlphaNumString, false},
       {alphaCharacterSetRep(), containsAlphaCharacter, countAlphaCharacters, isAlphaString, false},
       {whiteCharacterSetRep(), containsWhiteCharacter, countWhiteCharacters, isWhiteString, true},
       {digitCharacterSetRep(), containsDigitCharacter, countDigitCharacters, isDigitString, false},
       {spaceCharacterSetRep(), nullptr, nullptr, isSpaceString, true},
   };
-  for (const auto& c : cases) {
+  for (const auto& [rep, contains, count, consists, whenEmpty] : cases) {
     for (const String text : {u"ab", u"1\x0661", u" \t", u" \n", u"\x2160", u"a 1.", u"."}) {
-      const auto members = std::ranges::count_if(text, [&](unichar u) { return isMemberOfCharacterSetRep(c.rep, u); });
-      EXPECT_TRUE(!c.contains || c.contains(text) == (members > 0)) << text.toUTF8();
-      EXPECT_TRUE(!c.count || c.count(text) == members) << text.toUTF8();
-      EXPECT_EQ(c.consists(text), members == text.length()) << text.toUTF8();
-      EXPECT_EQ(containsCharacterPartOfCharacterSetRep(text, c.rep), members > 0) << text.toUTF8();
-      EXPECT_EQ(countCharactersPartOfCharacterSetRep(text, c.rep), members) << text.toUTF8();
+      const auto members =
+          std::ranges::count_if(text, [set = rep](unichar u) { return isMemberOfCharacterSetRep(set, u); });
+      EXPECT_TRUE(!contains || contains(text) == (members > 0)) << text.toUTF8();
+      EXPECT_TRUE(!count || count(text) == members) << text.toUTF8();
+      EXPECT_EQ(consists(text), members == text.length()) << text.toUTF8();
+      EXPECT_EQ(containsCharacterPartOfCharacterSetRep(text, rep), members > 0) << text.toUTF8();
+      EXPECT_EQ(countCharactersPartOfCharacterSetRep(text, rep), members) << text.toUTF8();
     }
-    EXPECT_EQ(c.consists(u""), c.whenEmpty);
-    EXPECT_EQ(c.consists(String()), c.whenEmpty);
+    EXPECT_EQ(consists(u""), whenEmpty);
+    EXPECT_EQ(consists(String()), whenEmpty);
   }
 }
 

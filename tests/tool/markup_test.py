@@ -62,6 +62,8 @@ class Pages(InFolder):
     def test_lines(self):
         self.write("a.html", "<p>one\nlamp\n<p>two<p>lamp\n<br>lamp")
         self.assertEqual(self.velan("search", "lamp", "a.html")[1], "1:one lamp\n3:lamp\n4:lamp\n")
+        self.assertEqual(self.velan("search", "--vimgrep", "one OR lamp", "a.html")[1],
+                         "".join(f"a.html:{at}\n" for at in ("1:4:one lamp", "2:1:one lamp", "3:10:lamp", "4:5:lamp")))
         self.assertEqual(self.velan("search", "-C1", "two", "a.html")[1], "2-\n3:two\n3-\n")
         self.assertEqual(self.velan("search", "--no-markup", "lamp", "a.html")[1],
                          "2:lamp\n3:<p>two<p>lamp\n4:<br>lamp\n")

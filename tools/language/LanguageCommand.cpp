@@ -10,6 +10,7 @@
 #include "tools/Commands.h"
 #include "tools/Console.h"
 #include "tools/documents/DocumentReading.h"
+#include "tools/documents/PlainText.h"
 #include "velan/base/json/JSON.h"
 #include "velan/language/DominantLanguage.h"
 #include "velan/language/LanguageFilter.h"
@@ -97,14 +98,15 @@ int run(const Options& options) {
   for (const InputFile& file : collectFiles(options.files)) {
     const auto document = reader.read(file);
     if (!document) continue;
-    const LanguageCounts counts = filter->countsOfText(document->text);
+    const String text = plainText(document->text).text;
+    const LanguageCounts counts = filter->countsOfText(text);
     if (counts.outOfMemory) {
       complain(displayName(file.path) + ": there is not enough memory to count its words");
       ranOutOfMemory = true;
       continue;
     }
     if (filter->isFiltered(counts)) continue;
-    const Findings findings = findingsOf(*filter, counts, document->text);
+    const Findings findings = findingsOf(*filter, counts, text);
     const std::string path = displayName(file.path);
     something = true;
     if (!print(options.json ? jsonOf(path, findings) : lineOf(path, findings, options.verbose))) break;

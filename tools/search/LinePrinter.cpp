@@ -81,23 +81,23 @@ class Printer {
   void printLine(size_t line, char separator) {
     if (_style.before + _style.after > 0 && _next > 0 && line > _next) _out += "--\n";
     _next = line + 1;
-    appendPrefix(line, separator);
+    appendPrefix(_lines.number(line), separator);
     if (_style.form == LineForm::Columns) _out += "1:";
     appendLine(_lines.range(line));
   }
 
   void printWithColumn(const QueryOccurrence& occurrence) {
-    const size_t line = _lines.lineAt(occurrence.range.location);
-    const Range range = _lines.range(line);
-    appendPrefix(line, ':');
-    _out += fmt::format("{}:", columnOf(_document.map.sourceOf(occurrence.range).location));
-    appendPart(range, occurrence.range);
+    const Range line = _lines.range(_lines.lineAt(occurrence.range.location));
+    const int64_t position = _document.map.sourceOf(occurrence.range).location;
+    if (!_sourceLines) _sourceLines.emplace(_document.source.view());
+    const size_t sourceLine = _sourceLines->lineAt(position);
+    appendPrefix(sourceLine + 1, ':');
+    _out += fmt::format("{}:", columnOf(position, _sourceLines->range(sourceLine).location));
+    appendPart(line, occurrence.range);
   }
 
-  // Of a unit of the source. Goes on from the occurrence before in the same line.
-  size_t columnOf(int64_t position) {
-    if (!_sourceLines) _sourceLines.emplace(_document.source.view());
-    const int64_t start = _sourceLines->range(_sourceLines->lineAt(position)).location;
+  // Of a unit of the source, whose line begins at `start`. Goes on from the occurrence before in the same line.
+  size_t columnOf(int64_t position, int64_t start) {
     if (_measured < start || _measured > position) {
       _measured = start;
       _bytes = 0;
@@ -114,15 +114,15 @@ class Printer {
     for (size_t line = _lines.lineAt(occurrence.range.location); line <= last; ++line) {
       const Range part = intersection(occurrence.range, _lines.range(line));
       if (part.length == 0) continue;
-      appendPrefix(line, ':');
+      appendPrefix(_lines.number(line), ':');
       appendLine(part);
     }
   }
 
-  void appendPrefix(size_t line, char separator) {
+  void appendPrefix(size_t number, char separator) {
     if (_style.withPath && !_style.heading) _out += pathPrefix(_path, _style, separator);
     if (!_style.withNumber) return;
-    _out += painted(fmt::to_string(_lines.number(line)), kNumberColor, _style.color);
+    _out += painted(fmt::to_string(number), kNumberColor, _style.color);
     _out += separator;
   }
 

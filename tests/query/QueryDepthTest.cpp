@@ -91,8 +91,8 @@ TEST(QueryDepth, OccurrencesInLongTexts) {
     int64_t primaries = 0;
     const auto terms = QueryTerms::initWithWildcard(query);
     const int64_t count = enumerateOccurrences(*text, *terms, {0, NSNotFound}, QueryComparison::Exact, true,
-                                               [&primaries](const String&, Range, bool primary) {
-                                                 primaries += primary;
+                                               [&primaries](const String&, Range, bool isPrimary) {
+                                                 primaries += isPrimary;
                                                  return false;
                                                });
     EXPECT_EQ(count, occurrences) << query.toUTF8();

@@ -84,10 +84,10 @@ void fillCombined(unichar* entries, const unichar* first, const unichar* second)
   for (size_t c = 0; c < VelanTableLength; ++c) entries[c] = second[first[c]];
 }
 
-// Each unit joins the ring of its entry, which therefore has to be its own entry.
+// Each unit joins the ring of its entry, which therefore has to be its own entry. From there the others rise.
 void fillRings(Table& table) {
   for (size_t c = 0; c < VelanTableLength; ++c) table.rings[c] = static_cast<unichar>(c);
-  for (size_t c = 0; c < VelanTableLength; ++c) {
+  for (size_t c = VelanTableLength; c-- > 0;) {
     const unichar entry = table.entries[c];
     if (entry == c) continue;
     if (table.entries[entry] != entry) return;

@@ -13,6 +13,7 @@ UnitFilter filterOfRanges(const unichar* units, size_t count) {
   const auto width = [units](size_t i) { return i == 0 ? 0 : units[i] - units[i - 1]; };
   for (size_t i = 1; i < count; ++i) {
     size_t end = i;
+    if (width(end) <= width(gaps[UnitFilter::kMost - 2])) continue;
     for (size_t& gap : gaps) {
       if (width(end) > width(gap)) std::swap(end, gap);
     }
@@ -48,13 +49,15 @@ UnitFilter filterOfPreimages(unichar c, const unichar* table) {
   if (second == c) return UnitFilter(c);
   if (rings[second] == c) return UnitFilter(c, second);
   unichar units[kMostCollected];
-  size_t count = 0;
-  for (unichar unit = second; count < kMostCollected; unit = rings[unit]) {
+  size_t count = 0, own = 0;
+  for (unichar unit = second; unit != c; unit = rings[unit]) {  // in rising order
+    if (count == kMostCollected - 1) return filterOfAll();
+    own += unit < c;
     units[count++] = unit;
-    if (unit == c) break;
   }
-  if (units[count - 1] != c) return filterOfAll();
-  std::sort(units, units + count);
+  std::copy_backward(units + own, units + count, units + count + 1);
+  units[own] = c;
+  ++count;
   return filterOfRanges(units, count);
 }
 

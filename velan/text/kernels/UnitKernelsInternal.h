@@ -30,7 +30,10 @@ struct NeedleHead {
   static constexpr size_t kMost = 64;
   static constexpr size_t kProbes = 3;
 
-  /// Units that a table may turn into the one at `position`, told in two ways, of which the first is faster.
+  /// What tells where the probes are: masks, filters where too many units pass those, or a table that is not known.
+  enum class Telling : uint8_t { Mask, Filter, Table };
+
+  /// Units that a table may turn into the one at `position`.
   struct Probe {
     size_t position;
     unichar mask, bits;  // `(unit & mask) == bits`
@@ -38,10 +41,10 @@ struct NeedleHead {
   };
 
   unichar units[kMost];
-  size_t length;          // at least 1
-  const unichar* table;   // what units of text go through before they are compared, or null
+  size_t length;         // at least 1
+  const unichar* table;  // what units of text go through before they are compared, or null
+  Telling telling;
   Probe probes[kProbes];  // some may be the same
-  bool usesFilters;       // because too many units pass a mask
 };
 
 struct NeedlePosition {

@@ -167,6 +167,17 @@ struct FilterTest {
   }
 };
 
+/// The same of one probe, looked up.
+struct TableTest {
+  const unichar* text;
+  const NeedleHead& head;
+
+  bool one(size_t i) const {
+    const size_t position = head.probes[0].position;
+    return head.table[text[i + position]] == head.units[position];
+  }
+};
+
 /// How many units at the start are the same, in steps of four; `length` if all are.
 inline size_t sameUnits(const unichar* a, const unichar* b, size_t length) {
   size_t i = 0;
@@ -318,13 +329,17 @@ struct UnitLoops {
   }
 
   static NeedlePosition findHead(const unichar* text, size_t positions, const NeedleHead& head) {
-    if (head.usesFilters) return findHeadBy<V, FilterTest, true>(text, positions, head);
+    using enum NeedleHead::Telling;
+    if (head.telling == Table) return findHeadBy<Scalar, TableTest, true>(text, positions, head);
+    if (head.telling == Filter) return findHeadBy<V, FilterTest, true>(text, positions, head);
     if (head.table) return findHeadBy<V, MaskTest, true>(text, positions, head);
     return findHeadBy<V, MaskTest, false>(text, positions, head);
   }
 
   static NeedleCount countHead(const unichar* text, size_t positions, const NeedleHead& head) {
-    if (head.usesFilters) return countHeadBy<V, FilterTest, true>(text, positions, head);
+    using enum NeedleHead::Telling;
+    if (head.telling == Table) return countHeadBy<Scalar, TableTest, true>(text, positions, head);
+    if (head.telling == Filter) return countHeadBy<V, FilterTest, true>(text, positions, head);
     if (head.table) return countHeadBy<V, MaskTest, true>(text, positions, head);
     return countHeadBy<V, MaskTest, false>(text, positions, head);
   }

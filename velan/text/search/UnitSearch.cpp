@@ -33,9 +33,9 @@ void setProbe(NeedleHead& head, NeedleHead::Probe& probe, size_t position) {
   probe.position = position;
   probe.mask = 0xFFFF;
   probe.bits = unit;
-  if (!head.table) return;
+  if (!head.table || head.telling == NeedleHead::Telling::Table) return;
   new (&probe.filter) UnitFilter(filterOfPreimages(unit, head.table));
-  head.usesFilters |= probe.filter.kind == UnitFilter::Kind::Ranges;
+  if (probe.filter.kind == UnitFilter::Kind::Ranges) head.telling = NeedleHead::Telling::Filter;
   // A letter mostly differs in one bit from its other case, and that bit is left out.
   probe.mask = static_cast<unichar>(~(probe.filter.low[0] ^ probe.filter.low[1]));
   probe.bits = probe.filter.low[0] & probe.mask;
@@ -45,7 +45,8 @@ void setProbe(NeedleHead& head, NeedleHead::Probe& probe, size_t position) {
 
 void chooseProbes(NeedleHead& head) {
   static_assert(NeedleHead::kMost <= 0x100);
-  head.usesFilters = false;
+  using enum NeedleHead::Telling;
+  head.telling = head.table && !ringsOfTable(head.table) ? Table : Mask;
   size_t i = 0;
   for (size_t k = 0; k < NeedleHead::kProbes; ++k) {
     // The rarest of each third: neighbours mostly come together, so that one says little when the other is there.

@@ -242,15 +242,22 @@ TEST(FastWordEnumerator, SplitsAsianWords) {
   EXPECT_EQ(unsplit, 5);
   FastWordEnumerator::setSplitAsianWords(true);
   const auto enumerator = FastWordEnumerator::initWithString(text);
-  for (int64_t i = 0; i < text.length(); ++i) {
-    const auto fresh = [&text] { return FastWordEnumerator::enumeratorDividingOnDemand(text, false); };
-    EXPECT_EQ(fresh()->typeAtIndex(i), enumerator->typeAtIndex(i)) << i;
-    EXPECT_EQ(fresh()->rangeOfNextWordFromIndex(i, text.length()),
-              enumerator->rangeOfNextWordFromIndex(i, text.length()));
-    const auto onDemand = fresh();
-    EXPECT_EQ(onDemand->rangeOfPreviousWordFromIndex(i, 0), enumerator->rangeOfPreviousWordFromIndex(i, 0)) << i;
-    EXPECT_EQ(onDemand->numberOfWords(), enumerator->numberOfWords());
-    EXPECT_EQ(wordsOf(*onDemand), wordsOf(*enumerator));
+  std::u16string blocks =
+      repeated(u"plain words, ", 50) + repeated(u"吾輩は猫である", 80) + repeated(u" 日本abc語 twice", 90);
+  blocks.insert(256, 1, u'。');  // a run begins with a block
+  blocks.insert(257, u"日本語");
+  for (const String& each : {text, String(blocks)}) {
+    const auto divided = FastWordEnumerator::initWithString(each);
+    for (int64_t i = 0; i < each.length(); i += 1 + each.length() / 99) {
+      const auto fresh = [&each] { return FastWordEnumerator::enumeratorDividingOnDemand(each, false); };
+      EXPECT_EQ(fresh()->typeAtIndex(i), divided->typeAtIndex(i)) << i;
+      EXPECT_EQ(fresh()->rangeOfNextWordFromIndex(i, each.length()),
+                divided->rangeOfNextWordFromIndex(i, each.length()));
+      const auto onDemand = fresh();
+      EXPECT_EQ(onDemand->rangeOfPreviousWordFromIndex(i, 0), divided->rangeOfPreviousWordFromIndex(i, 0)) << i;
+      EXPECT_EQ(onDemand->numberOfWords(), divided->numberOfWords());
+      EXPECT_EQ(typesOf(*onDemand), typesOf(*divided));
+    }
   }
   FastWordEnumerator::setSplitAsianWords(false);
   EXPECT_GT(enumerator->numberOfWords(), unsplit + 2);

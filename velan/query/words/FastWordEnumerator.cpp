@@ -35,7 +35,7 @@ FastWordEnumerator::FastWordEnumerator(bool wildcard) : _wildcard(wildcard) {}
 FastWordEnumerator::~FastWordEnumerator() { invalidate(); }
 
 std::unique_ptr<FastWordEnumerator> FastWordEnumerator::create(const String& string, bool caseInsensitive,
-                                                               bool wildcard, Division division) {
+                                                               bool wildcard, Division division, bool onDemand) {
   if (string.isEmpty()) return nullptr;
   std::unique_ptr<FastWordEnumerator> enumerator(new (std::nothrow) FastWordEnumerator(wildcard));
   if (!enumerator) return nullptr;
@@ -46,25 +46,25 @@ std::unique_ptr<FastWordEnumerator> FastWordEnumerator::create(const String& str
     enumerator->_characters = string.characters();
     enumerator->_length = static_cast<uint64_t>(string.length());
   }
-  return enumerator->initIndex(division) ? std::move(enumerator) : nullptr;
+  return enumerator->initIndex(division, onDemand) ? std::move(enumerator) : nullptr;
 }
 
 std::unique_ptr<FastWordEnumerator> FastWordEnumerator::enumeratorWithString(const String& string) {
-  return create(string, false, false, divisionBySetting());
+  return create(string, false, false, divisionBySetting(), false);
 }
 
 std::unique_ptr<FastWordEnumerator> FastWordEnumerator::enumeratorWithString(const String& string, bool caseInsensitive,
                                                                              bool wildcard) {
-  return create(string, caseInsensitive, wildcard, divisionBySetting());
+  return create(string, caseInsensitive, wildcard, divisionBySetting(), false);
 }
 
 std::unique_ptr<FastWordEnumerator> FastWordEnumerator::enumeratorSplittingAsianWords(const String& string) {
-  return create(string, false, false, Division::Now);
+  return create(string, false, false, Division::Now, false);
 }
 
 std::unique_ptr<FastWordEnumerator> FastWordEnumerator::enumeratorDividingOnDemand(const String& string,
                                                                                    bool caseInsensitive) {
-  return create(string, caseInsensitive, false, splitAsianWords() ? Division::OnDemand : Division::Never);
+  return create(string, caseInsensitive, false, splitAsianWords() ? Division::OnDemand : Division::Never, true);
 }
 
 std::unique_ptr<FastWordEnumerator> FastWordEnumerator::initWithString(const String& string) {
@@ -81,8 +81,8 @@ std::unique_ptr<FastWordEnumerator> FastWordEnumerator::initWithCharacters(const
   if (!characters || length <= 0) return nullptr;
   if (!caseInsensitive) return enumeratorWithString(String::withCharacters(characters, length));
   std::unique_ptr<FastWordEnumerator> enumerator(new (std::nothrow) FastWordEnumerator(false));
-  const bool ready =
-      enumerator && enumerator->copyInUpperCase(characters, length) && enumerator->initIndex(divisionBySetting());
+  const bool ready = enumerator && enumerator->copyInUpperCase(characters, length) &&
+                     enumerator->initIndex(divisionBySetting(), false);
   return ready ? std::move(enumerator) : nullptr;
 }
 
@@ -99,7 +99,7 @@ bool FastWordEnumerator::setCharacters(const unichar* characters, int64_t length
   _characters = characters;
   _freeCharacters = freeWhenDone;
   _length = characters && length > 0 ? static_cast<uint64_t>(length) : 0;
-  if (_length > 0 && initIndex(divisionBySetting())) return true;
+  if (_length > 0 && initIndex(divisionBySetting(), false)) return true;
   invalidate();
   return false;
 }
@@ -113,6 +113,7 @@ void FastWordEnumerator::releaseCharacters() {
   _length = 0;
   _numWords = 0;
   _hasUndivided = false;
+  _indexed.reset();
 }
 
 void FastWordEnumerator::invalidate() {
@@ -133,16 +134,22 @@ bool FastWordEnumerator::copyInUpperCase(const unichar* characters, int64_t leng
   return true;
 }
 
-bool FastWordEnumerator::initIndex(Division division) {
+bool FastWordEnumerator::initIndex(Division division, bool onDemand) {
   if (_indexCapacity < _length) {
     _index.reset(new (std::nothrow) uint8_t[_length]);
     _indexCapacity = _index ? _length : 0;
     if (!_index) return false;
   }
+  _numWords = 0;
+  _hasUndivided = false;
+  _marksRuns = division != Division::Never;
+  if (onDemand) {
+    _indexed.reset(new (std::nothrow) bool[_length / kBlock + 1]());
+    return _indexed != nullptr;
+  }
   _numWords = _wildcard ? indexWildcardWords(_characters, _length, defaultWildcardSeparators(), _index.get())
                         : indexWords(_characters, _length, defaultWordSeparators(), _index.get());
-  _hasUndivided = false;
-  if (division != Division::Never) markAsianRuns();
+  if (_marksRuns) markAsianRuns(0, _length);
   try {
     if (division == Division::Now && _hasUndivided) divideAll();
     return true;
@@ -151,10 +158,57 @@ bool FastWordEnumerator::initIndex(Division division) {
   }
 }
 
+// With the blocks that runs to be marked go on in, so that all of a run is indexed at once.
+void FastWordEnumerator::indexBlock(size_t block) const {
+  const uint8_t* separators = defaultWordSeparators();
+  size_t from = block * kBlock;
+  size_t end = std::min<size_t>(from + kBlock, _length);
+  if (_marksRuns) {
+    const auto isInWord = [&](size_t index) {
+      return !isMemberOfCharacterSetRep(separators, _characters[index - 1]) &&
+             !isMemberOfCharacterSetRep(separators, _characters[index]);
+    };
+    while (from > 0 && isInWord(from)) from -= kBlock;
+    while (end < _length && isInWord(end)) end = std::min<size_t>(end + kBlock, _length);
+  }
+  _numWords += indexWordsIn(_characters, from, end, _length, separators, _index.get());
+  for (size_t i = from; i < end; i += kBlock) _indexed[i / kBlock] = true;
+  if (_marksRuns) markAsianRuns(from, end);
+}
+
+void FastWordEnumerator::indexAll() const {
+  for (size_t i = 0; i < _length; i += kBlock) indexAround(i);
+}
+
+// `findType` in an index that is made as far as it looks.
+size_t FastWordEnumerator::findIndexed(size_t from, size_t end, uint8_t mask) const {
+  if (!_indexed) return findType(_index.get(), from, end, mask);
+  while (from < end) {
+    indexAround(from);
+    const size_t blockEnd = std::min(end, (from / kBlock + 1) * kBlock);
+    const size_t found = findType(_index.get(), from, blockEnd, mask);
+    if (found < blockEnd) return found;
+    from = blockEnd;
+  }
+  return end;
+}
+
+size_t FastWordEnumerator::findIndexedBackwards(size_t start, size_t end, uint8_t mask) const {
+  if (!_indexed) return findTypeBackwards(_index.get(), start, end, mask);
+  for (size_t after = end; after > start;) {
+    indexAround(after - 1);
+    const size_t blockStart = std::max(start, (after - 1) / kBlock * kBlock);
+    const size_t found = findTypeBackwards(_index.get(), blockStart, after, mask);
+    if (found < after) return found;
+    after = blockStart;
+  }
+  return end;
+}
+
 // Marks each run of word units that holds an East Asian unit, looking at every unit once. A piece of a pattern stays
 // whole: the dictionary would take its wildcards for words.
-void FastWordEnumerator::markAsianRuns() {
-  for (size_t found = 0; (found = findEastAsian(_characters, found, _length)) < _length;) {
+void FastWordEnumerator::markAsianRuns(size_t from, size_t end) const {
+  for (size_t found = from; (found = findEastAsian(_characters, found, end)) < end;) {
     const Range run = rangeOfWordAtIndex(static_cast<int64_t>(found));
     found = isPresent(run) ? static_cast<size_t>(endOf(run)) : found + 1;
     if (!isPresent(run) || (_wildcard && holdsWildcard(run))) continue;
@@ -177,10 +231,11 @@ void FastWordEnumerator::divideAll() const {
 // A run that could not be divided stays marked.
 void FastWordEnumerator::divideRunAt(size_t index) const {
   uint8_t* const types = _index.get();
+  const auto isInRun = [&](size_t i) { return (!_indexed || _indexed[i / kBlock]) && (types[i] & kUndivided); };
   size_t start = index;
-  while (start > 0 && (types[start - 1] & kUndivided)) --start;
+  while (start > 0 && isInRun(start - 1)) --start;
   size_t end = index + 1;
-  while (end < _length && (types[end] & kUndivided)) ++end;
+  while (end < _length && isInRun(end)) ++end;
   initWordInRange({static_cast<int64_t>(start), static_cast<int64_t>(end - start)});
   for (size_t i = start; i < end; ++i) types[i] &= static_cast<uint8_t>(~kUndivided);
 }
@@ -193,7 +248,7 @@ uint8_t FastWordEnumerator::typeAfterDividing(size_t index) const {
 // `findType` in an index whose runs are divided as far as it looks.
 size_t FastWordEnumerator::findDivided(size_t from, size_t end, uint8_t mask) const {
   while (true) {
-    from = findType(_index.get(), from, end, mask | kUndivided);
+    from = findIndexed(from, end, mask | kUndivided);
     if (from == end || !(_index[from] & kUndivided)) return from;
     divideRunAt(from);
   }
@@ -201,7 +256,7 @@ size_t FastWordEnumerator::findDivided(size_t from, size_t end, uint8_t mask) co
 
 size_t FastWordEnumerator::findDividedBackwards(size_t start, size_t end, uint8_t mask) const {
   while (true) {
-    const size_t found = findTypeBackwards(_index.get(), start, end, mask | kUndivided);
+    const size_t found = findIndexedBackwards(start, end, mask | kUndivided);
     if (found == end || !(_index[found] & kUndivided)) return found;
     divideRunAt(found);
   }
@@ -242,7 +297,7 @@ int64_t FastWordEnumerator::numberOfWords(int64_t minLen) const {
 bool FastWordEnumerator::containsSeparatorInRange(Range range) const {
   const Range clipped = clippedRange(range, length());
   const auto end = static_cast<size_t>(endOf(clipped));
-  return findType(_index.get(), static_cast<size_t>(clipped.location), end, kSeparator) < end;
+  return findIndexed(static_cast<size_t>(clipped.location), end, kSeparator) < end;
 }
 
 int64_t FastWordEnumerator::locationOfPreviousWordFromIndex(int64_t index, int64_t start) const {

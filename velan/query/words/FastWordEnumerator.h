@@ -42,8 +42,9 @@ class VELAN_EXPORT FastWordEnumerator {
                                                                   bool wildcard);
   /// Over the units of `string`, dividing runs with ideographs or kana whatever `splitAsianWords` says.
   static std::unique_ptr<FastWordEnumerator> enumeratorSplittingAsianWords(const String& string);
-  /// The same words, but such a run is divided only when a query first comes to it. For one thread at a time; queries
-  /// may throw `std::bad_alloc`. With `caseInsensitive` over a copy in upper case.
+  /// With the words that `splitAsianWords` asks for, but the text is indexed, and runs are divided, only where a query
+  /// comes to, by the separators there are then. For one thread at a time; queries may throw `std::bad_alloc`. With
+  /// `caseInsensitive` over a copy in upper case.
   static std::unique_ptr<FastWordEnumerator> enumeratorDividingOnDemand(const String& string, bool caseInsensitive);
   /// `initWithString:`: like `enumeratorWithString:`.
   static std::unique_ptr<FastWordEnumerator> initWithString(const String& string);
@@ -93,6 +94,7 @@ class VELAN_EXPORT FastWordEnumerator {
   int64_t length() const { return static_cast<int64_t>(_length); }
   /// `numberOfWords`: counted when the text was indexed.
   int64_t numberOfWords() const {
+    if (_indexed) indexAll();
     if (_hasUndivided) divideAll();
     return static_cast<int64_t>(_numWords);
   }
@@ -102,6 +104,7 @@ class VELAN_EXPORT FastWordEnumerator {
   /// `typeAtIndex:`: the bits of `Type`; 0 beyond the end.
   uint8_t typeAtIndex(int64_t index) const {
     if (static_cast<uint64_t>(index) >= _length) return 0;
+    if (_indexed) indexAround(static_cast<size_t>(index));
     const uint8_t type = _index[static_cast<uint64_t>(index)];
     return (type & kUndivided) == 0 ? type : typeAfterDividing(static_cast<uint64_t>(index));
   }
@@ -171,17 +174,25 @@ class VELAN_EXPORT FastWordEnumerator {
  private:
   enum class Division : uint8_t { Never, Now, OnDemand };
   static constexpr uint8_t kUndivided = 8;  // a type's bit: the run is one that a dictionary has yet to divide
+  static constexpr size_t kBlock = 256;     // units that are indexed together
 
   explicit FastWordEnumerator(bool wildcard);
 
   static Division divisionBySetting() { return splitAsianWords() ? Division::Now : Division::Never; }
   static std::unique_ptr<FastWordEnumerator> create(const String& string, bool caseInsensitive, bool wildcard,
-                                                    Division division);
+                                                    Division division, bool onDemand);
   static void storeSplitAsianWords(bool split);
   bool copyInUpperCase(const unichar* characters, int64_t length);
-  bool initIndex(Division division);
+  bool initIndex(Division division, bool onDemand);
+  void indexAround(size_t index) const {
+    if (!_indexed[index / kBlock]) indexBlock(index / kBlock);
+  }
+  void indexBlock(size_t block) const;
+  void indexAll() const;
+  size_t findIndexed(size_t from, size_t end, uint8_t mask) const;
+  size_t findIndexedBackwards(size_t start, size_t end, uint8_t mask) const;
   void releaseCharacters();
-  void markAsianRuns();
+  void markAsianRuns(size_t from, size_t end) const;
   bool holdsWildcard(Range run) const;
   void divideAll() const;
   void divideRunAt(size_t index) const;
@@ -200,6 +211,8 @@ class VELAN_EXPORT FastWordEnumerator {
   uint64_t _length = 0;                  // 0 while invalid: every query then fails its bounds check
   std::unique_ptr<uint8_t[]> _index;     // a type per unit
   uint64_t _indexCapacity = 0;           // in units
+  std::unique_ptr<bool[]> _indexed;      // of each block, whether it has types yet; null when all have
+  bool _marksRuns = false;               // those that a dictionary has to divide
   mutable uint64_t _numWords = 0;
   mutable std::unique_ptr<WordTokenizer> _tokenizer;  // made when first needed
   mutable bool _hasUndivided = false;                 // some types may have that bit

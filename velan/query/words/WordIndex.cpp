@@ -32,12 +32,13 @@ size_t typesFromMarks(const uint8_t* marks, size_t length, uint8_t* types) {
 // the text lie separators. The types of a block are written after the marks of the unit behind it are known, so that
 // the marks may come from the place of the types.
 template <class Mark>
-size_t indexBlocks(size_t length, uint8_t* types, Mark mark) {
+size_t indexBlocks(size_t from, size_t end, size_t length, uint8_t* types, Mark mark) {
   uint8_t marks[1 + kBlock + 1];
   size_t words = 0;
   marks[0] = 1;
-  for (size_t first = 0; first < length; first += kBlock) {
-    const size_t count = std::min(kBlock, length - first);
+  if (from > 0) mark(from - 1, 1, marks);
+  for (size_t first = from; first < end; first += kBlock) {
+    const size_t count = std::min(kBlock, end - first);
     const size_t withNext = std::min(count + 1, length - first);
     mark(first, withNext, marks + 1);
     if (withNext == count) marks[count + 1] = 1;
@@ -86,8 +87,13 @@ const Kernels<MarkSeparatorsRun>& separatorKernels() {
 }
 
 size_t indexWords(const unichar* units, size_t length, const uint8_t* separators, uint8_t* types) {
+  return indexWordsIn(units, 0, length, length, separators, types);
+}
+
+size_t indexWordsIn(const unichar* units, size_t from, size_t end, size_t length, const uint8_t* separators,
+                    uint8_t* types) {
   static const auto markSeparators = separatorKernels().best();
-  return indexBlocks(length, types, [&](size_t first, size_t count, uint8_t* marks) {
+  return indexBlocks(from, end, length, types, [&](size_t first, size_t count, uint8_t* marks) {
     markSeparators(units + first, count, separators, marks);
   });
 }
@@ -100,7 +106,7 @@ size_t indexWildcardWords(const unichar* units, size_t length, const uint8_t* se
     while (i < length && units[i] != ']') ++i;
     std::memset(types + start, 0, std::min(i + 1, length) - start);
   }
-  return indexBlocks(length, types,
+  return indexBlocks(0, length, length, types,
                      [&](size_t first, size_t count, uint8_t* marks) { std::memcpy(marks, types + first, count); });
 }
 

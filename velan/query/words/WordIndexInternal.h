@@ -12,6 +12,10 @@ namespace velan {
 /// Writes the type of each of `length` units to `types` and returns the number of words.
 size_t indexWords(const unichar* units, size_t length, const uint8_t* separators, uint8_t* types);
 
+/// The same for the units `[from, end)` of the text only; words that begin before are not counted.
+size_t indexWordsIn(const unichar* units, size_t from, size_t end, size_t length, const uint8_t* separators,
+                    uint8_t* types);
+
 /// The same for a wildcard pattern: from a "[" that a "]" does not follow directly to the next "]", or to the end, all
 /// units belong to the word.
 size_t indexWildcardWords(const unichar* units, size_t length, const uint8_t* separators, uint8_t* types);

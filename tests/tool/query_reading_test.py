@@ -48,6 +48,7 @@ class Readings(unittest.TestCase):
         for query, other, text, is_read_otherwise in cases:
             found = velan("search", "--count-matches", query, stdin=text.encode())
             self.assertEqual(found == velan("search", "--count-matches", other, stdin=text.encode()), is_read_otherwise, query)
+        self.assertIn('"searches":1', velan("search", "--json", "lamp?", stdin=b"lamp")[1].splitlines()[-1])
 
     def test_usual_slips_are_similar(self):
         for slip, meant in (("reciept", "receipt"), ("recieve", "receive"), ("adress", "address"), ("harbor", "harbour")):
@@ -84,6 +85,7 @@ class Readings(unittest.TestCase):
             ("old NOT lamp", "lamp must not be there, but is, at 1:9"), ("old XOR lamp", "XOR wants one of them"),
             ('"frei strasse"', "its words are, but"), ('"old keeper"', "its words are, but not in a row"), ('"old hat"', "nor is hat"),
             ("old (hat OR cap) letter", "hat is not there"), ("there? hat?", "hat? is not there"),
+            ("hat OPT cap", "does not match\n  hat is not there\n"),
         ]
         for query, reason in cases:
             options, query = (["-s"], query[3:]) if query.startswith("-s ") else ([], query)

@@ -1,6 +1,7 @@
-// CRC-32 of bytes and of code units beside zlib and libdeflate; SHA-1 and MD5 of short texts beside OpenSSL. Every
-// kernel that runs here, alone.
+// CRC-32 of bytes and of code units beside ISA-L, libdeflate and zlib; SHA-1 and MD5 of short texts beside OpenSSL.
+// Every kernel that runs here, alone.
 #include <benchmark/benchmark.h>
+#include <isa-l.h>
 #include <libdeflate.h>
 #include <openssl/evp.h>
 #include <zlib.h>
@@ -40,12 +41,19 @@ void BM_Crc32Libdeflate(benchmark::State& state) {
   measure(state, [](const std::string& bytes) { return libdeflate_crc32(0, bytes.data(), bytes.size()); });
 }
 
+void BM_Crc32ISAL(benchmark::State& state) {
+  measure(state, [](const std::string& bytes) {
+    return crc32_gzip_refl(0, reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size());
+  });
+}
+
 void sizes(benchmark::internal::Benchmark* benchmark) {
   for (const int64_t bytes : {16, 60, 256, 4096, 8 << 20}) benchmark->Arg(bytes);
 }
 BENCHMARK(BM_Crc32Bytes)->Apply(sizes);
 BENCHMARK(BM_Crc32Units)->Apply(sizes);
 BENCHMARK(BM_Crc32Libdeflate)->Apply(sizes);
+BENCHMARK(BM_Crc32ISAL)->Apply(sizes);
 BENCHMARK(BM_Crc32Zlib)->Apply(sizes);
 
 void BM_SHA1(benchmark::State& state) {

@@ -1,9 +1,9 @@
-// UTF-8 to UTF-16 and back, beside ICU and the C library's iconv. Bytes are those of the UTF-8 form.
+// UTF-8 to UTF-16 and back, beside ICU and the C library's iconv, with every kernel of this processor. Bytes are those
+// of the input.
 #include <benchmark/benchmark.h>
 #include <iconv.h>
 #include <unicode/ustring.h>
 
-#include <algorithm>
 #include <bit>
 #include <string>
 #include <vector>
@@ -15,29 +15,29 @@
 namespace velan {
 namespace {
 
-constexpr const char* kTexts[] = {
-    "The quick brown fox jumps over the lazy dog near the old harbour, where \"light\" means more than one thing. ",
-    ("Größere Städte wie München, Köln oder Düsseldorf haben für Fußgänger schöne Plätze übrig, müssen aber auch "
-     "bauen. "),
-    "Съешь же ещё этих мягких французских булок, да выпей чаю; в чащах юга жил бы цитрус? Да, но фальшивый экземпляр! ",
-    "天地玄黃，宇宙洪荒。日月盈昃，辰宿列張。寒來暑往，秋收冬藏。閏餘成歲，律呂調陽。雲騰致雨，露結為霜。",
-    "English, Größe, Съешь ещё, 天地玄黃, 日本語のテキスト, 한국어, عربى, 😀👍 and plain text again. ",
+struct Sample {
+  const char* name;
+  const char* piece;
 };
-constexpr const char* kNames[] = {"English", "German", "Russian", "Chinese", "mixed"};
+constexpr Sample kSamples[] = {
+    {"english",
+     "The quick brown fox jumps over the lazy dog near the old harbour, where \"light\" means more than one thing. "},
+    {"german",
+     "Größere Städte wie München, Köln oder Düsseldorf haben für Fußgänger schöne Plätze übrig, müssen aber auch "
+     "bauen. "},
+    {"russian",
+     "Съешь же ещё этих мягких французских булок, да выпей чаю; в чащах юга жил бы цитрус? Да, но фальшивый "
+     "экземпляр! "},
+    {"chinese", "天地玄黃，宇宙洪荒。日月盈昃，辰宿列張。寒來暑往，秋收冬藏。閏餘成歲，律呂調陽。雲騰致雨，露結為霜。"},
+    {"mixed", "English, Größe, Съешь ещё, 天地玄黃, 日本語のテキスト, 한국어, عربى, 😀👍 and plain text again. "},
+};
 
 // Whole repetitions only, so that no character is cut.
-std::string textOf(benchmark::State& state) {
-  const std::string piece = kTexts[state.range(0)];
+std::string textOf(const Sample& sample, size_t size) {
+  const std::string piece = sample.piece;
   std::string text;
-  while (text.size() + piece.size() <= static_cast<size_t>(state.range(1)) + piece.size() / 2) text += piece;
-  state.SetLabel(kNames[state.range(0)]);
+  while (text.size() + piece.size() <= size + piece.size() / 2) text += piece;
   return text;
-}
-
-void everyText(benchmark::internal::Benchmark* benchmark) {
-  for (int text = 0; text < 5; ++text) {
-    for (const int64_t size : {1 << 10, 64 << 10, 8 << 20}) benchmark->Args({text, size});
-  }
 }
 
 template <typename Work>
@@ -49,49 +49,12 @@ void measure(benchmark::State& state, size_t bytes, Work work) {
   state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(bytes));
 }
 
-void BM_ToUTF16(benchmark::State& state, const Kernel<UTFTranscoding>* kernel) {
-  const std::string text = textOf(state);
-  std::vector<unichar> units(text.size());
-  measure(state, text.size(),
-          [&] { kernel->run.toUTF16(reinterpret_cast<const uint8_t*>(text.data()), text.size(), units.data()); });
-}
-
-void BM_ToUTF16ICU(benchmark::State& state) {
-  const std::string text = textOf(state);
-  std::vector<unichar> units(text.size() + 1);
-  measure(state, text.size(), [&] {
-    UErrorCode error = U_ZERO_ERROR;
-    int32_t length = 0;
-    u_strFromUTF8(units.data(), static_cast<int32_t>(units.size()), &length, text.data(),
-                  static_cast<int32_t>(text.size()), &error);
-  });
-}
-
-void BM_ToUTF8(benchmark::State& state, const Kernel<UTFTranscoding>* kernel) {
-  const std::string text = textOf(state);
-  const String utf16 = String::fromUTF8(text);
-  std::vector<char> bytes(kMaxUTF8BytesPerUnit * utf16.view().size());
-  measure(state, text.size(), [&] { kernel->run.toUTF8(utf16.characters(), utf16.view().size(), bytes.data()); });
-}
-
-void BM_ToUTF8ICU(benchmark::State& state) {
-  const std::string text = textOf(state);
-  const String utf16 = String::fromUTF8(text);
-  std::vector<char> bytes(kMaxUTF8BytesPerUnit * utf16.view().size() + 1);
-  measure(state, text.size(), [&] {
-    UErrorCode error = U_ZERO_ERROR;
-    int32_t length = 0;
-    u_strToUTF8(bytes.data(), static_cast<int32_t>(bytes.size()), &length, utf16.characters(),
-                static_cast<int32_t>(utf16.length()), &error);
-  });
-}
-
 constexpr const char* kNative = std::endian::native == std::endian::little ? "UTF-16LE" : "UTF-16BE";
 
-void convertWithIconv(benchmark::State& state, const char* to, const char* from, std::string in, size_t bytes) {
+void convertWithIconv(benchmark::State& state, const char* to, const char* from, std::string in) {
   std::vector<char> out(3 * in.size());
   const iconv_t converter = iconv_open(to, from);
-  measure(state, bytes, [&] {
+  measure(state, in.size(), [&] {
     char* source = in.data();
     size_t left = in.size();
     char* target = out.data();
@@ -101,36 +64,76 @@ void convertWithIconv(benchmark::State& state, const char* to, const char* from,
   iconv_close(converter);
 }
 
-void BM_ToUTF16Iconv(benchmark::State& state) {
-  const std::string text = textOf(state);
-  convertWithIconv(state, kNative, "UTF-8", text, text.size());
-}
+// Registers OPERATION/PEER/TEXT/SIZE for one of the texts.
+class Registrar {
+ public:
+  Registrar(const Sample& sample, size_t size)
+      : _input(std::string("/") + sample.name + "/" + std::to_string(size)),
+        _utf8(textOf(sample, size)),
+        _utf16(String::fromUTF8(_utf8)) {}
 
-void BM_ToUTF8Iconv(benchmark::State& state) {
-  const std::string text = textOf(state);
-  const String utf16 = String::fromUTF8(text);
-  const std::string units(reinterpret_cast<const char*>(utf16.characters()), utf16.view().size() * sizeof(unichar));
-  convertWithIconv(state, "UTF-8", kNative, units, text.size());
-}
+  void toUTF16() const {
+    add("to_utf16/icu", [text = _utf8](benchmark::State& state) {
+      std::vector<unichar> units(text.size() + 1);
+      measure(state, text.size(), [&] {
+        UErrorCode error = U_ZERO_ERROR;
+        u_strFromUTF8(units.data(), static_cast<int32_t>(units.size()), nullptr, text.data(),
+                      static_cast<int32_t>(text.size()), &error);
+      });
+    });
+    add("to_utf16/iconv", [text = _utf8](benchmark::State& state) { convertWithIconv(state, kNative, "UTF-8", text); });
+    forEachKernel("to_utf16/", [text = _utf8](benchmark::State& state, const UTFTranscoding& kernel) {
+      std::vector<unichar> units(text.size());
+      measure(state, text.size(),
+              [&] { kernel.toUTF16(reinterpret_cast<const uint8_t*>(text.data()), text.size(), units.data()); });
+    });
+  }
 
-// What memory allows: the UTF-16 form copied.
-void BM_Copy(benchmark::State& state) {
-  const std::string text = textOf(state);
-  const String utf16 = String::fromUTF8(text);
-  std::vector<unichar> copy(utf16.view().size());
-  measure(state, text.size(), [&] { std::copy_n(utf16.characters(), copy.size(), copy.data()); });
-}
+  void toUTF8() const {
+    const size_t bytes = _utf16.view().size() * sizeof(unichar);
+    add("to_utf8/icu", [text = _utf16, bytes](benchmark::State& state) {
+      std::vector<char> out(kMaxUTF8BytesPerUnit * text.view().size() + 1);
+      measure(state, bytes, [&] {
+        UErrorCode error = U_ZERO_ERROR;
+        u_strToUTF8(out.data(), static_cast<int32_t>(out.size()), nullptr, text.characters(),
+                    static_cast<int32_t>(text.length()), &error);
+      });
+    });
+    add("to_utf8/iconv", [text = _utf16, bytes](benchmark::State& state) {
+      convertWithIconv(state, "UTF-8", kNative, std::string(reinterpret_cast<const char*>(text.characters()), bytes));
+    });
+    add("to_utf8/string", [text = _utf16, bytes](benchmark::State& state) {
+      measure(state, bytes, [&] { benchmark::DoNotOptimize(utf8FromUTF16(text.view())); });
+    });
+    forEachKernel("to_utf8/", [text = _utf16, bytes](benchmark::State& state, const UTFTranscoding& kernel) {
+      std::vector<char> out(kMaxUTF8BytesPerUnit * text.view().size());
+      measure(state, bytes, [&] { kernel.toUTF8(text.characters(), text.view().size(), out.data()); });
+    });
+  }
 
-void BM_UTF8FromUTF16(benchmark::State& state) {
-  const std::string text = textOf(state);
-  const String utf16 = String::fromUTF8(text);
-  measure(state, text.size(), [&] { benchmark::DoNotOptimize(utf8FromUTF16(utf16.view())); });
-}
+ private:
+  template <typename Work>
+  void add(const std::string& name, Work work) const {
+    benchmark::RegisterBenchmark((name + _input).c_str(), work);
+  }
+  // The best once more as "velan".
+  template <typename Work>
+  void forEachKernel(const std::string& operation, Work work) const {
+    for (const auto& kernel : utfKernels()) {
+      add(operation + kernel.name, [work, run = kernel.run](benchmark::State& state) { work(state, run); });
+    }
+    add(operation + "velan", [work](benchmark::State& state) { work(state, utfKernels().best()); });
+  }
+
+  std::string _input;
+  std::string _utf8;
+  String _utf16;
+};
 
 // Single-byte and double-byte reading and writing through the table of encodings.
 void BM_Legacy(benchmark::State& state, StringEncoding encoding, int text, bool reading) {
   std::string piece;
-  while (piece.size() < 64 << 10) piece += kTexts[text];
+  while (piece.size() < 64 << 10) piece += kSamples[text].piece;
   const String string = String::fromUTF8(piece);
   const Data data = dataUsingEncoding(string.view(), encoding);
   measure(state, data.length(), [&] {
@@ -142,23 +145,18 @@ void BM_Legacy(benchmark::State& state, StringEncoding encoding, int text, bool 
   });
 }
 
-BENCHMARK(BM_Copy)->Apply(everyText);
-BENCHMARK(BM_UTF8FromUTF16)->Apply(everyText);
-BENCHMARK(BM_ToUTF16ICU)->Apply(everyText);
-BENCHMARK(BM_ToUTF16Iconv)->Apply(everyText);
-BENCHMARK(BM_ToUTF8ICU)->Apply(everyText);
-BENCHMARK(BM_ToUTF8Iconv)->Apply(everyText);
 BENCHMARK_CAPTURE(BM_Legacy, read_windows_1252, StringEncoding::WindowsLatin1, 1, true);
 BENCHMARK_CAPTURE(BM_Legacy, write_windows_1252, StringEncoding::WindowsLatin1, 1, false);
 BENCHMARK_CAPTURE(BM_Legacy, read_gb18030, stringEncoding(TextEncoding::GB18030), 3, true);
 BENCHMARK_CAPTURE(BM_Legacy, write_gb18030, stringEncoding(TextEncoding::GB18030), 3, false);
 
-// Every kernel of this processor.
 [[maybe_unused]] const bool registered = [] {
-  for (const auto& kernel : utfKernels()) {
-    const std::string name = kernel.name;
-    benchmark::RegisterBenchmark(("BM_ToUTF16/" + name).c_str(), BM_ToUTF16, &kernel)->Apply(everyText);
-    benchmark::RegisterBenchmark(("BM_ToUTF8/" + name).c_str(), BM_ToUTF8, &kernel)->Apply(everyText);
+  for (const Sample& sample : kSamples) {
+    for (const size_t size : {1 << 10, 64 << 10, 8 << 20}) {
+      const Registrar registrar(sample, size);
+      registrar.toUTF16();
+      registrar.toUTF8();
+    }
   }
   return true;
 }();

@@ -18,6 +18,9 @@ KB, MB = 1 << 10, 1 << 20
 
 TEXTS = [f"english/{KB}", f"english/{64 * KB}", f"mixed/{64 * KB}", f"russian/{64 * KB}", f"english/{8 * MB}"]
 
+UTF = [f"english/{KB}", *(f"{text}/{64 * KB}" for text in ("english", "german", "russian", "chinese", "mixed")),
+       f"english/{8 * MB}", f"russian/{8 * MB}"]
+
 # Program, operation, our benchmark, those of the peers, inputs, the machine's limit. An input stands for `*`.
 ROWS = [
     ("compression", "deflate, level 1", "BM_Deflate/*", ["BM_DeflateZlib/*", "BM_DeflateLibdeflate/*", "BM_DeflateISAL/*"],
@@ -43,6 +46,17 @@ ROWS = [
     ("search", "compare ignoring case, the other case", "compare_no_case_other/velan/*",
      ["compare_no_case_other/table_loop/*"], TEXTS, "read"),
     ("search", "compare members of a set", "compare_letters/velan/*", ["compare_letters/bitmap_loop/*"], TEXTS, "read"),
+    ("encoding", "UTF-8 to UTF-16", "to_utf16/velan/*", ["to_utf16/icu/*", "to_utf16/iconv/*"], UTF, "copy"),
+    ("encoding", "UTF-16 to UTF-8", "to_utf8/velan/*", ["to_utf8/icu/*", "to_utf8/iconv/*"], UTF, "copy"),
+    ("checksums", "CRC-32", "BM_Crc32Bytes/*", ["BM_Crc32ISAL/*", "BM_Crc32Libdeflate/*", "BM_Crc32Zlib/*"],
+     [16, 60, 256, 4 * KB, 8 * MB], "read"),
+    ("encryption", "AES-256 decrypt", "BM_Decrypt/*", ["BM_DecryptOpenSSL/*"], [64, KB, 64 * KB], "copy"),
+    ("keyed", "keyed look-up, last of /1, absent /2", "BM_LookUpKeyed/*",
+     ["BM_LookUpPlainly/*", "BM_LookUpFlexBuffers/*", "BM_LookUpMessagePack/*"], ["16/1", "1024/1", "1024/2"], ""),
+    ("url", "add percent escapes in UTF-8, English /0, Russian /1", "BM_EncodeUTF8/*",
+     ["BM_EncodeCurl/*", "BM_EncodeUriparser/*"], ["64/0", "65536/0", "65536/1"], ""),
+    ("url", "replace percent escapes in UTF-8, English /0, Russian /1", "BM_DecodeUTF8/*",
+     ["BM_DecodeCurl/*", "BM_DecodeUriparser/*"], ["64/0", "65536/0", "65536/1"], ""),
 ]
 
 
@@ -85,7 +99,7 @@ def peer_of(name):
 
 
 def size_of(given):
-    number = re.search(r"\d+", str(given))
+    number = re.search(r"\d+$", str(given))
     value = int(number.group()) if number else 0
     shown = f"{value // MB} MB" if value >= MB else f"{value // KB} KB" if value >= KB and value % KB == 0 else ""
     return str(given).replace(number.group(), shown) if shown else str(given)

@@ -32,20 +32,19 @@ CLI::Option* addArgument(CLI::App& command, const char* name, Type& value, const
 
 /// An option that takes one of a few words.
 template <typename Choice>
-void addChoice(CLI::App& command, const char* name, const char* type, Choice& choice, const char* description,
-               const std::vector<std::pair<std::string, Choice>>& choices) {
-  const auto choose = [&choice, name, choices](const std::string& word) {
-    std::string expected;
+CLI::Option* addChoice(CLI::App& command, const char* name, Choice& choice, const char* description,
+                       const std::vector<std::pair<std::string, Choice>>& choices) {
+  std::string expected;
+  for (const auto& [known, value] : choices) expected += (expected.empty() ? "" : "|") + known;
+  const auto choose = [&choice, name, choices, expected](const std::string& word) {
     for (const auto& [known, value] : choices) {
-      if (word == known) {
-        choice = value;
-        return;
-      }
-      expected += (expected.empty() ? "" : ", ") + known;
+      if (word != known) continue;
+      choice = value;
+      return;
     }
-    fail(std::string(name) + " takes one of " + expected + ", not " + word);
+    fail(std::string(name) + " takes " + expected + ", not " + word);
   };
-  command.add_option_function<std::string>(name, choose, description)->type_name(type);
+  return command.add_option_function<std::string>(name, choose, description)->type_name(expected);
 }
 
 /// An option that takes a whole number; `number` may be a `std::optional`.

@@ -31,6 +31,8 @@ void addLanguageCommand(CLI::App& app, int& status);
 void addURLCommands(CLI::App& app, int& status);
 /// `velan text`, `velan tags` and `velan entities …`.
 void addMarkupCommands(CLI::App& app, int& status);
+/// `velan completion` and `velan manual`.
+void addUsageCommands(CLI::App& app);
 /// Crc, deflate, gzip and inflate.
 void addByteFilters(CLI::App& app, int& status);
 

@@ -1,32 +1,38 @@
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <csignal>
 #include <exception>
+#include <memory>
 #include <new>
 #include <string>
+#include <vector>
 
 #include "tools/Commands.h"
 #include "tools/Console.h"
 #include "tools/text/TextCommands.h"
+#include "tools/usage/Help.h"
+#include "tools/usage/Mistakes.h"
 
 namespace velan::tool {
 namespace {
 
-// One line, whatever the parser has to say.
-int complainAboutUsage(const CLI::App& app, const CLI::ParseError& error) {
-  std::string message = error.what();
-  for (char& c : message) {
-    if (c == '\n') c = ' ';
-  }
-  std::string command = "velan";
-  for (const CLI::App* each = &app; !each->get_subcommands().empty();) {
-    each = each->get_subcommands().front();
-    command += ' ' + each->get_name();
-  }
-  return trouble(message + " (see " + command + " --help)");
+// The arguments without what is for the help alone; `all` tells whether that was there.
+std::vector<std::string> argumentsOf(int argc, char** argv, bool& all) {
+  std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
+  const auto end = std::find(arguments.begin(), arguments.end(), "--");
+  const bool wantsHelp = std::find(arguments.begin(), end, "--help") != end;
+  const auto flag = wantsHelp ? std::find(arguments.begin(), end, "--all") : end;
+  all = flag != end;
+  if (all) arguments.erase(flag);
+  return arguments;
 }
 
 int run(int argc, char** argv) {
   CLI::App app{"Text search, records and block files from the command line", "velan"};
+  bool all = false;
+  std::vector<std::string> arguments = argumentsOf(argc, argv, all);
+  app.formatter(std::make_shared<HelpFormatter>(all));
+  app.set_help_flag("-h,--help", "Print help; with --all all of it");
   int status = Something;
   bool version = false;
   bool verbose = false;
@@ -34,7 +40,7 @@ int run(int argc, char** argv) {
   app.add_flag("--verbose", verbose, "With --version: also what this build and this machine offer");
   app.require_subcommand(0, 1);
   app.footer(
-      "Exit status: 0 something matched or the work is done, 1 nothing matched, 2 something went wrong.\n"
+      "0 something matched or the work is done, 1 nothing matched, 2 something went wrong.\n"
       "Examples:\n"
       "  velan search 'budget NEAR/5 exhibition' documents/\n"
       "  velan search --help");
@@ -47,10 +53,13 @@ int run(int argc, char** argv) {
   addURLCommands(app, status);
   addMarkupCommands(app, status);
   addByteFilters(app, status);
+  addUsageCommands(app);
+  if (const auto mistake = unknownCommand(app, arguments)) return trouble(*mistake);
   try {
-    app.parse(argc, argv);
+    std::reverse(arguments.begin(), arguments.end());  // as the parser takes them
+    app.parse(arguments);
   } catch (const CLI::ParseError& error) {
-    return error.get_exit_code() == 0 ? app.exit(error) : complainAboutUsage(app, error);
+    return error.get_exit_code() == 0 ? app.exit(error) : trouble(describeMistake(app, error));
   }
   if (version) printVersion(verbose);
   if (version || !app.get_subcommands().empty()) return status;

@@ -271,10 +271,38 @@ class Usage(unittest.TestCase):
             self.assertRegex(errors, "^velan: ", arguments)
 
     def test_help_and_version(self):
-        for command in ([], ["search"], ["explain"], ["match"], ["words"], ["selftest"]):
-            status, output, errors = velan(*command, "--help")
+        page = velan("manual")[1].replace("\\-", "-")
+        commands = re.findall(r'^\.SS "velan (.*)"$', page, re.MULTILINE)
+        self.assertGreater(len(commands), 20)
+        for command in ["", *commands]:
+            status, output, errors = velan(*command.split(), "--help")
             self.assertEqual((status, errors), (0, ""), command)
-            self.assertGreaterEqual(output.split("Examples:")[1].count("  velan "), 2, command)
+            self.assertLess(output.count("\n"), 24, command)
+            everything = velan(*command.split(), "--help", "--all")[1]
+            for option in re.findall(r"^ .*?(--[a-z-]+)", everything, re.MULTILINE):
+                self.assertIn(option, page)
+
+    def test_slips_get_the_nearest(self):
+        cases = [(["serch", "x"], "did you mean search?"), (["blocks", "read", "--help"], "velan blocks has no command read"),
+                 (["blocks", "repiar"], "did you mean repair?"), (["search", "--contxt=3", "x"], "did you mean --context?"),
+                 (["search", "--xyz", "x"], "there is no option --xyz (see")]
+        for arguments, expected in cases:
+            status, output, errors = velan(*arguments)
+            self.assertEqual((status, output), (2, ""), arguments)
+            self.assertIn(expected, errors)
+
+    def test_completions(self):
+        """Asks the shell itself what it would offer."""
+        script = velan("completion", "bash")[1]
+        cases = [("velan se", "search selftest"), ("velan blocks re", "repair"), ("velan search --max-co", "--max-columns --max-count"),
+                 ("velan search --sort m", "modified"), ("velan search --type ht", "html"), ("velan keyed set f 1 v --type st", "string")]
+        for line, expected in cases:
+            words = " ".join(f"'{word}'" for word in line.split())
+            done = subprocess.run(["bash", "-c", f"{script}\nCOMP_WORDS=({words}) COMP_CWORD={len(line.split()) - 1}\n"
+                                   "_velan; printf '%s\n' \"${COMPREPLY[@]}\""], capture_output=True, check=True)
+            self.assertEqual(sorted(done.stdout.decode().split()), expected.split(), line)
+
+    def test_version(self):
         self.assertRegex(velan("--version")[1], r"^velan \d+\.\d+\.\d+\n$")
         for level, expected, complaint in (("scalar", r"sets: none.*", ""), ("best", r"sets: .*", "WARNING: .*best\n")):
             _, output, errors = velan("--version", "--verbose", environment={"VELAN_CPU": level})

@@ -15,6 +15,8 @@
 namespace velan::tool {
 namespace {
 
+constexpr const char* kGroup = "for bytes: a checksum, compression";
+
 struct ChecksumOptions {
   std::vector<std::string> files{"-"};
 };
@@ -66,6 +68,7 @@ void addFilter(CLI::App& app, int& status, const char* name, const char* descrip
     addNumber(*command, "-l,--level", options->level, 1, 9, "1 (fast) to 9 (small)");
   }
   command->footer(footer);
+  command->group(kGroup);
 }
 
 }  // namespace
@@ -75,6 +78,7 @@ void addByteFilters(CLI::App& app, int& status) {
       app, status, "crc", "CRC-32 of files, as block files use it (not that of zlib)", printChecksums);
   addArgument(*command, "FILE", options->files, "Standard input by default");
   command->footer("Example:\n  velan crc letter.txt");
+  command->group(kGroup);
   addFilter(app, status, "deflate", "Compress in zlib format", compress<false>,
             "Example:\n  velan deflate letter.txt > letter.z");
   addFilter(app, status, "gzip", "Compress in gzip format", compress<true>,

@@ -200,9 +200,12 @@ void addKey(CLI::App& command, KeyedOptions& options) {
 }
 
 void addType(CLI::App& command, KeyedOptions& options, const char* description) {
-  std::vector<std::string> names;
-  for (const auto& [name, marker] : typeMarkers()) names.push_back(name);
-  command.add_option("--type", options.type, description)->check(CLI::IsMember(names));
+  std::string names;
+  for (const auto& [name, marker] : typeMarkers()) names += (names.empty() ? "" : "|") + name;
+  const auto check = [names](const std::string& name) {
+    return typeMarkers().contains(name) ? "" : "it takes " + names + ", not " + name;
+  };
+  command.add_option("--type", options.type, description)->check(check)->type_name(names);
 }
 
 void addDump(CLI::App& keyed, int& status) {

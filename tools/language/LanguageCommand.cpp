@@ -11,6 +11,7 @@
 #include "tools/Console.h"
 #include "tools/documents/DocumentReading.h"
 #include "tools/documents/PlainText.h"
+#include "tools/usage/OptionTable.h"
 #include "velan/base/json/JSON.h"
 #include "velan/language/DominantLanguage.h"
 #include "velan/language/LanguageFilter.h"
@@ -125,6 +126,7 @@ void addLanguageCommand(CLI::App& app, int& status) {
   command->add_flag("--verbose", options->verbose, "Show how many stop words of each language were found, too");
   command->add_flag("--json", options->json, "Print a JSON object a document");
   addDecodingOptions(*command, options->decoding);
+  keepInShortHelp(*command, {"--filter", "--verbose", "--json", "-g", "-t", "--hidden"});
   command->footer(
       "Prints the path, the language by its stop words (- when undecided), its ISO 639 code, the language by its\n"
       "letters, and which part of the words are stop words. RU, AR, HE, EL and ** stand for the Cyrillic, Arabic,\n"

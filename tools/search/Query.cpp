@@ -113,8 +113,8 @@ void addQueryOptions(CLI::App& command, QueryOptions& options) {
       });
   addNumber(command, "--distance", options.distance, int64_t{0}, kMaxDistance,
             "How many words NEAR, BEFORE, AFTER reach (10)");
-  addChoice(command, "--keywords", "WHICH", options.keywords,
-            "Operators: auto (default; in sentences not, near … are words), any, upper (capitals only)",
+  addChoice(command, "--keywords", options.keywords,
+            "Operators: any, only in capitals, or (auto) not those of what looks like a sentence",
             {{"auto", KeywordCase::Auto}, {"any", KeywordCase::Any}, {"upper", KeywordCase::Upper}});
   command.add_flag("--verbatim", options.verbatim, "Find words only as they are spelt: not Straße with strasse");
   command.add_flag("--no-wildcards", options.noWildcards, "Take * and ? as they are; not with -d, --fuzzy");

@@ -2,6 +2,7 @@
 #include "tools/CommandLine.h"
 #include "tools/Commands.h"
 #include "tools/search/SearchOptions.h"
+#include "tools/usage/OptionTable.h"
 
 namespace velan::tool {
 namespace {
@@ -50,10 +51,9 @@ void addLineOptions(CLI::App& command, SearchOptions& options) {
   showPath("-h,--no-filename", false, "Print no names of files before the lines");
   command.add_flag("-n,--line-number,!-N,!--no-line-number", options.withNumber,
                    "Print the numbers of lines (default)");
-  addChoice(command, "--color", "WHEN", options.color, "auto (default), always, never",
+  addChoice(command, "--color", options.color, "Color what is printed; auto, the default, on a terminal",
             {{"auto", ColorChoice::Auto}, {"always", ColorChoice::Always}, {"never", ColorChoice::Never}});
-  addChoice(command, "--hints", "WHEN", options.hints,
-            "Say why nothing may have been found: auto (default, on a terminal), always, never",
+  addChoice(command, "--hints", options.hints, "Say why nothing may have been found; auto, the default, on a terminal",
             {{"auto", HintChoice::Auto}, {"always", HintChoice::Always}, {"never", HintChoice::Never}});
 }
 
@@ -62,23 +62,26 @@ void addLineOptions(CLI::App& command, SearchOptions& options) {
 void addSearchCommand(CLI::App& app, int& status) {
   const auto [command, options] =
       addCommand<SearchOptions>(app, status, "search", "Find the documents that match a query, and where", runSearch);
-  command->set_help_flag("--help", "Print this help");
+  command->set_help_flag("--help", "Print help; with --all all of it");
   addQueryOptions(*command, options->query);
-  addChoice(*command, "--unit", "UNIT", options->scope.unit, "What must match: document (default), paragraph, line",
+  addChoice(*command, "--unit", options->scope.unit, "What must match as a whole: a document by default",
             {{"document", SearchUnit::Document}, {"paragraph", SearchUnit::Paragraph}, {"line", SearchUnit::Line}});
   command->add_flag("-v,--invert-match", options->scope.invert, "Find the documents or units that do not match");
   addFormOptions(*command, *options);
   addLineOptions(*command, *options);
-  addChoice(*command, "--sort", "ORDER", options->order, "path, modified (the latest first), hits (the most first)",
+  addChoice(*command, "--sort", options->order, "Sort files by path, the latest first, or the most occurrences first",
             {{"path", DocumentOrder::Path}, {"modified", DocumentOrder::Modified}, {"hits", DocumentOrder::Hits}});
   addFileOptions(*command, options->files);
   command->add_flag("--files", options->onlyListsFiles, "List the files that would be searched; takes no QUERY");
   addDecodingOptions(*command, options->decoding);
   addNumber(*command, "-j,--threads", options->threads, size_t{1}, kMaxThreads,
             "Search with N threads (one per processor)");
+  keepInShortHelp(*command, {"-s", "-d", "--fuzzy", "--unit", "-l", "-c", "-o", "-C", "--json", "-g", "-t", "--sort"});
   command->footer(
       "Without PATH standard input is searched if it is a file or a pipe, otherwise the current folder. Folders are\n"
-      "searched with all below them, sorted by name, without symbolic links. A file's encoding is told by --encoding,\n"
+      "searched with all below them, sorted by name, without symbolic links and what .gitignore and .ignore files\n"
+      "leave out. GLOB counts from the folder that is searched; what is named is searched whatever it is called.\n"
+      "A file's encoding is told by --encoding,\n"
       "a byte-order mark, or its extended attributes, or it is UTF-8; otherwise --default-encoding, or windows-1252\n"
       "with a warning. Binary files in folders are passed over. HTML and XML are searched without their markup;\n"
       "places and numbers of lines are those of the source. A unit that matches without an occurrence, such as by\n"

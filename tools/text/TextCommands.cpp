@@ -3,6 +3,7 @@
 
 #include "tools/CommandLine.h"
 #include "tools/Commands.h"
+#include "tools/usage/OptionTable.h"
 
 namespace velan::tool {
 namespace {
@@ -16,6 +17,7 @@ void addExplain(CLI::App& app, int& status) {
   addQueryOptions(*command, options->query);
   addArgument(*command, "FILE", options->path, "A file to match, or - for standard input");
   addDecodingOptions(*command, options->decoding);
+  keepInShortHelp(*command, {"-s", "-d", "--fuzzy", "--distance", "--no-wildcards", "--encoding"});
   command->footer(
       "Patterns show what they became: a type from 0 to 10 and their normal form. Places are line:column.\n"
       "Exit status with FILE: 0 it matches, 1 it does not, 2 it cannot be read.\n"
@@ -49,6 +51,7 @@ void addWords(CLI::App& app, int& status) {
             "Leave out words of fewer than N units");
   addNumber(*command, "-n,--top", options->top, size_t{1}, kMaxCount, "List only the N most frequent");
   addDecodingOptions(*command, options->decoding);
+  keepInShortHelp(*command, {"-i", "--min-length", "-n", "-g", "-t", "--hidden"});
   command->footer(
       "Each line holds the count, a tab and the word; equally frequent words are sorted. A word that a hyphen divides\n"
       "at a line end counts as one.\n"

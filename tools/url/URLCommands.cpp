@@ -132,7 +132,7 @@ int listParameters(const ParameterOptions& options) {
 
 void addEscapeOptions(CLI::App& command, EscapeOptions& options) {
   addArgument(command, "TEXT", options.texts, "What to convert; without any, the lines of standard input");
-  addChoice(command, "--set", "SET", options.set, "all (default), standard: what has a meaning in a URL, ascii",
+  addChoice(command, "--set", options.set, "Which: all by default; standard are those with a meaning in a URL",
             {{"all", EscapeSet::All}, {"standard", EscapeSet::Standard}, {"ascii", EscapeSet::ASCII}});
   command.add_option("--encoding", options.encoding, "The encoding of the bytes, with --set all (default: UTF-8)")
       ->type_name("NAME");

@@ -8,7 +8,7 @@
 namespace velan::tool {
 namespace {
 
-constexpr int64_t kStride = 1024;
+constexpr int64_t kStride = 64;
 
 constexpr int64_t kReplacementLength = 3;  // U+FFFD in UTF-8
 

@@ -23,6 +23,24 @@
 #endif
 
 namespace velan {
+
+/// For each set of eight units the bytes that bring those in it together.
+struct CompressingShuffles {
+  constexpr CompressingShuffles() {
+    for (unsigned set = 0; set < 256; ++set) {
+      unsigned to = 0;
+      for (unsigned from = 0; from < 8; ++from) {
+        if (!(set >> from & 1)) continue;
+        bytes[set][to++] = static_cast<uint8_t>(2 * from);
+        bytes[set][to++] = static_cast<uint8_t>(2 * from + 1);
+      }
+    }
+  }
+
+  alignas(16) uint8_t bytes[256][16] = {};
+};
+inline constexpr CompressingShuffles kCompressingShuffles;
+
 namespace {
 
 struct Scalar {
@@ -45,6 +63,13 @@ struct Units128 {
   static Units128 of(unichar c) { return {_mm_set1_epi16(static_cast<short>(c))}; }
   void store(unichar* p) const { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v); }
 
+  /// Writes a whole vector of which only those wanted count, which come first; returns how many.
+  size_t storeCompressed(Matches m, unichar* p) const {
+    const auto set = static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(m, m))) & 0xFF;
+    const auto* shuffle = reinterpret_cast<const __m128i*>(kCompressingShuffles.bytes[set]);
+    Units128{_mm_shuffle_epi8(v, _mm_load_si128(shuffle))}.store(p);
+    return static_cast<size_t>(__builtin_popcount(set));
+  }
   Units128 operator-(Units128 other) const { return {_mm_sub_epi16(v, other.v)}; }
   /// 0 where a unit has `bits` among those of `mask`.
   Units128 differing(Units128 mask, Units128 bits) const { return {_mm_xor_si128(_mm_and_si128(v, mask.v), bits.v)}; }
@@ -84,6 +109,10 @@ struct Units256 {
   static Units256 of(unichar c) { return {_mm256_set1_epi16(static_cast<short>(c))}; }
   void store(unichar* p) const { _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), v); }
 
+  size_t storeCompressed(Matches m, unichar* p) const {
+    const size_t low = Units128{_mm256_castsi256_si128(v)}.storeCompressed(_mm256_castsi256_si128(m), p);
+    return low + Units128{_mm256_extracti128_si256(v, 1)}.storeCompressed(_mm256_extracti128_si256(m, 1), p + low);
+  }
   Units256 operator-(Units256 other) const { return {_mm256_sub_epi16(v, other.v)}; }
   /// 0 where a unit has `bits` among those of `mask`.
   Units256 differing(Units256 mask, Units256 bits) const {
@@ -129,8 +158,10 @@ struct Units512 {
   void store(unichar* p) const { _mm512_storeu_si512(p, v); }
 
   Units512 operator-(Units512 other) const { return {_mm512_sub_epi16(v, other.v)}; }
-  /// Writes a whole vector of which only those wanted count, which come first.
-  void storeCompressed(Matches m, unichar* p) const { _mm512_storeu_si512(p, _mm512_maskz_compress_epi16(m, v)); }
+  size_t storeCompressed(Matches m, unichar* p) const {
+    _mm512_storeu_si512(p, _mm512_maskz_compress_epi16(m, v));
+    return static_cast<size_t>(__builtin_popcount(m));
+  }
   Units512 differing(Units512 mask, Units512 bits) const {
     return {_mm512_ternarylogic_epi64(v, mask.v, bits.v, 0x6A)};
   }
@@ -176,6 +207,13 @@ struct UnitsNeon {
   static UnitsNeon of(unichar c) { return {vdupq_n_u16(c)}; }
   void store(unichar* p) const { vst1q_u16(reinterpret_cast<uint16_t*>(p), v); }
 
+  size_t storeCompressed(Matches m, unichar* p) const {
+    const uint8x8_t bit = vcreate_u8(0x8040201008040201);
+    const uint8_t set = vaddv_u8(vand_u8(vmovn_u16(m), bit));
+    const uint8x16_t shuffle = vld1q_u8(kCompressingShuffles.bytes[set]);
+    UnitsNeon{vreinterpretq_u16_u8(vqtbl1q_u8(vreinterpretq_u8_u16(v), shuffle))}.store(p);
+    return static_cast<size_t>(__builtin_popcount(set));
+  }
   UnitsNeon operator-(UnitsNeon other) const { return {vsubq_u16(v, other.v)}; }
   UnitsNeon differing(UnitsNeon mask, UnitsNeon bits) const { return {veorq_u16(vandq_u16(v, mask.v), bits.v)}; }
   static UnitsNeon unionOf(UnitsNeon a, UnitsNeon b, UnitsNeon c) { return {vorrq_u16(vorrq_u16(a.v, b.v), c.v)}; }

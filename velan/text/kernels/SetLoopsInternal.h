@@ -112,19 +112,7 @@ size_t copyMembersOf(const unichar* units, size_t length, const uint8_t* rep, Se
   if constexpr (V::kUnits > 1) {
     for (; length - i >= V::kUnits; i += V::kUnits) {
       const auto found = membersAt<V>(units + i, rep, hints);
-      const uint64_t bits = V::bits(found);
-      if constexpr (requires(V v) { v.storeCompressed(found, members); }) {
-        V::load(units + i).storeCompressed(found, members + count);
-        count += static_cast<size_t>(__builtin_popcountll(bits));
-      } else if (V::bits(V::inverse(found)) == 0) {
-        V::load(units + i).store(members + count);
-        count += V::kUnits;
-      } else {
-        for (size_t k = 0; k < V::kUnits; ++k) {
-          members[count] = units[i + k];
-          count += bits >> (k * V::kBits) & 1;
-        }
-      }
+      count += V::load(units + i).storeCompressed(found, members + count);
     }
     return count + copyMembersOf<typename V::Narrower>(units + i, length - i, rep, hints, members + count);
   } else {

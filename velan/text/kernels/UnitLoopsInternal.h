@@ -228,10 +228,10 @@ NeedlePosition findHeadBy(const unichar* text, size_t positions, const NeedleHea
 }
 
 /// Calls `accept(position)` in rising order for the positions below `count` that `test` wants until it returns true.
-/// Where there are many and vectors can be compressed the positions are gathered first, so that none is mispredicted.
+/// Where there are many the positions are gathered first, so that none is mispredicted.
 template <typename V, typename Test, typename Accept>
 void forEachWhere(size_t count, Test test, Accept accept) {
-  if constexpr (requires(V v, typename V::Matches m, unichar * p) { v.storeCompressed(m, p); }) {
+  if constexpr (kIsVector<V>) {
     constexpr size_t kBlocks = 32, kMany = 8;
     unichar order[V::kUnits], gathered[(kBlocks + 1) * V::kUnits];
     for (size_t k = 0; k < V::kUnits; ++k) order[k] = static_cast<unichar>(k);
@@ -242,8 +242,8 @@ void forEachWhere(size_t count, Test test, Accept accept) {
       wanted = 0;
       for (size_t left = kBlocks; left > 0 && count - i >= V::kUnits; --left, i += V::kUnits) {
         const auto matches = test.template block<V>(i);
-        (V::load(order) - V::of(static_cast<unichar>(start - i))).storeCompressed(matches, gathered + wanted);
-        wanted += static_cast<size_t>(__builtin_popcountll(V::bits(matches)));
+        const V positions = V::load(order) - V::of(static_cast<unichar>(start - i));
+        wanted += positions.storeCompressed(matches, gathered + wanted);
       }
       for (size_t k = 0; k < wanted; ++k) {
         if (accept(start + gathered[k])) return;

@@ -27,6 +27,23 @@ unsigned frequencyIgnoringCase(unichar c) {
   return std::max(frequency(c), c < kRankedUnits - 0x20 ? frequency(static_cast<unichar>(c + 0x20)) : 0);
 }
 
+// More than a letter in two cases.
+bool hasManyPreimages(unichar c, const unichar* rings) { return rings[rings[c]] != c; }
+
+// The position in `[first, end)` of the rarest unit that `isWanted`; 0 if there is none.
+template <typename IsWanted>
+size_t rarestUnit(const NeedleHead& head, size_t first, size_t end, IsWanted isWanted) {
+  static_assert(NeedleHead::kMost <= 0x100);
+  unsigned rarest = ~0u;  // the frequency above the position: a minimum needs no branch
+  for (size_t i = first; i < end; ++i) {
+    const unichar c = head.units[i];
+    if (!isWanted(c)) continue;
+    const unsigned f = head.table ? frequencyIgnoringCase(c) : frequency(c);
+    rarest = std::min(rarest, f << 8 | static_cast<unsigned>(i));
+  }
+  return rarest == ~0u ? 0 : rarest & 0xFF;
+}
+
 // Sets the probe where it stands: the copy of a struct written a moment ago stalls.
 void setProbe(NeedleHead& head, NeedleHead::Probe& probe, size_t position) {
   const unichar unit = head.units[position];
@@ -44,19 +61,21 @@ void setProbe(NeedleHead& head, NeedleHead::Probe& probe, size_t position) {
 }  // namespace
 
 void chooseProbes(NeedleHead& head) {
-  static_assert(NeedleHead::kMost <= 0x100);
   using enum NeedleHead::Telling;
-  head.telling = head.table && !ringsOfTable(head.table) ? Table : Mask;
-  size_t i = 0;
+  const unichar* rings = head.table ? ringsOfTable(head.table) : nullptr;
+  head.telling = head.table && !rings ? Table : Mask;
+  size_t first = 0;
   for (size_t k = 0; k < NeedleHead::kProbes; ++k) {
     // The rarest of each third: neighbours mostly come together, so that one says little when the other is there.
     const size_t end = head.length * (k + 1) / NeedleHead::kProbes;
-    unsigned rarest = ~0u;  // the frequency above the position: a minimum needs no branch
-    for (; i < end; ++i) {
-      const unsigned f = head.table ? frequencyIgnoringCase(head.units[i]) : frequency(head.units[i]);
-      rarest = std::min(rarest, f << 8 | static_cast<unsigned>(i));
+    size_t position = rarestUnit(head, first, end, [](unichar) { return true; });
+    if (rings && hasManyPreimages(head.units[position], rings)) {
+      const auto fitsMask = [rings](unichar c) { return !hasManyPreimages(c, rings); };
+      const size_t other = rarestUnit(head, first, end, fitsMask);
+      if (fitsMask(head.units[other])) position = other;
     }
-    setProbe(head, head.probes[k], rarest == ~0u ? 0 : rarest & 0xFF);
+    setProbe(head, head.probes[k], position);
+    first = end;
   }
 }
 

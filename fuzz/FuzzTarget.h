@@ -4,7 +4,6 @@
 #define VELAN_FUZZ_FUZZ_TARGET_H
 
 #include <cstring>
-#include <source_location>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -59,9 +58,8 @@ inline std::vector<FuzzTarget>& fuzzTargets() {
   static const int name##_place = (velan::fuzzTargets().push_back({#name, name##_target}), 0); \
   static void name##_target([[maybe_unused]] velan::FuzzInput input)
 
-inline void require(bool condition, std::source_location place = std::source_location::current()) {
-  if (condition) return;
-  throw std::logic_error(std::string(place.file_name()) + ":" + std::to_string(place.line()));
+inline void require(bool condition, const char* file = __builtin_FILE(), int line = __builtin_LINE()) {
+  if (!condition) throw std::logic_error(std::string(file) + ":" + std::to_string(line));
 }
 
 }  // namespace velan

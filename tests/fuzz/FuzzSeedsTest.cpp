@@ -11,9 +11,10 @@ std::vector<std::string> aroundSeed(const std::string& seed, Chance& chance) {
   for (size_t i = 0; i < seed.size(); ++i) {
     around.push_back(seed.substr(0, i));
     around.push_back(seed.substr(0, i) + seed.substr(i + 1));
-    for (const size_t byte : {seed[i] ^ 1ul << chance.below(8), chance.below(256)}) {
+    for (const char byte :
+         {static_cast<char>(seed[i] ^ (1 << chance.below(8))), static_cast<char>(chance.below(256))}) {
       around.push_back(seed);
-      around.back()[i] = static_cast<char>(byte);
+      around.back()[i] = byte;
     }
   }
   for (int first = 0; first < 256; ++first) around.push_back(static_cast<char>(first) + seed);  // choices of the target

@@ -25,7 +25,6 @@ void forEachBit(uint64_t bits, auto visit) {
 PhraseSearch::PhraseSearch(const WordPattern& pattern, const SearchedText& text, Range range)
     : _pieces(pattern._pieces),
       _anchor(pattern._anchor && _pieces.size() <= kMostAroundAnchor ? &*pattern._anchor : nullptr),
-      _anchored(pattern._anchored),
       _text(text),
       _start(range.location),
       _location(range.location),
@@ -37,7 +36,7 @@ Range PhraseSearch::next() { return _anchor ? nextAroundAnchor() : nextReadingAl
 
 Range PhraseSearch::nextAroundAnchor() {
   while (_location < _end) {
-    const int64_t hit = _text.find(*_anchor, _location, _end);
+    const int64_t hit = _anchor->find(_text, _location, _end);
     if (hit < 0) break;
     const Range word = _text.words().rangeOfWordAtIndex(hit);
     _location = isPresent(word) ? endOf(word) : hit + 1;
@@ -50,14 +49,14 @@ Range PhraseSearch::nextAroundAnchor() {
 }
 
 Range PhraseSearch::placeAround(Range word) const {
-  if (!WordPattern::matches(_pieces[_anchored], _text, word)) return kAbsentRange;
+  if (!WordPattern::matches(_pieces[_anchor->piece], _text, word)) return kAbsentRange;
   Range last = word;
-  for (size_t i = _anchored + 1; i < _pieces.size(); ++i) {
+  for (size_t i = _anchor->piece + 1; i < _pieces.size(); ++i) {
     last = _text.firstWordIn(endOf(last), _end);
     if (!isPresent(last) || !WordPattern::matches(_pieces[i], _text, last)) return kAbsentRange;
   }
   Range first = word;
-  for (size_t i = _anchored; i-- > 0;) {
+  for (size_t i = _anchor->piece; i-- > 0;) {
     first = _text.words().rangeOfPreviousWordFromIndex(first.location - 1, _start);
     if (!isPresent(first) || !WordPattern::matches(_pieces[i], _text, first)) return kAbsentRange;
   }

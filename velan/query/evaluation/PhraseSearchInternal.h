@@ -41,8 +41,7 @@ class PhraseSearch {
   void groupPieces();
 
   const std::vector<WordPattern::Piece>& _pieces;
-  const Literal* const _anchor;  // null to read every word
-  const size_t _anchored;        // the piece that holds it
+  const WordPattern::Anchor* const _anchor;  // null to read every word
   const SearchedText& _text;
   const int64_t _start;
   int64_t _location;  // what begins before was read

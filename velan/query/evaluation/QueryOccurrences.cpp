@@ -27,12 +27,19 @@ class PrimaryPlaces {
     }
   }
 
-  bool contains(const QueryTerms& leaf, size_t number) const {
-    const auto found = _marks.find(&leaf);
-    if (found == _marks.end()) return false;
-    const size_t index = number - found->second.first;
-    return index < found->second.places.size() && found->second.places[index];
-  }
+  // Of the places of a leaf, from the first in the range on.
+  struct Marks {
+    bool all = false;
+    std::vector<bool> places;
+
+    bool contains(size_t number) const { return all || (number < places.size() && places[number]); }
+    void add(size_t number) {
+      if (places.size() <= number) places.resize(std::max(number + 1, places.size() * 2));
+      places[number] = true;
+    }
+  };
+
+  const Marks& marksOf(const QueryTerms& leaf) { return _marks[&leaf]; }
 
  private:
   // A node to mark in the ranges where it takes part; shared by all children of a group.
@@ -40,12 +47,6 @@ class PrimaryPlaces {
     const QueryTerms* node;
     Relation relation;
     std::shared_ptr<const RangeColumns> ranges;
-  };
-
-  // Of the places of a leaf, from the first in the range on.
-  struct Marks {
-    size_t first = 0;
-    std::vector<bool> places;
   };
 
   void visitGroup(const Task& task) {
@@ -126,25 +127,19 @@ class PrimaryPlaces {
     return ends;
   }
 
-  void mark(const QueryTerms& leaf, size_t number) {
-    const auto [entry, isNew] = _marks.try_emplace(&leaf);
-    Marks& marks = entry->second;
-    if (isNew) marks.first = _evaluator.search(leaf).numberFrom(_range.location);
-    const size_t index = number - marks.first;
-    if (marks.places.size() <= index) marks.places.resize(std::max(index + 1, marks.places.size() * 2));
-    marks.places[index] = true;
-  }
-
   // Of the ranges that begin at or before a place, the last one reaches furthest.
   void markWithin(const QueryTerms& leaf, const RangeColumns& columns) {
     const Ranges ranges = columns.largest();
     LeafSearch& search = _evaluator.search(leaf);
-    if (search.isWholeRange()) return mark(leaf, 0);
+    Marks& marks = _marks[&leaf];
+    marks.all = marks.all || search.isWholeRange() || ranges.front() == _range;
+    if (marks.all) return;
+    const size_t first = search.numberFrom(_range.location);
     size_t next = 0;
     size_t number = search.numberFrom(ranges.front().location);
     for (const Range* place = search.at(number); place; place = search.at(++number)) {
       while (next < ranges.size() && ranges[next].location <= place->location) ++next;
-      if (next > 0 && endOf(*place) <= endOf(ranges[next - 1])) mark(leaf, number);
+      if (next > 0 && endOf(*place) <= endOf(ranges[next - 1])) marks.add(number - first);
       if (next == ranges.size() && place->location >= endOf(ranges.back())) return;
     }
   }
@@ -157,7 +152,9 @@ class PrimaryPlaces {
 
 // Orders by location, the longer first; equal ranges become one, that of the first term, primary if any is.
 void mergeEqualRanges(std::vector<QueryOccurrence>& occurrences) {
-  std::stable_sort(occurrences.begin(), occurrences.end(), precedes);
+  if (!std::is_sorted(occurrences.begin(), occurrences.end(), precedes)) {
+    std::stable_sort(occurrences.begin(), occurrences.end(), precedes);
+  }
   size_t kept = 0;
   for (QueryOccurrence& each : occurrences) {
     if (kept > 0 && occurrences[kept - 1].range == each.range) {
@@ -174,16 +171,18 @@ void mergeEqualRanges(std::vector<QueryOccurrence>& occurrences) {
 std::vector<QueryOccurrence> occurrencesOfQuery(QueryEvaluator& evaluator, const QueryTerms& root, Range range) {
   std::vector<QueryOccurrence> occurrences;
   if (range.length <= 0) return occurrences;
-  const PrimaryPlaces primary(evaluator, root, range);
+  PrimaryPlaces primary(evaluator, root, range);
   walkPositiveLeaves(root, [&](const QueryTerms& leaf) {
     LeafSearch& search = evaluator.search(leaf);
+    const auto& marks = primary.marksOf(leaf);
     if (search.isWholeRange()) {
-      occurrences.push_back({range, leaf.word(), primary.contains(leaf, 0)});
+      occurrences.push_back({range, leaf.word(), marks.contains(0)});
       return;
     }
-    size_t number = search.numberFrom(range.location);
+    const size_t first = search.numberFrom(range.location);
+    size_t number = first;
     for (const Range* place = search.at(number); place && endOf(*place) <= endOf(range); place = search.at(++number)) {
-      occurrences.push_back({*place, leaf.word(), primary.contains(leaf, number)});
+      occurrences.push_back({*place, leaf.word(), marks.contains(number - first)});
     }
   });
   mergeEqualRanges(occurrences);

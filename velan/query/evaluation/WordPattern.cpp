@@ -50,6 +50,23 @@ SplitPattern splitPattern(std::u16string_view pattern, bool phrase) {
   return parts;
 }
 
+// Longer units are rarer, and so are those with any but the most frequent letters.
+size_t rareness(std::u16string_view units) {
+  constexpr std::u16string_view kFrequent = u"etaoinshrETAOINSHR";
+  return 2 * units.size() + (units.find_first_not_of(kFrequent) != units.npos ? 1 : 0);
+}
+
+template <typename Neighbour>
+Neighbour neighbourOf(std::u16string_view set) {
+  Neighbour neighbour;
+  neighbour.exists = true;
+  for (unichar c = 0; c < 128; ++c) {
+    if (stringMatchesUnixWildcard(&c, &c + 1, set.data(), set.data() + set.size())) continue;
+    neighbour.ascii[c / 64] &= ~(uint64_t{1} << (c % 64));
+  }
+  return neighbour;
+}
+
 }  // namespace
 
 WordPattern::Piece WordPattern::wildcardPiece(std::u16string pattern, bool anyWord, bool fuzzy) {
@@ -137,15 +154,68 @@ std::u16string_view WordPattern::longestRunOf(const Piece& piece) {
   return longest;
 }
 
+WordPattern::Anchor WordPattern::anchorAt(const Piece& piece, std::u16string_view run, const unichar* table) {
+  const std::u16string_view units = piece.units;
+  const auto first = static_cast<size_t>(run.data() - units.data());
+  Anchor anchor{Literal(run, table), 0, 0, 0, {}, {}};
+  int64_t* count = &anchor.before;
+  for (size_t i = 0; i < units.size();) {
+    size_t length = 1;
+    if (units[i] == u'[') {
+      const bool isSet = piece.type != WildcardTypeAnyOne && piece.type != WildcardTypeGeneral;
+      length = std::min(units.find(u']', i), units.size() - 1) + 1 - i;
+      if (i + length == first) anchor.previous = neighbourOf<Anchor::Neighbour>(units.substr(i, length));
+      if (i == first + run.size()) anchor.next = neighbourOf<Anchor::Neighbour>(units.substr(i, length));
+      if (!isSet || units[i + length - 1] != u']') anchor.before = anchor.after = -1;
+    }
+    if (i == first) {
+      count = &anchor.after;
+      length = run.size();
+    } else if (units[i] == u'*' || *count < 0) {
+      *count = -1;
+    } else {
+      ++*count;
+    }
+    i += length;
+  }
+  if (piece.type == WildcardTypeAnyOne || piece.type == WildcardTypeGeneral) anchor.previous = anchor.next = {};
+  return anchor;
+}
+
 void WordPattern::chooseAnchor(const unichar* table) {
   std::u16string_view longest;
+  size_t chosen = 0;
   for (size_t i = 0; i < _pieces.size(); ++i) {
     const std::u16string_view run = longestRunOf(_pieces[i]);
-    if (run.size() <= longest.size()) continue;
+    if (run.size() < longest.size() || rareness(run) <= rareness(longest)) continue;
     longest = run;
-    _anchored = i;
+    chosen = i;
   }
-  if (!longest.empty()) _anchor.emplace(longest, table);
+  if (longest.empty()) return;
+  _anchor.emplace(anchorAt(_pieces[chosen], longest, table));
+  _anchor->piece = chosen;
+}
+
+bool WordPattern::Anchor::mayMatchAt(const SearchedText& text, int64_t location) const {
+  const int64_t end = location + literal.length();
+  const auto mapped = [&text](int64_t i) {
+    const unichar c = text.units()[i];
+    return text.table() ? text.table()[c] : c;
+  };
+  if (previous.exists && (location == 0 || !previous.mayBe(mapped(location - 1)))) return false;
+  if (next.exists && (end == text.length() || !next.mayBe(mapped(end)))) return false;
+  return (before < 0 || (location >= before && text.wordBeginsAt(location - before))) &&
+         (after < 0 || (after <= text.length() - end && text.wordEndsAt(end + after - 1)));
+}
+
+// Long units in a text that repeats them would be compared again and again: there each place is one for the caller.
+int64_t WordPattern::Anchor::find(const SearchedText& text, int64_t location, int64_t end) const {
+  constexpr int64_t kShort = 32;
+  int64_t found = text.find(literal, location, end);
+  while (found >= 0 && literal.length() <= kShort && !mayMatchAt(text, found)) {
+    found = text.find(literal, found + 1, end);
+  }
+  return found;
 }
 
 // Comparisons with the threshold are written so that a similarity that is not a number is never enough.

@@ -52,18 +52,37 @@ class WordPattern {
     bool standsForAnyWord;  // of fitting length: it has no literal
   };
 
+  // The longest units that one of the pieces holds for certain, and what is known of the units around them, so that few
+  // of the places where they stand need a look at the word.
+  struct Anchor {
+    struct Neighbour {
+      uint64_t ascii[2] = {~uint64_t{0}, ~uint64_t{0}};  // which units it may be; any others may be
+      bool exists = false;
+      bool mayBe(unichar c) const { return c >= 128 || (ascii[c / 64] >> (c % 64) & 1) != 0; }
+    };
+
+    Literal literal;
+    size_t piece;
+    int64_t before, after;  // how many units the word has before and after it; -1 where that is open
+    Neighbour previous, next;
+
+    /// Whether the word around it may match where it stands at `location`.
+    bool mayMatchAt(const SearchedText& text, int64_t location) const;
+    /// Where it stands and may match, at or after `location` and wholly before `end`; -1 for nowhere.
+    int64_t find(const SearchedText& text, int64_t location, int64_t end) const;
+  };
+
   static Piece wildcardPiece(std::u16string pattern, bool anyWord, bool fuzzy);
   static Piece literalPiece(std::u16string word);
   static bool matches(const Piece& piece, const SearchedText& text, Range word);
   static bool isSimilar(const Piece& piece, const SearchedText& text, Range word);
   static std::u16string_view literalOf(const Piece& piece);
   static std::u16string_view longestRunOf(const Piece& piece);
+  static Anchor anchorAt(const Piece& piece, std::u16string_view run, const unichar* table);
   void chooseAnchor(const unichar* table);
 
   std::vector<Piece> _pieces;
-  // The longest units that one of the pieces holds for certain, where it has any, and which piece that is.
-  std::optional<Literal> _anchor;
-  size_t _anchored = 0;
+  std::optional<Anchor> _anchor;  // where one of the pieces holds any units for certain
   bool _wholeRange = false;
 };
 

@@ -58,7 +58,7 @@ bool WordSearch::searchOn() {
 Range WordSearch::nextWord() {
   if (!_anchor) return _text.firstWordIn(_location, _end);
   while (_location < _end) {
-    const int64_t hit = _text.find(*_anchor, _location, _end);
+    const int64_t hit = _anchor->find(_text, _location, _end);
     if (hit < 0) return kAbsentRange;
     const Range word = _text.words().rangeOfWordAtIndex(hit);
     if (isPresent(word) && word.location >= _location && endOf(word) <= _end) return word;

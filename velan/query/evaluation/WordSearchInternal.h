@@ -40,7 +40,7 @@ class WordSearch {
   const SearchedText& _text;
   int64_t _location;  // what begins before was searched
   const int64_t _end;
-  const Literal* const _anchor;  // looks at words only where it stands; null for none
+  const WordPattern::Anchor* const _anchor;  // looks at words only where it stands; null for none
   const bool _mayStandForSeveral;
   std::vector<Range> _found;  // in the last run
   size_t _taken = 0;          // of these

@@ -86,10 +86,11 @@ bool BlockStorage::recoverTailUpTo(int64_t size) {
   const bool recoverable = whole ? end - size <= kMostMissingPadding : scanner.isTorn(offset);
   const bool hidesNothing = recoverable && scanner.findBlock(offset + 1) == size;
   if (!finished(scanner) || !hidesNothing) return false;
+  const std::string path = _path.toUTF8();  // behind the truncation too little memory would come too late
   if (!_file->truncate(end)) return failWith(_file->error());
   logFormat("WARNING: %s at %lld in file %s",
             whole ? "completed the padding of the last block" : "cut off a torn block", static_cast<long long>(offset),
-            _path.toUTF8().c_str());
+            path.c_str());
   return _file->seek(std::min(position, end));
 }
 

@@ -144,12 +144,19 @@ Transcoded toUTF8Lossy(std::u16string_view utf16, char* bytes) {
   }
 }
 
-// Appends what `convert` makes of each piece of a text: the room that is cleared for a piece stays in the nearest
-// cache, and the string reserves what the text needs if it goes on as it began. False, with a part appended, when a
-// piece was not converted to its end.
+// Appends what `convert` makes of a text, in pieces: the room that is cleared for a piece stays in the nearest cache,
+// and the string reserves what the text needs if it goes on as it began. A short text takes no more than its bytes.
+// False, with a part appended, when a piece was not converted to its end.
 template <typename Convert>
 bool appendPieces(std::u16string_view utf16, std::string& utf8, Convert convert) {
   constexpr size_t kPiece = 1024;  // units
+  constexpr size_t kShort = 128;
+  if (utf16.size() <= kShort) {
+    char bytes[kShort * kMaxUTF8BytesPerUnit];
+    const Transcoded whole = convert(utf16, bytes);
+    utf8.append(bytes, whole.written);
+    return whole.consumed == utf16.size();
+  }
   const size_t before = utf8.size();
   size_t in = 0;
   while (in < utf16.size()) {

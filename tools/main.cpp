@@ -1,10 +1,13 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <csignal>
+#include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <memory>
 #include <new>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tools/Commands.h"
@@ -12,6 +15,7 @@
 #include "tools/text/TextCommands.h"
 #include "tools/usage/Help.h"
 #include "tools/usage/Mistakes.h"
+#include "velan/base/Log.h"
 
 namespace velan::tool {
 namespace {
@@ -25,6 +29,14 @@ std::vector<std::string> argumentsOf(int argc, char** argv, bool& all) {
   all = flag != end;
   if (all) arguments.erase(flag);
   return arguments;
+}
+
+// The library writes its log for those who maintain programs; the tool itself says what happened. What is wrong with
+// the environment nobody else says.
+void keepLog(std::string_view message, void*) {
+  if (std::getenv("VELAN_LOG") || message.find("VELAN_") != std::string_view::npos) {
+    std::fprintf(stderr, "%.*s\n", static_cast<int>(message.size()), message.data());
+  }
 }
 
 int run(int argc, char** argv) {
@@ -71,6 +83,7 @@ int run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   using namespace velan::tool;
+  velan::setLogSink(keepLog, nullptr);
   std::signal(SIGPIPE, SIG_IGN);  // writing to a closed pipe fails instead, and ends the work without a word
   try {
     return finishOutput(run(argc, argv));

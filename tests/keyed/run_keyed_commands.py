@@ -21,7 +21,7 @@ def records_of(path):
 
 
 def check_editing(folder):
-    path = folder / "a.vlkd"
+    path = folder / "a.keyed"
     values = [("CNTR", "41", "unsigned", 41), (7, '[1, {"a": "b\\u0000"}, 2.5]', "plist", [1, {"a": "b\0"}, 2.5]),
               (8, "aGVsbG8=", "data", "aGVsbG8="), (9, "-0.5", "date", -0.5), (10, '"-inf"', "double", "-inf"),
               (11, "true", "bool", True), (12, "zwölf \"x\"", "string", "zwölf \"x\"")]
@@ -42,7 +42,7 @@ def check_editing(folder):
 
 
 def check_trouble(folder):
-    path = folder / "damaged.vlkd"
+    path = folder / "damaged.keyed"
     path.write_bytes(b"VLun\0\0\0\1" + bytes(8) + b"VLst\0\0\0\2\0\0\0\x09" + bytes(4) + b"12345678")
     status, text = run("check", path)
     assert status == 1 and b'offset 16: the "VLst" record is longer than the 24 bytes' in text, text
@@ -60,11 +60,11 @@ def main():
     with tempfile.TemporaryDirectory() as name:
         folder = pathlib.Path(name)
         check_editing(folder)
-        files = [check_trouble(folder), folder / "a.vlkd", *pathlib.Path(sys.argv[2]).iterdir()]
+        files = [check_trouble(folder), folder / "a.keyed", *pathlib.Path(sys.argv[2]).iterdir()]
         for file in files:
             assert run("load", folder / "copy", text=run("dump", file, "--json")[1])[0] == 0, file
             assert (folder / "copy").read_bytes() == file.read_bytes(), file
-        assert sorted(os.listdir(folder)) == ["a.vlkd", "copy", "damaged.vlkd"], "nothing temporary stays"
+        assert sorted(os.listdir(folder)) == ["a.keyed", "copy", "damaged.keyed"], "nothing temporary stays"
     print(f"{len(files)} files went through JSON")
 
 

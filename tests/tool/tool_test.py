@@ -8,6 +8,7 @@ import json
 import os
 import pty
 import re
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -84,6 +85,22 @@ class OnDocuments(unittest.TestCase):
             one, many = (velan("search", *form, "-j", count, "the OR der", DOCUMENTS) for count in ("1", "16"))
             self.assertEqual(one, many, form)
             self.assertGreater(len(one[1]), 1000)
+
+
+class Readme(unittest.TestCase):
+    def test_examples_find_something(self):
+        with open(os.path.join(PROJECT, "README.md"), encoding="utf-8") as file:
+            examples = re.search(r"examples/documents`:\n\n```sh\n(.*?)```", file.read(), re.DOTALL).group(1).splitlines()
+        self.assertGreater(len(examples), 15)
+        with tempfile.TemporaryDirectory() as folder:
+            documents = shutil.copytree(DOCUMENTS, os.path.join(folder, "documents"))
+            environment = {**os.environ, "PATH": os.path.dirname(TOOL) + os.pathsep + os.environ["PATH"]}
+            for example in examples:
+                done = subprocess.run(["sh", "-c", example], cwd=documents, env=environment, stdin=subprocess.DEVNULL,
+                                      capture_output=True, check=False)
+                self.assertEqual((done.returncode, done.stderr), (0, b""), example)
+                silent = re.search(r" (keyed set |-o note.txt|> page.html)", example)
+                self.assertEqual(not silent, len(done.stdout) > 0, example)
 
 
 class InFolder(unittest.TestCase):
@@ -262,7 +279,7 @@ class Usage(unittest.TestCase):
     def test_errors_take_one_line(self):
         cases = [[], ["absent"], ["search"], ["search", "--no-wildcards", "-d", "x"], ["explain", "x", "absent"],
                  ["search", "--no-wildcards", "--fuzzy", "x"], ["search", "--json", "-l", "x"], ["search", "-lc", "x"],
-                 ["search", "--unit", "page", "x"], ["search", "--fuzzy=high", "x"], ["search", "--fuzzy=1.5", "x"],
+                 ["search", "--unit", "page", "x"], ["search", "--fuzzy=high", "x"], ["search", "--fuzzy=nan", "x"], ["search", "--fuzzy=1.5", "x"],
                  ["search", "--color", "red", "x"], ["search", "-j", "0", "x"], ["search", "-C", "-1", "x"],
                  ["search", "--distance", "-1", "x"], ["search", b"\xff"], ["match"], ["words", "--top", "0"]]
         for arguments in cases:

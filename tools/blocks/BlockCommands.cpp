@@ -36,7 +36,8 @@ void printDamage(const DamagedPlace& place) {
   print(fmt::format("{:>12}  {:>10}  damaged: {}\n", place.offset, place.length, describe(place.damage)));
 }
 
-// Shows how far an operation of a storage has come, and cancels it where the user does.
+// Shows how far an operation of a storage has come, and cancels it where the user does. To be gone before anything else
+// is said.
 class ProgressHandler {
  public:
   explicit ProgressHandler(const char* action) : _progress(action, "bytes") {}
@@ -99,16 +100,15 @@ int list(const BlockOptions& options) {
 
 int report(const BlockSurvey& survey) {
   for (const DamagedPlace& place : survey.damages) printDamage(place);
-  print(
-      fmt::format("{} blocks, {} deleted, {} damaged places\n", survey.blocks, survey.deleted, survey.damages.size()));
+  print(fmt::format("{}, {} deleted, {}\n", counted(static_cast<uint64_t>(survey.blocks), "block"), survey.deleted,
+                    counted(survey.damages.size(), "damaged place")));
   return survey.damages.empty() ? Something : Nothing;
 }
 
 int verify(const BlockOptions& options) {
   const auto storage = opened(options, false);
   if (!storage) return Trouble;
-  ProgressHandler progress("verifying");
-  const auto survey = storage->verify(progress);
+  const auto survey = storage->verify(ProgressHandler("verifying"));
   return survey ? report(*survey) : trouble(options.file, storage->error());
 }
 
@@ -175,8 +175,8 @@ int compact(const BlockOptions& options) {
   const Interruption interruption;
   const auto storage = opened(options, false);
   if (!storage) return Trouble;
-  ProgressHandler progress("compacting");
-  const auto survey = storage->compactToPath(String::fromUTF8(options.output), options.skipErrors, progress);
+  const auto survey =
+      storage->compactToPath(String::fromUTF8(options.output), options.skipErrors, ProgressHandler("compacting"));
   if (!survey) return notWritten(options, "compacted", storage->error());
   if (survey->damages.empty()) return Something;
   report(*survey);
@@ -187,9 +187,9 @@ int repair(const BlockOptions& options) {
   const Interruption interruption;
   const auto storage = opened(options, false);
   if (!storage) return Trouble;
-  ProgressHandler progress("repairing");
-  const auto survey =
-      options.dryRun ? storage->verify(progress) : storage->repairToPath(String::fromUTF8(options.output), progress);
+  const auto survey = options.dryRun
+                          ? storage->verify(ProgressHandler("verifying"))
+                          : storage->repairToPath(String::fromUTF8(options.output), ProgressHandler("repairing"));
   if (!survey && options.dryRun) return trouble(options.file, storage->error());
   if (!survey) return notWritten(options, "repaired", storage->error());
   report(*survey);

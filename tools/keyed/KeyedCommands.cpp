@@ -92,6 +92,8 @@ bool printValue(const Value& value) {
   std::string text;
   if (value.kind() == ValueKind::String) {
     text = value.string().toUTF8();
+  } else if (value.kind() == ValueKind::Date) {
+    text = textOfDate(value);
   } else if (value.isAbsent() || !appendJSON(value, text)) {
     return false;
   }
@@ -249,13 +251,13 @@ void addKeyedCommands(CLI::App& app, int& status) {
   keyed->footer(
       "Exit status: 0 done or found, 1 nothing found or not valid, 2 trouble.\n\n"
       "Examples:\n"
-      "  velan keyed dump settings.vlkd\n"
-      "  velan keyed check settings.vlkd\n"
-      "  velan keyed set settings.vlkd CNTR 42 --type unsigned\n"
-      "  velan keyed set settings.vlkd title 'Annual report' --pair\n"
-      "  velan keyed get settings.vlkd title --pair\n"
-      "  velan keyed remove settings.vlkd CNTR\n"
-      "  velan keyed dump settings.vlkd --json | velan keyed load copy.vlkd");
+      "  velan keyed dump settings.keyed\n"
+      "  velan keyed check settings.keyed\n"
+      "  velan keyed set settings.keyed CNTR 42 --type unsigned\n"
+      "  velan keyed set settings.keyed title 'Annual report' --pair\n"
+      "  velan keyed get settings.keyed title --pair\n"
+      "  velan keyed remove settings.keyed CNTR\n"
+      "  velan keyed dump settings.keyed --json | velan keyed load copy.keyed");
   addDump(*keyed, status);
   add(*keyed, status, "check", "Say whether the file is valid, and where and why not", check);
   addGet(*keyed, status);

@@ -29,10 +29,7 @@ Value realFromJson(const Value& value) {
 std::string descriptionOf(const Data& data, const KeyedRecord& record) {
   const Value value = valueOfRecord(data, record);
   if (value.isAbsent()) return "(cannot be decoded)";
-  if (record.marker == VLda) {
-    const String text = formatDate(value.date(), u"%Y-%m-%d %H:%M:%S.%F UTC");
-    return text ? text.toUTF8() : quoted(value);
-  }
+  if (record.marker == VLda) return textOfDate(value);
   if (record.marker == VLdt) return std::to_string(value.data().length()) + " bytes " + quoted(value);
   return quoted(value);
 }
@@ -137,6 +134,11 @@ std::string describeDamage(const Data& data, const KeyedInspection& inspection) 
       return where + std::to_string(rest) + " bytes, fewer than a header has";
   }
   return where;
+}
+
+std::string textOfDate(const Value& date) {
+  const String text = formatDate(date.date(), u"%Y-%m-%d %H:%M:%S.%F UTC");
+  return text ? text.toUTF8() : quoted(date);
 }
 
 std::string lineOfRecord(const Data& data, const KeyedRecord& record) {

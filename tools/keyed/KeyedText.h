@@ -25,6 +25,9 @@ Value valueFromJson(uint32_t marker, const Value& value);
 /// Why and where a buffer is not valid, in words.
 std::string describeDamage(const Data& data, const KeyedInspection& inspection);
 
+/// A date as people read it, in UTC; in seconds where it lies beyond the calendar.
+std::string textOfDate(const Value& date);
+
 /// The record as one line of text: offset, marker, key, value.
 std::string lineOfRecord(const Data& data, const KeyedRecord& record);
 /// All records as a JSON array, one line each. A record that its marker, key and value do not give back byte by byte

@@ -105,8 +105,7 @@ void addQueryOptions(CLI::App& command, QueryOptions& options) {
   command.add_flag("-s,--case-sensitive", options.caseSensitive, "Tell capital from small letters");
   command.add_flag("-d,--ignore-diacritics", options.ignoreDiacritics, "Find Zürich with Zurich");
   command
-      .add_flag_function(
-          "--fuzzy{0.68}", [](int64_t) {}, "Find similar words, too; --fuzzy=0.9 for more similar ones")
+      .add_flag("--fuzzy{0.68}", options.typedSimilarity, "Find similar words, too; --fuzzy=0.9 for more similar ones")
       ->each([&options](const std::string& value) {
         options.fuzzy = true;
         if (!CLI::detail::lexical_cast(value, options.similarity)) fail("a number is expected, not " + value);

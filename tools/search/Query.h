@@ -26,6 +26,7 @@ struct QueryOptions {
   bool ignoreDiacritics = false;
   bool fuzzy = false;
   double similarity = 0.68;  // the least that fuzzy accepts
+  std::string typedSimilarity;
   int64_t distance = QueryTerms::kDefaultDistance;
   bool noWildcards = false;
   bool verbatim = false;  // words are looked for as they are spelt

@@ -31,7 +31,7 @@ void addMatch(CLI::App& app, int& status) {
       addCommand<MatchOptions>(app, status, "match", "Print the words that match a wildcard pattern", runMatch);
   addArgument(*command, "PATTERN", options->pattern, "* any characters, ? any one")->required();
   addArgument(*command, "WORD", options->words, "Without: the lines of standard input");
-  command->add_flag("--unix", options->sets, "Sets, too: [a-z], [^abc]");
+  command->add_flag("--unix", options->sets, "Sets, too, which queries always have: [a-z], [^abc]");
   command->add_flag("-i,--ignore-case", options->ignoreCase, "Do not tell capital from small letters");
   command->add_flag("-v,--invert-match", options->invert, "Print the words that do not match");
   command->footer(

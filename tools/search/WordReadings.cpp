@@ -180,14 +180,6 @@ std::vector<ExplainedTerm> explanationIn(const PreparedQuery& query, const Searc
 WordReadings::WordReadings(const PreparedQuery& query, bool verbatim)
     : _verbatim(verbatim), _words(verbatim ? nullptr : QueryWords::wordsOf(query)) {}
 
-bool WordReadings::mayRead(std::string_view utf8) const {
-  if (_verbatim) return false;
-  const Spelling spelling = spellingOfUTF8(utf8);
-  if (spelling.unusual) return true;
-  if (!_words || spelling.isPlain()) return false;
-  return !ReadingFinder(String::fromUTF8Lossy(utf8).view(), *_words).find().empty();
-}
-
 SearchedText WordReadings::read(const String& text) const {
   SearchedText searched(text);
   if (_verbatim) return searched;

@@ -38,13 +38,11 @@ class SearchedText {
 /// several threads at once.
 class WordReadings {
  public:
-  /// Borrows the query. If `verbatim` every text is searched as it stands.
+  /// If `verbatim` every text is searched as it stands.
   WordReadings(const PreparedQuery& query, bool verbatim);
 
   /// Throws `std::bad_alloc`.
   SearchedText read(const String& text) const;
-  /// Whether `read` may give words of the query that do not stand like that in the text, given in UTF-8.
-  bool mayRead(std::string_view utf8) const;
 
  private:
   const bool _verbatim;

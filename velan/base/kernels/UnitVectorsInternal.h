@@ -18,7 +18,7 @@
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
 #endif
 #include <immintrin.h>
-#elif defined(__aarch64__)
+#elif defined(__AARCH64EL__)
 #include <arm_neon.h>
 #endif
 
@@ -191,7 +191,7 @@ struct Units512 {
 };
 
 #endif
-#ifdef __aarch64__
+#ifdef __AARCH64EL__
 
 struct UnitsNeon {
   using Narrower = Scalar;

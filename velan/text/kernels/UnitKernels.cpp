@@ -10,7 +10,7 @@ const Kernels<UnitKernels>& unitKernelList() {
       {"sse4", SSE41, kUnitKernelsSse4},
       {"avx2", SSE41 | AVX2, kUnitKernelsAvx2},
       {"avx512", SSE41 | AVX2 | AVX512 | VBMI2, kUnitKernelsAvx512},
-#elif defined(__aarch64__)
+#elif defined(__AARCH64EL__)
       {"neon", NEON, kUnitKernelsNeon},
 #endif
   });

@@ -113,7 +113,7 @@ inline const UnitKernels& unitKernels() {
 extern const UnitKernels kUnitKernelsSse4;
 extern const UnitKernels kUnitKernelsAvx2;
 extern const UnitKernels kUnitKernelsAvx512;
-#elif defined(__aarch64__)
+#elif defined(__AARCH64EL__)
 extern const UnitKernels kUnitKernelsNeon;
 #endif
 

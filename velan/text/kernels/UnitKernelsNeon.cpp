@@ -1,4 +1,4 @@
-#ifdef __aarch64__
+#ifdef __AARCH64EL__
 
 #include "velan/text/kernels/UnitLoopsInternal.h"
 
@@ -8,4 +8,4 @@ constinit const UnitKernels kUnitKernelsNeon = UnitLoops<UnitsNeon>::kKernels;
 
 }  // namespace velan
 
-#endif  // __aarch64__
+#endif  // __AARCH64EL__

@@ -139,10 +139,10 @@ BENCHMARK(BM_SplitJapanese)->Arg(64 << 10);
 
 // Each kernel alone, on text that stays in the cache.
 [[maybe_unused]] const bool kKernelsRegistered = [] {
-  for (const auto& kernel : velan::separatorKernels()) {
+  for (const auto& kernel : velan::wordIndexKernels()) {
     for (const bool onlyASCII : {false, true}) {
       const std::string name = std::string("MarkSeparators/") + kernel.name + (onlyASCII ? "/ASCII" : "/Mixed");
-      benchmark::RegisterBenchmark(name.c_str(), [run = kernel.run, onlyASCII](benchmark::State& state) {
+      benchmark::RegisterBenchmark(name.c_str(), [run = kernel.run.mark, onlyASCII](benchmark::State& state) {
         const String text = textOfWords(state.range(0), onlyASCII);
         std::string marks(static_cast<size_t>(text.length()), '\0');
         for (auto _ : state) {

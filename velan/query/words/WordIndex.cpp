@@ -13,19 +13,9 @@ namespace {
 // Small enough for the first-level cache, beside the part of the bitmap that a text uses.
 constexpr size_t kBlock = 4096;
 
-// Turns marks into types: a word unit begins a word when the unit before it separates and ends one when the unit
-// after it does. `marks` has `length` + 2 entries: it begins with the mark of the unit before and ends with that of the
-// unit after. Returns the number of words that begin. Without branches, so that the compiler makes vectors of it.
-size_t typesFromMarks(const uint8_t* marks, size_t length, uint8_t* types) {
-  unsigned words = 0;
-  for (size_t i = 0; i < length; ++i) {
-    const unsigned mark = marks[i + 1];
-    const unsigned begins = marks[i] & (mark ^ 1u);
-    const unsigned ends = marks[i + 2] & (mark ^ 1u);
-    types[i] = static_cast<uint8_t>(mark | begins << 1 | ends << 2);
-    words += begins;
-  }
-  return words;
+const WordIndexKernels& best() {
+  static const WordIndexKernels kernels = wordIndexKernels().best();
+  return kernels;
 }
 
 // `mark(first, count, marks)` gives the marks of a stretch of the text. Each block has one mark on either side; beyond
@@ -42,7 +32,7 @@ size_t indexBlocks(size_t from, size_t end, size_t length, uint8_t* types, Mark 
     const size_t withNext = std::min(count + 1, length - first);
     mark(first, withNext, marks + 1);
     if (withNext == count) marks[count + 1] = 1;
-    words += typesFromMarks(marks, count, types + first);
+    words += best().typesFromMarks(marks, count, types + first);
     marks[0] = marks[count];
   }
   return words;
@@ -71,16 +61,31 @@ size_t lastByte(uint64_t bytes) {
 
 }  // namespace
 
-void markSeparatorsScalar(const unichar* units, size_t length, const uint8_t* separators, uint8_t* marks) {
-  for (size_t i = 0; i < length; ++i) marks[i] = isMemberOfCharacterSetRep(separators, units[i]);
-}
+const WordIndexKernels kWordIndexScalar = {
+    .mark =
+        [](const unichar* units, size_t length, const uint8_t* separators, uint8_t* marks) {
+          for (size_t i = 0; i < length; ++i) marks[i] = isMemberOfCharacterSetRep(separators, units[i]);
+        },
+    .typesFromMarks =
+        [](const uint8_t* marks, size_t length, uint8_t* types) {
+          size_t words = 0;
+          for (size_t i = 0; i < length; ++i) {
+            const unsigned mark = marks[i + 1];
+            const unsigned begins = marks[i] & (mark ^ 1u);
+            const unsigned ends = marks[i + 2] & (mark ^ 1u);
+            types[i] = static_cast<uint8_t>(mark | begins << 1 | ends << 2);
+            words += begins;
+          }
+          return words;
+        },
+};
 
-const Kernels<MarkSeparatorsRun>& separatorKernels() {
+const Kernels<WordIndexKernels>& wordIndexKernels() {
   using enum CPUFeatures;
-  static const Kernels<MarkSeparatorsRun> kernels({
-      {"scalar", None, markSeparatorsScalar},
+  static const Kernels<WordIndexKernels> kernels({
+      {"scalar", None, kWordIndexScalar},
 #ifdef __x86_64__
-      {"avx2", AVX2, markSeparatorsAvx2},
+      {"avx2", AVX2, kWordIndexAvx2},
 #endif
   });
   return kernels;
@@ -92,14 +97,13 @@ size_t indexWords(const unichar* units, size_t length, const uint8_t* separators
 
 size_t indexWordsIn(const unichar* units, size_t from, size_t end, size_t length, const uint8_t* separators,
                     uint8_t* types) {
-  static const auto markSeparators = separatorKernels().best();
   return indexBlocks(from, end, length, types, [&](size_t first, size_t count, uint8_t* marks) {
-    markSeparators(units + first, count, separators, marks);
+    best().mark(units + first, count, separators, marks);
   });
 }
 
 size_t indexWildcardWords(const unichar* units, size_t length, const uint8_t* separators, uint8_t* types) {
-  markSeparatorsScalar(units, length, separators, types);  // patterns are short
+  kWordIndexScalar.mark(units, length, separators, types);  // patterns are short
   for (size_t i = 0; i + 1 < length; ++i) {
     if (units[i] != '[' || units[i + 1] == ']') continue;
     const size_t start = i;

@@ -39,9 +39,7 @@ __m256i gatheredMarks(const unichar* units, const uint8_t* separators) {
 // Packing works on the halves of two registers: lets the middle quarters trade places.
 __m256i inOrder(__m256i packed) { return _mm256_permute4x64_epi64(packed, 0xD8); }
 
-}  // namespace
-
-void markSeparatorsAvx2(const unichar* units, size_t length, const uint8_t* separators, uint8_t* marks) {
+void markSeparators(const unichar* units, size_t length, const uint8_t* separators, uint8_t* marks) {
   const __m256i beyondASCII = _mm256_set1_epi16(static_cast<int16_t>(0xFF80));
   const __m256i bitmap = _mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(separators)));
   size_t i = 0;
@@ -53,8 +51,30 @@ void markSeparatorsAvx2(const unichar* units, size_t length, const uint8_t* sepa
         isASCII ? asciiMarks(inOrder(_mm256_packus_epi16(low, high)), bitmap) : gatheredMarks(units + i, separators);
     _mm256_storeu_si256(reinterpret_cast<__m256i*>(marks + i), block);
   }
-  markSeparatorsScalar(units + i, length - i, separators, marks + i);
+  kWordIndexScalar.mark(units + i, length - i, separators, marks + i);
 }
+
+size_t typesFromMarks(const uint8_t* marks, size_t length, uint8_t* types) {
+  __m256i words = _mm256_setzero_si256();
+  size_t i = 0;
+  for (; length - i >= 32; i += 32) {
+    const __m256i mark = load(marks + i + 1);
+    const __m256i begins = _mm256_andnot_si256(mark, load(marks + i));
+    const __m256i ends = _mm256_andnot_si256(mark, load(marks + i + 2));
+    // As no bit leaves its byte, doubling 16 bits at a time doubles the bytes: mark + 2 (begins + 2 ends).
+    const __m256i twoEnds = _mm256_slli_epi16(ends, 1);
+    const __m256i both = _mm256_slli_epi16(_mm256_or_si256(begins, twoEnds), 1);
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(types + i), _mm256_or_si256(mark, both));
+    words = _mm256_add_epi64(words, _mm256_sad_epu8(begins, _mm256_setzero_si256()));
+  }
+  uint64_t sums[4];
+  _mm256_storeu_si256(reinterpret_cast<__m256i*>(sums), words);
+  return sums[0] + sums[1] + sums[2] + sums[3] + kWordIndexScalar.typesFromMarks(marks + i, length - i, types + i);
+}
+
+}  // namespace
+
+const WordIndexKernels kWordIndexAvx2 = {.mark = markSeparators, .typesFromMarks = typesFromMarks};
 
 }  // namespace velan
 

@@ -20,14 +20,21 @@ size_t indexWordsIn(const unichar* units, size_t from, size_t end, size_t length
 /// units belong to the word.
 size_t indexWildcardWords(const unichar* units, size_t length, const uint8_t* separators, uint8_t* types);
 
-/// Writes 1 for each unit that is in `separators` and 0 for the others.
-using MarkSeparatorsRun = void (*)(const unichar* units, size_t length, const uint8_t* separators, uint8_t* marks);
-const Kernels<MarkSeparatorsRun>& separatorKernels();
+/// The two steps of indexing a stretch of text.
+struct WordIndexKernels {
+  /// Writes a mark for each unit: 1 where it is in `separators` and 0 where not.
+  void (*mark)(const unichar* units, size_t length, const uint8_t* separators, uint8_t* marks);
+  /// Turns marks into types: a word unit begins a word when the unit before it separates and ends one when the unit
+  /// after it does. `marks` has `length` + 2 entries: it begins with the mark of the unit before and ends with that of
+  /// the unit after. Returns the number of words that begin.
+  size_t (*typesFromMarks)(const uint8_t* marks, size_t length, uint8_t* types);
+};
+const Kernels<WordIndexKernels>& wordIndexKernels();
 
 /// The reference, also for kernels' tails.
-void markSeparatorsScalar(const unichar* units, size_t length, const uint8_t* separators, uint8_t* marks);
+extern const WordIndexKernels kWordIndexScalar;
 /// 32 units at a time. Only where the CPU has AVX2.
-void markSeparatorsAvx2(const unichar* units, size_t length, const uint8_t* separators, uint8_t* marks);
+extern const WordIndexKernels kWordIndexAvx2;
 
 /// The first unit in `[from, end)` that `isEastAsianUnichar` accepts, else `end`.
 size_t findEastAsian(const unichar* units, size_t from, size_t end);

@@ -20,6 +20,7 @@ TEXTS = [f"english/{KB}", f"english/{64 * KB}", f"mixed/{64 * KB}", f"russian/{6
 
 UTF = [f"english/{KB}", *(f"{text}/{64 * KB}" for text in ("english", "german", "russian", "chinese", "mixed")),
        f"english/{8 * MB}", f"russian/{8 * MB}"]
+QUERIED = [f"licence/{size}" for size in (KB, 64 * KB, 8 * MB)]
 
 # Program, operation, our benchmark, those of the peers, inputs, the machine's limit. An input stands for `*`.
 ROWS = [
@@ -46,6 +47,9 @@ ROWS = [
     ("search", "compare ignoring case, the other case", "compare_no_case_other/velan/*",
      ["compare_no_case_other/table_loop/*"], TEXTS, "read"),
     ("search", "compare members of a set", "compare_letters/velan/*", ["compare_letters/bitmap_loop/*"], TEXTS, "read"),
+    *(("search", f"query, {name.replace('_', ' ')}, every hit", f"query_{name}/velan/*", [f"query_{name}/pcre2/*"], QUERIED,
+       "read") for name in ("word", "word_no_case", "prefix", "infix", "suffix", "set", "phrase", "wildcard_phrase",
+                            "three_terms")),
     ("encoding", "UTF-8 to UTF-16", "to_utf16/velan/*", ["to_utf16/icu/*", "to_utf16/iconv/*"], UTF, "copy"),
     ("encoding", "UTF-16 to UTF-8", "to_utf8/velan/*", ["to_utf8/icu/*", "to_utf8/iconv/*"], UTF, "copy"),
     ("checksums", "CRC-32", "BM_Crc32Bytes/*", ["BM_Crc32ISAL/*", "BM_Crc32Libdeflate/*", "BM_Crc32Zlib/*"],

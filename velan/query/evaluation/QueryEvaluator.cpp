@@ -90,9 +90,7 @@ QueryEvaluator::QueryEvaluator(const FastWordEnumerator& enumerator, QueryCompar
     : _text(enumerator, comparison),
       _comparison(comparisonOn(enumerator, comparison)),
       _kind(kind),
-      _prepared(prepared),
-      _witnesses(std::make_unique<Witnesses>(*this)),
-      _ends(std::make_unique<EndSearch>(*this)) {}
+      _prepared(prepared) {}
 
 QueryEvaluator::~QueryEvaluator() = default;
 
@@ -148,8 +146,18 @@ bool QueryEvaluator::holdsLeaf(const QueryTerms& leaf, Range range) {
   return isPresent(search(leaf).firstIn(range)) != leaf.queryNot();
 }
 
+Witnesses& QueryEvaluator::witnesses() {
+  if (!_witnesses) _witnesses = std::make_unique<Witnesses>(*this);
+  return *_witnesses;
+}
+
+EndSearch& QueryEvaluator::ends() {
+  if (!_ends) _ends = std::make_unique<EndSearch>(*this);
+  return *_ends;
+}
+
 bool QueryEvaluator::reaches(const QueryTerms& node, const Relation& relation) {
-  return _ends->reaches(node) && (!relation.partner || _ends->reaches(*relation.partner));
+  return ends().reaches(node) && (!relation.partner || ends().reaches(*relation.partner));
 }
 
 bool QueryEvaluator::evaluate(const QueryTerms& node, const Relation& relation, Range range) {
@@ -213,8 +221,8 @@ std::optional<QueryEvaluator::Frame> QueryEvaluator::stepRelated(Frame& frame, b
     if (!isPresent(span)) break;
     if (partner.isWord()) {
       result = holdsLeaf(partner, span);
-    } else if (_ends->reaches(partner)) {
-      result = containsEnd(_ends->endsOf(partner, {}, span.location, endOf(span)), endOf(span));
+    } else if (ends().reaches(partner)) {
+      result = containsEnd(ends().endsOf(partner, {}, span.location, endOf(span)), endOf(span));
     } else {
       return Frame{&partner, {}, span, true, 0, false, nullptr};
     }

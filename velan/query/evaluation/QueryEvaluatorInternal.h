@@ -99,8 +99,8 @@ class QueryEvaluator {
   /// part goes.
   void forgetOtherRanges(Range range);
   bool evaluate(const QueryTerms& node, const Relation& relation, Range range);
-  Witnesses& witnesses() { return *_witnesses; }
-  EndSearch& ends() { return *_ends; }
+  Witnesses& witnesses();
+  EndSearch& ends();
   /// Whether `ends` answers for the node.
   bool reaches(const QueryTerms& node, const Relation& relation);
 
@@ -138,7 +138,7 @@ class QueryEvaluator {
   Range _evaluated{0, 0};
   std::unordered_map<const QueryTerms*, std::unique_ptr<LeafSearch>> _searches;
   std::unordered_map<Place, bool, PlaceHash> _remembered;
-  std::unique_ptr<Witnesses> _witnesses;
+  std::unique_ptr<Witnesses> _witnesses;  // made when first needed, like the ends
   std::unique_ptr<EndSearch> _ends;
 };
 

@@ -19,7 +19,7 @@ class Readings(unittest.TestCase):
             ("prix : 5 €", "prix 5"), ("a \U0001F600 (? %) b", "a b"), ("[12 a[b a[b] [^a]", "12 a b a[b] [^a]"),
             # Signs that negate, and such that do not.
             ("Velan - User guide", "Velan User guide"), ("a -- b --c", "a b c"), ("wow!great (!a) -b", "wow great -a -b"),
-            ('a -"b" !c "d"-e f -', 'a -"b" -c "d" e f'), ("Allumée ! Une", "Allumée Une"),
+            ('a -"b" !c "d"-e f -', 'a -"b" -c "d" -e f'), ("Allumée ! Une", "Allumée Une"),
             # Small keywords in sentences, and elsewhere.
             ("a b c d e f next not", "a b c d e f next not"), ("a b c d e not f", "a b c d e not f"),
             ("a b c d not e", "a b c d -e"), ("a b c not d.", "a b c not d."), ("a b not c!", "a b -c"), ("a b c d e NOT f not g", "a b c d e -f -g"),

@@ -100,8 +100,9 @@ class Corrector {
   bool negatesNothing(size_t first, size_t end) const {
     const Tokens& tokens = _result.tokens;
     if (isWhite(unitAt(endOf(tokens[end - 1].range)))) return true;
-    if (first > 0 && isTerm(tokens[first - 1]) && touch(tokens[first - 1], tokens[first])) return true;
-    return end - first > 1 && sourceOf(tokens[first]) == u"-" && sourceOf(tokens[end - 1]) == u"-";
+    const bool isMark = sourceOf(tokens[first]) == u"!";
+    if (isMark && first > 0 && isTerm(tokens[first - 1]) && touch(tokens[first - 1], tokens[first])) return true;
+    return end - first > 1 && !isMark && sourceOf(tokens[end - 1]) == u"-";
   }
 
   bool isKeyword(const QueryToken& token) const {

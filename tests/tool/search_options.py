@@ -54,6 +54,19 @@ class Output(InFolder):
         self.assertEqual(self.velan("search", "--all-occurrences", query, "d")[1], "".join(lines))
         self.assertEqual(self.velan("search", "--json", query, "d")[1].count('"primary":false'), 1)
 
+    def test_alternatives_that_fail_are_left_out(self):
+        self.write("e", "ab\ncd\nef\ngh\n")
+        cases = [("ab AND xx OR cd", "2"), ("(ab AND xx) OR (cd AND ef)", "23"), ("ab OR xx AND cd", "12"),
+                 ("(ab AND xx OR gh) AND cd", "24"), ("(ab xx) OR (ab cd)", "12"), ("cd XOR (ab xx)", "2"),
+                 ("ab OR cd OR xx", "12"), ("(ab AND NOT cd) OR ef", "3"), ("(ab OR cd) NEAR/9 gh OR (ef xx)", "124"),
+                 ("ab OPT cd OR (ef xx)", "12")]
+        for query, lines in cases:
+            self.assertEqual(self.velan("search", "-h", query, "e")[1].replace("\n", "")[::4], lines, query)
+            everything = self.velan("search", "-c", "--all-occurrences", query, "e")[1]
+            self.assertGreaterEqual(int(everything), len(lines), query)
+        self.assertEqual(self.velan("search", "-c", "--all-occurrences", "ab AND xx OR cd", "e")[1], "2\n")
+        self.assertEqual(self.velan("search", "--unit", "line", "-c", "(ab xx) OR cd OR ef", "e")[1], "2\n")
+
     def test_statistics(self):
         counts = ("6 occurrences\n5 lines with occurrences\n2 files with matches\n4 files searched\n"
                   "1 binary file passed over\n")

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <new>
+#include <set>
+
+#include "tools/search/FailedTerms.h"
 
 namespace velan::tool {
 namespace {
@@ -37,12 +40,14 @@ bool matches(QueryMatcher& matcher, Range range) {
 
 class HitCollector {
  public:
-  HitCollector(const TextLines& lines, const SearchedText& searched, bool allOccurrences)
-      : _lines(lines), _searched(searched), _allOccurrences(allOccurrences) {}
+  HitCollector(const PreparedQuery& query, const TextLines& lines, const SearchedText& searched, bool allOccurrences)
+      : _query(query), _lines(lines), _searched(searched), _allOccurrences(allOccurrences) {}
 
   void addMatch(QueryMatcher& matcher, const Part& part) {
     const size_t known = _hits.occurrences.size();
     std::vector<QueryOccurrence> occurrences = matcher.occurrences(part.searched);
+    const std::set<String> failed = failedTerms(_query, matcher, part.searched);
+    for (QueryOccurrence& each : occurrences) each.primary = each.primary && !failed.contains(each.term);
     if (!_allOccurrences) std::erase_if(occurrences, [](const QueryOccurrence& each) { return !each.primary; });
     callHandlerWithOccurrences(std::move(occurrences), [&](const String& term, Range place, bool primary) {
       add({_searched.sourceOf(place), term, primary});
@@ -73,6 +78,7 @@ class HitCollector {
     }
   }
 
+  const PreparedQuery& _query;
   const TextLines& _lines;
   const SearchedText& _searched;
   const bool _allOccurrences;
@@ -103,7 +109,7 @@ bool matchesDocument(const String& text, const SearchedText& searched, const Pre
 
 DocumentHits searchDocument(const SearchedText& searched, const TextLines& lines, const PreparedQuery& query,
                             const SearchScope& scope) {
-  HitCollector collector(lines, searched, scope.allOccurrences);
+  HitCollector collector(query, lines, searched, scope.allOccurrences);
   if (const auto index = indexOf(searched.text(), query)) {
     QueryMatcher matcher(query, *index);
     for (const Part& part : partsOf(scope, lines, searched)) {

@@ -83,6 +83,8 @@ class VELAN_EXPORT QueryMatcher {
   std::vector<QueryOccurrence> occurrences(Range range);
   /// `PreparedQuery::explanation` with which terms hold in the text, and where they stand.
   std::vector<ExplainedTerm> explanation(size_t deepest);
+  /// The same for the text in `range`.
+  std::vector<ExplainedTerm> explanation(size_t deepest, Range range);
 
  private:
   QueryEvaluator& evaluator();

@@ -42,9 +42,12 @@ std::vector<ExplainedTerm> PreparedQuery::explanation(size_t deepest) const {
   return explained;
 }
 
-std::vector<ExplainedTerm> QueryMatcher::explanation(size_t deepest) {
+std::vector<ExplainedTerm> QueryMatcher::explanation(size_t deepest) { return explanation(deepest, {0, NSNotFound}); }
+
+std::vector<ExplainedTerm> QueryMatcher::explanation(size_t deepest, Range range) {
   std::vector<ExplainedTerm> explained = _query.explanation(deepest);
-  const Range all{0, _enumerator.length()};
+  const Range all = clippedRange(range, _enumerator.length());
+  evaluator().forgetOtherRanges(all);
   size_t related = SIZE_MAX;  // the depth of the group whose relation is that of the terms below it
   for (ExplainedTerm& each : explained) {
     if (each.depth <= related) {

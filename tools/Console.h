@@ -29,11 +29,7 @@ bool printNow(std::string_view text);
 /// lost. A reader that has gone away, such as `head`, is no trouble.
 int finishOutput(int status);
 
-/// All bytes of the file, or of standard input for "-". Otherwise nothing, and `why` says in a few words what failed.
-std::optional<std::string> readFile(const std::string& path, std::string& why);
-/// From now on standard input can be read more than once.
-void rememberStandardInput();
-/// As `readFile`; after a failure nothing is left to be said.
+/// `readFile` where, after a failure, nothing is left to be said.
 std::optional<std::string> readFileOrComplain(const std::string& path);
 
 /// The same as a buffer; absent after a failure.

@@ -1,21 +1,27 @@
 #include "tools/documents/DocumentReading.h"
 
-#include <utility>
+#include <string_view>
 
 #include "tools/Console.h"
+#include "tools/FileReading.h"
 
 namespace velan::tool {
 
 std::optional<Document> readDocument(const InputFile& file, const DecodingOptions& decoding, Complaint& complaint) {
+  const std::string path = file.path == "-" ? "" : file.path;
+  const auto isWanted = [&](std::string_view head) { return !isBinary(head, path, decoding); };
+  FileReader reader;
   std::string why = file.trouble;
-  std::optional<std::string> bytes;
-  if (why.empty()) bytes = readFile(file.path, why);
   std::optional<Document> document;
-  if (bytes) document = decodeDocument(std::move(*bytes), file.path == "-" ? "" : file.path, decoding, why);
+  if (why.empty() && reader.read(file.path, isWanted, why)) {
+    document = decodeDocument(reader.takeBytes(), path, decoding, why);
+  } else if (why.empty()) {
+    why = kBinaryFile;
+  }
   if (document) return document;
-  const bool isBinary = why == kBinaryFile;
-  const std::string text = isBinary && !file.named ? "" : displayName(file.path) + ": " + why;
-  complaint = {text, !bytes || file.named, isBinary};
+  const bool isBinaryFile = why == kBinaryFile;
+  const std::string text = isBinaryFile && !file.named ? "" : displayName(file.path) + ": " + why;
+  complaint = {text, !isBinaryFile || file.named, isBinaryFile};
   return std::nullopt;
 }
 

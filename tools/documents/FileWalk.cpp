@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "tools/Console.h"
+#include "tools/FileReading.h"
 #include "tools/documents/FileFilter.h"
 #include "tools/documents/FolderWalk.h"
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "tools/Console.h"
+#include "tools/FileReading.h"
 #include "tools/documents/FileWalk.h"
 
 namespace velan::tool {

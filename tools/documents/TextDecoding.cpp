@@ -1,7 +1,9 @@
 #include "tools/documents/TextDecoding.h"
 
+#include <algorithm>
 #include <new>
 #include <optional>
+#include <span>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
@@ -38,6 +40,27 @@ size_t markLengthOf(std::string_view bytes, StringEncoding encoding) {
 
 String lenientText(const std::string& bytes, StringEncoding encoding) {
   return decodedText(borrowed(bytes), encoding, MalformedText::Replace).text;
+}
+
+using namespace std::string_view_literals;
+
+// What files begin with whose text may hold zero bytes: byte-order marks, and XML that has none.
+constexpr std::string_view kWideBeginnings[] = {"\xFF\xFE"sv, "\xFE\xFF"sv, "\0\0\xFE\xFF"sv, "<\0?\0"sv, "\0<\0?"sv};
+
+// What files begin with that may go on without a zero byte for long and are no text.
+constexpr std::string_view kBinaryBeginnings[] = {
+    "%PDF-"sv,
+    "\x1F\x8B\x08"sv,
+    "PK\x03\x04"sv,
+    "\x89PNG\r\n"sv,
+    "\xFF\xD8\xFF"sv,
+    "\xFD"
+    "7zXZ"sv,
+    "\x28\xB5\x2F\xFD"sv,
+};
+
+bool beginsWithAny(std::string_view bytes, std::span<const std::string_view> beginnings) {
+  return std::any_of(beginnings.begin(), beginnings.end(), [bytes](auto each) { return bytes.starts_with(each); });
 }
 
 // The text is absent where it is to be decoded.
@@ -101,6 +124,15 @@ void addDecodingOptions(CLI::App& command, DecodingOptions& options) {
                   "The encoding of files that nothing tells about");
   command.add_flag("--binary", options.binary, "Read files that are not text, too");
   command.add_flag("!--no-markup", options.markup, "Read pages (HTML, XML) as they stand, with their tags");
+}
+
+bool isBinary(std::string_view head, const std::string& path, const DecodingOptions& options) {
+  const bool detects = options.encoding == StringEncoding::Detect;
+  if (isWide(options.encoding) || isWide(options.defaultEncoding)) return false;
+  if (detects && beginsWithAny(head, kWideBeginnings)) return false;
+  if (beginsWithAny(head, kBinaryBeginnings)) return true;
+  if (head.find('\0') == std::string_view::npos) return false;
+  return !detects || path.empty() || !hasEncodingAttribute(String::fromUTF8(path));
 }
 
 std::optional<Document> decodeDocument(std::string bytes, const std::string& path, const DecodingOptions& options,

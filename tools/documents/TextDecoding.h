@@ -58,6 +58,10 @@ bool textDiffersFromSource(const std::string& path, std::string_view bytes, cons
 
 inline constexpr const char* kBinaryFile = "binary file, not searched";
 
+/// Whether a file that begins with `head`, 64 KB or all of it, is surely not text: by the beginning that its kind has,
+/// or by a zero byte where the encoding has none. `path` is empty for standard input.
+bool isBinary(std::string_view head, const std::string& path, const DecodingOptions& options);
+
 /// Decodes a file in the encoding that is named or detected (see `detectedEncodingOfFile` and, for pages that declare
 /// one, `decodedMarkup`); `path` is where its
 /// extended attributes are, empty for standard input. Malformed parts become U+FFFD. Nothing for a file that is not

@@ -10,6 +10,7 @@
 #include "tools/CommandLine.h"
 #include "tools/Commands.h"
 #include "tools/Console.h"
+#include "tools/FileReading.h"
 #include "tools/documents/FileWalk.h"
 #include "tools/documents/TextDecoding.h"
 #include "tools/markup/MarkupText.h"

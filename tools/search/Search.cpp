@@ -7,6 +7,7 @@
 
 #include "tools/Commands.h"
 #include "tools/Console.h"
+#include "tools/FileReading.h"
 #include "tools/Progress.h"
 #include "tools/search/FileSearch.h"
 #include "tools/search/JsonPrinter.h"

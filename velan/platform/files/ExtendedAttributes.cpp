@@ -21,6 +21,7 @@ int set(const char* path, const char* name, const void* value, size_t size) {
   return setxattr(path, name, value, size, 0, 0);
 }
 int remove(const char* path, const char* name) { return removexattr(path, name, 0); }
+ssize_t sizeOfNames(const char* path) { return listxattr(path, nullptr, 0, 0); }
 constexpr int kNone = ENOATTR;
 #elif defined(VELAN_EXTENDED_ATTRIBUTES)
 ssize_t get(const char* path, const char* name, void* value, size_t size) { return getxattr(path, name, value, size); }
@@ -28,6 +29,7 @@ int set(const char* path, const char* name, const void* value, size_t size) {
   return setxattr(path, name, value, size, 0);
 }
 int remove(const char* path, const char* name) { return removexattr(path, name); }
+ssize_t sizeOfNames(const char* path) { return listxattr(path, nullptr, 0); }
 constexpr int kNone = ENODATA;
 #else
 int refused() {
@@ -37,6 +39,7 @@ int refused() {
 ssize_t get(const char*, const char*, void*, size_t) { return refused(); }
 int set(const char*, const char*, const void*, size_t) { return refused(); }
 int remove(const char*, const char*) { return refused(); }
+ssize_t sizeOfNames(const char*) { return refused(); }
 constexpr int kNone = ENOTSUP;
 #endif
 
@@ -54,6 +57,12 @@ std::optional<std::string> extendedAttribute(const String& path, const char* nam
     if (got >= 0 && got <= size) return value.substr(0, static_cast<size_t>(got));
   }
   return std::nullopt;
+}
+
+bool hasExtendedAttributes(const String& path) {
+  FileError error;
+  const auto file = fileSystemPath(path, error);
+  return file && sizeOfNames(file->c_str()) > 0;
 }
 
 bool setExtendedAttribute(const String& path, const char* name, std::string_view value) {

@@ -15,6 +15,10 @@ namespace velan {
 /// attribute or the volume's support for it is missing, or when it cannot be read.
 VELAN_EXPORT std::optional<std::string> extendedAttribute(const String& path, const char* name);
 
+/// Whether what `path` leads to has any extended attributes that the process may see: one question in place of one for
+/// each name.
+VELAN_EXPORT bool hasExtendedAttributes(const String& path);
+
 /// False when the file or its volume refuses the attribute.
 VELAN_EXPORT bool setExtendedAttribute(const String& path, const char* name, std::string_view value);
 

@@ -68,6 +68,7 @@ DetectedEncoding detectedEncodingOfData(const Data& data) {
 DetectedEncoding detectedEncodingOfFile(const String& path, const Data& contents) {
   DetectedEncoding found = byMark(contents);
   if (found.evidence != EncodingEvidence::None) return found;
+  if (!hasExtendedAttributes(path)) return byUTF8(contents);
   if (const auto value = extendedAttribute(path, kTextEncodingAttribute)) {
     found = byTrial(contents, encodingOfAttribute(*value), EncodingEvidence::TextEncodingAttribute);
   }
@@ -76,6 +77,11 @@ DetectedEncoding detectedEncodingOfFile(const String& path, const Data& contents
     found = byTrial(contents, charset2NSStringEncoding(*value), EncodingEvidence::CharsetAttribute);
   }
   return found.text ? found : byUTF8(contents);
+}
+
+bool hasEncodingAttribute(const String& path) {
+  return hasExtendedAttributes(path) &&
+         (extendedAttribute(path, kTextEncodingAttribute) || extendedAttribute(path, kCharsetAttribute));
 }
 
 }  // namespace velan

@@ -33,6 +33,9 @@ VELAN_EXPORT DetectedEncoding detectedEncodingOfData(const Data& data);
 /// each if the contents fit it, then UTF-8.
 VELAN_EXPORT DetectedEncoding detectedEncodingOfFile(const String& path, const Data& contents);
 
+/// Whether extended attributes of the file at `path` say anything about its encoding.
+VELAN_EXPORT bool hasEncodingAttribute(const String& path);
+
 }  // namespace velan
 
 #endif  // VELAN_TEXT_ENCODING_ENCODING_DETECTION_H

@@ -1,19 +1,22 @@
 #include "tools/documents/DocumentReading.h"
 
-#include <string_view>
-
 #include "tools/Console.h"
-#include "tools/FileReading.h"
 
 namespace velan::tool {
 
 std::optional<Document> readDocument(const InputFile& file, const DecodingOptions& decoding, Complaint& complaint) {
+  FileReader reader;
+  return readDocument(file, decoding, nullptr, reader, complaint);
+}
+
+std::optional<Document> readDocument(const InputFile& file, const DecodingOptions& decoding, Refusal refuses,
+                                     FileReader& reader, Complaint& complaint) {
   const std::string path = file.path == "-" ? "" : file.path;
   const auto isWanted = [&](std::string_view head) { return !isBinary(head, path, decoding); };
-  FileReader reader;
   std::string why = file.trouble;
   std::optional<Document> document;
   if (why.empty() && reader.read(file.path, isWanted, why)) {
+    if (refuses && refuses(reader.bytes(), path)) return std::nullopt;
     document = decodeDocument(reader.takeBytes(), path, decoding, why);
   } else if (why.empty()) {
     why = kBinaryFile;

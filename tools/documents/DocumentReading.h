@@ -4,7 +4,9 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
+#include "tools/FileReading.h"
 #include "tools/documents/FileWalk.h"
 #include "tools/documents/TextDecoding.h"
 
@@ -20,6 +22,14 @@ struct Complaint {
 /// Nothing when the file cannot be read or is not text; `complaint` then has one line about it. Folders hold files that
 /// are not text as a matter of course, so only of those that were named anything is said.
 std::optional<Document> readDocument(const InputFile& file, const DecodingOptions& decoding, Complaint& complaint);
+
+/// Answers whether nothing is wanted of a file with these bytes; `path` is empty for standard input.
+using Refusal = FunctionRef<bool(std::string_view bytes, const std::string& path)>;
+
+/// The same, but nothing and no complaint also where `refuses`. The bytes are then left in `reader`, which is there to
+/// be used again for the next file.
+std::optional<Document> readDocument(const InputFile& file, const DecodingOptions& decoding, Refusal refuses,
+                                     FileReader& reader, Complaint& complaint);
 
 /// The same for commands that read one file after the other: complains, and warns once where an encoding is assumed.
 class DocumentReader {

@@ -11,6 +11,7 @@
 #include "tools/CommandLine.h"
 #include "tools/markup/MarkupFiles.h"
 #include "tools/markup/MarkupText.h"
+#include "velan/base/utf/UTF.h"
 #include "velan/markup/DeclaredEncoding.h"
 #include "velan/markup/MarkupDecoding.h"
 #include "velan/text/encoding/CharsetNames.h"
@@ -61,6 +62,13 @@ constexpr std::string_view kBinaryBeginnings[] = {
 
 bool beginsWithAny(std::string_view bytes, std::span<const std::string_view> beginnings) {
   return std::any_of(beginnings.begin(), beginnings.end(), [bytes](auto each) { return bytes.starts_with(each); });
+}
+
+bool holdsZeroUnit(std::string_view utf16) {
+  for (size_t i = 0; i + 1 < utf16.size(); i += 2) {
+    if (utf16[i] == 0 && utf16[i + 1] == 0) return true;
+  }
+  return false;
 }
 
 // The text is absent where it is to be decoded.
@@ -126,9 +134,24 @@ void addDecodingOptions(CLI::App& command, DecodingOptions& options) {
   command.add_flag("!--no-markup", options.markup, "Read pages (HTML, XML) as they stand, with their tags");
 }
 
+StringEncoding likelyEncoding(std::string_view bytes, const DecodingOptions& options) {
+  if (options.encoding != StringEncoding::Detect) return options.encoding;
+  const bool isUTF16 = markLengthOf(bytes, StringEncoding::UTF16) > 0 && !bytes.starts_with("\xFF\xFE\0\0"sv);
+  return isUTF16 ? StringEncoding::UTF16 : StringEncoding::UTF8;
+}
+
+bool isPlainText(std::string_view bytes, const std::string& path, const DecodingOptions& options) {
+  if (textDiffersFromSource(path, bytes, options)) return false;
+  if (isUTF16(likelyEncoding(bytes, options))) return !holdsZeroUnit(bytes);
+  if (bytes.find('\0') != std::string_view::npos) return false;
+  if (options.encoding != StringEncoding::Detect) return true;
+  return !beginsWithAny(bytes, kWideBeginnings) && isUTF8(bytes) &&
+         (path.empty() || !hasEncodingAttribute(String::fromUTF8(path)));
+}
+
 bool isBinary(std::string_view head, const std::string& path, const DecodingOptions& options) {
   const bool detects = options.encoding == StringEncoding::Detect;
-  if (isWide(options.encoding) || isWide(options.defaultEncoding)) return false;
+  if (options.binary || isWide(options.encoding) || isWide(options.defaultEncoding)) return false;
   if (detects && beginsWithAny(head, kWideBeginnings)) return false;
   if (beginsWithAny(head, kBinaryBeginnings)) return true;
   if (head.find('\0') == std::string_view::npos) return false;

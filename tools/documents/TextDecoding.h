@@ -62,6 +62,13 @@ inline constexpr const char* kBinaryFile = "binary file, not searched";
 /// or by a zero byte where the encoding has none. `path` is empty for standard input.
 bool isBinary(std::string_view head, const std::string& path, const DecodingOptions& options);
 
+/// The encoding that is named, or that of the mark of UTF-16, otherwise UTF-8.
+StringEncoding likelyEncoding(std::string_view bytes, const DecodingOptions& options);
+
+/// Whether the text that `decodeDocument` gives is surely what the bytes stand for in their `likelyEncoding`. `path` is
+/// empty for standard input.
+bool isPlainText(std::string_view bytes, const std::string& path, const DecodingOptions& options);
+
 /// Decodes a file in the encoding that is named or detected (see `detectedEncodingOfFile` and, for pages that declare
 /// one, `decodedMarkup`); `path` is where its
 /// extended attributes are, empty for standard input. Malformed parts become U+FFFD. Nothing for a file that is not

@@ -12,16 +12,33 @@
 
 namespace velan::tool {
 
+FileSearch::FileSearch(const SearchOptions& options, const PreparedQuery& query, const LineStyle& style)
+    : _options(options),
+      _query(query),
+      _readings(query, options.query.verbatim),
+      _style(style),
+      _needsHits((options.output != SearchOutput::Names && !options.quiet) || options.statistics ||
+                 options.order == DocumentOrder::Hits),
+      _filter(options, query) {}
+
 Outcome FileSearch::search(const InputFile& file) const {
+  static thread_local FileReader reader;
   Outcome outcome;
+  Complaint& complaint = outcome.complaint;
   try {
-    const std::optional<Document> document = readDocument(file, _options.decoding, outcome.complaint);
+    const auto refuses = [this](std::string_view bytes, const std::string& path) {
+      return _filter.refuses(bytes, path);
+    };
+    const auto document = readDocument(file, _options.decoding, refuses, reader, complaint);
     if (document) return searchText(displayName(file.path), *document);
-    outcome.counts.binaryFiles = outcome.complaint.isBinary ? 1 : 0;
+    outcome.counts.binaryFiles = complaint.isBinary ? 1 : 0;
+    const bool isRefused = !complaint.isBinary && complaint.text.empty();
+    outcome.counts.documents = isRefused ? 1 : 0;
+    outcome.counts.bytes = isRefused ? reader.bytes().size() : 0;
   } catch (const std::length_error& error) {
-    outcome.complaint = {displayName(file.path) + ": " + error.what(), true};
+    complaint = {displayName(file.path) + ": " + error.what(), true};
   } catch (const std::bad_alloc&) {
-    outcome.complaint = {displayName(file.path) + ": there is not enough memory to search it", true};
+    complaint = {displayName(file.path) + ": there is not enough memory to search it", true};
   }
   return outcome;
 }

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "tools/documents/DocumentReading.h"
+#include "tools/search/DocumentFilter.h"
 #include "tools/search/LineStyle.h"
 #include "tools/search/SearchCounts.h"
 #include "tools/search/SearchOptions.h"
@@ -24,13 +25,7 @@ struct Outcome {
 /// Searches files, any number at once. Borrows what it is given.
 class FileSearch {
  public:
-  FileSearch(const SearchOptions& options, const PreparedQuery& query, const LineStyle& style)
-      : _options(options),
-        _query(query),
-        _readings(query, options.query.verbatim),
-        _style(style),
-        _needsHits((options.output != SearchOutput::Names && !options.quiet) || options.statistics ||
-                   options.order == DocumentOrder::Hits) {}
+  FileSearch(const SearchOptions& options, const PreparedQuery& query, const LineStyle& style);
 
   Outcome search(const InputFile& file) const;
 
@@ -45,6 +40,7 @@ class FileSearch {
   const WordReadings _readings;
   const LineStyle& _style;
   const bool _needsHits;  // not only whether a document matches
+  const DocumentFilter _filter;
 };
 
 }  // namespace velan::tool

@@ -5,6 +5,7 @@
 
 #include "velan/query/evaluation/QueryEvaluatorInternal.h"
 #include "velan/query/evaluation/QueryOccurrencesInternal.h"
+#include "velan/query/filter/RequiredLiteralsInternal.h"
 
 namespace velan {
 
@@ -28,6 +29,18 @@ std::unique_ptr<const PreparedQuery> PreparedQuery::queryWithTerms(std::shared_p
 
 std::unique_ptr<FastWordEnumerator> PreparedQuery::enumeratorWithString(const String& text) const {
   return FastWordEnumerator::enumeratorDividingOnDemand(text, false);
+}
+
+std::vector<std::vector<String>> PreparedQuery::requiredLiterals() const {
+  std::vector<std::vector<String>> required;
+  for (const auto& group : velan::requiredLiterals(*_terms, *_patterns)) {
+    required.emplace_back();
+    for (const std::u16string& literal : group) {
+      required.back().emplace_back(std::u16string_view(literal));
+      if (required.back().back().isAbsent()) throw std::bad_alloc();
+    }
+  }
+  return required;
 }
 
 QueryMatcher::QueryMatcher(const PreparedQuery& query, const FastWordEnumerator& enumerator)

@@ -41,6 +41,12 @@ class VELAN_EXPORT PreparedQuery {
   /// empty or absent text, or when there is too little memory.
   std::unique_ptr<FastWordEnumerator> enumeratorWithString(const String& text) const;
 
+  /// Groups of runs of units, mapped as the comparison maps texts: a text in which the query matches anywhere holds at
+  /// least one of each group. No groups when nothing is required; an empty group when the query matches nothing. What
+  /// is negated, optional or fuzzy and patterns without fixed units require nothing. The most telling groups come
+  /// first. May throw `std::bad_alloc`.
+  std::vector<std::vector<String>> requiredLiterals() const;
+
   /// The terms in the order of the tree with what they look for, down to `deepest` groups below the root; groups beyond
   /// are left out. May throw `std::bad_alloc`.
   std::vector<ExplainedTerm> explanation(size_t deepest) const;

@@ -218,6 +218,15 @@ int64_t WordPattern::Anchor::find(const SearchedText& text, int64_t location, in
   return found;
 }
 
+std::vector<std::u16string_view> WordPattern::requiredLiterals() const {
+  std::vector<std::u16string_view> literals;
+  for (const Piece& piece : _pieces) {
+    const std::u16string_view run = longestRunOf(piece);
+    if (!run.empty()) literals.push_back(run);
+  }
+  return literals;
+}
+
 // Comparisons with the threshold are written so that a similarity that is not a number is never enough.
 bool WordPattern::isSimilar(const Piece& piece, const SearchedText& text, Range word) {
   const double threshold = minWildcardFuzzyAnalogy();

@@ -34,6 +34,8 @@ class WordPattern {
   /// Whether the pattern has one piece, or several.
   bool isOneWord() const { return _pieces.size() == 1; }
   bool isPhrase() const { return _pieces.size() > 1; }
+  /// Of each piece that has one, the longest run of units that all words it matches hold. Views into the pattern.
+  std::vector<std::u16string_view> requiredLiterals() const;
   /// The first place in `range` where the pieces match consecutive words, from the first word's start to the last one's
   /// end; words that `range` cuts do not count. Absent if there is none.
   Range firstIn(const SearchedText& text, Range range) const;

@@ -35,12 +35,14 @@ bool DocumentFilter::mayBeReadOtherwise(std::string_view bytes, StringEncoding e
 // Whether a literal may go on over a hyphen, the line end behind it, and the indentation of the next line.
 bool DocumentFilter::mayJoinLines(std::string_view utf8) const {
   constexpr std::string_view kHyphen = "\xE2\x80\x90";
-  for (size_t at = utf8.find_first_of("\r\n"); at != std::string_view::npos; at = utf8.find_first_of("\r\n", at + 1)) {
-    const std::string_view line = utf8.substr(0, at);
-    const size_t length = line.ends_with('-') ? 1 : line.ends_with(kHyphen) ? kHyphen.size() : 0;
-    if (length == 0 || length == at) continue;
-    const size_t next = utf8.find_first_not_of(" \t", at + (utf8.substr(at).starts_with("\r\n") ? 2 : 1));
-    if (next != std::string_view::npos && _filter->mayJoin(utf8[at - length - 1], utf8[next])) return true;
+  for (const char lineEnd : {'\n', '\r'}) {
+    for (size_t at = 0; (at = utf8.find(lineEnd, at)) != std::string_view::npos; ++at) {
+      const std::string_view line = utf8.substr(0, at);
+      const size_t length = line.ends_with('-') ? 1 : line.ends_with(kHyphen) ? kHyphen.size() : 0;
+      if (length == 0 || length == at) continue;
+      const size_t next = utf8.find_first_not_of(" \t", at + (utf8.substr(at).starts_with("\r\n") ? 2 : 1));
+      if (next != std::string_view::npos && _filter->mayJoin(utf8[at - length - 1], utf8[next])) return true;
+    }
   }
   return false;
 }

@@ -29,6 +29,7 @@ class Literal {
       : _length(static_cast<int64_t>(units.size())), _search(Owned{std::u16string(units)}, units.size(), table) {}
 
   int64_t length() const { return _length; }
+  std::u16string_view units() const { return _search.needle().units; }
   /// The first position in `text`, or `length` if there is none, as for no units.
   size_t find(const unichar* text, size_t length) const { return _search.find(text, length); }
 

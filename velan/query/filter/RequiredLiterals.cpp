@@ -68,7 +68,7 @@ class Requirement {
 Requirement requirementOfLeaf(const LeafPattern& pattern) {
   switch (pattern.meaning()) {
     case LeafMeaning::Literal:
-      return Requirement::literal(*pattern.literal());
+      return Requirement::literal(pattern.literal()->units());
     case LeafMeaning::Words: {
       Requirement all = Requirement::nothing();
       for (const std::u16string_view literal : pattern.pattern().requiredLiterals()) {

@@ -72,6 +72,8 @@ class UnitSearch {
     return count;
   }
 
+  const Needle& needle() const { return _needle; }
+
  private:
   unichar mapped(unichar c) const { return _head.table ? _head.table[c] : c; }
 

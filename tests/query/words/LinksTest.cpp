@@ -35,5 +35,20 @@ TEST(Links, FoundFromEachOfTheirUnits) {
   }
 }
 
+// Whatever the text, a link contains the index it was found from and stays inside the text.
+TEST(Links, StayInsideTheText) {
+  static constexpr std::u16string_view kPieces[] = {u"http://", u"www.", u"a", u"@", u".de",
+                                                    u",",       u")",    u"(", u":", u"é"};
+  Chance chance(3);
+  for (int round = 0; round < 500; ++round) {
+    const String text(chance.text(16, kPieces));
+    for (int64_t i = 0; i < text.length(); ++i) {
+      const Range link = getLinkRangeAtIndex(text, i);
+      if (!isPresent(link)) continue;
+      ASSERT_TRUE(link.location <= i && i < endOf(link) && endOf(link) <= text.length()) << text.toUTF8();
+    }
+  }
+}
+
 }  // namespace
 }  // namespace velan

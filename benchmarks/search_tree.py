@@ -123,7 +123,7 @@ def main():
     own = sys.argv[1:sys.argv.index("--")] if "--" in sys.argv else sys.argv[1:]
     options = parser.parse_args(own)
     extra = sys.argv[len(own) + 2:]
-    tools = [tool.split("=", 1) for tool in options.tools]
+    tools = [(name, os.path.abspath(path)) for name, path in (tool.split("=", 1) for tool in options.tools)]
     names = [name for name, _ in tools] + ["ripgrep", "ugrep"]
     print("| query | files | " + " | ".join(names) + " |")
     print("|---|---|" + "---|" * len(names))

@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "tools/Commands.h"
-#include "tools/FileReading.h"
+#include "tools/files/FileReading.h"
 
 namespace velan::tool {
 namespace {

@@ -6,9 +6,9 @@
 #include <string>
 #include <string_view>
 
-#include "tools/FileReading.h"
-#include "tools/documents/FileWalk.h"
 #include "tools/documents/TextDecoding.h"
+#include "tools/files/FileReading.h"
+#include "tools/files/FileWalk.h"
 
 namespace velan::tool {
 

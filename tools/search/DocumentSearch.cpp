@@ -4,7 +4,7 @@
 #include <new>
 #include <set>
 
-#include "tools/search/FailedTerms.h"
+#include "tools/query/FailedTerms.h"
 
 namespace velan::tool {
 namespace {

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "tools/documents/TextLines.h"
-#include "tools/search/Query.h"
-#include "tools/search/WordReadings.h"
+#include "tools/query/Query.h"
+#include "tools/query/WordReadings.h"
 
 namespace velan::tool {
 

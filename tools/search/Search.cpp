@@ -7,8 +7,8 @@
 
 #include "tools/Commands.h"
 #include "tools/Console.h"
-#include "tools/FileReading.h"
 #include "tools/Progress.h"
+#include "tools/files/FileReading.h"
 #include "tools/search/FileSearch.h"
 #include "tools/search/JsonPrinter.h"
 #include "tools/search/OrderedWork.h"

@@ -5,8 +5,8 @@
 #include <optional>
 
 #include "tools/documents/DocumentReading.h"
-#include "tools/search/FailureReasons.h"
-#include "tools/search/QueryDoubts.h"
+#include "tools/query/FailureReasons.h"
+#include "tools/query/QueryDoubts.h"
 
 namespace velan::tool {
 namespace {

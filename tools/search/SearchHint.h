@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/documents/FileWalk.h"
+#include "tools/files/FileWalk.h"
 #include "tools/search/SearchOptions.h"
 
 namespace velan::tool {

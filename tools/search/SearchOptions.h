@@ -5,10 +5,10 @@
 #include <cstdint>
 #include <optional>
 
-#include "tools/documents/FileSelection.h"
 #include "tools/documents/TextDecoding.h"
+#include "tools/files/FileSelection.h"
+#include "tools/query/Query.h"
 #include "tools/search/DocumentSearch.h"
-#include "tools/search/Query.h"
 
 namespace velan::tool {
 

@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "tools/documents/FileSelection.h"
 #include "tools/documents/TextDecoding.h"
-#include "tools/search/Query.h"
+#include "tools/files/FileSelection.h"
+#include "tools/query/Query.h"
 
 namespace velan::tool {
 

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "tools/documents/FileTypes.h"
+#include "tools/files/FileTypes.h"
 
 namespace velan::tool {
 namespace {

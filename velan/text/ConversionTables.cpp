@@ -36,8 +36,8 @@ Table lower, upper, umlauts, lowerUmlauts, upperUmlauts;
 // What the letters of ASCII become, and the longest row of units that stay as they are: mostly the ideographs.
 UnitMapping described(const unichar* entries) {
   UnitMapping mapping = {entries, true, 0, 0, 0, 0};
-  if (entries['a'] != 'a') mapping.firstLetter = 'a';
-  if (entries['A'] != 'A') mapping.firstLetter = 'A';
+  if (entries[u'a'] != 'a') mapping.firstLetter = 'a';
+  if (entries[u'A'] != 'A') mapping.firstLetter = 'A';
   mapping.difference = static_cast<unichar>(mapping.firstLetter - entries[mapping.firstLetter]);
   for (unichar c = 0; c < 0x80; ++c) {
     const bool isLetter = c >= mapping.firstLetter && c <= mapping.firstLetter + ('z' - 'a');

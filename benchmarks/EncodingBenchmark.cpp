@@ -152,7 +152,7 @@ BENCHMARK_CAPTURE(BM_Legacy, write_gb18030, stringEncoding(TextEncoding::GB18030
 
 [[maybe_unused]] const bool registered = [] {
   for (const Sample& sample : kSamples) {
-    for (const size_t size : {1 << 10, 64 << 10, 8 << 20}) {
+    for (const size_t size : {size_t{1} << 10, size_t{64} << 10, size_t{8} << 20}) {
       const Registrar registrar(sample, size);
       registrar.toUTF16();
       registrar.toUTF8();

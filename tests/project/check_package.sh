@@ -11,7 +11,8 @@ cmake --install "$build" --prefix "$scratch/first" >/dev/null
 mv "$scratch/first" "$scratch/prefix"
 pc=$(dirname "$(find "$scratch/prefix" -name velan.pc)")
 export PKG_CONFIG_PATH=$pc CMAKE_PREFIX_PATH=$scratch/prefix LD_LIBRARY_PATH=${pc%/pkgconfig} CXXFLAGS=$flags
-if grep -r --binary-files=text "$build" "$scratch/prefix"; then
+# With flags it is built for sanitizers, whose reports and debugging data name folders.
+if [ -z "$flags" ] && grep -r --binary-files=text "$build" "$scratch/prefix"; then
   echo "The installation names the folder where it was built." >&2
   exit 1
 fi

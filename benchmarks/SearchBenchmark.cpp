@@ -11,15 +11,15 @@
 
 #include <algorithm>
 #include <cstring>
-#include <fstream>
 #include <functional>
-#include <iterator>
 #include <memory>
 #include <random>
 #include <string>
 #include <vector>
 
+#include "benchmarks/RealTexts.h"
 #include "velan/base/String.h"
+#include "velan/base/utf/UTF.h"
 #include "velan/query/PreparedQuery.h"
 #include "velan/text/CharacterSetOperations.h"
 #include "velan/text/CharacterSets.h"
@@ -47,15 +47,6 @@ std::u16string wordsOf(const std::vector<std::u16string_view>& words, size_t len
   std::u16string text;
   while (text.size() < length) (text += words[random() % words.size()]) += u' ';
   text.resize(length);
-  return text;
-}
-
-// A real text of ASCII that every Debian system has, again and again.
-std::u16string licenceText(size_t length) {
-  std::ifstream file("/usr/share/common-licenses/GPL-3");
-  std::u16string text{std::istreambuf_iterator<char>(file), {}};
-  while (!text.empty() && text.size() < length) text += text;
-  text.resize(length, u' ');
   return text;
 }
 
@@ -88,16 +79,16 @@ Text textOf(const std::string& name, size_t length) {
                     length),
             u"契約書", u"文書を契約書", u'#'};
   }
-  return {"licence", licenceText(length), u"the", u"software licenses of", u'#'};
+  if (name == "manual-de") return {"manual-de", realText(name, length), u"die", u"Datei der Befehlszeilen", u'\u2603'};
+  if (name == "manual-ru") return {"manual-ru", realText(name, length), u"для", u"параметр файлового имени", u'\u2603'};
+  if (name == "manual-ja") return {"manual-ja", realText(name, length), u"する", u"ファイル指定環境", u'\u2603'};
+  const char* english = name == "manual" ? "manual" : name == "changelog" ? "changelog" : "licence";
+  return {english, realText(name, length), u"the", u"software licenses of", u'\u2603'};
 }
 
 std::string utf8Of(std::u16string_view units) {
-  std::string bytes(units.size() * 3, 0);
-  int32_t length = 0;
-  UErrorCode error = U_ZERO_ERROR;
-  u_strToUTF8(bytes.data(), static_cast<int32_t>(bytes.size()), &length, units.data(),
-              static_cast<int32_t>(units.size()), &error);
-  bytes.resize(static_cast<size_t>(length));
+  std::string bytes;
+  appendUTF8Lossy(units, bytes);  // a cut text may end in half a character
   return bytes;
 }
 
@@ -347,8 +338,11 @@ int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
   std::vector<std::unique_ptr<Text>> texts;
   for (const size_t length : {size_t{512}, size_t{32} << 10, size_t{4} << 20}) {
-    for (const char* name : {"english", "mixed", "russian", "japanese", "licence"}) {
+    std::vector<std::string> names = {"english", "mixed", "russian", "japanese"};
+    names.insert(names.end(), std::begin(kRealTexts), std::end(kRealTexts));
+    for (const std::string& name : names) {
       const Text& text = *texts.emplace_back(std::make_unique<Text>(textOf(name, length)));
+      if (text.units.empty()) continue;
       addLimit(text);
       addSearch("exact_absent", text, text.absentPhrase, true);
       addSearch("exact_every_hit", text, text.frequentWord, true);
@@ -357,7 +351,7 @@ int main(int argc, char** argv) {
       addWithoutDiacritics(text, text.absentPhrase);
       addUnits(text);
       addMapping(text);
-      if (text.name == std::string_view("licence")) addQueries(text);
+      if (name == "licence" || name == "manual" || name == "changelog") addQueries(text);
     }
   }
   benchmark::RunSpecifiedBenchmarks();

@@ -1,9 +1,12 @@
-// Appending and reading blocks beside LevelDB and LMDB, on the same file system: VELAN_BENCHMARK_FOLDER, or /var/tmp.
+// Appending and reading blocks beside LevelDB, LMDB, SQLite and a file without any structure, on the same file system:
+// VELAN_BENCHMARK_FOLDER, or /var/tmp.
 #include <benchmark/benchmark.h>
 #include <leveldb/db.h>
 #include <leveldb/iterator.h>
 #include <lmdb.h>
+#include <sqlite3.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
@@ -12,6 +15,7 @@
 
 #include "velan/base/ByteOrder.h"
 #include "velan/storage/BlockStorage.h"
+#include "velan/text/digest/Checksums.h"
 
 namespace velan {
 namespace {
@@ -100,7 +104,8 @@ struct LevelDB {
   uint64_t count = 0;
 };
 
-// A transaction for each block, as for the others. It does not compress, and has no checksums.
+// A transaction for each block, as for the others. It does not compress, and has no checksums: what is read goes
+// through ours.
 struct LMDB {
   explicit LMDB(bool synchronous) {
     mdb_env_create(&environment);
@@ -132,7 +137,7 @@ struct LMDB {
     MDB_val key, value;
     while (mdb_cursor_get(cursor, &key, &value, MDB_NEXT) == 0) {
       const std::string copy(static_cast<const char*>(value.mv_data), value.mv_size);
-      benchmark::DoNotOptimize(copy.data());
+      benchmark::DoNotOptimize(CRC32(copy.data(), copy.size()));
       sum += copy.size();
     }
     mdb_cursor_close(cursor);
@@ -141,6 +146,58 @@ struct LMDB {
   }
   MDB_env* environment = nullptr;
   uint64_t count = 0;
+};
+
+// A transaction for each block, written ahead and not synchronised. It has no checksums, either.
+struct SQLite {
+  SQLite() {
+    sqlite3_open((folder() + "/sqlite").c_str(), &database);
+    for (const char* statement : {"PRAGMA journal_mode=WAL", "PRAGMA synchronous=OFF",
+                                  "CREATE TABLE blocks (number INTEGER PRIMARY KEY, bytes BLOB)"}) {
+      sqlite3_exec(database, statement, nullptr, nullptr, nullptr);
+    }
+    sqlite3_prepare_v2(database, "INSERT INTO blocks (bytes) VALUES (?)", -1, &insert, nullptr);
+    sqlite3_prepare_v2(database, "SELECT bytes FROM blocks ORDER BY number", -1, &select, nullptr);
+  }
+  ~SQLite() {
+    sqlite3_finalize(insert);
+    sqlite3_finalize(select);
+    sqlite3_close(database);
+  }
+  SQLite(const SQLite&) = delete;
+  SQLite& operator=(const SQLite&) = delete;
+  bool append(const std::string& text) {
+    sqlite3_bind_blob(insert, 1, text.data(), static_cast<int>(text.size()), SQLITE_STATIC);
+    const bool done = sqlite3_step(insert) == SQLITE_DONE;
+    sqlite3_reset(insert);
+    return done;
+  }
+  size_t readAll() {
+    size_t sum = 0;
+    while (sqlite3_step(select) == SQLITE_ROW) {
+      const std::string copy(static_cast<const char*>(sqlite3_column_blob(select, 0)),
+                             static_cast<size_t>(sqlite3_column_bytes(select, 0)));
+      benchmark::DoNotOptimize(CRC32(copy.data(), copy.size()));
+      sum += copy.size();
+    }
+    sqlite3_reset(select);
+    return sum;
+  }
+  sqlite3* database = nullptr;
+  sqlite3_stmt* insert = nullptr;
+  sqlite3_stmt* select = nullptr;
+};
+
+// What is written lies in a buffer of the process first, of 64 KB or of nothing. There are no checksums.
+struct RawFile {
+  explicit RawFile(size_t buffered) : file(std::fopen((folder() + "/raw").c_str(), "wb")) {
+    std::setvbuf(file, nullptr, buffered ? _IOFBF : _IONBF, buffered);
+  }
+  ~RawFile() { std::fclose(file); }
+  RawFile(const RawFile&) = delete;
+  RawFile& operator=(const RawFile&) = delete;
+  bool append(const std::string& text) { return std::fwrite(text.data(), 1, text.size(), file) == text.size(); }
+  std::FILE* file;
 };
 
 template <typename Append>
@@ -179,6 +236,22 @@ void BM_AppendLMDB(benchmark::State& state) {
   LMDB store(false);
   measureAppending(state, [&](const std::string& text) { return store.append(text); });
 }
+void BM_AppendSQLite(benchmark::State& state) {
+  const Folder made;
+  SQLite store;
+  measureAppending(state, [&](const std::string& text) { return store.append(text); });
+}
+void BM_AppendRaw(benchmark::State& state) {
+  const Folder made;
+  RawFile store(64 << 10);
+  measureAppending(state, [&](const std::string& text) { return store.append(text); });
+}
+// What each block costs at least when it is given to the system at once.
+void BM_AppendRawEach(benchmark::State& state) {
+  const Folder made;
+  RawFile store(0);
+  measureAppending(state, [&](const std::string& text) { return store.append(text); });
+}
 void BM_AppendSyncVelan(benchmark::State& state) {
   const Folder made;
   Velan store(false);
@@ -209,6 +282,11 @@ void BM_ReadLMDB(benchmark::State& state) {
   LMDB store(false);
   measureReading(state, store);
 }
+void BM_ReadSQLite(benchmark::State& state) {
+  const Folder made;
+  SQLite store;
+  measureReading(state, store);
+}
 
 #define VELAN_SIZES ArgsProduct({{1 << 10, 4 << 10, 64 << 10}, {0, 1}})
 #define VELAN_PLAIN_SIZES ArgsProduct({{1 << 10, 4 << 10, 64 << 10}, {0}})
@@ -216,12 +294,16 @@ void BM_ReadLMDB(benchmark::State& state) {
 BENCHMARK(BM_AppendVelan)->VELAN_SIZES->Iterations(4000);
 BENCHMARK(BM_AppendLevelDB)->VELAN_SIZES->Iterations(4000);
 BENCHMARK(BM_AppendLMDB)->VELAN_PLAIN_SIZES->Iterations(4000);
+BENCHMARK(BM_AppendSQLite)->VELAN_PLAIN_SIZES->Iterations(4000);
+BENCHMARK(BM_AppendRaw)->VELAN_PLAIN_SIZES->Iterations(4000);
+BENCHMARK(BM_AppendRawEach)->VELAN_PLAIN_SIZES->Iterations(4000);
 BENCHMARK(BM_AppendSyncVelan)->VELAN_PLAIN_SIZES->Iterations(300)->UseRealTime();
 BENCHMARK(BM_AppendSyncLevelDB)->VELAN_PLAIN_SIZES->Iterations(300)->UseRealTime();
 BENCHMARK(BM_AppendSyncLMDB)->VELAN_PLAIN_SIZES->Iterations(300)->UseRealTime();
 BENCHMARK(BM_ReadVelan)->VELAN_SIZES;
 BENCHMARK(BM_ReadLevelDB)->VELAN_SIZES;
 BENCHMARK(BM_ReadLMDB)->VELAN_PLAIN_SIZES;
+BENCHMARK(BM_ReadSQLite)->VELAN_PLAIN_SIZES;
 
 }  // namespace
 }  // namespace velan

@@ -38,7 +38,7 @@ Range PhraseSearch::nextAroundAnchor() {
   while (_location < _end) {
     const int64_t hit = _anchor->find(_text, _location, _end);
     if (hit < 0) break;
-    const Range word = _text.words().rangeOfWordAtIndex(hit);
+    const Range word = _text.wordAt(hit);
     _location = isPresent(word) ? endOf(word) : hit + 1;
     if (!isPresent(word) || word.location < _start || endOf(word) > _end) continue;
     const Range place = placeAround(word);
@@ -52,12 +52,12 @@ Range PhraseSearch::placeAround(Range word) const {
   if (!WordPattern::matches(_pieces[_anchor->piece], _text, word)) return kAbsentRange;
   Range last = word;
   for (size_t i = _anchor->piece + 1; i < _pieces.size(); ++i) {
-    last = _text.firstWordIn(endOf(last), _end);
+    last = _text.wordAfter(endOf(last), _end);
     if (!isPresent(last) || !WordPattern::matches(_pieces[i], _text, last)) return kAbsentRange;
   }
   Range first = word;
   for (size_t i = _anchor->piece; i-- > 0;) {
-    first = _text.words().rangeOfPreviousWordFromIndex(first.location - 1, _start);
+    first = _text.wordBefore(first.location - 1, _start);
     if (!isPresent(first) || !WordPattern::matches(_pieces[i], _text, first)) return kAbsentRange;
   }
   return {first.location, endOf(last) - first.location};

@@ -1,7 +1,9 @@
 #include <algorithm>
 
 #include "velan/query/evaluation/SearchedTextInternal.h"
+#include "velan/query/words/EastAsianWords.h"
 #include "velan/text/ConversionTables.h"
+#include "velan/text/Separators.h"
 #include "velan/text/UnitMappingInternal.h"
 #include "velan/wildcard/WildcardPattern.h"
 
@@ -32,7 +34,68 @@ SearchedText::SearchedText(const FastWordEnumerator& enumerator, QueryComparison
       _length(static_cast<int64_t>(enumerator.length())),
       _patternTable(comparisonTable(comparisonOn(enumerator, comparison))),
       _table(enumerator.isCaseInsensitive() && _patternTable == initUpperCharsTable() ? nullptr : _patternTable),
-      _units(enumerator.characters()) {}
+      _units(enumerator.characters()),
+      _separators(enumerator._onDemand ? defaultWordSeparators() : nullptr),
+      _mayBeDivided(enumerator._marksRuns) {}
+
+// Of a long run the index knows more quickly whether it is divided.
+bool SearchedText::isInDividedRun(int64_t index) const {
+  constexpr int64_t kNear = 32;
+  if (!isInText(index) || separates(index)) return false;
+  for (const int64_t step : {-1, 1}) {
+    for (int64_t i = index; isInText(i) && !separates(i); i += step) {
+      if (isEastAsianUnichar(_units[i]) || std::abs(i - index) > kNear) return true;
+    }
+  }
+  return false;
+}
+
+bool SearchedText::isDivided(Range run) const {
+  return _mayBeDivided && std::any_of(_units + run.location, _units + endOf(run), isEastAsianUnichar);
+}
+
+// The units around `index` without separators.
+Range SearchedText::runAt(int64_t index) const {
+  int64_t start = index, end = index;
+  while (start > 0 && !separates(start - 1)) --start;
+  while (end < _length && !separates(end)) ++end;
+  return {start, end - start};
+}
+
+Range SearchedText::wordAt(int64_t index) const {
+  if (_separators) {
+    if (!isInText(index) || separates(index)) return kAbsentRange;
+    const Range run = runAt(index);
+    if (!isDivided(run)) return run;
+  }
+  return _words.rangeOfWordAtIndex(index);
+}
+
+Range SearchedText::wordBefore(int64_t index, int64_t start) const {
+  if (_separators && isInText(index)) {
+    int64_t last = index;
+    while (last >= start && last >= 0 && separates(last)) --last;
+    if (last < start || last < 0) return kAbsentRange;
+    const Range run = runAt(last);
+    if (!isDivided(run)) return run.location >= start ? run : kAbsentRange;
+  }
+  return _words.rangeOfPreviousWordFromIndex(index, start);
+}
+
+Range SearchedText::wordAfter(int64_t location, int64_t end) const {
+  if (_separators && location >= 0) {
+    int64_t first = location;
+    if (first > 0 && first < end && !separates(first - 1)) {
+      if (_mayBeDivided && !separates(first)) return firstWordIn(location, end);
+      while (first < end && !separates(first)) ++first;
+    }
+    while (first < end && separates(first)) ++first;
+    if (first >= end) return kAbsentRange;
+    const Range run = runAt(first);
+    if (!isDivided(run)) return endOf(run) <= end ? run : kAbsentRange;
+  }
+  return firstWordIn(location, end);
+}
 
 Range SearchedText::firstWordIn(int64_t location, int64_t end) const {
   const Range word = _words.rangeOfNextWordFromIndex(location, end);

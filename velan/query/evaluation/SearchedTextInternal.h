@@ -10,6 +10,7 @@
 #include "velan/base/Range.h"
 #include "velan/query/QueryComparison.h"
 #include "velan/query/words/FastWordEnumerator.h"
+#include "velan/text/CharacterSets.h"
 #include "velan/text/search/UnitSearchInternal.h"
 
 namespace velan {
@@ -56,8 +57,18 @@ class SearchedText {
   const unichar* patternTable() const { return _patternTable; }
   const FastWordEnumerator& words() const { return _words; }
 
-  bool wordBeginsAt(int64_t index) const { return _words.isWordBeginningAtIndex(index); }
-  bool wordEndsAt(int64_t index) const { return _words.isWordEndAtIndex(index); }
+  bool wordBeginsAt(int64_t index) const {
+    return knowsByUnits(index, index - 1) ? isBoundary(index, index - 1) : _words.isWordBeginningAtIndex(index);
+  }
+  bool wordEndsAt(int64_t index) const {
+    return knowsByUnits(index, index + 1) ? isBoundary(index, index + 1) : _words.isWordEndAtIndex(index);
+  }
+  /// The word of the unit at `index`; absent for a separator.
+  Range wordAt(int64_t index) const;
+  /// The word that begins last at or before `index`, but not before `start`; absent if there is none.
+  Range wordBefore(int64_t index, int64_t start) const;
+  /// What `firstWordIn` gives, for a word that is near.
+  Range wordAfter(int64_t location, int64_t end) const;
   /// The first word that begins at or after `location` and ends at or before `end`; absent if there is none.
   Range firstWordIn(int64_t location, int64_t end) const;
   /// Whether the units of `range` are those of `literal`.
@@ -77,6 +88,18 @@ class SearchedText {
   int64_t wordEndAfter(int64_t location, int64_t count, int64_t end) const;
 
  private:
+  bool separates(int64_t index) const { return isMemberOfCharacterSetRep(_separators, _units[index]); }
+  bool isInText(int64_t index) const { return static_cast<uint64_t>(index) < static_cast<uint64_t>(_length); }
+  bool isBoundary(int64_t index, int64_t neighbour) const {
+    return isInText(index) && !separates(index) && (!isInText(neighbour) || separates(neighbour));
+  }
+  // Whether the unit at `index` and its neighbour tell if a word begins or ends between them.
+  bool knowsByUnits(int64_t index, int64_t neighbour) const {
+    return _separators && (!_mayBeDivided || isBoundary(index, neighbour) || !isInDividedRun(index));
+  }
+  bool isInDividedRun(int64_t index) const;
+  bool isDivided(Range run) const;
+  Range runAt(int64_t index) const;
   void indexWords() const;
 
   const FastWordEnumerator& _words;
@@ -84,6 +107,10 @@ class SearchedText {
   const unichar* const _patternTable;
   const unichar* const _table;  // what the units still have to be mapped through
   const unichar* const _units;
+  // Where the index is made on demand the words around a place are found without it: by the separators, unless a
+  // dictionary may divide what lies between them. Null where the index is made already.
+  const uint8_t* const _separators;
+  const bool _mayBeDivided;
   // Where words start and end (one past the last unit), for counting words from any place; made when first needed.
   mutable std::vector<int64_t> _wordStarts;
   mutable std::vector<int64_t> _wordEnds;

@@ -60,7 +60,7 @@ Range WordSearch::nextWord() {
   while (_location < _end) {
     const int64_t hit = _anchor->find(_text, _location, _end);
     if (hit < 0) return kAbsentRange;
-    const Range word = _text.words().rangeOfWordAtIndex(hit);
+    const Range word = _text.wordAt(hit);
     if (isPresent(word) && word.location >= _location && endOf(word) <= _end) return word;
     _location = isPresent(word) ? endOf(word) : hit + 1;
   }

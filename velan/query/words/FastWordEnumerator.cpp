@@ -113,6 +113,7 @@ void FastWordEnumerator::releaseCharacters() {
   _length = 0;
   _numWords = 0;
   _hasUndivided = false;
+  _onDemand = false;
   _indexed.reset();
 }
 
@@ -135,18 +136,12 @@ bool FastWordEnumerator::copyInUpperCase(const unichar* characters, int64_t leng
 }
 
 bool FastWordEnumerator::initIndex(Division division, bool onDemand) {
-  if (_indexCapacity < _length) {
-    _index.reset(new (std::nothrow) uint8_t[_length]);
-    _indexCapacity = _index ? _length : 0;
-    if (!_index) return false;
-  }
   _numWords = 0;
   _hasUndivided = false;
   _marksRuns = division != Division::Never;
-  if (onDemand) {
-    _indexed.reset(new (std::nothrow) bool[_length / kBlock + 1]());
-    return _indexed != nullptr;
-  }
+  _onDemand = onDemand;
+  if (onDemand) return true;
+  if (!makeRoomForIndex()) return false;
   _numWords = _wildcard ? indexWildcardWords(_characters, _length, defaultWildcardSeparators(), _index.get())
                         : indexWords(_characters, _length, defaultWordSeparators(), _index.get());
   if (_marksRuns) markAsianRuns(0, _length);
@@ -158,8 +153,20 @@ bool FastWordEnumerator::initIndex(Division division, bool onDemand) {
   }
 }
 
+bool FastWordEnumerator::makeRoomForIndex() const {
+  if (_indexCapacity < _length) {
+    _index.reset(new (std::nothrow) uint8_t[_length]);
+    _indexCapacity = _index ? _length : 0;
+  }
+  return _index != nullptr;
+}
+
 // With the blocks that runs to be marked go on in, so that all of a run is indexed at once.
 void FastWordEnumerator::indexBlock(size_t block) const {
+  if (!_indexed) {
+    if (!makeRoomForIndex()) throw std::bad_alloc();
+    _indexed = std::make_unique<bool[]>(_length / kBlock + 1);
+  }
   const uint8_t* separators = defaultWordSeparators();
   size_t from = block * kBlock;
   size_t end = std::min<size_t>(from + kBlock, _length);
@@ -182,7 +189,7 @@ void FastWordEnumerator::indexAll() const {
 
 // `findType` in an index that is made as far as it looks.
 size_t FastWordEnumerator::findIndexed(size_t from, size_t end, uint8_t mask) const {
-  if (!_indexed) return findType(_index.get(), from, end, mask);
+  if (!_onDemand) return findType(_index.get(), from, end, mask);
   while (from < end) {
     indexAround(from);
     const size_t blockEnd = std::min(end, (from / kBlock + 1) * kBlock);
@@ -194,7 +201,7 @@ size_t FastWordEnumerator::findIndexed(size_t from, size_t end, uint8_t mask) co
 }
 
 size_t FastWordEnumerator::findIndexedBackwards(size_t start, size_t end, uint8_t mask) const {
-  if (!_indexed) return findTypeBackwards(_index.get(), start, end, mask);
+  if (!_onDemand) return findTypeBackwards(_index.get(), start, end, mask);
   for (size_t after = end; after > start;) {
     indexAround(after - 1);
     const size_t blockStart = std::max(start, (after - 1) / kBlock * kBlock);
@@ -231,7 +238,7 @@ void FastWordEnumerator::divideAll() const {
 // A run that could not be divided stays marked.
 void FastWordEnumerator::divideRunAt(size_t index) const {
   uint8_t* const types = _index.get();
-  const auto isInRun = [&](size_t i) { return (!_indexed || _indexed[i / kBlock]) && (types[i] & kUndivided); };
+  const auto isInRun = [&](size_t i) { return (!_onDemand || _indexed[i / kBlock]) && (types[i] & kUndivided); };
   size_t start = index;
   while (start > 0 && isInRun(start - 1)) --start;
   size_t end = index + 1;

@@ -14,6 +14,7 @@
 
 namespace velan {
 
+class SearchedText;
 class WordTokenizer;
 
 /// `FastWordEnumerator`: the units of a text with a type for each: separator, start of a word, end of a word.
@@ -94,7 +95,7 @@ class VELAN_EXPORT FastWordEnumerator {
   int64_t length() const { return static_cast<int64_t>(_length); }
   /// `numberOfWords`: counted when the text was indexed.
   int64_t numberOfWords() const {
-    if (_indexed) indexAll();
+    if (_onDemand) indexAll();
     if (_hasUndivided) divideAll();
     return static_cast<int64_t>(_numWords);
   }
@@ -104,7 +105,7 @@ class VELAN_EXPORT FastWordEnumerator {
   /// `typeAtIndex:`: the bits of `Type`; 0 beyond the end.
   uint8_t typeAtIndex(int64_t index) const {
     if (static_cast<uint64_t>(index) >= _length) return 0;
-    if (_indexed) indexAround(static_cast<size_t>(index));
+    if (_onDemand) indexAround(static_cast<size_t>(index));
     const uint8_t type = _index[static_cast<uint64_t>(index)];
     return (type & kUndivided) == 0 ? type : typeAfterDividing(static_cast<uint64_t>(index));
   }
@@ -172,6 +173,7 @@ class VELAN_EXPORT FastWordEnumerator {
   String stringBySeparatingWords() const;
 
  private:
+  friend class SearchedText;
   enum class Division : uint8_t { Never, Now, OnDemand };
   static constexpr uint8_t kUndivided = 8;  // a type's bit: the run is one that a dictionary has yet to divide
   static constexpr size_t kBlock = 256;     // units that are indexed together
@@ -184,8 +186,9 @@ class VELAN_EXPORT FastWordEnumerator {
   static void storeSplitAsianWords(bool split);
   bool copyInUpperCase(const unichar* characters, int64_t length);
   bool initIndex(Division division, bool onDemand);
+  bool makeRoomForIndex() const;
   void indexAround(size_t index) const {
-    if (!_indexed[index / kBlock]) indexBlock(index / kBlock);
+    if (!_indexed || !_indexed[index / kBlock]) indexBlock(index / kBlock);
   }
   void indexBlock(size_t block) const;
   void indexAll() const;
@@ -209,10 +212,12 @@ class VELAN_EXPORT FastWordEnumerator {
   bool _freeCharacters = false;          // _characters are owned
   bool _upperCase = false;               // _characters are a copy in upper case
   uint64_t _length = 0;                  // 0 while invalid: every query then fails its bounds check
-  std::unique_ptr<uint8_t[]> _index;     // a type per unit
-  uint64_t _indexCapacity = 0;           // in units
-  std::unique_ptr<bool[]> _indexed;      // of each block, whether it has types yet; null when all have
-  bool _marksRuns = false;               // those that a dictionary has to divide
+  bool _onDemand = false;                // the index is made where a query comes to
+  // A type per unit, and of each block whether it has types yet, which all have unless made on demand.
+  mutable std::unique_ptr<uint8_t[]> _index;
+  mutable uint64_t _indexCapacity = 0;  // in units
+  mutable std::unique_ptr<bool[]> _indexed;
+  bool _marksRuns = false;  // those that a dictionary has to divide
   mutable uint64_t _numWords = 0;
   mutable std::unique_ptr<WordTokenizer> _tokenizer;  // made when first needed
   mutable bool _hasUndivided = false;                 // some types may have that bit

@@ -95,14 +95,16 @@ QueryEvaluator::QueryEvaluator(const FastWordEnumerator& enumerator, QueryCompar
 QueryEvaluator::~QueryEvaluator() = default;
 
 LeafSearch& QueryEvaluator::search(const QueryTerms& leaf) {
-  auto& search = _searches[&leaf];
-  if (search) return *search;
-  if (const LeafPattern* prepared = _prepared ? _prepared->find(leaf) : nullptr) {
-    search = std::make_unique<LeafSearch>(_text, *prepared);
-  } else {
-    search = std::make_unique<LeafSearch>(_text, std::make_unique<const LeafPattern>(leaf, _kind, _comparison));
-  }
-  return *search;
+  if (_firstLeaf == &leaf) return *_firstSearch;
+  if (const auto known = _searches.find(&leaf); known != _searches.end()) return known->second;
+  const auto make = [&](auto&& pattern) -> LeafSearch& {
+    if (_firstLeaf) return _searches.try_emplace(&leaf, _text, std::forward<decltype(pattern)>(pattern)).first->second;
+    _firstSearch.emplace(_text, std::forward<decltype(pattern)>(pattern));
+    _firstLeaf = &leaf;
+    return *_firstSearch;
+  };
+  if (const LeafPattern* prepared = _prepared ? _prepared->find(leaf) : nullptr) return make(*prepared);
+  return make(std::make_unique<const LeafPattern>(leaf, _kind, _comparison));
 }
 
 Ranges QueryEvaluator::places(const QueryTerms& leaf, Range range) {

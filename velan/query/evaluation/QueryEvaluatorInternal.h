@@ -136,7 +136,9 @@ class QueryEvaluator {
   const LeafKind _kind;
   const LeafPatterns* const _prepared;
   Range _evaluated{0, 0};
-  std::unordered_map<const QueryTerms*, std::unique_ptr<LeafSearch>> _searches;
+  const QueryTerms* _firstLeaf = nullptr;  // the one whose search needs no room of its own
+  std::optional<LeafSearch> _firstSearch;
+  std::unordered_map<const QueryTerms*, LeafSearch> _searches;  // of the others
   std::unordered_map<Place, bool, PlaceHash> _remembered;
   std::unique_ptr<Witnesses> _witnesses;  // made when first needed, like the ends
   std::unique_ptr<EndSearch> _ends;

@@ -11,10 +11,21 @@
 namespace velan {
 namespace {
 
-// Walks the tree from the root and marks the places that take part in the match.
+bool hasRelations(const QueryTerms& root) {
+  bool found = false;
+  walkQuery(root, [&found](const QueryTerms& node) {
+    found = found || hasOwnRelation(node);
+    return !found;
+  });
+  return found;
+}
+
+// Walks the tree from the root and marks the places that take part in the match: without relations all of them.
 class PrimaryPlaces {
  public:
   PrimaryPlaces(QueryEvaluator& evaluator, const QueryTerms& root, Range range) : _evaluator(evaluator), _range(range) {
+    if (!hasRelations(root)) return;
+    _hasRelations = true;
     _pending.push_back({&root, {}, std::make_shared<const RangeColumns>(range)});
     while (!_pending.empty()) {
       const Task task = std::move(_pending.back());
@@ -39,7 +50,10 @@ class PrimaryPlaces {
     }
   };
 
-  const Marks& marksOf(const QueryTerms& leaf) { return _marks[&leaf]; }
+  const Marks& marksOf(const QueryTerms& leaf) {
+    static const Marks kAll{true, {}};
+    return _hasRelations ? _marks[&leaf] : kAll;
+  }
 
  private:
   // A node to mark in the ranges where it takes part; shared by all children of a group.
@@ -146,6 +160,7 @@ class PrimaryPlaces {
 
   QueryEvaluator& _evaluator;
   const Range _range;
+  bool _hasRelations = false;
   std::vector<Task> _pending;
   std::unordered_map<const QueryTerms*, Marks> _marks;
 };

@@ -20,16 +20,23 @@ Result answerOrNote(const Noter& noter, Result neutral, const Ask& ask) {
   }
 }
 
-/// Calls `visit(node)` for `root` and, where that returns true, for everything below it; parents come first.
+/// Calls `visit(node)` for `root` and, where that returns true, for everything below it; parents come first. Allocates
+/// nothing where no group holds another.
 template <typename Visit>
 void walkQuery(const QueryTerms& root, Visit visit) {
-  std::vector<const QueryTerms*> pending{&root};
-  while (!pending.empty()) {
-    const QueryTerms* node = pending.back();
-    pending.pop_back();
-    if (!visit(*node)) continue;
-    const auto& children = node->children();
-    for (auto child = children.rbegin(); child != children.rend(); ++child) pending.push_back(child->get());
+  if (!visit(root)) return;
+  std::vector<const QueryTerms*> pending;
+  for (const auto& part : root.children()) {
+    const QueryTerms* node = part.get();
+    while (true) {
+      if (visit(*node)) {
+        const auto& children = node->children();
+        for (auto child = children.rbegin(); child != children.rend(); ++child) pending.push_back(child->get());
+      }
+      if (pending.empty()) break;
+      node = pending.back();
+      pending.pop_back();
+    }
   }
 }
 

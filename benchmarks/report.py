@@ -24,6 +24,7 @@ REAL = [f"manual/{KB}", *(f"{text}/{64 * KB}" for text in ("manual", "changelog"
 TEXTS = MADE_UP + REAL
 UTF = [f"english/{KB}", *(f"{text}/{64 * KB}" for text in ("english", "german", "russian", "chinese", "mixed")),
        f"english/{8 * MB}", f"russian/{8 * MB}"]
+WORDS = [f"mixed/{KB}", *(f"{text}/{64 * KB}" for text in ("mixed", "english", "russian", "japanese")), f"mixed/{8 * MB}"]
 QUERIED = [f"licence/{size}" for size in (KB, 64 * KB, 8 * MB)] + [f"{text}/{64 * KB}" for text in ("manual", "changelog")]
 
 # Program, operation, our benchmark, those of the peers, inputs, the machine's limit. An input stands for `*`.
@@ -49,12 +50,12 @@ ROWS = [
     ("search", "compare members of a set", "compare_letters/velan/*", ["compare_letters/bitmap_loop/*"], TEXTS, "read"),
     ("encoding", "UTF-8 to UTF-16", "to_utf16/velan/*", ["to_utf16/icu/*", "to_utf16/iconv/*"], UTF, "copy"),
     ("encoding", "UTF-16 to UTF-8", "to_utf8/velan/*", ["to_utf8/icu/*", "to_utf8/iconv/*"], UTF, "copy"),
-    ("words", "word index", "BM_Index/CaseSensitive/*", ["BM_PlainLoop/*", "BM_ICUWordIterator/*"], SIZES, "read"),
-    ("words", "word index in upper case", "BM_Index/CaseInsensitive/*", ["BM_PlainLoop/*"], SIZES, "read"),
-    ("words", "walking the words of an index", "BM_WalkWords/*", ["BM_PlainLoop/*"], SIZES, "read"),
     *(("search", f"query, {name.replace('_', ' ')}, every hit", f"query_{name}/velan/*", [f"query_{name}/pcre2/*"], QUERIED,
        "read") for name in ("word", "word_no_case", "prefix", "infix", "suffix", "set", "phrase", "wildcard_phrase",
                             "three_terms")),
+    ("words", "word index", "index/velan/*", ["index/plain_loop/*", "index/icu/*"], WORDS, "read"),
+    ("words", "word index in upper case, beside the plain one", "index_upper/velan/*", ["index/velan/*"], WORDS, "copy"),
+    ("words", "walk the words of an index", "walk/velan/*", ["walk/bitmap_loop/*"], WORDS, "read"),
     *(("wildcard", f"wildcards over words, {name}", "BM_Filter/*", ["BM_Filter_RE2/*", "BM_Filter_PCRE2/*"], [number], "")
       for number, name in enumerate(("prefix", "infix", "suffix", "set", "mixed"))),
     ("keyed", "keyed look-up, last of /1, absent /2", "BM_LookUpKeyed/*",

@@ -73,10 +73,33 @@ TEST(UnitKernels, FindAndCountMembers) {
         std::u16string members(length + UnitKernels::kCopySlack, u' ');
         SetHints hints;
         members.resize(run.copyMembers(units, length, rep, hints, members.data()));
-        return std::pair(members,
-                         std::array{run.findMember(units, length, rep, true), run.findMember(units, length, rep, false),
-                                    run.countMembers(units, length, rep) - slow});
+        std::vector<uint8_t> marks(length);
+        run.markMembers(units, length, rep, hints, marks.data());
+        return std::tuple(
+            members, marks, std::ranges::count(marks, 0xFF) - static_cast<ptrdiff_t>(slow),
+            std::array{run.findMember(units, length, rep, true), run.findMember(units, length, rep, false),
+                       run.countMembers(units, length, rep) - slow});
       });
+    }
+  }
+}
+
+// Also where every other unit begins a run, which fills sums soonest.
+TEST(UnitKernels, RunsBetweenMarks) {
+  std::mt19937 random(2);
+  for (size_t length = 0; length <= 20000; length += length < 300 ? 1 : 3940) {
+    for (const bool alternates : {false, true}) {
+      const size_t shift = random() % 32;
+      const auto buffer = std::make_unique<uint8_t[]>(shift + length + 2);
+      uint8_t* marks = buffer.get() + shift;
+      for (size_t i = 0; i < length + 2; ++i) marks[i] = (alternates ? i : random()) % 2 == 0 ? 0xFF : 0;
+      std::vector<uint8_t> expected(length), types(length);
+      const size_t runs = unitKernelList().reference().runsFromMarks(marks, length, expected.data());
+      EXPECT_EQ(runs, static_cast<size_t>(std::ranges::count_if(expected, [](uint8_t type) { return type & 2; })));
+      for (const auto& kernel : unitKernelList()) {
+        EXPECT_EQ(kernel.run.runsFromMarks(marks, length, types.data()), runs) << kernel.name << ' ' << length;
+        EXPECT_EQ(types, expected) << kernel.name << ' ' << length;
+      }
     }
   }
 }

@@ -6,7 +6,9 @@
 // narrowest). `Matches` are the answers of a comparison, one a unit; `bits` brings them to a number with `kBits` bits a
 // unit, all of them 1 where the answer is yes, and the first unit's lowest. `inBitmap` looks units up in a bitmap of
 // `kWindow` units, with the bit `c & 7` of the byte `c >> 3` for the unit `c`, of which only the low bits count.
-// `inTable` looks them up in a table of `kTableWindow` units in the same way, where that is not 0.
+// `inTable` looks them up in a table of `kTableWindow` units in the same way, where that is not 0. `loadBytes` and
+// `storeBytes` are for vectors of bytes, two in the place of a unit; `storeAsBytes` writes a byte an answer, all of its
+// bits 1 where that is yes, and `storeInBitmap` those of two vectors of units below `kWindow`.
 #ifndef VELAN_BASE_KERNELS_UNIT_VECTORS_INTERNAL_H
 #define VELAN_BASE_KERNELS_UNIT_VECTORS_INTERNAL_H
 
@@ -62,6 +64,8 @@ struct Units128 {
   static Units128 load(const unichar* p) { return {_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))}; }
   static Units128 of(unichar c) { return {_mm_set1_epi16(static_cast<short>(c))}; }
   void store(unichar* p) const { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v); }
+  static Units128 loadBytes(const uint8_t* p) { return {_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))}; }
+  void storeBytes(uint8_t* p) const { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v); }
 
   /// Writes a whole vector of which only those wanted count, which come first; returns how many.
   size_t storeCompressed(Matches m, unichar* p) const {
@@ -70,6 +74,7 @@ struct Units128 {
     Units128{_mm_shuffle_epi8(v, _mm_load_si128(shuffle))}.store(p);
     return static_cast<size_t>(__builtin_popcount(set));
   }
+  Units128 operator+(Units128 other) const { return {_mm_add_epi16(v, other.v)}; }
   Units128 operator-(Units128 other) const { return {_mm_sub_epi16(v, other.v)}; }
   /// 0 where a unit has `bits` among those of `mask`.
   Units128 differing(Units128 mask, Units128 bits) const { return {_mm_xor_si128(_mm_and_si128(v, mask.v), bits.v)}; }
@@ -90,6 +95,16 @@ struct Units128 {
   static Matches either(Matches a, Matches b) { return _mm_or_si128(a, b); }
   static Matches inverse(Matches m) { return _mm_xor_si128(m, _mm_set1_epi16(-1)); }
   static uint64_t bits(Matches m) { return static_cast<uint32_t>(_mm_movemask_epi8(m)); }
+  static void storeAsBytes(Matches m, uint8_t* p) {
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(p), _mm_packs_epi16(m, m));
+  }
+  static void storeInBitmap(Units128 a, Units128 b, const uint8_t* bitmap, uint8_t* p) {
+    const auto units = _mm_packus_epi16(a.v, b.v);
+    const auto row = _mm_and_si128(_mm_srli_epi16(units, 3), _mm_set1_epi8(0x0F));
+    const auto bytes = _mm_shuffle_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(bitmap)), row);
+    const auto bit = _mm_shuffle_epi8(_mm_set1_epi64x(static_cast<int64_t>(0x8040201008040201)), units);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(p), _mm_cmpeq_epi8(_mm_and_si128(bytes, bit), bit));
+  }
 };
 
 #endif
@@ -108,11 +123,14 @@ struct Units256 {
   static Units256 load(const unichar* p) { return {_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p))}; }
   static Units256 of(unichar c) { return {_mm256_set1_epi16(static_cast<short>(c))}; }
   void store(unichar* p) const { _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), v); }
+  static Units256 loadBytes(const uint8_t* p) { return {_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p))}; }
+  void storeBytes(uint8_t* p) const { _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), v); }
 
   size_t storeCompressed(Matches m, unichar* p) const {
     const size_t low = Units128{_mm256_castsi256_si128(v)}.storeCompressed(_mm256_castsi256_si128(m), p);
     return low + Units128{_mm256_extracti128_si256(v, 1)}.storeCompressed(_mm256_extracti128_si256(m, 1), p + low);
   }
+  Units256 operator+(Units256 other) const { return {_mm256_add_epi16(v, other.v)}; }
   Units256 operator-(Units256 other) const { return {_mm256_sub_epi16(v, other.v)}; }
   /// 0 where a unit has `bits` among those of `mask`.
   Units256 differing(Units256 mask, Units256 bits) const {
@@ -138,6 +156,18 @@ struct Units256 {
   static Matches either(Matches a, Matches b) { return _mm256_or_si256(a, b); }
   static Matches inverse(Matches m) { return _mm256_xor_si256(m, _mm256_set1_epi16(-1)); }
   static uint64_t bits(Matches m) { return static_cast<uint32_t>(_mm256_movemask_epi8(m)); }
+  static void storeAsBytes(Matches m, uint8_t* p) {
+    const __m128i bytes = _mm_packs_epi16(_mm256_castsi256_si128(m), _mm256_extracti128_si256(m, 1));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(p), bytes);
+  }
+  static void storeInBitmap(Units256 a, Units256 b, const uint8_t* bitmap, uint8_t* p) {
+    const auto units = _mm256_permute4x64_epi64(_mm256_packus_epi16(a.v, b.v), 0xD8);  // in their order
+    const auto row = _mm256_and_si256(_mm256_srli_epi16(units, 3), _mm256_set1_epi8(0x0F));
+    const auto bytes = _mm256_shuffle_epi8(
+        _mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(bitmap))), row);
+    const auto bit = _mm256_shuffle_epi8(_mm256_set1_epi64x(static_cast<int64_t>(0x8040201008040201)), units);
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), _mm256_cmpeq_epi8(_mm256_and_si256(bytes, bit), bit));
+  }
 };
 
 #endif
@@ -156,7 +186,10 @@ struct Units512 {
   static Units512 load(const unichar* p) { return {_mm512_loadu_si512(p)}; }
   static Units512 of(unichar c) { return {_mm512_set1_epi16(static_cast<short>(c))}; }
   void store(unichar* p) const { _mm512_storeu_si512(p, v); }
+  static Units512 loadBytes(const uint8_t* p) { return {_mm512_loadu_si512(p)}; }
+  void storeBytes(uint8_t* p) const { _mm512_storeu_si512(p, v); }
 
+  Units512 operator+(Units512 other) const { return {_mm512_add_epi16(v, other.v)}; }
   Units512 operator-(Units512 other) const { return {_mm512_sub_epi16(v, other.v)}; }
   size_t storeCompressed(Matches m, unichar* p) const {
     _mm512_storeu_si512(p, _mm512_maskz_compress_epi16(m, v));
@@ -188,6 +221,13 @@ struct Units512 {
   static Matches either(Matches a, Matches b) { return a | b; }
   static Matches inverse(Matches m) { return ~m; }
   static uint64_t bits(Matches m) { return m; }
+  static void storeAsBytes(Matches m, uint8_t* p) {
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), _mm256_movm_epi8(m));
+  }
+  static void storeInBitmap(Units512 a, Units512 b, const uint8_t* bitmap, uint8_t* p) {
+    storeAsBytes(a.inBitmap(bitmap), p);
+    storeAsBytes(b.inBitmap(bitmap), p + kUnits);
+  }
 };
 
 #endif
@@ -206,6 +246,8 @@ struct UnitsNeon {
   static UnitsNeon load(const unichar* p) { return {vld1q_u16(reinterpret_cast<const uint16_t*>(p))}; }
   static UnitsNeon of(unichar c) { return {vdupq_n_u16(c)}; }
   void store(unichar* p) const { vst1q_u16(reinterpret_cast<uint16_t*>(p), v); }
+  static UnitsNeon loadBytes(const uint8_t* p) { return {vreinterpretq_u16_u8(vld1q_u8(p))}; }
+  void storeBytes(uint8_t* p) const { vst1q_u8(p, vreinterpretq_u8_u16(v)); }
 
   size_t storeCompressed(Matches m, unichar* p) const {
     const uint8x8_t bit = vcreate_u8(0x8040201008040201);
@@ -214,6 +256,7 @@ struct UnitsNeon {
     UnitsNeon{vreinterpretq_u16_u8(vqtbl1q_u8(vreinterpretq_u8_u16(v), shuffle))}.store(p);
     return static_cast<size_t>(__builtin_popcount(set));
   }
+  UnitsNeon operator+(UnitsNeon other) const { return {vaddq_u16(v, other.v)}; }
   UnitsNeon operator-(UnitsNeon other) const { return {vsubq_u16(v, other.v)}; }
   UnitsNeon differing(UnitsNeon mask, UnitsNeon bits) const { return {veorq_u16(vandq_u16(v, mask.v), bits.v)}; }
   static UnitsNeon unionOf(UnitsNeon a, UnitsNeon b, UnitsNeon c) { return {vorrq_u16(vorrq_u16(a.v, b.v), c.v)}; }
@@ -232,6 +275,13 @@ struct UnitsNeon {
   static Matches either(Matches a, Matches b) { return vorrq_u16(a, b); }
   static Matches inverse(Matches m) { return vmvnq_u16(m); }
   static uint64_t bits(Matches m) { return vget_lane_u64(vreinterpret_u64_u8(vmovn_u16(m)), 0); }
+  static void storeAsBytes(Matches m, uint8_t* p) { vst1_u8(p, vmovn_u16(m)); }
+  static void storeInBitmap(UnitsNeon a, UnitsNeon b, const uint8_t* bitmap, uint8_t* p) {
+    const uint8x16_t units = vcombine_u8(vmovn_u16(a.v), vmovn_u16(b.v));
+    const uint8x16_t bytes = vqtbl1q_u8(vld1q_u8(bitmap), vshrq_n_u8(units, 3));
+    const int8x16_t column = vreinterpretq_s8_u8(vandq_u8(units, vdupq_n_u8(7)));
+    vst1q_u8(p, vtstq_u8(bytes, vshlq_u8(vdupq_n_u8(1), column)));
+  }
 };
 
 #endif

@@ -13,8 +13,13 @@
 #include "velan/text/ConversionTables.h"
 #include "velan/text/Separators.h"
 #include "velan/text/UnitMappingInternal.h"
+#include "velan/text/kernels/UnitKernelsInternal.h"
 
 namespace velan {
+
+static_assert(FastWordEnumerator::kSeparator == UnitKernels::kMarked &&
+              FastWordEnumerator::kWordBeginning == UnitKernels::kRunBegins &&
+              FastWordEnumerator::kWordEnd == UnitKernels::kRunEnds);
 
 namespace {
 

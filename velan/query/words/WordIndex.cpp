@@ -4,7 +4,7 @@
 
 #include "velan/query/words/EastAsianWords.h"
 #include "velan/query/words/WordIndexInternal.h"
-#include "velan/text/CharacterSets.h"
+#include "velan/text/kernels/UnitKernelsInternal.h"
 
 namespace velan {
 
@@ -12,11 +12,7 @@ namespace {
 
 // Small enough for the first-level cache, beside the part of the bitmap that a text uses.
 constexpr size_t kBlock = 4096;
-
-const WordIndexKernels& best() {
-  static const WordIndexKernels kernels = wordIndexKernels().best();
-  return kernels;
-}
+constexpr uint8_t kMark = 0xFF;
 
 // `mark(first, count, marks)` gives the marks of a stretch of the text. Each block has one mark on either side; beyond
 // the text lie separators. The types of a block are written after the marks of the unit behind it are known, so that
@@ -25,14 +21,14 @@ template <class Mark>
 size_t indexBlocks(size_t from, size_t end, size_t length, uint8_t* types, Mark mark) {
   uint8_t marks[1 + kBlock + 1];
   size_t words = 0;
-  marks[0] = 1;
+  marks[0] = kMark;
   if (from > 0) mark(from - 1, 1, marks);
   for (size_t first = from; first < end; first += kBlock) {
     const size_t count = std::min(kBlock, end - first);
     const size_t withNext = std::min(count + 1, length - first);
     mark(first, withNext, marks + 1);
-    if (withNext == count) marks[count + 1] = 1;
-    words += best().typesFromMarks(marks, count, types + first);
+    if (withNext == count) marks[count + 1] = kMark;
+    words += unitKernels().runsFromMarks(marks, count, types + first);
     marks[0] = marks[count];
   }
   return words;
@@ -61,49 +57,21 @@ size_t lastByte(uint64_t bytes) {
 
 }  // namespace
 
-const WordIndexKernels kWordIndexScalar = {
-    .mark =
-        [](const unichar* units, size_t length, const uint8_t* separators, uint8_t* marks) {
-          for (size_t i = 0; i < length; ++i) marks[i] = isMemberOfCharacterSetRep(separators, units[i]);
-        },
-    .typesFromMarks =
-        [](const uint8_t* marks, size_t length, uint8_t* types) {
-          size_t words = 0;
-          for (size_t i = 0; i < length; ++i) {
-            const unsigned mark = marks[i + 1];
-            const unsigned begins = marks[i] & (mark ^ 1u);
-            const unsigned ends = marks[i + 2] & (mark ^ 1u);
-            types[i] = static_cast<uint8_t>(mark | begins << 1 | ends << 2);
-            words += begins;
-          }
-          return words;
-        },
-};
-
-const Kernels<WordIndexKernels>& wordIndexKernels() {
-  using enum CPUFeatures;
-  static const Kernels<WordIndexKernels> kernels({
-      {"scalar", None, kWordIndexScalar},
-#ifdef __x86_64__
-      {"avx2", AVX2, kWordIndexAvx2},
-#endif
-  });
-  return kernels;
-}
-
 size_t indexWords(const unichar* units, size_t length, const uint8_t* separators, uint8_t* types) {
   return indexWordsIn(units, 0, length, length, separators, types);
 }
 
 size_t indexWordsIn(const unichar* units, size_t from, size_t end, size_t length, const uint8_t* separators,
                     uint8_t* types) {
+  SetHints hints;
   return indexBlocks(from, end, length, types, [&](size_t first, size_t count, uint8_t* marks) {
-    best().mark(units + first, count, separators, marks);
+    unitKernels().markMembers(units + first, count, separators, hints, marks);
   });
 }
 
 size_t indexWildcardWords(const unichar* units, size_t length, const uint8_t* separators, uint8_t* types) {
-  kWordIndexScalar.mark(units, length, separators, types);  // patterns are short
+  SetHints hints;
+  unitKernels().markMembers(units, length, separators, hints, types);
   for (size_t i = 0; i + 1 < length; ++i) {
     if (units[i] != '[' || units[i + 1] == ']') continue;
     const size_t start = i;

@@ -5,7 +5,6 @@
 #include <cstddef>
 
 #include "velan/base/CTypes.h"
-#include "velan/base/kernels/KernelsInternal.h"
 
 namespace velan {
 
@@ -19,22 +18,6 @@ size_t indexWordsIn(const unichar* units, size_t from, size_t end, size_t length
 /// The same for a wildcard pattern: from a "[" that a "]" does not follow directly to the next "]", or to the end, all
 /// units belong to the word.
 size_t indexWildcardWords(const unichar* units, size_t length, const uint8_t* separators, uint8_t* types);
-
-/// The two steps of indexing a stretch of text.
-struct WordIndexKernels {
-  /// Writes a mark for each unit: 1 where it is in `separators` and 0 where not.
-  void (*mark)(const unichar* units, size_t length, const uint8_t* separators, uint8_t* marks);
-  /// Turns marks into types: a word unit begins a word when the unit before it separates and ends one when the unit
-  /// after it does. `marks` has `length` + 2 entries: it begins with the mark of the unit before and ends with that of
-  /// the unit after. Returns the number of words that begin.
-  size_t (*typesFromMarks)(const uint8_t* marks, size_t length, uint8_t* types);
-};
-const Kernels<WordIndexKernels>& wordIndexKernels();
-
-/// The reference, also for kernels' tails.
-extern const WordIndexKernels kWordIndexScalar;
-/// 32 units at a time. Only where the CPU has AVX2.
-extern const WordIndexKernels kWordIndexAvx2;
 
 /// The first unit in `[from, end)` that `isEastAsianUnichar` accepts, else `end`.
 size_t findEastAsian(const unichar* units, size_t from, size_t end);

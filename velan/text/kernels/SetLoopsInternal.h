@@ -4,6 +4,8 @@
 #define VELAN_TEXT_KERNELS_SET_LOOPS_INTERNAL_H
 
 #include <cstring>
+#include <iterator>
+#include <utility>
 
 #include "velan/base/kernels/UnitVectorsInternal.h"
 #include "velan/text/kernels/RecentWindowsInternal.h"
@@ -58,13 +60,14 @@ struct Members {
   typename V::Matches members, known;
 };
 
-/// The units in the first window and in the latest, which are mostly all.
+/// The units in the first window, in the latest and in the run, which are mostly all.
 template <typename V>
 Members<V> membersNearby(const unichar* units, const uint8_t* rep, const SetHints& hints) {
   const V vector = V::load(units);
   const auto within = vector <= V::of(V::kWindow - 1);
   Members<V> found = {vector, V::both(vector.inBitmap(rep), within), within};
   found.addWindow(hints.windows[0], rep);
+  if (hints.runSpan != 0) found.addRun(hints);
   return found;
 }
 
@@ -75,7 +78,7 @@ __attribute__((noinline)) typename V::Matches membersAnywhere(const unichar* uni
   Members<V> found = membersNearby<V>(units, rep, hints);
   found.addWindow(hints.windows[1], rep);
   found.addWindow(hints.windows[2], rep);
-  if (hints.runSpan != 0) found.addRun(hints);
+  if (found.others() == 0) addRecent(hints.windows[2], hints.windows);
   constexpr unsigned kMostSteps = 3;
   uint64_t others = 0;
   for (unsigned k = 0; (others = found.others()) != 0 && k < kMostSteps; ++k) {
@@ -98,11 +101,18 @@ __attribute__((noinline)) typename V::Matches membersAnywhere(const unichar* uni
 }
 
 template <typename V>
+typename V::Matches membersAmong(const unichar* units, const uint8_t* rep, SetHints& hints) {
+  Members<V> found = membersNearby<V>(units, rep, hints);
+  if (found.others() == 0) return found.members;
+  found.addWindow(hints.windows[1], rep);
+  return found.others() == 0 ? found.members : membersAnywhere<V>(units, rep, hints);
+}
+
+template <typename V>
 typename V::Matches membersAt(const unichar* units, const uint8_t* rep, SetHints& hints) {
   const V vector = V::load(units);
-  if (V::bits(V::inverse(vector <= V::of(V::kWindow - 1))) == 0) return vector.inBitmap(rep);
-  const Members<V> found = membersNearby<V>(units, rep, hints);
-  return found.others() == 0 ? found.members : membersAnywhere<V>(units, rep, hints);
+  const auto beyond = V::inverse(vector <= V::of(V::kWindow - 1));
+  return V::bits(beyond) == 0 ? vector.inBitmap(rep) : membersAmong<V>(units, rep, hints);
 }
 
 /// Writes the members among `units` to `members`, which has room for a vector more, and returns how many there are.
@@ -121,6 +131,31 @@ size_t copyMembersOf(const unichar* units, size_t length, const uint8_t* rep, Se
       count += isInSet(rep, units[i]);
     }
     return count;
+  }
+}
+
+/// Writes to `marks` a byte a unit: 0xFF for members and 0 for others.
+template <typename V>
+void markMembersOf(const unichar* units, size_t length, const uint8_t* rep, SetHints& hints, uint8_t* marks) {
+  if constexpr (V::kUnits > 1) {
+    constexpr size_t kStep = 2 * V::kUnits;
+    if (length < V::kUnits) return markMembersOf<typename V::Narrower>(units, length, rep, hints, marks);
+    size_t i = 0;
+    for (; length - i >= kStep; i += kStep) {
+      const V low = V::load(units + i), high = V::load(units + i + V::kUnits);
+      const auto beyond = V::inverse(V::unionOf(low, low, high) <= V::of(V::kWindow - 1));
+      if (V::bits(beyond) == 0) {
+        V::storeInBitmap(low, high, rep, marks + i);
+        continue;
+      }
+      V::storeAsBytes(membersAmong<V>(units + i, rep, hints), marks + i);
+      V::storeAsBytes(membersAmong<V>(units + i + V::kUnits, rep, hints), marks + i + V::kUnits);
+    }
+    const auto mark = [&](size_t at) { V::storeAsBytes(membersAt<V>(units + at, rep, hints), marks + at); };
+    if (length - i > V::kUnits) mark(i);
+    if (length > i) mark(length - V::kUnits);
+  } else {
+    for (size_t i = 0; i < length; ++i) marks[i] = isInSet(rep, units[i]) ? 0xFF : 0;
   }
 }
 

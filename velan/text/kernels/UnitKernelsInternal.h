@@ -80,6 +80,7 @@ struct SetHints {
 /// Lengths and positions are in units, and what is not found is at `length`.
 struct UnitKernels {
   static constexpr size_t kCopySlack = 32;
+  static constexpr uint8_t kMarked = 1, kRunBegins = 2, kRunEnds = 4;
 
   size_t (*find)(const unichar* units, size_t length, const UnitFilter& filter);
   size_t (*findLast)(const unichar* units, size_t length, const UnitFilter& filter);
@@ -90,6 +91,12 @@ struct UnitKernels {
   /// Writes the members to `members`, which has room for `kCopySlack` units more, and returns how many there are.
   /// `hints` are those of the part of the text before.
   size_t (*copyMembers)(const unichar* units, size_t length, const uint8_t* rep, SetHints& hints, unichar* members);
+  /// Writes to `marks` a byte a unit: 0xFF for members and 0 for others. `hints` as above.
+  void (*markMembers)(const unichar* units, size_t length, const uint8_t* rep, SetHints& hints, uint8_t* marks);
+  /// Turns such marks into types: `kMarked`, or for the others `kRunBegins` and `kRunEnds` where the unit before, or
+  /// behind, is marked. `marks` has `length` + 2 entries, those of the unit before and of the unit behind as well.
+  /// Returns how many runs begin.
+  size_t (*runsFromMarks)(const uint8_t* marks, size_t length, uint8_t* types);
   /// Writes `count` units through `mapping`, which has a table, to `mapped`, which may be `units`.
   void (*map)(const unichar* units, size_t count, const UnitMapping& mapping, unichar* mapped);
   /// The first position where the units of `a` and `b` differ through `mapping`.

@@ -10,6 +10,7 @@
 
 #include "velan/base/kernels/UnitVectorsInternal.h"
 #include "velan/text/kernels/MappingLoopsInternal.h"
+#include "velan/text/kernels/RunLoopsInternal.h"
 #include "velan/text/kernels/SetLoopsInternal.h"
 #include "velan/text/kernels/UnitKernelsInternal.h"
 
@@ -316,6 +317,14 @@ struct UnitLoops {
     return copyMembersOf<V>(units, length, rep, hints, members);
   }
 
+  static void markMembers(const unichar* units, size_t length, const uint8_t* rep, SetHints& hints, uint8_t* marks) {
+    markMembersOf<V>(units, length, rep, hints, marks);
+  }
+
+  static size_t runsFromMarks(const uint8_t* marks, size_t length, uint8_t* types) {
+    return runsFromMarksOf<V>(marks, length, types);
+  }
+
   static void map(const unichar* units, size_t count, const UnitMapping& mapping, unichar* mapped) {
     unichar windows[] = {0x400, 0x380, 0x80};
     mapEach<V>(units, count, mapping, windows, mapped);
@@ -351,6 +360,8 @@ struct UnitLoops {
       .findMember = findMember,
       .countMembers = countMembers,
       .copyMembers = copyMembers,
+      .markMembers = markMembers,
+      .runsFromMarks = runsFromMarks,
       .map = map,
       .mismatch = mismatch,
       .findHead = findHead,

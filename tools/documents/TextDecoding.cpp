@@ -17,6 +17,7 @@
 #include "velan/text/encoding/CharsetNames.h"
 #include "velan/text/encoding/Decoding.h"
 #include "velan/text/encoding/EncodingDetection.h"
+#include "velan/text/search/CharacterSearch.h"
 
 namespace velan::tool {
 namespace {
@@ -172,7 +173,7 @@ std::optional<Document> decodeDocument(std::string bytes, const std::string& pat
     why = "there is not enough memory for its text";
     return std::nullopt;
   }
-  isBinary = isBinary || source.view().find(u'\0') != std::u16string_view::npos;
+  isBinary = isBinary || findCharacter(source, u'\0') != NSNotFound;
   if (isBinary && !options.binary) {
     why = kBinaryFile;
     return std::nullopt;

@@ -1,25 +1,58 @@
 #include "tools/documents/TextLines.h"
 
 #include <algorithm>
+#include <bit>
 
 namespace velan::tool {
+namespace {
+
+constexpr size_t kBlock = 64;
+
+// A bit for each unit of a block. The first loop becomes vector code; the second gathers the lowest bits of eight bytes
+// in the highest byte: each byte of the factor moves one of them there, and none meets another.
+uint64_t unitsEqualTo(unichar c, const unichar* block) {
+  uint8_t equal[kBlock];
+  for (size_t i = 0; i < kBlock; ++i) equal[i] = block[i] == c ? 1 : 0;
+  uint64_t marks = 0;
+  for (size_t i = 0; i < kBlock; i += 8) {
+    uint64_t bytes = 0;
+    for (size_t j = 8; j-- > 0;) bytes = bytes << 8 | equal[i + j];
+    marks |= (bytes * 0x0102040810204080 >> 56) << i;
+  }
+  return marks;
+}
+
+}  // namespace
 
 TextLines::TextLines(std::u16string_view text) : _text(text) {
-  const unichar end = text.find(u'\n') != std::u16string_view::npos ? u'\n' : u'\r';
-  for (size_t start = 0; start < text.size();) {
-    _starts.push_back(static_cast<int64_t>(start));
-    const size_t found = text.find(end, start);
-    start = found == std::u16string_view::npos ? text.size() : found + 1;
-  }
+  if (text.empty()) return;
+  _starts.push_back(0);
+  addStartsAfter(u'\n');
+  if (_starts.size() == 1) addStartsAfter(u'\r');
+  if (_starts.back() == static_cast<int64_t>(text.size())) _starts.pop_back();
 }
 
 TextLines::TextLines(const Document& document) : TextLines(document.text.view()) {
   if (document.textIsSource()) return;
-  const TextLines source(document.source.view());
-  _numbers.reserve(count());
-  for (const int64_t start : _starts) {
-    _numbers.push_back(source.lineAt(document.map.sourceOf({start, 1}).location) + 1);
+  _map = &document.map;
+  _source = std::make_shared<const TextLines>(document.source.view());
+}
+
+// Compares some units at a time, and looks closely only where one of them ends a line.
+void TextLines::addStartsAfter(unichar end) {
+  size_t i = 0;
+  for (; _text.size() - i >= kBlock; i += kBlock) {
+    for (uint64_t marks = unitsEqualTo(end, _text.data() + i); marks != 0; marks &= marks - 1) {
+      _starts.push_back(static_cast<int64_t>(i) + std::countr_zero(marks) + 1);
+    }
   }
+  for (; i < _text.size(); ++i) {
+    if (_text[i] == end) _starts.push_back(static_cast<int64_t>(i) + 1);
+  }
+}
+
+size_t TextLines::number(size_t line) const {
+  return (_source ? _source->lineAt(_map->sourceOf({_starts[line], 1}).location) : line) + 1;
 }
 
 size_t TextLines::lineAt(int64_t index) const {

@@ -3,6 +3,7 @@
 #define VELAN_TOOLS_DOCUMENTS_TEXT_LINES_H
 
 #include <cstddef>
+#include <memory>
 #include <string_view>
 #include <vector>
 
@@ -11,8 +12,8 @@
 
 namespace velan::tool {
 
-/// Lines end with LF or CR LF; in a text without any LF with CR. Borrows the text. Positions are in units, and a line
-/// is told by how many there are before it.
+/// Lines end with LF or CR LF; in a text without any LF with CR. Borrows the text or the document. Positions are in
+/// units, and a line is told by how many there are before it.
 class TextLines {
  public:
   explicit TextLines(std::u16string_view text);
@@ -21,7 +22,7 @@ class TextLines {
 
   size_t count() const { return _starts.size(); }
   /// What people call the line: the number, from 1, of the line of the source where it begins.
-  size_t number(size_t line) const { return _numbers.empty() ? line + 1 : _numbers[line]; }
+  size_t number(size_t line) const;
   /// The line of the unit at `index`, of the last unit for an index beyond the end. There must be a line.
   size_t lineAt(int64_t index) const;
   /// All lines.
@@ -36,11 +37,13 @@ class TextLines {
   size_t firstLineWithText(Range range) const;
 
  private:
+  void addStartsAfter(unichar end);
   bool isBlank(size_t line) const;
 
   std::u16string_view _text;
   std::vector<int64_t> _starts;
-  std::vector<size_t> _numbers;  // empty where the lines are those of the source
+  const SourceMap* _map = nullptr;
+  std::shared_ptr<const TextLines> _source;  // null where the lines are those of the source
 };
 
 }  // namespace velan::tool

@@ -19,6 +19,7 @@ class SearchedText {
   explicit SearchedText(const String& text) : _text(text) {}
 
   const String& text() const { return _text; }
+  Range wholeRange() const { return {0, _text.length()}; }
   /// What a range of this text stands for in the other one.
   Range sourceOf(Range range) const { return _plain.sourceOf(_read.sourceOf(range)); }
   /// The part of this text that begins in `range` of the other one.

@@ -9,51 +9,17 @@
 namespace velan::tool {
 namespace {
 
-// A part of a text that has to match as a whole.
-struct Part {
-  Range range;
-  Range searched;  // of the text that is searched in its place
-};
-
-// An empty line matches nothing.
-std::vector<Part> partsOf(const SearchScope& scope, const TextLines& lines, const SearchedText& searched) {
-  std::vector<Part> parts;
-  const auto add = [&](Range range) { parts.push_back({range, searched.rangeFrom(range)}); };
-  if (scope.unit == SearchUnit::Document) {
-    parts.push_back({lines.wholeRange(), {0, searched.text().length()}});
-  } else if (scope.unit == SearchUnit::Paragraph) {
-    std::ranges::for_each(lines.paragraphs(), add);
-  } else {
-    for (size_t line = 0; line < lines.count(); ++line) {
-      if (const Range range = lines.range(line); range.length > 0 || scope.invert) add(range);
-    }
-  }
-  return parts;
-}
-
-// Throws where memory ran out, or nobody would know.
-bool matches(QueryMatcher& matcher, Range range) {
-  const bool matches = matcher.matches(range);
-  if (matcher.ranOutOfMemory()) throw std::bad_alloc();
-  return matches;
-}
-
 class HitCollector {
  public:
-  HitCollector(const PreparedQuery& query, const TextLines& lines, const SearchedText& searched, bool allOccurrences)
-      : _query(query), _lines(lines), _searched(searched), _allOccurrences(allOccurrences) {}
+  HitCollector(const TextLines& lines, const SearchedText& searched) : _lines(lines), _searched(searched) {}
 
-  void addMatch(QueryMatcher& matcher, const Part& part) {
+  void addMatch(Range unit, std::vector<QueryOccurrence> occurrences) {
     const size_t known = _hits.occurrences.size();
-    std::vector<QueryOccurrence> occurrences = matcher.occurrences(part.searched);
-    const std::set<String> failed = failedTerms(_query, matcher, part.searched);
-    for (QueryOccurrence& each : occurrences) each.primary = each.primary && !failed.contains(each.term);
-    if (!_allOccurrences) std::erase_if(occurrences, [](const QueryOccurrence& each) { return !each.primary; });
     callHandlerWithOccurrences(std::move(occurrences), [&](const String& term, Range place, bool primary) {
       add({_searched.sourceOf(place), term, primary});
       return false;
     });
-    if (_hits.occurrences.size() == known) addFirstLine(part.range);
+    if (_hits.occurrences.size() == known) addFirstLine(unit);
   }
 
   void addFirstLine(Range range) {
@@ -66,8 +32,8 @@ class HitCollector {
  private:
   void add(QueryOccurrence occurrence) {
     const size_t number = _hits.occurrences.size();
-    const size_t firstLine = _lines.lineAt(occurrence.range.location);
-    const size_t lastLine = _lines.lineAt(endOf(occurrence.range) - 1);
+    const size_t firstLine = lineAt(occurrence.range.location);
+    const size_t lastLine = lineAt(endOf(occurrence.range) - 1);
     _hits.occurrences.push_back(std::move(occurrence));
     if (!_hits.blocks.empty() && firstLine <= _hits.blocks.back().lastLine) {
       LineBlock& block = _hits.blocks.back();
@@ -78,10 +44,16 @@ class HitCollector {
     }
   }
 
-  const PreparedQuery& _query;
+  // Most occurrences lie in the line of the one before.
+  size_t lineAt(int64_t index) {
+    const Range last = _lines.fullRange(_line);
+    if (index < last.location || index >= endOf(last)) _line = _lines.lineAt(index);
+    return _line;
+  }
+
   const TextLines& _lines;
   const SearchedText& _searched;
-  const bool _allOccurrences;
+  size_t _line = 0;
   DocumentHits _hits;
 };
 
@@ -97,27 +69,62 @@ void limitLines(DocumentHits& hits, size_t most) {
   hits.blocks.erase(from(hits.blocks, kept), hits.blocks.end());
 }
 
-bool matchesDocument(const String& text, const SearchedText& searched, const PreparedQuery& query,
-                     const SearchScope& scope) {
-  const auto index = indexOf(searched.text(), query);
-  if (!index) return scope.invert && scope.unit == SearchUnit::Document;
-  QueryMatcher matcher(query, *index);
-  if (scope.unit == SearchUnit::Document) return matches(matcher, {0, searched.text().length()}) != scope.invert;
-  const std::vector<Part> parts = partsOf(scope, TextLines(text.view()), searched);
-  return std::ranges::any_of(parts, [&](const Part& part) { return matches(matcher, part.searched) != scope.invert; });
+DocumentSearch::DocumentSearch(const Document& document, const SearchedText& searched, const PreparedQuery& query,
+                               const SearchScope& scope)
+    : _document(document), _searched(searched), _query(query), _scope(scope), _index(indexOf(searched.text(), query)) {
+  if (_index) _matcher.emplace(query, *_index);
 }
 
-DocumentHits searchDocument(const SearchedText& searched, const TextLines& lines, const PreparedQuery& query,
-                            const SearchScope& scope) {
-  HitCollector collector(query, lines, searched, scope.allOccurrences);
-  if (const auto index = indexOf(searched.text(), query)) {
-    QueryMatcher matcher(query, *index);
-    for (const Part& part : partsOf(scope, lines, searched)) {
-      if (matches(matcher, part.searched) == scope.invert) continue;
-      scope.invert ? collector.addFirstLine(part.range) : collector.addMatch(matcher, part);
-    }
+bool DocumentSearch::matches() {
+  const bool isWhole = _scope.unit == SearchUnit::Document;
+  if (!_matcher) return _scope.invert && isWhole;
+  if (isWhole) return isWanted(_searched.wholeRange());
+  const std::vector<Range> all = units();
+  return std::ranges::any_of(all, [this](Range unit) { return isWanted(_searched.rangeFrom(unit)); });
+}
+
+DocumentHits DocumentSearch::hits() {
+  const bool isWhole = _scope.unit == SearchUnit::Document;
+  if (!_matcher || (isWhole && !isWanted(_searched.wholeRange()))) return {};
+  HitCollector collector(lines(), _searched);
+  for (const Range unit : units()) {
+    const Range searched = isWhole ? _searched.wholeRange() : _searched.rangeFrom(unit);
+    if (!isWhole && !isWanted(searched)) continue;
+    _scope.invert ? collector.addFirstLine(unit) : collector.addMatch(unit, occurrences(searched));
   }
   return collector.takeHits();
+}
+
+const TextLines& DocumentSearch::lines() {
+  if (!_lines) _lines.emplace(_document);
+  return *_lines;
+}
+
+// An empty line matches nothing.
+std::vector<Range> DocumentSearch::units() {
+  if (_scope.unit == SearchUnit::Document) return {lines().wholeRange()};
+  if (_scope.unit == SearchUnit::Paragraph) return lines().paragraphs();
+  std::vector<Range> units;
+  for (size_t line = 0; line < lines().count(); ++line) {
+    if (const Range range = lines().range(line); range.length > 0 || _scope.invert) units.push_back(range);
+  }
+  return units;
+}
+
+// Throws where memory ran out, or nobody would know.
+bool DocumentSearch::isWanted(Range searched) {
+  const bool matches = _matcher->matches(searched);
+  if (_matcher->ranOutOfMemory()) throw std::bad_alloc();
+  return matches != _scope.invert;
+}
+
+// Those in a part of the searched text that matches.
+std::vector<QueryOccurrence> DocumentSearch::occurrences(Range searched) {
+  std::vector<QueryOccurrence> occurrences = _matcher->occurrences(searched);
+  const std::set<String> failed = failedTerms(_query, *_matcher, searched);
+  for (QueryOccurrence& each : occurrences) each.primary = each.primary && !failed.contains(each.term);
+  if (!_scope.allOccurrences) std::erase_if(occurrences, [](const QueryOccurrence& each) { return !each.primary; });
+  return occurrences;
 }
 
 }  // namespace velan::tool

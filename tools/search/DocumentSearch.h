@@ -3,6 +3,8 @@
 #define VELAN_TOOLS_SEARCH_DOCUMENT_SEARCH_H
 
 #include <algorithm>
+#include <memory>
+#include <optional>
 #include <vector>
 
 #include "tools/documents/TextLines.h"
@@ -60,14 +62,35 @@ void walkBlocks(const std::vector<LineBlock>& blocks, size_t lineCount, size_t b
   }
 }
 
-/// Whether anything in `text` matches, which is searched as `searched`. Throws `std::bad_alloc`.
-bool matchesDocument(const String& text, const SearchedText& searched, const PreparedQuery& query,
-                     const SearchScope& scope);
+/// A query on one document. What is asked for is found when it is asked for, and all of it with one index and one
+/// evaluation.
+class DocumentSearch {
+ public:
+  /// Borrows what it is given: `searched` is what the document's text is searched as. Throws `std::bad_alloc`, as do
+  /// the questions.
+  DocumentSearch(const Document& document, const SearchedText& searched, const PreparedQuery& query,
+                 const SearchScope& scope);
 
-/// The hits in the text whose lines are `lines` and that is searched as `searched`; no blocks when nothing matches.
-/// Throws `std::bad_alloc`.
-DocumentHits searchDocument(const SearchedText& searched, const TextLines& lines, const PreparedQuery& query,
-                            const SearchScope& scope);
+  /// Whether anything matches.
+  bool matches();
+  /// No blocks when nothing matches.
+  DocumentHits hits();
+  /// Of the document's text.
+  const TextLines& lines();
+
+ private:
+  std::vector<Range> units();
+  bool isWanted(Range searched);
+  std::vector<QueryOccurrence> occurrences(Range searched);
+
+  const Document& _document;
+  const SearchedText& _searched;
+  const PreparedQuery& _query;
+  const SearchScope _scope;
+  const std::unique_ptr<FastWordEnumerator> _index;  // null for an empty text
+  std::optional<QueryMatcher> _matcher;
+  std::optional<TextLines> _lines;
+};
 
 }  // namespace velan::tool
 

@@ -49,23 +49,23 @@ Outcome FileSearch::searchText(const std::string& name, const Document& document
   outcome.counts.documents = 1;
   outcome.counts.bytes = document.bytes.size();
   const SearchedText searched = _readings.read(document.text);
+  SearchScope scope = _options.scope;
+  scope.allOccurrences |= _options.output == SearchOutput::JSON;
+  DocumentSearch search(document, searched, _query, scope);
   if (!_needsHits) {
-    if (matchesDocument(document.text, searched, _query, _options.scope)) {
+    if (search.matches()) {
       outcome.counts.documentsWithMatch = 1;
       outcome.output = pathPrefix(name, _style, '\n');
     }
     return outcome;
   }
-  const TextLines lines(document);
-  SearchScope scope = _options.scope;
-  scope.allOccurrences |= _options.output == SearchOutput::JSON;
-  DocumentHits hits = searchDocument(searched, lines, _query, scope);
+  DocumentHits hits = search.hits();
   if (hits.blocks.empty()) return outcome;
   limitLines(hits, _options.maxCount);
   outcome.counts.documentsWithMatch = 1;
   outcome.counts.occurrences = hits.occurrences.size();
   for (const LineBlock& block : hits.blocks) outcome.counts.lines += block.lineCount();
-  outcome.output = printHits(name, document, lines, hits, outcome.counts);
+  outcome.output = printHits(name, document, search.lines(), hits, outcome.counts);
   return outcome;
 }
 

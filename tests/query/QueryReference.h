@@ -244,11 +244,15 @@ class ReferenceText {
   void collectParts(const ReferenceTerm& node, const ReferenceTerm* partner, const ReferenceTerm& relation, Range range,
                     Parts& parts) const {
     if (node.children.empty()) {
-      std::vector<Range> satisfied{range};
-      if (partner) satisfied = satisfiedPieces(node, *partner, relation, range);
-      for (const Range& piece : satisfied) {
-        if (!node.negated) parts[&node].push_back(piece);
-        if (partner) collectParts(*partner, nullptr, *partner, piece, parts);
+      if (!partner && !node.negated) parts[&node].push_back(range);
+      if (!partner) return;
+      for (const Range& piece : satisfiedPieces(node, *partner, relation, range)) {
+        collectParts(*partner, nullptr, *partner, piece, parts);
+      }
+      for (const Range& place : placesOf(node, range)) {
+        if (!node.negated && holds(*partner, nullptr, *partner, spanAround(place, relation, range))) {
+          parts[&node].push_back(place);
+        }
       }
       return;
     }

@@ -42,7 +42,8 @@ VELAN_EXPORT bool containsString(const FastWordEnumerator& enumerator, const Que
 
 /// The occurrences of all leaves in `range` that are neither negated nor below a negated group, whether or not the
 /// query matches, in the order of `precedes`, each range once. An occurrence is primary when it takes part in the
-/// match: under a proximity operator when it lies in a span that satisfied the relation, elsewhere always.
+/// match: under a proximity operator when it is one of two that satisfied the relation, elsewhere always. What is
+/// related to a group takes part where the group holds near enough, and of the group what makes it hold there.
 VELAN_EXPORT std::vector<QueryOccurrence> queryOccurrences(const FastWordEnumerator& enumerator, const QueryTerms& node,
                                                            Range range, QueryComparison comparison, bool wildcard);
 

@@ -15,19 +15,7 @@ constexpr int kFewQuestions = 64;
 
 }  // namespace
 
-void RelationEnds::addRun(size_t number, EndRun run) {
-  auto next = _runs.lower_bound(run.first);
-  if (next != _runs.begin()) {
-    Labelled& before = std::prev(next)->second;
-    if (before.past > run.past) _runs.emplace(run.past, before);
-    before.past = std::min(before.past, run.first);
-  }
-  while (next != _runs.end() && next->first < run.past) {
-    if (next->second.past > run.past) _runs.emplace(run.past, next->second);
-    next = _runs.erase(next);
-  }
-  _runs.emplace(run.first, Labelled{run.past, number});
-}
+void RelationEnds::addRun(size_t number, EndRun run) { labelRun(_runs, run, static_cast<int64_t>(number)); }
 
 void RelationEnds::addAllFrom(size_t number, int64_t first) {
   while (!_allFrom.empty() && _allFrom.back().first >= first) _allFrom.pop_back();
@@ -42,7 +30,8 @@ RangeEnds RelationEnds::endsOfPlacesFrom(size_t number, int64_t last) const {
   const int64_t past = all == _allFrom.end() ? last + 1 : std::min(all->first, last + 1);
   auto run = _runs.lower_bound(endOf(placed[number].place));
   for (; run != _runs.end() && run->first < past; ++run) {
-    if (run->second.number >= number) appendEnds(ends, {run->first, std::min(run->second.past, past)});
+    if (run->second.label >= static_cast<int64_t>(number))
+      appendEnds(ends, {run->first, std::min(run->second.past, past)});
   }
   if (past <= last) appendEnds(ends, {past, last + 1});
   return ends;

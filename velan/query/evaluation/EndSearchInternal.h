@@ -13,7 +13,6 @@
 #ifndef VELAN_QUERY_EVALUATION_END_SEARCH_INTERNAL_H
 #define VELAN_QUERY_EVALUATION_END_SEARCH_INTERNAL_H
 
-#include <map>
 #include <memory>
 #include <unordered_map>
 #include <vector>
@@ -42,16 +41,12 @@ class RelationEnds {
   RangeEnds openPieces;
 
  private:
-  struct Labelled {
-    int64_t past;
-    size_t number;
-  };
   struct AllFrom {
     size_t number;
     int64_t first;
   };
-  std::map<int64_t, Labelled> _runs;  // by their first ends; of several places that give an end, the last one
-  std::vector<AllFrom> _allFrom;      // those that no later place undercuts, so both members grow
+  LabelledRuns _runs;             // of several places that give an end, the number of the last one
+  std::vector<AllFrom> _allFrom;  // those that no later place undercuts, so both members grow
 };
 
 /// Answers for one evaluator, whose leaves and text it uses.

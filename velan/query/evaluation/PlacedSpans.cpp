@@ -38,18 +38,19 @@ size_t PlacedSpans::firstPlaceApartFrom(size_t number) const {
 
 // A span's beginning may lie before that of a range that holds its place: then it is cut there, and the ends of such
 // spans stand side by side. Its end may lie behind that of a range: then it is cut there, too.
-RangeColumns PlacedSpans::spans(const RangeColumns& ranges) const {
-  RangeColumns spans = RangeColumns::onListsOf(ranges);
+ClippedSpans PlacedSpans::spans(const RangeColumns& ranges) const {
+  RangeColumns whole = RangeColumns::onListsOf(ranges);
   std::vector<int64_t> ends;
   for (const Placed& each : _placed) ends.push_back(endOf(each.span));
-  const size_t own = spans.addList(std::move(ends));
+  const size_t own = whole.addList(std::move(ends));
+  RangeColumns cut = RangeColumns::onListsOf(whole);
   for (const RangeColumn& column : ranges.columns()) {
     const size_t first = firstPlaceFrom(column.start);
     const size_t past = firstSpanFrom(column.start);
-    spans.add(column.start, own, first, std::min(past, firstSpanReaching(ranges.lastEndOf(column) + 1)));
+    cut.add(column.start, own, first, std::min(past, firstSpanReaching(ranges.lastEndOf(column) + 1)));
     for (size_t place = first; place < past;) {
       const size_t next = std::min(past, firstPlaceApartFrom(place));
-      spans.addWithin(column, {endOf(_placed[place].place), endOf(_placed[next - 1].span)});
+      cut.addWithin(column, {endOf(_placed[place].place), endOf(_placed[next - 1].span)});
       place = next;
     }
   }
@@ -57,11 +58,40 @@ RangeColumns PlacedSpans::spans(const RangeColumns& ranges) const {
   for (size_t number = 0; number < size(); ++number) {
     const auto& [place, span] = _placed[number];
     passed.pass(span.location);
-    if (passed.last() >= endOf(span)) spans.add(span.location, own, number, number + 1);
-    passed.addWithin({endOf(place), endOf(span)}, span.location, spans);
+    if (passed.last() >= endOf(span)) whole.add(span.location, own, number, number + 1);
+    passed.addWithin({endOf(place), endOf(span)}, span.location, whole);
   }
-  spans.finish();
-  return spans;
+  whole.sort();
+  cut.sort();
+  return {std::move(whole), std::move(cut)};
+}
+
+// A span whose end is not cut tells its place. The others end where a range does: with its own beginning a span is that
+// of every place whose span begins there and reaches further, cut on both sides of every place in it whose span does.
+std::vector<size_t> PlacedSpans::placesOf(const ClippedSpans& chosen) const {
+  const size_t own = chosen.whole.lists().size() - 1;
+  std::vector<int64_t> changes(size() + 1);  // of how many columns hold the place's number
+  for (const RangeColumns* columns : {&chosen.whole, &chosen.cut}) {
+    for (const RangeColumn& column : columns->columns()) {
+      if (column.list != own) continue;
+      ++changes[column.first];
+      --changes[column.past];
+    }
+  }
+  PassedStarts whole(chosen.whole, own);
+  PassedStarts cut(chosen.cut, own);
+  std::vector<size_t> places;
+  int64_t columns = 0;
+  for (size_t number = 0; number < size(); ++number) {
+    const auto& [place, span] = _placed[number];
+    const EndRun ends{endOf(place), endOf(span)};
+    columns += changes[number];
+    if (columns > 0 || whole.hasAny(span.location, span.location, ends) ||
+        cut.hasAny(span.location, place.location, ends)) {
+      places.push_back(number);
+    }
+  }
+  return places;
 }
 
 RangeColumns PlacedSpans::pieces(const RangeColumns& ranges) const {

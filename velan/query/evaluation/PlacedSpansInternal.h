@@ -9,6 +9,13 @@
 
 namespace velan {
 
+/// Spans that were clipped to ranges. On the lists of the ranges those whose ends are cut, on one more list others:
+/// that has the ends of all places' spans, by the numbers of the places.
+struct ClippedSpans {
+  RangeColumns whole;  // those with their own beginnings
+  RangeColumns cut;    // those that begin where the range does
+};
+
 /// The places of a leaf with a relation, from left to right, each with its span in the whole text. They are numbered
 /// from the first one that is not skipped.
 class PlacedSpans {
@@ -33,7 +40,9 @@ class PlacedSpans {
   size_t firstSpanReaching(int64_t end) const;
 
   /// The spans of the places in each of the ranges, clipped to it.
-  RangeColumns spans(const RangeColumns& ranges) const;
+  ClippedSpans spans(const RangeColumns& ranges) const;
+  /// The numbers of the places whose spans, clipped to any of the ranges, are among `chosen` of these spans.
+  std::vector<size_t> placesOf(const ClippedSpans& chosen) const;
   /// The pieces of each of the ranges outside the spans of the places in it.
   RangeColumns pieces(const RangeColumns& ranges) const;
 

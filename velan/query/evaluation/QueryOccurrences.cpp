@@ -88,41 +88,45 @@ class PrimaryPlaces {
 
   void visitRelated(const Task& task) {
     const QueryTerms& leaf = *task.node;
+    const QueryTerms& partner = *task.relation.partner;
     LeafSearch& search = _evaluator.search(leaf);
-    RangeColumns ranges;
-    if (!search.isWholeRange()) {
-      PlacedSpans placed(search.numberFrom(_range.location));
-      placed.find(_evaluator.text(), search, task.relation, endOf(_range));
-      ranges = leaf.queryNot() ? placed.pieces(*task.ranges) : placed.spans(*task.ranges);
-    } else if (!leaf.queryNot()) {
-      ranges = *task.ranges;
+    if (search.isWholeRange()) {
+      if (leaf.queryNot()) return;
+      RangeColumns ranges = where(partner, {}, *task.ranges);
+      _marks[&leaf].all |= !ranges.isEmpty();
+      return addPartner(task, std::move(ranges));
     }
-    ranges = where(*task.relation.partner, {}, ranges);
-    if (!leaf.queryNot() && !ranges.isEmpty()) markWithin(leaf, ranges);
-    addPartner(task, std::move(ranges));
+    PlacedSpans placed(search.numberFrom(_range.location));
+    placed.find(_evaluator.text(), search, task.relation, endOf(_range));
+    if (leaf.queryNot()) return addPartner(task, where(partner, {}, placed.pieces(*task.ranges)));
+    ClippedSpans spans = placed.spans(*task.ranges);
+    spans.whole = where(partner, {}, spans.whole);
+    spans.cut = where(partner, {}, spans.cut);
+    for (const size_t number : placed.placesOf(spans)) _marks[&leaf].add(number);
+    spans.whole.addAll(spans.cut);
+    addPartner(task, std::move(spans.whole));
   }
 
+  // In which of the ranges its partner holds decides about each place of a leaf. What is marked in them is the same
+  // without those inside another one where what holds in a range holds in every larger one.
   void addPartner(const Task& task, RangeColumns ranges) {
     if (ranges.isEmpty()) return;
+    ranges.sort();
+    if (_evaluator.witnesses().has(*task.relation.partner)) ranges.keepLargest();
+    ranges.finish();
     _pending.push_back({task.relation.partner, {}, std::make_shared<const RangeColumns>(std::move(ranges))});
   }
 
-  // The ranges in which the node holds; of a node that holds in every range around one in which it holds, the largest.
+  // The ranges in which the node holds, in order and on the same lists.
   RangeColumns where(const QueryTerms& node, const Relation& relation, const RangeColumns& ranges) {
     RangeColumns found = RangeColumns::onListsOf(ranges);
     const bool grows = !relation.partner && _evaluator.witnesses().has(node);
-    int64_t reached = -1;
     for (const RangeColumn& column : ranges.columns()) {
       const int64_t last = ranges.lastEndOf(column);
-      if (grows && (last <= reached || _evaluator.witnesses().firstEndFrom(node, column.start) > last)) continue;
-      reached = last;
-      if (grows) {
-        found.add(column.start, column.list, column.past - 1, column.past);
-      } else {
-        for (const EndRun& run : endsOf(node, relation, column, ranges)) found.addWithin(column, run);
-      }
+      const RangeEnds ends = grows ? endsFromTo(_evaluator.witnesses().firstEndFrom(node, column.start), last)
+                                   : endsOf(node, relation, column, ranges);
+      for (const EndRun& run : ends) found.addWithin(column, run);
     }
-    found.finish();
     return found;
   }
 

@@ -11,7 +11,8 @@ namespace velan {
 
 /// All places in `range` where a leaf matches that is neither negated nor below a negated group, by location, the
 /// longer first, each range once. A place is primary when it takes part in the match: under a proximity operator when
-/// it lies in a span (or piece) that satisfied the relation, elsewhere always.
+/// it is near enough to its partner, or for the partner when it lies in the span of such a place (or in a piece outside
+/// of all spans), elsewhere always.
 std::vector<QueryOccurrence> occurrencesOfQuery(QueryEvaluator& evaluator, const QueryTerms& root, Range range);
 
 }  // namespace velan

@@ -39,7 +39,11 @@ void RangeColumns::addWithin(const RangeColumn& column, EndRun run) {
   add(column.start, column.list, first, numberFrom(ends, first, column.past, run.past));
 }
 
-void RangeColumns::finish() {
+void RangeColumns::addAll(const RangeColumns& others) {
+  _columns.insert(_columns.end(), others._columns.begin(), others._columns.end());
+}
+
+void RangeColumns::sort() {
   std::sort(_columns.begin(), _columns.end(), [](const RangeColumn& a, const RangeColumn& b) {
     return std::tie(a.start, a.list, a.first) < std::tie(b.start, b.list, b.first);
   });
@@ -53,7 +57,20 @@ void RangeColumns::finish() {
     }
   }
   _columns.resize(kept);
+}
+
+void RangeColumns::finish() {
+  sort();
   forgetUnusedEnds();
+}
+
+void RangeColumns::keepLargest() {
+  int64_t reached = -1;
+  std::erase_if(_columns, [&](RangeColumn& column) {
+    const int64_t last = lastEndOf(column);
+    column.first = column.past - 1;
+    return last <= std::exchange(reached, std::max(reached, last));
+  });
 }
 
 // So that columns which leave out the same ends do not come apart there, and lists do not gather.
@@ -136,6 +153,30 @@ void PassedEnds::addWithin(EndRun run, int64_t start, RangeColumns& columns) con
       columns.add(start, list, std::max(first, next->first), std::min(past, next->second));
     }
   }
+}
+
+bool PassedStarts::hasAny(int64_t first, int64_t last, EndRun ends) {
+  const auto& columns = _ranges.columns();
+  for (; _next < columns.size() && columns[_next].start <= last; ++_next) {
+    const RangeColumn& column = columns[_next];
+    if (column.start < first || column.list == _leftOut) continue;
+    labelRun(_runs[column.list], {static_cast<int64_t>(column.first), static_cast<int64_t>(column.past)}, column.start);
+  }
+  for (size_t list = 0; list < _runs.size(); ++list) {
+    if (_runs[list].empty()) continue;
+    const auto& all = *_ranges.lists()[list];
+    const size_t from = numberFrom(all, 0, all.size(), ends.first);
+    const size_t past = numberFrom(all, from, all.size(), ends.past);
+    if (hasAny(_runs[list], first, {static_cast<int64_t>(from), static_cast<int64_t>(past)})) return true;
+  }
+  return false;
+}
+
+// Forgets what lies before, so that nothing is looked at twice in vain.
+bool PassedStarts::hasAny(LabelledRuns& runs, int64_t start, EndRun numbers) {
+  auto run = runs.begin();
+  while (run != runs.end() && (run->second.past <= numbers.first || run->second.label < start)) run = runs.erase(run);
+  return run != runs.end() && run->first < numbers.past;
 }
 
 }  // namespace velan

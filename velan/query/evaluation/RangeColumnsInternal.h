@@ -36,8 +36,14 @@ class RangeColumns {
   void add(int64_t start, size_t list, size_t first, size_t past);
   /// Adds the part of a column whose ends lie in a run.
   void addWithin(const RangeColumn& column, EndRun run);
-  /// To be called when all is added: brings columns in order, those that touch together, and forgets unused ends.
+  /// Adds all columns of `others`, which are on the same lists.
+  void addAll(const RangeColumns& others);
+  /// To be called when all is added: brings columns in order, and those that touch together.
+  void sort();
+  /// The same, and forgets unused ends: lists and ends have other numbers then.
   void finish();
+  /// Keeps of each column the largest range, unless one that begins before it reaches as far. They must be in order.
+  void keepLargest();
 
   bool isEmpty() const { return _columns.empty(); }
   const std::vector<List>& lists() const { return _lists; }
@@ -74,6 +80,26 @@ class PassedEnds {
   size_t _next = 0;
   int64_t _last = -1;
   std::vector<std::map<size_t, size_t>> _runs;  // of each list, apart from each other
+};
+
+/// Which ranges begin and end where, asked from left to right.
+class PassedStarts {
+ public:
+  /// Borrows columns in order; those on `leftOut`, the number of a list, do not count.
+  PassedStarts(const RangeColumns& ranges, size_t leftOut)
+      : _ranges(ranges), _leftOut(leftOut), _runs(ranges.lists().size()) {}
+
+  /// Whether any range begins from `first` to `last`, both included, and ends in `ends`. Nothing may be smaller than it
+  /// was when this was called before.
+  bool hasAny(int64_t first, int64_t last, EndRun ends);
+
+ private:
+  static bool hasAny(LabelledRuns& runs, int64_t start, EndRun numbers);
+
+  const RangeColumns& _ranges;
+  const size_t _leftOut;
+  size_t _next = 0;
+  std::vector<LabelledRuns> _runs;  // of each list: the numbers of ends, with the last beginning of a range with them
 };
 
 }  // namespace velan

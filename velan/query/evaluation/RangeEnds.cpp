@@ -60,4 +60,18 @@ RangeEnds endsInOne(const RangeEnds& a, const RangeEnds& b) {
   return combined(a, b, [](bool inA, bool inB) { return inA != inB; });
 }
 
+void labelRun(LabelledRuns& runs, EndRun run, int64_t label) {
+  auto next = runs.lower_bound(run.first);
+  if (next != runs.begin()) {
+    LabelledRun& before = std::prev(next)->second;
+    if (before.past > run.past) runs.emplace(run.past, before);
+    before.past = std::min(before.past, run.first);
+  }
+  while (next != runs.end() && next->first < run.past) {
+    if (next->second.past > run.past) runs.emplace(run.past, next->second);
+    next = runs.erase(next);
+  }
+  runs.emplace(run.first, LabelledRun{run.past, label});
+}
+
 }  // namespace velan

@@ -3,6 +3,7 @@
 #define VELAN_QUERY_EVALUATION_RANGE_ENDS_INTERNAL_H
 
 #include <cstdint>
+#include <map>
 #include <vector>
 
 namespace velan {
@@ -26,6 +27,17 @@ RangeEnds endsInBoth(const RangeEnds& a, const RangeEnds& b);
 RangeEnds endsInEither(const RangeEnds& a, const RangeEnds& b);
 /// The ends in one of the two but not in both; with all ends there are as the other one, the complement.
 RangeEnds endsInOne(const RangeEnds& a, const RangeEnds& b);
+
+struct LabelledRun {
+  int64_t past;
+  int64_t label;
+};
+
+/// Runs by their beginnings that do not overlap, each with what it was labelled last.
+using LabelledRuns = std::map<int64_t, LabelledRun>;
+
+/// Labels a run, which is not empty, whatever label parts of it had.
+void labelRun(LabelledRuns& runs, EndRun run, int64_t label);
 
 }  // namespace velan
 

@@ -156,6 +156,20 @@ class PlainTextBuilder {
 
 bool isJoinedLetter(unichar c) { return isIn<kJoinedLetters>(c) != 0; }
 
+std::u16string withoutJoinedLetters(std::u16string_view text) {
+  MutableString letters(text);
+  if (!convertLigaturesToCharacters(letters)) throw std::bad_alloc();
+  std::u16string result;
+  for (const unichar c : letters.view()) {
+    if (c == 0xDF || c == 0x1E9E) {
+      result += c == 0xDF ? u"ss" : u"SS";
+    } else {
+      result += c;
+    }
+  }
+  return result;
+}
+
 bool isLineEndHyphen(std::u16string_view text, size_t index) {
   return isIn<kHyphens>(text[index]) != 0 && index + 1 < text.size() && isIn<kLineEnds>(text[index + 1]) != 0;
 }

@@ -3,6 +3,7 @@
 #define VELAN_TOOLS_DOCUMENTS_PLAIN_TEXT_H
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 #include "tools/documents/SourceMap.h"
@@ -29,6 +30,8 @@ Spelling spellingOfUTF8(std::string_view text);
 
 /// Whether `c` is one of the letters that many write as two.
 bool isJoinedLetter(unichar c);
+/// The text with each of these as two: ß as ss. Throws `std::bad_alloc`.
+std::u16string withoutJoinedLetters(std::u16string_view text);
 /// Whether a hyphen stands at `index`, which lies in the text, and directly behind it a line end.
 bool isLineEndHyphen(std::u16string_view text, size_t index);
 /// The first place at or after `index` with one or the other; the length of the text if there is none.

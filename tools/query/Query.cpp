@@ -9,6 +9,7 @@
 #include "tools/CommandLine.h"
 #include "tools/Console.h"
 #include "tools/documents/PlainText.h"
+#include "tools/query/QueryUnits.h"
 #include "velan/wildcard/WildcardPattern.h"
 
 namespace velan::tool {
@@ -40,6 +41,21 @@ String phraseOf(const String& text) {
   return String(u'"' + phrase + u'"');
 }
 
+// Texts are read with letters such as ß as two where that makes a word of the query. Patterns that count characters
+// stay as they are.
+void separateJoinedLetters(CorrectedQuery& reading, bool wildcard) {
+  for (QueryToken& token : reading.tokens) {
+    const std::u16string_view word = token.word.view();
+    const std::u16string_view counted = word.substr(0, word.find_last_not_of(u'?') + 1);
+    if (!isTerm(token) || (wildcard && counted.find_first_of(u"?[") != word.npos)) continue;
+    const String plain(withoutJoinedLetters(word));
+    if (plain == token.word) continue;
+    reading.spellings.push_back(
+        fmt::format("{} is looked for as {}, which finds both spellings", token.word.toUTF8(), plain.toUTF8()));
+    token.word = plain;
+  }
+}
+
 // Nothing after a complaint.
 std::optional<CorrectedQuery> readingOf(const std::string& query, const QueryOptions& options) {
   const String given = String::fromUTF8(query);
@@ -48,8 +64,10 @@ std::optional<CorrectedQuery> readingOf(const std::string& query, const QueryOpt
     return std::nullopt;
   }
   const String text = options.verbatim ? given : plainText(given).text;
-  return correctedQuery(options.isPhrase ? phraseOf(text) : text, options.keywords, comparisonOf(options),
-                        !options.noWildcards);
+  CorrectedQuery reading = correctedQuery(options.isPhrase ? phraseOf(text) : text, options.keywords,
+                                          comparisonOf(options), !options.noWildcards);
+  if (!options.verbatim) separateJoinedLetters(reading, !options.noWildcards);
+  return reading;
 }
 
 // Adds tokens as a group of their own: groups that they leave open end with them.
@@ -86,6 +104,7 @@ std::optional<CorrectedQuery> wholeReading(const QueryOptions& options) {
     source.append(reading->source.view()) += u')';
     whole.corrections.insert(whole.corrections.end(), reading->corrections.begin(), reading->corrections.end());
     whole.neverFound.insert(whole.neverFound.end(), reading->neverFound.begin(), reading->neverFound.end());
+    whole.spellings.insert(whole.spellings.end(), reading->spellings.begin(), reading->spellings.end());
   }
   whole.source = String(source);
   return whole;

@@ -25,6 +25,7 @@ struct CorrectedQuery {
   std::vector<QueryToken> tokens;        // as they are to be searched
   std::vector<std::string> corrections;  // what was read otherwise than it stands: a sentence each
   std::vector<std::string> neverFound;   // terms that were left out
+  std::vector<std::string> spellings;    // what is looked for in another spelling: a sentence each
 };
 
 /// The tokens of `query`, corrected:

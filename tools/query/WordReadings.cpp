@@ -10,7 +10,6 @@
 #include "velan/base/MutableString.h"
 #include "velan/text/CharacterSets.h"
 #include "velan/text/Separators.h"
-#include "velan/text/editing/Ligatures.h"
 
 namespace velan::tool {
 namespace {
@@ -26,20 +25,6 @@ struct Reading {
   size_t end;
   std::u16string units;
 };
-
-std::u16string withoutJoinedLetters(std::u16string_view word) {
-  MutableString letters(word);
-  if (!convertLigaturesToCharacters(letters)) throw std::bad_alloc();
-  std::u16string result;
-  for (const unichar c : letters.view()) {
-    if (c == 0xDF || c == 0x1E9E) {
-      result += c == 0xDF ? u"ss" : u"SS";
-    } else {
-      result += c;
-    }
-  }
-  return result;
-}
 
 // Finds the words that may be read in another way.
 class ReadingFinder {

@@ -119,6 +119,7 @@ class TreePrinter {
 // What was read otherwise than it stands, and what may have been meant otherwise.
 std::string notesOn(const CorrectedQuery& query, const std::vector<ExplainedTerm>& terms) {
   std::vector<std::string> notes = query.corrections;
+  notes.insert(notes.end(), query.spellings.begin(), query.spellings.end());
   for (const std::string& term : query.neverFound) {
     notes.push_back(fmt::format("{} is left out: without a letter or a digit it can never be found", term));
   }

@@ -130,6 +130,47 @@ TEST(FastWordEnumerator, QueriesEqualASlowWalk) {
   }
 }
 
+// Words of up to a thousand units in ranges that begin and end anywhere, and walks that end early.
+TEST(FastWordEnumerator, EnumeratesLongWordsInAnyRange) {
+  Chance chance(10);
+  for (int round = 0; round < 300; ++round) {
+    std::u16string text;
+    while (text.size() < 3000) {
+      text.append(1 + chance.below(round % 3 == 0 ? 1000 : 9), chance.oneOf(u"ab日の"));
+      text.append(chance.below(3), u' ');
+    }
+    const String string(text);
+    const auto words = round % 2 == 0 ? FastWordEnumerator::enumeratorWithString(string)
+                                      : FastWordEnumerator::enumeratorDividingOnDemand(string, false);
+    const Range range = clippedRange(
+        {static_cast<int64_t>(chance.below(3000)), static_cast<int64_t>(chance.below(3000))}, string.length());
+    std::vector<Range> expected = slowWords(text, range);
+    expected.resize(std::min(expected.size(), chance.below(300)));
+    std::vector<Range> handed;
+    const auto stops = [&](const FastWordEnumerator&, int64_t start, int64_t length) {
+      if (handed.size() == expected.size()) return true;
+      handed.push_back({start, length});
+      return false;
+    };
+    EXPECT_EQ(words->enumerateWordsInRange(range, stops), std::ssize(expected)) << round;
+    EXPECT_EQ(handed, expected) << round;
+  }
+}
+
+TEST(FastWordEnumerator, EnumeratesWordsDividedOnDemand) {
+  const String text(repeated(u"吾輩は猫である。名前は NAME まだ無い", 60));
+  const std::vector<Range> expected = wordsOf(*FastWordEnumerator::enumeratorSplittingAsianWords(text));
+  FastWordEnumerator::setSplitAsianWords(true);
+  const auto words = FastWordEnumerator::enumeratorDividingOnDemand(text, false);
+  FastWordEnumerator::setSplitAsianWords(false);
+  std::vector<Range> handed;
+  words->enumerateWordsInRange({0, text.length()}, [&](const FastWordEnumerator&, int64_t start, int64_t length) {
+    return handed.push_back({start, length}), false;
+  });
+  EXPECT_EQ(handed, expected);
+  EXPECT_GT(expected.size(), 400u);
+}
+
 TEST(FastWordEnumerator, StopsEnumeratingWhenAsked) {
   const auto enumerator = FastWordEnumerator::initWithString(u"one two, three"_s);
   int calls = 0;

@@ -99,6 +99,13 @@ TEST(UnitKernels, RunsBetweenMarks) {
       for (const auto& kernel : unitKernelList()) {
         EXPECT_EQ(kernel.run.runsFromMarks(marks, length, types.data()), runs) << kernel.name << ' ' << length;
         EXPECT_EQ(types, expected) << kernel.name << ' ' << length;
+        std::u16string positions(length + UnitKernels::kCopySlack, u' ');
+        positions.resize(kernel.run.positions(types.data(), length, 2, positions.data()));
+        std::u16string slow;
+        for (size_t i = 0; i < length; ++i) {
+          if (expected[i] & 2) slow += static_cast<unichar>(i);
+        }
+        EXPECT_EQ(positions, slow) << kernel.name << ' ' << length;
       }
     }
   }

@@ -7,8 +7,9 @@
 // unit, all of them 1 where the answer is yes, and the first unit's lowest. `inBitmap` looks units up in a bitmap of
 // `kWindow` units, with the bit `c & 7` of the byte `c >> 3` for the unit `c`, of which only the low bits count.
 // `inTable` looks them up in a table of `kTableWindow` units in the same way, where that is not 0. `loadBytes` and
-// `storeBytes` are for vectors of bytes, two in the place of a unit; `storeAsBytes` writes a byte an answer, all of its
-// bits 1 where that is yes, and `storeInBitmap` those of two vectors of units below `kWindow`.
+// `storeBytes` are for vectors of bytes, two in the place of a unit, and `widened` makes units of bytes; `storeAsBytes`
+// writes a byte an answer, all of its bits 1 where that is yes, and `storeInBitmap` those of two vectors of units below
+// `kWindow`.
 #ifndef VELAN_BASE_KERNELS_UNIT_VECTORS_INTERNAL_H
 #define VELAN_BASE_KERNELS_UNIT_VECTORS_INTERNAL_H
 
@@ -65,6 +66,9 @@ struct Units128 {
   static Units128 of(unichar c) { return {_mm_set1_epi16(static_cast<short>(c))}; }
   void store(unichar* p) const { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v); }
   static Units128 loadBytes(const uint8_t* p) { return {_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))}; }
+  static Units128 widened(const uint8_t* p) {
+    return {_mm_cvtepu8_epi16(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)))};
+  }
   void storeBytes(uint8_t* p) const { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v); }
 
   /// Writes a whole vector of which only those wanted count, which come first; returns how many.
@@ -124,6 +128,9 @@ struct Units256 {
   static Units256 of(unichar c) { return {_mm256_set1_epi16(static_cast<short>(c))}; }
   void store(unichar* p) const { _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), v); }
   static Units256 loadBytes(const uint8_t* p) { return {_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p))}; }
+  static Units256 widened(const uint8_t* p) {
+    return {_mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)))};
+  }
   void storeBytes(uint8_t* p) const { _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), v); }
 
   size_t storeCompressed(Matches m, unichar* p) const {
@@ -187,6 +194,9 @@ struct Units512 {
   static Units512 of(unichar c) { return {_mm512_set1_epi16(static_cast<short>(c))}; }
   void store(unichar* p) const { _mm512_storeu_si512(p, v); }
   static Units512 loadBytes(const uint8_t* p) { return {_mm512_loadu_si512(p)}; }
+  static Units512 widened(const uint8_t* p) {
+    return {_mm512_cvtepu8_epi16(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)))};
+  }
   void storeBytes(uint8_t* p) const { _mm512_storeu_si512(p, v); }
 
   Units512 operator+(Units512 other) const { return {_mm512_add_epi16(v, other.v)}; }
@@ -247,6 +257,7 @@ struct UnitsNeon {
   static UnitsNeon of(unichar c) { return {vdupq_n_u16(c)}; }
   void store(unichar* p) const { vst1q_u16(reinterpret_cast<uint16_t*>(p), v); }
   static UnitsNeon loadBytes(const uint8_t* p) { return {vreinterpretq_u16_u8(vld1q_u8(p))}; }
+  static UnitsNeon widened(const uint8_t* p) { return {vmovl_u8(vld1_u8(p))}; }
   void storeBytes(uint8_t* p) const { vst1q_u8(p, vreinterpretq_u8_u16(v)); }
 
   size_t storeCompressed(Matches m, unichar* p) const {

@@ -301,8 +301,10 @@ String FastWordEnumerator::string() const { return _string ? _string : substring
 int64_t FastWordEnumerator::numberOfWords(int64_t minLen) const {
   if (minLen < 2) return numberOfWords();
   int64_t count = 0;
-  int64_t index = 0;
-  for (Range word; isPresent(word = enumerateNextWordAtIndex(&index));) count += word.length >= minLen;
+  handWords({0, length()}, [&](size_t start, size_t end) {
+    count += static_cast<int64_t>(end - start) >= minLen;
+    return false;
+  });
   return count;
 }
 
@@ -374,31 +376,57 @@ String FastWordEnumerator::uppercaseSubstringWithRange(Range range) const {
 }
 
 int64_t FastWordEnumerator::enumerateWordsInRange(Range range, WordHandler handler, void* context) const {
-  return _enumerateWordsUsingBlock(nullptr, handler, context, range);
+  if (!handler) return 0;
+  return handWords(range, [&](size_t start, size_t end) {
+    return handler(*this, static_cast<int64_t>(start), static_cast<int64_t>(end - start), context);
+  });
 }
 
 int64_t FastWordEnumerator::enumerateWordsInRange(Range range, WordBlock block) const {
-  return _enumerateWordsUsingBlock(block, nullptr, nullptr, range);
+  if (!block) return 0;
+  return handWords(range, [&](size_t start, size_t end) {
+    return block(*this, static_cast<int64_t>(start), static_cast<int64_t>(end - start));
+  });
 }
 
-int64_t FastWordEnumerator::_enumerateWordsUsingBlock(WordBlock block, WordHandler handler, void* context,
-                                                      Range range) const {
-  if (!block && !handler) return 0;
-  const Range clipped = clippedRange(range, length());
-  const auto end = static_cast<size_t>(endOf(clipped));
-  int64_t count = 0;
-  for (auto start = static_cast<size_t>(clipped.location); start < end;) {
-    const size_t stop = findDivided(start, end, kSeparator | kWordEnd);
-    const size_t wordEnd = stop < end && (_index[stop] & kWordEnd) ? stop + 1 : stop;
-    if (wordEnd > start) {
-      const auto location = static_cast<int64_t>(start);
-      const auto wordLength = static_cast<int64_t>(wordEnd - start);
-      if (block ? block(*this, location, wordLength) : handler(*this, location, wordLength, context)) break;
-      ++count;
-    }
-    start = stop + 1;
+// Makes the types of a stretch what they stay.
+void FastWordEnumerator::completeIndex(size_t from, size_t end) const {
+  if (_onDemand) {
+    for (size_t i = from; i < end; i = (i / kBlock + 1) * kBlock) indexAround(i);
   }
-  return count;
+  while (_hasUndivided && (from = findType(_index.get(), from, end, kUndivided)) < end) divideRunAt(from);
+}
+
+// Calls `hand(start, end)` for each word, where each stretch of the text gives its words' starts and ends at once.
+template <typename Hand>
+int64_t FastWordEnumerator::handWords(Range range, Hand hand) const {
+  constexpr size_t kStretch = 512;
+  constexpr size_t kRoom = 1 + kStretch + UnitKernels::kCopySlack;
+  unichar starts[kRoom], ends[kRoom];  // of the same words
+  const Range clipped = clippedRange(range, length());
+  const auto rangeEnd = static_cast<size_t>(endOf(clipped));
+  auto from = static_cast<size_t>(clipped.location);
+  if (from >= rangeEnd) return 0;
+  size_t start = from;  // of the word that goes on
+  bool goesOn = (typeAtIndex(clipped.location) & (kSeparator | kWordBeginning)) == 0;
+  int64_t count = 0;
+  for (size_t length; from < rangeEnd; from += length) {
+    length = std::min(kStretch, rangeEnd - from);
+    completeIndex(from, from + length);
+    const uint8_t* types = _index.get() + from;
+    const size_t ended = unitKernels().positions(types, length, kWordEnd, ends);
+    const size_t begun = unitKernels().positions(types, length, kWordBeginning, starts + goesOn) + goesOn;
+    size_t next = 0;
+    if (goesOn && ended > 0 && hand(start, from + ends[next++] + 1)) return count;
+    for (; next < ended; ++next) {
+      if (hand(from + starts[next], from + ends[next] + 1)) return count + static_cast<int64_t>(next);
+    }
+    count += static_cast<int64_t>(ended);
+    const bool isLonger = goesOn && ended == 0;
+    goesOn = begun > ended;
+    if (goesOn && !isLonger) start = from + starts[ended];
+  }
+  return goesOn && !hand(start, rangeEnd) ? count + 1 : count;
 }
 
 // Where the word goes on whose last unit is before `wordEnd`, when a hyphen and a line end follow; else NSNotFound.
@@ -437,11 +465,11 @@ String FastWordEnumerator::stringBySeparatingWords() const {
   if (!_characters) return String();
   MutableString joined;
   joined.reserve(length());
-  int64_t index = 0;
-  for (Range word; isPresent(word = enumerateNextWordAtIndex(&index));) {
+  handWords({0, length()}, [&](size_t start, size_t end) {
     if (!joined.isEmpty()) joined.appendCharacter(u' ');
-    joined.appendCharacters(_characters + word.location, word.length);
-  }
+    joined.appendCharacters(_characters + start, static_cast<int64_t>(end - start));
+    return false;
+  });
   return joined.takeString();
 }
 

@@ -205,7 +205,9 @@ class VELAN_EXPORT FastWordEnumerator {
   void initWordInRange(Range range) const;
   int64_t wordEndFromIndex(int64_t index) const;
   int64_t continuationAfterHyphen(int64_t wordEnd) const;
-  int64_t _enumerateWordsUsingBlock(WordBlock block, WordHandler handler, void* context, Range range) const;
+  void completeIndex(size_t from, size_t end) const;
+  template <typename Hand>
+  int64_t handWords(Range range, Hand hand) const;
 
   String _string;                        // absent when made from units
   const unichar* _characters = nullptr;  // into _string, the caller's, or owned

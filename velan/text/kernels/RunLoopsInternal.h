@@ -52,6 +52,29 @@ size_t runsFromMarksOf(const uint8_t* marks, size_t length, uint8_t* types) {
   }
 }
 
+/// Adds what positions from `first` on have a bit of `type` to `positions`, and returns how many they are.
+template <typename V>
+size_t positionsOf(const uint8_t* types, size_t length, uint8_t type, size_t first, unichar* positions) {
+  size_t i = 0, count = 0;
+  if constexpr (V::kUnits > 1) {
+    unichar order[V::kUnits];
+    for (size_t k = 0; k < V::kUnits; ++k) order[k] = static_cast<unichar>(first + k);
+    V next = V::load(order);
+    const V none = V::of(0), wanted = V::of(type), step = V::of(V::kUnits);
+    for (; length - i >= V::kUnits; i += V::kUnits, next = next + step) {
+      const auto others = V::widened(types + i).differing(wanted, none) == none;
+      count += next.storeCompressed(V::inverse(others), positions + count);
+    }
+    return count + positionsOf<typename V::Narrower>(types + i, length - i, type, first + i, positions + count);
+  } else {
+    for (; i < length; ++i) {
+      positions[count] = static_cast<unichar>(first + i);
+      count += (types[i] & type) != 0;
+    }
+    return count;
+  }
+}
+
 }  // namespace
 }  // namespace velan
 

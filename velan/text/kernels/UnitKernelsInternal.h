@@ -97,6 +97,9 @@ struct UnitKernels {
   /// behind, is marked. `marks` has `length` + 2 entries, those of the unit before and of the unit behind as well.
   /// Returns how many runs begin.
   size_t (*runsFromMarks)(const uint8_t* marks, size_t length, uint8_t* types);
+  /// Writes to `positions`, which has room for `kCopySlack` more, where in at most 65,536 types the bit `type` is set,
+  /// and returns how many there are.
+  size_t (*positions)(const uint8_t* types, size_t length, uint8_t type, unichar* positions);
   /// Writes `count` units through `mapping`, which has a table, to `mapped`, which may be `units`.
   void (*map)(const unichar* units, size_t count, const UnitMapping& mapping, unichar* mapped);
   /// The first position where the units of `a` and `b` differ through `mapping`.

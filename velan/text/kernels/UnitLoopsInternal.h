@@ -325,6 +325,10 @@ struct UnitLoops {
     return runsFromMarksOf<V>(marks, length, types);
   }
 
+  static size_t positions(const uint8_t* types, size_t length, uint8_t type, unichar* positions) {
+    return positionsOf<V>(types, length, type, 0, positions);
+  }
+
   static void map(const unichar* units, size_t count, const UnitMapping& mapping, unichar* mapped) {
     unichar windows[] = {0x400, 0x380, 0x80};
     mapEach<V>(units, count, mapping, windows, mapped);
@@ -362,6 +366,7 @@ struct UnitLoops {
       .copyMembers = copyMembers,
       .markMembers = markMembers,
       .runsFromMarks = runsFromMarks,
+      .positions = positions,
       .map = map,
       .mismatch = mismatch,
       .findHead = findHead,

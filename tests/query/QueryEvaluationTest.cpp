@@ -233,6 +233,37 @@ TEST(QueryEvaluation, EqualsTheReference) {
   }
 }
 
+// Texts of many places, with words that are longer than what is gathered at a time.
+TEST(QueryEvaluation, ManyPlaces) {
+  const std::u16string longWord = repeated(u"ab", 30);
+  Chance chance(1);
+  for (size_t kinds = 2; kinds <= 11; ++kinds) {
+    const std::u16string_view pieces[] = {u"ab ", u"a",     u" ",   u"ba", u"\u00E4b, ", u"abab ",
+                                          u"c-",  longWord, u"cab", u"B ", u"\xE9 a "};
+    const std::u16string text = chance.text(900, pieces, kinds);
+    for (const std::u16string& query :
+         {std::u16string(u"a"), std::u16string(u"ab"), std::u16string(u"a*"), std::u16string(u"*b"),
+          std::u16string(u"*ba*"), std::u16string(u"c?b*"), std::u16string(u"[ac][ab]*"), std::u16string(u"*[ab]a"),
+          std::u16string(u"[^a]?b*"), std::u16string(u"\"ab a*\""), std::u16string(u"\"[ab]* c\""), longWord,
+          longWord + u"*", std::u16string(u"*?[b-c]ab*"), std::u16string(u"[ab]")}) {
+      for (const QueryComparison comparison : {Exact, IgnoreCase, IgnoreCase | IgnoreDiacritics}) {
+        const auto prepared = PreparedQuery::queryWithTerms(QueryTerms::initWithWildcard(query), comparison, true);
+        const auto words = prepared->enumeratorWithString(text);
+        const ReferenceText reference(text, comparison, true);
+        const Range range{static_cast<int64_t>(chance.below(text.size())), NSNotFound};
+        const Range clipped = clippedRange(range, words->length());
+        const ReferenceTerm term = referenceOf(prepared->terms());
+        QueryMatcher matcher(*prepared, *words);
+        EXPECT_EQ(matcher.matches(range), reference.matches(term, clipped)) << String(query).toUTF8();
+        EXPECT_EQ(dumpOf(matcher.occurrences({0, NSNotFound})),
+                  dumpOf(reference.occurrences(term, reference.wholeRange())))
+            << String(query).toUTF8() << '\n'
+            << String(text).toUTF8();
+      }
+    }
+  }
+}
+
 // What several places of one leaf give to ranges with one beginning is rare to overlap in random queries.
 TEST(QueryEvaluation, PlacesThatGiveDifferentEnds) {
   const Cases<const char*, std::u16string, String, bool> cases = {

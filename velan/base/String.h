@@ -100,6 +100,7 @@ class VELAN_EXPORT String {
 
  private:
   friend class MutableString;
+  friend class StringCopies;
   struct Storage;
   /// What reading needs, kept where inline functions see it; the rest of the storage is private to the source file.
   struct Header {

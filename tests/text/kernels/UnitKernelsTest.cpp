@@ -148,6 +148,35 @@ TEST(UnitKernels, FindAndCountNeedles) {
   }
 }
 
+// Positions are gathered some at a time, and by no more than the units of the text.
+TEST(UnitKernels, GatherNeedles) {
+  const std::u16string needles[] = {u"a", u"ab", u"aab", u"KSA", u"abababab", std::u16string(32, u'a')};
+  const unichar* none = nullptr;
+  for (const unichar* table : {none, upperCharsTable(), upperUmlautsCharsTable(), foreignTable()}) {
+    for (const std::u16string& needle : needles) {
+      NeedleHead head;
+      head.length = needle.size();
+      head.table = table;
+      std::ranges::transform(needle, head.units, [&](unichar c) { return table ? table[c] : c; });
+      chooseProbes(head);
+      for (const std::u16string_view letters : {kLetters, kLetters.substr(0, 4)}) {
+        expectEqualResults(letters, [&](const UnitKernels& run, const unichar* units, size_t length) {
+          const size_t positions = length < head.length ? 0 : length - head.length + 1, most = 1 + length % 70;
+          std::vector<size_t> all;
+          for (size_t from = 0; from < positions;) {
+            const auto found = std::make_unique<unichar[]>(most + UnitKernels::kGatherSlack);
+            const NeedlePositions gathered = run.gatherHead(units + from, positions - from, head, found.get(), most);
+            for (size_t i = 0; i < gathered.count; ++i) all.push_back(from + found[i]);
+            if (gathered.end == 0 || gathered.end > positions - from) return std::vector<size_t>{SIZE_MAX};
+            from += gathered.end;
+          }
+          return all;
+        });
+      }
+    }
+  }
+}
+
 TEST(Preimages, FiltersOfEveryUnit) {
   for (const unichar* table : {upperCharsTable(), umlautsCharsTable(), lowerUmlautsCharsTable()}) {
     const std::u16string_view entries(table, VelanTableLength);

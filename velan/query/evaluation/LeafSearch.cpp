@@ -63,15 +63,29 @@ std::vector<ExplainedPiece> explainedPieces(const QueryTerms& leaf, QueryCompari
 LeafSearch::LeafSearch(const SearchedText& text, const LeafPattern& pattern) : _text(text), _pattern(pattern) {
   const WordPattern& words = pattern.pattern();
   const Range all{0, text.length()};
-  if (words.isPhrase()) _phrase.emplace(words, text, all);
-  if (words.isOneWord()) _word.emplace(words, text, all);
+  if (words.isPhrase()) _search.emplace<PhraseSearch>(words, text, all);
+  if (words.isOneWord()) _search.emplace<WordSearch>(words, text, all);
+  const Literal* literal = pattern.literal();
+  if (literal && literal->length() > 0) _search.emplace<LiteralHits>(*literal, text, all);
 }
 
-Range LeafSearch::next() {
-  if (_phrase) return _phrase->next();
-  if (_word) return _word->next();
-  if (!_pattern.literal()) return kAbsentRange;
-  return _text.findWord(*_pattern.literal(), {_frontier, _text.length() - _frontier}, _pattern.isWhole());
+// Appends the next places, if it finds any. False when all was searched.
+bool LeafSearch::searchOn() {
+  if (auto* word = std::get_if<WordSearch>(&_search)) return word->searchOn(_found);
+  if (auto* phrase = std::get_if<PhraseSearch>(&_search)) return phrase->searchOn(_found);
+  auto* hits = std::get_if<LiteralHits>(&_search);
+  return hits && hits->visitNext(_location, _found, [this](int64_t hit) { searchLiteralAt(hit); });
+}
+
+void LeafSearch::searchLiteralAt(int64_t hit) {
+  const int64_t length = _pattern.literal()->length();
+  if (!_pattern.isWhole() || (_text.wordBeginsAt(hit) && _text.wordEndsAt(hit + length - 1))) {
+    _found.push_back({hit, length});
+    return;
+  }
+  // Going on at the next word, not the next unit, keeps a long literal in a text that repeats its units from being
+  // compared again and again.
+  if (length > LiteralHits::kShort) _location = _text.wordStartFrom(hit + 1);
 }
 
 Range LeafSearch::firstIn(Range range) {
@@ -80,12 +94,16 @@ Range LeafSearch::firstIn(Range range) {
   return first && first->location < endOf(range) && endOf(*first) <= endOf(range) ? *first : kAbsentRange;
 }
 
+std::span<const Range> LeafSearch::placesIn(Range range) {
+  const size_t first = numberFrom(range.location);
+  const size_t last = numberFrom(endOf(range));
+  const auto all = std::span<const Range>(_found).subspan(first, last - first);
+  const auto isWithin = [end = endOf(range)](const Range& place) { return endOf(place) <= end; };
+  return all.first(static_cast<size_t>(std::ranges::partition_point(all, isWithin) - all.begin()));
+}
+
 const Range* LeafSearch::at(size_t number) {
-  while (number >= _found.size() && _frontier < _text.length()) {
-    const Range place = next();
-    if (isPresent(place)) _found.push_back(place);
-    _frontier = isPresent(place) ? place.location + 1 : _text.length();
-  }
+  while (number >= _found.size() && !_isDone) _isDone = !searchOn();
   return number < _found.size() ? &_found[number] : nullptr;
 }
 

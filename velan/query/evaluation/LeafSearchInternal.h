@@ -4,8 +4,10 @@
 
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <unordered_map>
+#include <variant>
 #include <vector>
 
 #include "velan/query/QueryExplanation.h"
@@ -76,21 +78,25 @@ class LeafSearch {
   bool isWholeRange() const { return _pattern.isWholeRange(); }
   /// The first place that lies wholly in `range`; absent if there is none.
   Range firstIn(Range range);
+  /// All places that lie wholly in `range`; valid until the search goes on.
+  std::span<const Range> placesIn(Range range);
   /// The place with this number, or null when there are not so many.
   const Range* at(size_t number);
   /// The number of the first place that begins at or after `location`.
   size_t numberFrom(int64_t location);
 
  private:
-  Range next();
+  bool searchOn();
+  void searchLiteralAt(int64_t hit);
 
   const SearchedText& _text;
   const LeafPattern& _pattern;
   std::unique_ptr<const LeafPattern> _own;
-  std::optional<PhraseSearch> _phrase;
-  std::optional<WordSearch> _word;
+  // How it is searched; nothing for a leaf that is found nowhere.
+  std::variant<std::monostate, PhraseSearch, WordSearch, LiteralHits> _search;
   std::vector<Range> _found;
-  int64_t _frontier = 0;  // everything that begins before is found
+  int64_t _location = 0;  // where the next hit of a long literal may begin
+  bool _isDone = false;
 };
 
 }  // namespace velan

@@ -30,26 +30,30 @@ PhraseSearch::PhraseSearch(const WordPattern& pattern, const SearchedText& text,
       _location(range.location),
       _end(endOf(range)),
       _starts(_anchor ? 0 : _pieces.size()),
-      _reached(_anchor ? 0 : (_pieces.size() + kBits - 1) / kBits) {}
-
-Range PhraseSearch::next() { return _anchor ? nextAroundAnchor() : nextReadingAll(); }
-
-Range PhraseSearch::nextAroundAnchor() {
-  while (_location < _end) {
-    const int64_t hit = _anchor->find(_text, _location, _end);
-    if (hit < 0) break;
-    const Range word = _text.wordAt(hit);
-    _location = isPresent(word) ? endOf(word) : hit + 1;
-    if (!isPresent(word) || word.location < _start || endOf(word) > _end) continue;
-    const Range place = placeAround(word);
-    if (isPresent(place)) return place;
-  }
-  _location = _end;
-  return kAbsentRange;
+      _reached(_anchor ? 0 : (_pieces.size() + kBits - 1) / kBits) {
+  if (_anchor) _hits.emplace(_anchor->literal, text, range);
 }
 
+bool PhraseSearch::searchOn(std::vector<Range>& found) {
+  if (_hits) return _hits->visitNext(_location, found, [&](int64_t hit) { searchAt(hit, found); });
+  const Range place = nextReadingAll();
+  if (isPresent(place)) found.push_back(place);
+  return isPresent(place);
+}
+
+void PhraseSearch::searchAt(int64_t hit, std::vector<Range>& found) {
+  if (hit < _location || (_hits->areShort() && !_anchor->mayMatchAt(_text, hit))) return;
+  const Range word = _text.wordAt(hit);
+  if (!isPresent(word)) return;
+  _location = endOf(word);
+  if (word.location < _start || endOf(word) > _end) return;
+  if (!_anchor->decides(word, hit) && !WordPattern::matches(_pieces[_anchor->piece], _text, word)) return;
+  const Range place = placeAround(word);
+  if (isPresent(place)) found.push_back(place);
+}
+
+// Around a word that matches the piece of the anchor.
 Range PhraseSearch::placeAround(Range word) const {
-  if (!WordPattern::matches(_pieces[_anchor->piece], _text, word)) return kAbsentRange;
   Range last = word;
   for (size_t i = _anchor->piece + 1; i < _pieces.size(); ++i) {
     last = _text.wordAfter(endOf(last), _end);

@@ -2,10 +2,12 @@
 #ifndef VELAN_QUERY_EVALUATION_PHRASE_SEARCH_INTERNAL_H
 #define VELAN_QUERY_EVALUATION_PHRASE_SEARCH_INTERNAL_H
 
+#include <optional>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
+#include "velan/query/evaluation/LiteralHitsInternal.h"
 #include "velan/query/evaluation/WordPatternInternal.h"
 
 namespace velan {
@@ -21,9 +23,9 @@ class PhraseSearch {
   /// Borrows both. `pattern` has at least two pieces.
   PhraseSearch(const WordPattern& pattern, const SearchedText& text, Range range);
 
-  /// The next place, from its first word's start to its last word's end; absent when there is none. Both beginnings and
-  /// ends grow.
-  Range next();
+  /// Searches on and appends the places that it finds, if any, from the first word's start to the last word's end.
+  /// False when all was searched. Both beginnings and ends grow.
+  bool searchOn(std::vector<Range>& found);
 
  private:
   // Bits of the positions of pieces.
@@ -32,7 +34,7 @@ class PhraseSearch {
     Row known, matching;
   };
 
-  Range nextAroundAnchor();
+  void searchAt(int64_t hit, std::vector<Range>& found);
   Range placeAround(Range word) const;
   Range nextReadingAll();
   void keepMatching(Range word);
@@ -46,7 +48,8 @@ class PhraseSearch {
   const int64_t _start;
   int64_t _location;  // what begins before was read
   const int64_t _end;
-  std::vector<int64_t> _starts;  // of the last words, each at its number modulo the number of pieces
+  std::optional<LiteralHits> _hits;  // of the anchor
+  std::vector<int64_t> _starts;      // of the last words, each at its number modulo the number of pieces
   size_t _wordCount = 0;
   Row _reached;
 

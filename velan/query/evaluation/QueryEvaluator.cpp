@@ -110,12 +110,8 @@ LeafSearch& QueryEvaluator::search(const QueryTerms& leaf) {
 Ranges QueryEvaluator::places(const QueryTerms& leaf, Range range) {
   LeafSearch& found = search(leaf);
   if (found.isWholeRange()) return range.length > 0 ? Ranges{range} : Ranges();
-  Ranges all;
-  size_t number = found.numberFrom(range.location);
-  for (const Range* place = found.at(number); place && endOf(*place) <= endOf(range); place = found.at(++number)) {
-    all.push_back(*place);
-  }
-  return all;
+  const auto places = found.placesIn(range);
+  return Ranges(places.begin(), places.end());
 }
 
 bool QueryEvaluator::containsAny(const QueryTerms& node) {

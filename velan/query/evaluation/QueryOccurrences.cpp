@@ -3,6 +3,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "velan/base/StringCopiesInternal.h"
 #include "velan/query/evaluation/EndSearchInternal.h"
 #include "velan/query/evaluation/QueryOccurrencesInternal.h"
 #include "velan/query/evaluation/QueryWalkInternal.h"
@@ -198,11 +199,10 @@ std::vector<QueryOccurrence> occurrencesOfQuery(QueryEvaluator& evaluator, const
       occurrences.push_back({range, leaf.word(), marks.contains(0)});
       return;
     }
-    const size_t first = search.numberFrom(range.location);
-    size_t number = first;
-    for (const Range* place = search.at(number); place && endOf(*place) <= endOf(range); place = search.at(++number)) {
-      occurrences.push_back({*place, leaf.word(), marks.contains(number - first)});
-    }
+    const auto places = search.placesIn(range);
+    StringCopies terms(leaf.word(), places.size());
+    occurrences.reserve(occurrences.size() + places.size());
+    for (size_t i = 0; i < places.size(); ++i) occurrences.push_back({places[i], terms.take(), marks.contains(i)});
   });
   mergeEqualRanges(occurrences);
   return occurrences;

@@ -33,6 +33,10 @@ class Literal {
   std::u16string_view units() const { return _search.needle().units; }
   /// The first position in `text`, or `length` if there is none, as for no units.
   size_t find(const unichar* text, size_t length) const { return _search.find(text, length); }
+  /// See `UnitSearch::gather`.
+  NeedlePositions gather(const unichar* text, size_t positions, unichar* found, size_t most) const {
+    return _search.gather(text, positions, found, most);
+  }
 
  private:
   struct Owned {
@@ -71,6 +75,12 @@ class SearchedText {
   Range wordAfter(int64_t location, int64_t end) const;
   /// The first word that begins at or after `location` and ends at or before `end`; absent if there is none.
   Range firstWordIn(int64_t location, int64_t end) const;
+  /// Where the first word begins at or after `location`; the text's length if there is none.
+  int64_t wordStartFrom(int64_t location) const {
+    return std::min(_words.locationOfNextWordFromIndex(location, _length), _length);
+  }
+  /// Whether a dictionary may divide `run`, which holds no separators.
+  bool isDivided(Range run) const;
   /// Whether the units of `range` are those of `literal`.
   bool hasUnitsAt(int64_t location, std::u16string_view literal) const;
   /// The first place of `literal` that begins at or after `location` and ends at or before `end`; -1 if there is none.
@@ -98,7 +108,6 @@ class SearchedText {
     return _separators && (!_mayBeDivided || isBoundary(index, neighbour) || !isInDividedRun(index));
   }
   bool isInDividedRun(int64_t index) const;
-  bool isDivided(Range run) const;
   Range runAt(int64_t index) const;
   void indexWords() const;
 

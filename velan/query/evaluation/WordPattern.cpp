@@ -157,7 +157,9 @@ std::u16string_view WordPattern::longestRunOf(const Piece& piece) {
 WordPattern::Anchor WordPattern::anchorAt(const Piece& piece, std::u16string_view run, const unichar* table) {
   const std::u16string_view units = piece.units;
   const auto first = static_cast<size_t>(run.data() - units.data());
-  Anchor anchor{Literal(run, table), 0, 0, 0, {}, {}};
+  const bool isAll = piece.type == WildcardTypeExact || piece.type == WildcardTypePrefix ||
+                     piece.type == WildcardTypeSuffix || piece.type == WildcardTypeContains;
+  Anchor anchor{Literal(run, table), 0, 0, 0, {}, {}, isAll};
   int64_t* count = &anchor.before;
   for (size_t i = 0; i < units.size();) {
     size_t length = 1;
@@ -208,14 +210,10 @@ bool WordPattern::Anchor::mayMatchAt(const SearchedText& text, int64_t location)
          (after < 0 || (after <= text.length() - end && text.wordEndsAt(end + after - 1)));
 }
 
-// Long units in a text that repeats them would be compared again and again: there each place is one for the caller.
-int64_t WordPattern::Anchor::find(const SearchedText& text, int64_t location, int64_t end) const {
-  constexpr int64_t kShort = 32;
-  int64_t found = text.find(literal, location, end);
-  while (found >= 0 && literal.length() <= kShort && !mayMatchAt(text, found)) {
-    found = text.find(literal, found + 1, end);
-  }
-  return found;
+bool WordPattern::Anchor::decides(Range word, int64_t location) const {
+  const int64_t wordBefore = location - word.location;
+  const int64_t wordAfter = endOf(word) - (location + literal.length());
+  return isAll && (before < 0 ? wordBefore >= 0 : wordBefore == 0) && (after < 0 ? wordAfter >= 0 : wordAfter == 0);
 }
 
 std::vector<std::u16string_view> WordPattern::requiredLiterals() const {
@@ -268,8 +266,17 @@ bool WordPattern::matches(const Piece& piece, const SearchedText& text, Range wo
 Range WordPattern::firstIn(const SearchedText& text, Range range) const {
   if (_wholeRange) return range.length > 0 ? range : kAbsentRange;
   if (_pieces.empty()) return kAbsentRange;
-  if (isPhrase()) return PhraseSearch(*this, text, range).next();
-  return WordSearch(*this, text, range).next();
+  std::vector<Range> found;
+  const auto search = [&found](auto&& places) {
+    while (found.empty() && places.searchOn(found)) {
+    }
+  };
+  if (isPhrase()) {
+    search(PhraseSearch(*this, text, range));
+  } else {
+    search(WordSearch(*this, text, range));
+  }
+  return found.empty() ? kAbsentRange : found.front();
 }
 
 }  // namespace velan

@@ -67,11 +67,12 @@ class WordPattern {
     size_t piece;
     int64_t before, after;  // how many units the word has before and after it; -1 where that is open
     Neighbour previous, next;
+    bool isAll;  // of the piece but for `*`
 
     /// Whether the word around it may match where it stands at `location`.
     bool mayMatchAt(const SearchedText& text, int64_t location) const;
-    /// Where it stands and may match, at or after `location` and wholly before `end`; -1 for nowhere.
-    int64_t find(const SearchedText& text, int64_t location, int64_t end) const;
+    /// Whether it is known that `word` matches, as the anchor stands at `location`.
+    bool decides(Range word, int64_t location) const;
   };
 
   static Piece wildcardPiece(std::u16string pattern, bool anyWord, bool fuzzy);

@@ -26,45 +26,47 @@ WordSearch::WordSearch(const WordPattern& pattern, const SearchedText& text, Ran
       _location(range.location),
       _end(endOf(range)),
       _anchor(pattern._anchor ? &*pattern._anchor : nullptr),
-      _mayStandForSeveral(_piece.type != WildcardTypeExact && !_piece.standsForAnyWord) {}
-
-Range WordSearch::next() {
-  while (_taken == _found.size()) {
-    _found.clear();
-    _taken = 0;
-    if (!searchOn()) return kAbsentRange;
-  }
-  return _found[_taken++];
+      _mayStandForSeveral(_piece.type != WildcardTypeExact && !_piece.standsForAnyWord) {
+  if (_anchor) _hits.emplace(_anchor->literal, text, range);
 }
 
-// Searches the next word or run that comes into question. False when there is none.
-bool WordSearch::searchOn() {
-  const Range word = nextWord();
-  if (!isPresent(word)) {
-    _location = _end;
-    return false;
-  }
-  const Range run = _mayStandForSeveral ? runAround(word) : word;
-  if (run.length > word.length) {
-    searchRun(run);
-  } else if (WordPattern::matches(_piece, _text, word)) {
-    _found.push_back(word);
-  }
-  _location = endOf(run);
+// The places around the next hits of the anchor, or in the next word.
+bool WordSearch::searchOn(std::vector<Range>& found) {
+  if (_hits) return _hits->visitNext(_location, found, [&](int64_t hit) { searchAt(hit, found); });
+  const Range word = _text.firstWordIn(_location, _end);
+  if (!isPresent(word)) return false;
+  searchWord(word, WordPattern::matches(_piece, _text, word), found);
   return true;
 }
 
-// The next whole word, or the next one in which the anchor begins.
-Range WordSearch::nextWord() {
-  if (!_anchor) return _text.firstWordIn(_location, _end);
-  while (_location < _end) {
-    const int64_t hit = _anchor->find(_text, _location, _end);
-    if (hit < 0) return kAbsentRange;
-    const Range word = _text.wordAt(hit);
-    if (isPresent(word) && word.location >= _location && endOf(word) <= _end) return word;
-    _location = isPresent(word) ? endOf(word) : hit + 1;
+void WordSearch::searchAt(int64_t hit, std::vector<Range>& found) {
+  if (hit < _location || (_hits->areShort() && !_anchor->mayMatchAt(_text, hit))) return;
+  const Range word = wordAt(hit);
+  if (!isPresent(word)) return;
+  if (word.location < _location || endOf(word) > _end) {
+    _location = endOf(word);
+    return;
   }
-  return kAbsentRange;
+  searchWord(word, _anchor->decides(word, hit) || WordPattern::matches(_piece, _text, word), found);
+}
+
+// The word that the anchor begins in.
+Range WordSearch::wordAt(int64_t hit) const {
+  // Units without a separator that begin and end where words do are one word, unless a dictionary has divided it.
+  const Range literal{hit, _anchor->literal.length()};
+  const bool isExact = _anchor->isAll && _anchor->before == 0 && _anchor->after == 0;
+  if (isExact && _hits->areShort() && !_text.table() && !_text.isDivided(literal)) return literal;
+  return _text.wordAt(hit);
+}
+
+void WordSearch::searchWord(Range word, bool matches, std::vector<Range>& found) {
+  const Range run = _mayStandForSeveral ? runAround(word) : word;
+  if (run.length > word.length) {
+    searchRun(run, found);
+  } else if (matches) {
+    found.push_back(word);
+  }
+  _location = endOf(run);
 }
 
 // The word with all whole words to be searched that touch it or each other. Where the pattern has its literal units in
@@ -86,7 +88,7 @@ Range WordSearch::runAround(Range word) const {
 }
 
 // At the end of each word: the shortest stretch that ends there, unless a shorter one lies in it.
-void WordSearch::searchRun(Range run) {
+void WordSearch::searchRun(Range run, std::vector<Range>& found) {
   splitPattern();
   _starts.assign(_elements.size() + 1, -1);
   const unichar* table = _text.table();
@@ -101,7 +103,7 @@ void WordSearch::searchRun(Range run) {
     }
     const int64_t start = WordPattern::matches(_piece, _text, word) ? word.location : _starts.back();
     if (start <= lastStart) continue;
-    _found.push_back({start, endOf(word) - start});
+    found.push_back({start, endOf(word) - start});
     lastStart = start;
   }
 }

@@ -2,9 +2,11 @@
 #ifndef VELAN_QUERY_EVALUATION_WORD_SEARCH_INTERNAL_H
 #define VELAN_QUERY_EVALUATION_WORD_SEARCH_INTERNAL_H
 
+#include <optional>
 #include <string_view>
 #include <vector>
 
+#include "velan/query/evaluation/LiteralHitsInternal.h"
 #include "velan/query/evaluation/WordPatternInternal.h"
 
 namespace velan {
@@ -17,8 +19,9 @@ class WordSearch {
   /// Borrows both. `pattern` has one piece.
   WordSearch(const WordPattern& pattern, const SearchedText& text, Range range);
 
-  /// The next place; absent when there is none. Both beginnings and ends grow.
-  Range next();
+  /// Searches on and appends the places that it finds, if any. False when all was searched. Both beginnings and ends
+  /// grow.
+  bool searchOn(std::vector<Range>& found);
 
  private:
   // One unit of the text, or any number of them.
@@ -28,10 +31,11 @@ class WordSearch {
     bool matches(unichar unit) const;
   };
 
-  bool searchOn();
-  Range nextWord();
+  void searchAt(int64_t hit, std::vector<Range>& found);
+  Range wordAt(int64_t hit) const;
+  void searchWord(Range word, bool matches, std::vector<Range>& found);
   Range runAround(Range word) const;
-  void searchRun(Range run);
+  void searchRun(Range run, std::vector<Range>& found);
   void splitPattern();
   void read(unichar unit);
   void passStars();
@@ -41,9 +45,8 @@ class WordSearch {
   int64_t _location;  // what begins before was searched
   const int64_t _end;
   const WordPattern::Anchor* const _anchor;  // looks at words only where it stands; null for none
+  std::optional<LiteralHits> _hits;          // of the anchor
   const bool _mayStandForSeveral;
-  std::vector<Range> _found;  // in the last run
-  size_t _taken = 0;          // of these
 
   std::vector<Element> _elements;
   // Of the stretches that the elements up to here match and that go on where reading has come to, the last one's start;

@@ -57,6 +57,11 @@ struct NeedleCount {
   NeedlePosition end;  // where to go on after giving up
 };
 
+struct NeedlePositions {
+  size_t count;
+  size_t end;  // all before were looked at
+};
+
 /// A conversion table, and what it does to ASCII if that is known: 26 letters from `firstLetter` on become
 /// `c - difference`, all others stay. Without a table that is all it does. From `firstUnchanged` on, a unit and as many
 /// more as `unchangedSpan` stay as they are, too.
@@ -81,6 +86,7 @@ struct SetHints {
 struct UnitKernels {
   static constexpr size_t kCopySlack = 32;
   static constexpr uint8_t kMarked = 1, kRunBegins = 2, kRunEnds = 4;
+  static constexpr size_t kGatherSlack = 5 * kCopySlack;
 
   size_t (*find)(const unichar* units, size_t length, const UnitFilter& filter);
   size_t (*findLast)(const unichar* units, size_t length, const UnitFilter& filter);
@@ -109,6 +115,10 @@ struct UnitKernels {
   NeedlePosition (*findHead)(const unichar* text, size_t positions, const NeedleHead& head);
   /// How often `head` lies in `text`, each time behind the time before.
   NeedleCount (*countHead)(const unichar* text, size_t positions, const NeedleHead& head);
+  /// Writes the first of the positions, which are at most 65,536, where `head` lies in `text` to `found`, which has
+  /// room for `kGatherSlack` more than `most`: all of them or at least `most`. Never gives up.
+  NeedlePositions (*gatherHead)(const unichar* text, size_t positions, const NeedleHead& head, unichar* found,
+                                size_t most);
 };
 
 const Kernels<UnitKernels>& unitKernelList();

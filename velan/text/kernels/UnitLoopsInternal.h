@@ -272,6 +272,55 @@ NeedleCount countHeadBy(const unichar* text, size_t positions, const NeedleHead&
   return {count, {next, matcher.gaveUp}};
 }
 
+/// Writes the positions of `[i, count)` that `test` wants behind the first `wanted` ones, up to the end of the block in
+/// which there are `most`.
+template <typename V, typename Test>
+NeedlePositions gatherWhere(size_t i, size_t count, Test test, unichar* found, size_t wanted, size_t most) {
+  if constexpr (kIsVector<V>) {
+    constexpr size_t kStep = V::kUnits, kBlocks = 4;
+    static_assert((kBlocks + 1) * kStep <= UnitKernels::kGatherSlack);
+    unichar order[kStep];
+    for (size_t k = 0; k < kStep; ++k) order[k] = static_cast<unichar>(k);
+    const auto keep = [&](size_t block, typename V::Matches matches) {
+      const V positions = V::load(order) - V::of(static_cast<unichar>(-block));
+      wanted += positions.storeCompressed(matches, found + wanted);
+    };
+    for (; count - i >= kBlocks * kStep && wanted < most; i += kBlocks * kStep) {
+      const auto a = test.template block<V>(i), b = test.template block<V>(i + kStep);
+      const auto c = test.template block<V>(i + 2 * kStep), d = test.template block<V>(i + 3 * kStep);
+      if (V::bits(V::either(V::either(a, b), V::either(c, d))) == 0) continue;
+      keep(i, a);
+      keep(i + kStep, b);
+      keep(i + 2 * kStep, c);
+      keep(i + 3 * kStep, d);
+    }
+    for (; count - i >= kStep && wanted < most; i += kStep) keep(i, test.template block<V>(i));
+    return wanted < most ? gatherWhere<typename V::Narrower>(i, count, test, found, wanted, most)
+                         : NeedlePositions{wanted, i};
+  } else {
+    for (; i < count && wanted < most; ++i) {
+      found[wanted] = static_cast<unichar>(i);
+      wanted += test.one(i);
+    }
+    return {wanted, i};
+  }
+}
+
+template <typename V, typename Test, bool hasTable>
+NeedlePositions gatherHeadBy(const unichar* text, size_t positions, const NeedleHead& head, unichar* found,
+                             size_t most) {
+  NeedlePositions gathered = gatherWhere<V>(0, positions, Test{text, head}, found, 0, most);
+  if (!hasTable && head.length <= NeedleHead::kProbes) return gathered;  // each unit is probed
+  size_t count = 0;
+  for (size_t k = 0; k < gathered.count; ++k) {
+    const unichar position = found[k];
+    found[count] = position;
+    count += (hasTable ? sameMappedUnits(text + position, head.units, head.length, head.table)
+                       : sameUnits(text + position, head.units, head.length)) == head.length;
+  }
+  return {count, gathered.end};
+}
+
 /// Calls `search` with the narrowest kind that the filter is of, as a constant.
 template <typename Search>
 auto withKind(UnitFilter::Kind kind, Search search) {
@@ -357,6 +406,15 @@ struct UnitLoops {
     return countHeadBy<V, MaskTest, false>(text, positions, head);
   }
 
+  static NeedlePositions gatherHead(const unichar* text, size_t positions, const NeedleHead& head, unichar* found,
+                                    size_t most) {
+    using enum NeedleHead::Telling;
+    if (head.telling == Table) return gatherHeadBy<Scalar, TableTest, true>(text, positions, head, found, most);
+    if (head.telling == Filter) return gatherHeadBy<V, FilterTest, true>(text, positions, head, found, most);
+    if (head.table) return gatherHeadBy<V, MaskTest, true>(text, positions, head, found, most);
+    return gatherHeadBy<V, MaskTest, false>(text, positions, head, found, most);
+  }
+
   static constexpr UnitKernels kKernels = {
       .find = find,
       .findLast = findLast,
@@ -371,6 +429,7 @@ struct UnitLoops {
       .mismatch = mismatch,
       .findHead = findHead,
       .countHead = countHead,
+      .gatherHead = gatherHead,
   };
 };
 

@@ -72,6 +72,11 @@ class UnitSearch {
     return count;
   }
 
+  /// `UnitKernels::gatherHead` of a needle that is not empty and has at most `NeedleHead::kMost` units.
+  NeedlePositions gather(const unichar* text, size_t positions, unichar* found, size_t most) const {
+    return unitKernels().gatherHead(text, positions, _head, found, most);
+  }
+
   const Needle& needle() const { return _needle; }
 
  private:

@@ -1,0 +1,49 @@
+// Where units lie in a text, some at a time.
+#ifndef VELAN_QUERY_EVALUATION_LITERAL_HITS_INTERNAL_H
+#define VELAN_QUERY_EVALUATION_LITERAL_HITS_INTERNAL_H
+
+#include "velan/query/evaluation/SearchedTextInternal.h"
+
+namespace velan {
+
+/// All places of a literal in a range, from left to right; they may overlap. Looks only as far as it is asked to: near
+/// at first, then further and further.
+class LiteralHits {
+ public:
+  /// Longer ones come one by one: in a text that repeats their units each costs so much that the caller had better skip
+  /// what it can.
+  static constexpr int64_t kShort = 32;
+
+  /// Borrows both.
+  LiteralHits(const Literal& literal, const SearchedText& text, Range range)
+      : _literal(literal), _text(text), _location(range.location), _end(endOf(range)) {}
+
+  bool areShort() const { return _literal.length() <= kShort; }
+  /// Calls `visit(location)` for the next places, most of which begin at or after `from`; it appends at most one range
+  /// to `ranges`, where there is room for it. False when there is none.
+  template <typename Visit>
+  bool visitNext(int64_t from, std::vector<Range>& ranges, Visit visit) {
+    unichar found[kMost + UnitKernels::kGatherSlack];
+    const size_t count = gather(from, found);
+    if (ranges.capacity() - ranges.size() < count) ranges.reserve(std::max(ranges.size() + count, 2 * ranges.size()));
+    for (size_t i = 0; i < count; ++i) visit(_base + found[i]);
+    return count > 0;
+  }
+
+ private:
+  static constexpr size_t kMost = 128;
+  static constexpr int64_t kLongestStretch = 1 << 15;
+
+  size_t gather(int64_t from, unichar* found);
+
+  const Literal& _literal;
+  const SearchedText& _text;
+  int64_t _location;  // what begins before was looked at
+  const int64_t _end;
+  int64_t _base = 0;       // of the positions gathered last
+  int64_t _stretch = 512;  // how far to look next
+};
+
+}  // namespace velan
+
+#endif  // VELAN_QUERY_EVALUATION_LITERAL_HITS_INTERNAL_H

@@ -2,13 +2,13 @@
 
 #include <atomic>
 #include <bit>
-#include <functional>
 #include <mutex>
 
 #include "velan/base/ASCII.h"
 #include "velan/platform/CharacterDataInternal.h"
 #include "velan/text/CharacterSets.h"
 #include "velan/text/ConversionTablesInternal.h"
+#include "velan/text/PreimagesInternal.h"
 
 namespace velan {
 
@@ -27,9 +27,9 @@ struct Table {
   std::once_flag once;
   alignas(64) unichar entries[VelanTableLength];  // vectors of them lie in one line of the cache
   UnitMapping mapping;
-  std::once_flag ringsOnce;
-  std::atomic<bool> hasRings = false;  // they are complete
-  unichar rings[VelanTableLength];
+  std::once_flag preimagesOnce;
+  std::atomic<bool> hasPreimages = false;  // they are complete
+  Preimages preimages;
 };
 Table lower, upper, umlauts, lowerUmlauts, upperUmlauts;
 
@@ -84,19 +84,6 @@ void fillCombined(unichar* entries, const unichar* first, const unichar* second)
   for (size_t c = 0; c < VelanTableLength; ++c) entries[c] = second[first[c]];
 }
 
-// Each unit joins the ring of its entry, which therefore has to be its own entry. From there the others rise.
-void fillRings(Table& table) {
-  for (size_t c = 0; c < VelanTableLength; ++c) table.rings[c] = static_cast<unichar>(c);
-  for (size_t c = VelanTableLength; c-- > 0;) {
-    const unichar entry = table.entries[c];
-    if (entry == c) continue;
-    if (table.entries[entry] != entry) return;
-    table.rings[c] = table.rings[entry];
-    table.rings[entry] = static_cast<unichar>(c);
-  }
-  table.hasRings.store(true, std::memory_order_release);
-}
-
 unichar asciiOrSpace(unichar c) { return c < 0x80 ? c : u' '; }
 
 }  // namespace
@@ -146,12 +133,14 @@ Table* ownTable(const unichar* table) {
 
 }  // namespace
 
-const unichar* ringsOfTable(const unichar* table) {
+const Preimages* preimagesOfTable(const unichar* table) {
   Table* own = ownTable(table);
   if (!own) return nullptr;
-  if (own->hasRings.load(std::memory_order_acquire)) return own->rings;
-  std::call_once(own->ringsOnce, fillRings, std::ref(*own));
-  return own->hasRings ? own->rings : nullptr;
+  if (own->hasPreimages.load(std::memory_order_acquire)) return &own->preimages;
+  std::call_once(own->preimagesOnce, [own] {
+    own->hasPreimages.store(fillPreimages(own->entries, own->preimages), std::memory_order_release);
+  });
+  return own->hasPreimages ? &own->preimages : nullptr;
 }
 
 UnitMapping mappingOf(const unichar* table) {

@@ -6,8 +6,10 @@
 
 namespace velan {
 
-/// For each unit the next one with the same entry, in a ring. Null for a table that is not the library's.
-const unichar* ringsOfTable(const unichar* table);
+struct Preimages;
+
+/// What units become which; null for a table that is not the library's. Made when it is first asked for.
+const Preimages* preimagesOfTable(const unichar* table);
 
 /// What the kernels need to know of a table, which may be any; without one, units stay as they are.
 UnitMapping mappingOf(const unichar* table);

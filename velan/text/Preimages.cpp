@@ -39,12 +39,7 @@ UnitFilter filterOfAll() {
   return filter;
 }
 
-}  // namespace
-
-UnitFilter filterOfPreimages(unichar c, const unichar* table) {
-  if (!table) return UnitFilter(c);
-  const unichar* rings = ringsOfTable(table);
-  if (!rings) return filterOfAll();
+UnitFilter filterOfRing(unichar c, const unichar* rings) {
   const unichar second = rings[c];
   if (second == c) return UnitFilter(c);
   if (rings[second] == c) return UnitFilter(c, second);
@@ -59,6 +54,70 @@ UnitFilter filterOfPreimages(unichar c, const unichar* table) {
   units[own] = c;
   ++count;
   return filterOfRanges(units, count);
+}
+
+// Each unit joins the ring of its entry, which therefore has to be its own entry. From there the others rise.
+bool fillRings(const unichar* table, unichar* rings) {
+  for (size_t c = 0; c < VelanTableLength; ++c) rings[c] = static_cast<unichar>(c);
+  for (size_t c = VelanTableLength; c-- > 0;) {
+    const unichar entry = table[c];
+    if (entry == c) continue;
+    if (table[entry] != entry) return false;
+    rings[c] = rings[entry];
+    rings[entry] = static_cast<unichar>(c);
+  }
+  return true;
+}
+
+// The mask that all units of ASCII pass which become `c`: they mostly differ in one bit, which is left out.
+void setMask(unichar c, const unichar* rings, NeedleHead::Probe& probe) {
+  probe.mask = 0xFFFF;
+  probe.bits = 0xFFFF;
+  unichar unit = c;
+  do {
+    if (unit < 0x80 && probe.bits == 0xFFFF) probe.bits = unit;
+    if (unit < 0x80) probe.mask &= static_cast<unichar>(~(unit ^ probe.bits));
+    unit = rings[unit];
+  } while (unit != c);
+  probe.bits &= probe.mask;
+}
+
+}  // namespace
+
+bool fillPreimages(const unichar* table, Preimages& preimages) {
+  if (!fillRings(table, preimages.rings)) return false;
+  preimages.costs = kUnitCosts;
+  for (size_t c = 0; c < kRankedUnits; ++c) {
+    uint16_t& cost = preimages.costs[c];
+    const auto entry = static_cast<unichar>(c);
+    for (unichar unit = preimages.rings[c]; unit != entry; unit = preimages.rings[unit]) {
+      if (unit < kRankedUnits) cost = std::max(cost, kUnitCosts[unit]);
+    }
+    if (preimages.hasMany(entry)) cost = costOfMany(cost);
+  }
+  for (unichar c = 0; c < 0x80; ++c) {
+    preimages.ascii[c].position = 0;
+    preimages.ascii[c].filter = filterOfRing(c, preimages.rings);
+    setMask(c, preimages.rings, preimages.ascii[c]);
+  }
+  return true;
+}
+
+void setFilter(unichar c, const Preimages& preimages, NeedleHead::Probe& probe) {
+  const size_t position = probe.position;
+  if (c < 0x80) {
+    probe = preimages.ascii[c];
+    probe.position = position;
+    return;
+  }
+  probe.filter = filterOfRing(c, preimages.rings);
+  setMask(c, preimages.rings, probe);
+}
+
+UnitFilter filterOfPreimages(unichar c, const unichar* table) {
+  if (!table) return UnitFilter(c);
+  const Preimages* preimages = preimagesOfTable(table);
+  return preimages ? filterOfRing(c, preimages->rings) : filterOfAll();
 }
 
 }  // namespace velan

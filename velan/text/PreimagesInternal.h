@@ -4,16 +4,32 @@
 #define VELAN_TEXT_PREIMAGES_INTERNAL_H
 
 #include "velan/text/ConversionTablesInternal.h"
+#include "velan/text/UnitFrequenciesInternal.h"
 #include "velan/text/kernels/UnitKernelsInternal.h"
 
 namespace velan {
 
+/// What units become which through one of the library's tables.
+struct Preimages {
+  unichar rings[VelanTableLength];  // for each unit the next one with the same entry
+  UnitCosts costs;                  // of looking for all that becomes a unit
+  NeedleHead::Probe ascii[0x80];    // their masks and filters
+
+  bool hasMany(unichar c) const { return rings[rings[c]] != c; }
+};
+
+/// Makes them for a table whose entries are their own entries; false for any other.
+bool fillPreimages(const unichar* table, Preimages& preimages);
+
+/// Sets the mask and the filter of a probe for the units that become `c`, which is an entry of their table.
+void setFilter(unichar c, const Preimages& preimages, NeedleHead::Probe& probe);
+
 /// Calls `add(unit)` for each unit that `table` turns into `c`, which is one of its entries.
 template <typename Add>
 void forEachPreimage(unichar c, const unichar* table, Add add) {
-  if (const unichar* rings = ringsOfTable(table)) {
+  if (const Preimages* preimages = preimagesOfTable(table)) {
     add(c);
-    for (unichar unit = rings[c]; unit != c; unit = rings[unit]) add(unit);
+    for (unichar unit = preimages->rings[c]; unit != c; unit = preimages->rings[unit]) add(unit);
     return;
   }
   for (size_t unit = 0; unit < VelanTableLength; ++unit) {

@@ -134,7 +134,15 @@ TEST(UnitKernels, MapAndCompare) {
 
 // Also near matches by the thousand, after which kernels may give up at different places.
 TEST(UnitKernels, FindAndCountNeedles) {
-  const std::u16string needles[] = {u"a", u"ab", u"aab", u"KSA", u"abababab", std::u16string(70, u'a')};
+  const std::u16string needles[] = {u"a",
+                                    u"ab",
+                                    u"aab",
+                                    u"KSA",
+                                    u"aba",
+                                    u"abababab",
+                                    u"aBbKkAb",
+                                    std::u16string(40, u'a') + u"bB",
+                                    u"b" + std::u16string(69, u'a')};
   const unichar* none = nullptr;
   for (const unichar* table : {none, upperCharsTable(), upperUmlautsCharsTable(), foreignTable()}) {
     for (const std::u16string& needle : needles) {

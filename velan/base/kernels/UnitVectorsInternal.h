@@ -6,12 +6,15 @@
 // narrowest). `Matches` are the answers of a comparison, one a unit; `bits` brings them to a number with `kBits` bits a
 // unit, all of them 1 where the answer is yes, and the first unit's lowest. `inBitmap` looks units up in a bitmap of
 // `kWindow` units, with the bit `c & 7` of the byte `c >> 3` for the unit `c`, of which only the low bits count.
-// `inTable` looks them up in a table of `kTableWindow` units in the same way, where that is not 0. `loadBytes` and
-// `storeBytes` are for vectors of bytes, two in the place of a unit, and `widened` makes units of bytes; `storeAsBytes`
-// writes a byte an answer, all of its bits 1 where that is yes, and `storeInBitmap` those of two vectors of units below
-// `kWindow`.
+// `inTable` looks them up in a table of `kTableWindow` units in the same way, where that is not 0. `ahead` gives the
+// units a little behind those of a vector at `p`; `kAhead` more than those of the vector are read, if not 0.
+// `loadBytes` and `storeBytes` are for vectors of bytes, two in the place of a unit, and `widened` makes units of
+// bytes; `storeAsBytes` writes a byte an answer, all of its bits 1 where that is yes, and `storeInBitmap` those of two
+// vectors of units below `kWindow`.
 #ifndef VELAN_BASE_KERNELS_UNIT_VECTORS_INTERNAL_H
 #define VELAN_BASE_KERNELS_UNIT_VECTORS_INTERNAL_H
+
+#include <array>
 
 #include "velan/base/CTypes.h"
 
@@ -59,11 +62,14 @@ struct Units128 {
   static constexpr unsigned kBits = 2;
   static constexpr unichar kWindow = 128;
   static constexpr unichar kTableWindow = 0;
+  static constexpr size_t kAhead = 0;
 
   __m128i v;
 
   static Units128 load(const unichar* p) { return {_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))}; }
   static Units128 of(unichar c) { return {_mm_set1_epi16(static_cast<short>(c))}; }
+  /// Those `distance` units behind the vector at `p`.
+  Units128 ahead(const unichar* p, size_t distance) const { return load(p + distance); }
   void store(unichar* p) const { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v); }
   static Units128 loadBytes(const uint8_t* p) { return {_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))}; }
   static Units128 widened(const uint8_t* p) {
@@ -83,6 +89,12 @@ struct Units128 {
   /// 0 where a unit has `bits` among those of `mask`.
   Units128 differing(Units128 mask, Units128 bits) const { return {_mm_xor_si128(_mm_and_si128(v, mask.v), bits.v)}; }
   static Units128 unionOf(Units128 a, Units128 b, Units128 c) { return {_mm_or_si128(_mm_or_si128(a.v, b.v), c.v)}; }
+  /// `known | (a ^ b)`
+  static Units128 unionWithDifference(Units128 known, Units128 a, Units128 b) {
+    return {_mm_or_si128(known.v, _mm_xor_si128(a.v, b.v))};
+  }
+  static Units128 least(Units128 a, Units128 b) { return {_mm_min_epu16(a.v, b.v)}; }
+  Units128 onlyWhere(Matches m) const { return {_mm_and_si128(v, m)}; }
   Matches operator==(Units128 other) const { return _mm_cmpeq_epi16(v, other.v); }
   Matches operator<=(Units128 other) const { return _mm_cmpeq_epi16(_mm_min_epu16(v, other.v), v); }
   /// Without `less` where `m` says so.
@@ -121,11 +133,14 @@ struct Units256 {
   static constexpr unsigned kBits = 2;
   static constexpr unichar kWindow = 128;
   static constexpr unichar kTableWindow = 0;
+  static constexpr size_t kAhead = 0;
 
   __m256i v;
 
   static Units256 load(const unichar* p) { return {_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p))}; }
   static Units256 of(unichar c) { return {_mm256_set1_epi16(static_cast<short>(c))}; }
+  /// Those `distance` units behind the vector at `p`.
+  Units256 ahead(const unichar* p, size_t distance) const { return load(p + distance); }
   void store(unichar* p) const { _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), v); }
   static Units256 loadBytes(const uint8_t* p) { return {_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p))}; }
   static Units256 widened(const uint8_t* p) {
@@ -146,6 +161,12 @@ struct Units256 {
   static Units256 unionOf(Units256 a, Units256 b, Units256 c) {
     return {_mm256_or_si256(_mm256_or_si256(a.v, b.v), c.v)};
   }
+  /// `known | (a ^ b)`
+  static Units256 unionWithDifference(Units256 known, Units256 a, Units256 b) {
+    return {_mm256_or_si256(known.v, _mm256_xor_si256(a.v, b.v))};
+  }
+  static Units256 least(Units256 a, Units256 b) { return {_mm256_min_epu16(a.v, b.v)}; }
+  Units256 onlyWhere(Matches m) const { return {_mm256_and_si256(v, m)}; }
   Matches operator==(Units256 other) const { return _mm256_cmpeq_epi16(v, other.v); }
   Matches operator<=(Units256 other) const { return _mm256_cmpeq_epi16(_mm256_min_epu16(v, other.v), v); }
   /// Without `less` where `m` says so.
@@ -187,11 +208,23 @@ struct Units512 {
   static constexpr unsigned kBits = 1;
   static constexpr unichar kWindow = 1024;
   static constexpr unichar kTableWindow = 128;
+  static constexpr size_t kAhead = kUnits;
 
   __m512i v;
 
   static Units512 load(const unichar* p) { return {_mm512_loadu_si512(p)}; }
   static Units512 of(unichar c) { return {_mm512_set1_epi16(static_cast<short>(c))}; }
+  /// Those `distance` units behind, at most `kUnits`: of this vector and the next one, as a load across lines of the
+  /// cache takes as long as two.
+  Units512 ahead(const unichar* p, size_t distance) const {
+    static constexpr auto kPlaces = [] {
+      std::array<unichar, kUnits> places{};
+      for (size_t i = 0; i < kUnits; ++i) places[i] = static_cast<unichar>(i);
+      return places;
+    }();
+    const __m512i places = _mm512_add_epi16(load(kPlaces.data()).v, of(static_cast<unichar>(distance)).v);
+    return {_mm512_permutex2var_epi16(v, places, load(p + kUnits).v)};
+  }
   void store(unichar* p) const { _mm512_storeu_si512(p, v); }
   static Units512 loadBytes(const uint8_t* p) { return {_mm512_loadu_si512(p)}; }
   static Units512 widened(const uint8_t* p) {
@@ -211,6 +244,12 @@ struct Units512 {
   static Units512 unionOf(Units512 a, Units512 b, Units512 c) {
     return {_mm512_ternarylogic_epi64(a.v, b.v, c.v, 0xFE)};
   }
+  /// `known | (a ^ b)`
+  static Units512 unionWithDifference(Units512 known, Units512 a, Units512 b) {
+    return {_mm512_ternarylogic_epi64(known.v, a.v, b.v, 0xF6)};
+  }
+  static Units512 least(Units512 a, Units512 b) { return {_mm512_min_epu16(a.v, b.v)}; }
+  Units512 onlyWhere(Matches m) const { return {_mm512_maskz_mov_epi16(m, v)}; }
   Matches operator==(Units512 other) const { return _mm512_cmpeq_epi16_mask(v, other.v); }
   Matches operator<=(Units512 other) const { return _mm512_cmple_epu16_mask(v, other.v); }
   Units512 lessWhere(Matches m, Units512 less) const { return {_mm512_mask_sub_epi16(v, m, v, less.v)}; }
@@ -250,11 +289,14 @@ struct UnitsNeon {
   static constexpr unsigned kBits = 8;
   static constexpr unichar kWindow = 128;
   static constexpr unichar kTableWindow = 0;
+  static constexpr size_t kAhead = 0;
 
   uint16x8_t v;
 
   static UnitsNeon load(const unichar* p) { return {vld1q_u16(reinterpret_cast<const uint16_t*>(p))}; }
   static UnitsNeon of(unichar c) { return {vdupq_n_u16(c)}; }
+  /// Those `distance` units behind the vector at `p`.
+  UnitsNeon ahead(const unichar* p, size_t distance) const { return load(p + distance); }
   void store(unichar* p) const { vst1q_u16(reinterpret_cast<uint16_t*>(p), v); }
   static UnitsNeon loadBytes(const uint8_t* p) { return {vreinterpretq_u16_u8(vld1q_u8(p))}; }
   static UnitsNeon widened(const uint8_t* p) { return {vmovl_u8(vld1_u8(p))}; }
@@ -271,6 +313,12 @@ struct UnitsNeon {
   UnitsNeon operator-(UnitsNeon other) const { return {vsubq_u16(v, other.v)}; }
   UnitsNeon differing(UnitsNeon mask, UnitsNeon bits) const { return {veorq_u16(vandq_u16(v, mask.v), bits.v)}; }
   static UnitsNeon unionOf(UnitsNeon a, UnitsNeon b, UnitsNeon c) { return {vorrq_u16(vorrq_u16(a.v, b.v), c.v)}; }
+  /// `known | (a ^ b)`
+  static UnitsNeon unionWithDifference(UnitsNeon known, UnitsNeon a, UnitsNeon b) {
+    return {vorrq_u16(known.v, veorq_u16(a.v, b.v))};
+  }
+  static UnitsNeon least(UnitsNeon a, UnitsNeon b) { return {vminq_u16(a.v, b.v)}; }
+  UnitsNeon onlyWhere(Matches m) const { return {vandq_u16(v, m)}; }
   Matches operator==(UnitsNeon other) const { return vceqq_u16(v, other.v); }
   Matches operator<=(UnitsNeon other) const { return vcleq_u16(v, other.v); }
   UnitsNeon lessWhere(Matches m, UnitsNeon less) const { return {vsubq_u16(v, vandq_u16(m, less.v))}; }

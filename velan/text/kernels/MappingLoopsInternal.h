@@ -110,6 +110,7 @@ struct MismatchTest {
   const UnitMapping& mapping;
   unichar (&windows)[3];
 
+  const unichar* address(size_t i) const { return a + i; }
   bool one(size_t i) const { return asciiMappedUnit(a[i], mapping) != asciiMappedUnit(b[i], mapping); }
   template <typename V>
   typename V::Matches block(size_t i) const {

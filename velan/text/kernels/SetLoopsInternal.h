@@ -166,6 +166,7 @@ struct MemberTest {
   const uint8_t* rep;
   SetHints& hints;
 
+  const unichar* address(size_t i) const { return units + i; }
   bool one(size_t i) const { return isInSet(rep, units[i]) == wanted; }
   template <typename V>
   typename V::Matches block(size_t i) const {

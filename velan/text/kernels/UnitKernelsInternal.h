@@ -29,6 +29,7 @@ struct UnitFilter {
 struct NeedleHead {
   static constexpr size_t kMost = 64;
   static constexpr size_t kProbes = 3;
+  static constexpr size_t kReach = 32;  // of the probes: the second lies at most so much behind the first
 
   /// What tells where the probes are: masks, filters where too many units pass those, or a table that is not known.
   enum class Telling : uint8_t { Mask, Filter, Table };
@@ -36,15 +37,16 @@ struct NeedleHead {
   /// Units that a table may turn into the one at `position`.
   struct Probe {
     size_t position;
-    unichar mask, bits;  // `(unit & mask) == bits`
-    UnitFilter filter;
+    unichar mask, bits;  // `(unit & mask) == bits` for those units; where filters tell, for those of ASCII
+    UnitFilter filter;   // where filters tell
   };
 
   unichar units[kMost];
   size_t length;         // at least 1
   const unichar* table;  // what units of text go through before they are compared, or null
   Telling telling;
-  Probe probes[kProbes];  // some may be the same
+  bool tellsAll;          // where the probes are, there is the head, and no two of them overlap
+  Probe probes[kProbes];  // the first two are rare, the second is not before the first; some may be the same
 };
 
 struct NeedlePosition {

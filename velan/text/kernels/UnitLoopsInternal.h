@@ -5,6 +5,7 @@
 #ifndef VELAN_TEXT_KERNELS_UNIT_LOOPS_INTERNAL_H
 #define VELAN_TEXT_KERNELS_UNIT_LOOPS_INTERNAL_H
 
+#include <array>
 #include <cstring>
 #include <type_traits>
 
@@ -34,24 +35,50 @@ size_t firstAccepted(uint64_t bits, size_t block, size_t end, Accept accept) {
   return end;
 }
 
-/// The first of the positions `[i, count)` that `test` wants and `accept` takes, or `count`.
+/// How many positions have to be left to ask for their `distance`.
+template <typename V, typename Test>
+size_t reachOf(const Test& test) {
+  if constexpr (requires { test.template reach<V>(); }) return test.template reach<V>();
+  return V::kUnits;
+}
+
+/// How many units behind the start of an aligned vector `at` lies: loads across lines of the cache take twice as long.
+template <typename V>
+size_t unitsBehindLine(const unichar* at) {
+  return reinterpret_cast<uintptr_t>(at) / sizeof(unichar) % V::kUnits;
+}
+
+/// Whether `test` may want one of the next four blocks' positions.
+template <typename V, typename Test>
+[[gnu::always_inline]] inline bool isInFourBlocks(const Test& test, size_t i) {
+  constexpr size_t kStep = V::kUnits;
+  if constexpr (requires { test.template distance<V>(i); }) {
+    const V low = V::least(test.template distance<V>(i), test.template distance<V>(i + kStep));
+    const V high = V::least(test.template distance<V>(i + 2 * kStep), test.template distance<V>(i + 3 * kStep));
+    return V::bits(V::least(low, high) == V::of(0)) != 0;
+  } else {
+    const auto low = V::either(test.template block<V>(i), test.template block<V>(i + kStep));
+    const auto high = V::either(test.template block<V>(i + 2 * kStep), test.template block<V>(i + 3 * kStep));
+    return V::bits(V::either(low, high)) != 0;
+  }
+}
+
+/// The first of the positions `[i, count)` that `test` wants and `accept` takes, or `count`. It is asked in rising
+/// order, but for a few that it is asked about once more.
 template <typename V, typename Test, typename Accept>
 size_t firstWhere(size_t i, size_t count, Test test, Accept accept) {
   if constexpr (kIsVector<V>) {
     constexpr size_t kStep = V::kUnits;
     if (count < kStep) return firstWhere<typename V::Narrower>(i, count, test, accept);
-    // Most distances are short, so that the first blocks are looked at one by one.
-    for (size_t near = 4;;) {
+    const size_t group = 3 * kStep + reachOf<V>(test);
+    for (size_t near = 1;;) {
       for (; near > 0 && count - i >= kStep; --near, i += kStep) {
         const size_t found = firstAccepted<V>(V::bits(test.template block<V>(i)), i, count, accept);
         if (found < count) return found;
       }
       if (count - i < kStep) break;
-      for (; count - i >= 4 * kStep; i += 4 * kStep) {
-        const auto low = V::either(test.template block<V>(i), test.template block<V>(i + kStep));
-        const auto high = V::either(test.template block<V>(i + 2 * kStep), test.template block<V>(i + 3 * kStep));
-        if (V::bits(V::either(low, high)) != 0) break;
-      }
+      if (count - i >= group) i -= unitsBehindLine<V>(test.address(i));  // some are looked at again
+      while (count - i >= group && !isInFourBlocks<V>(test, i)) i += 4 * kStep;
       near = 4;
     }
     if (i == count) return count;
@@ -120,6 +147,7 @@ struct UnitTest {
   const unichar* units;
   const UnitFilter& filter;
 
+  const unichar* address(size_t i) const { return units + i; }
   bool one(size_t i) const { return passes(filter, units[i]); }
   template <typename V>
   typename V::Matches block(size_t i) const {
@@ -127,23 +155,62 @@ struct UnitTest {
   }
 };
 
-/// All probes of a needle are where it would have them, told by masks.
+/// The units of text at a probe of a needle that would lie at `i`.
+template <typename V>
+V unitsAt(const NeedleHead::Probe& probe, const unichar* text, size_t i) {
+  return V::load(text + probe.position + i);
+}
+
+/// The units at the first two probes.
+template <typename V>
+struct UnitPair {
+  UnitPair(const unichar* text, const NeedleHead& head, size_t i)
+      : first(unitsAt<V>(head.probes[0], text, i)),
+        second(first.ahead(text + head.probes[0].position + i, head.probes[1].position - head.probes[0].position)) {}
+
+  V first, second;
+};
+
+/// How many positions have to be left for that.
+template <typename V>
+size_t reachOfPair(const NeedleHead& head) {
+  const size_t read = V::kUnits + V::kAhead + head.probes[0].position + 1;
+  return V::kAhead == 0 || read < V::kUnits + head.length ? V::kUnits : read - head.length;
+}
+
+/// All probes of a needle are where it would have them, told by masks, which leave out nothing if it is `isExact`.
+template <bool isExact>
 struct MaskTest {
   const unichar* text;
   const NeedleHead& head;
 
+  const unichar* address(size_t i) const { return text + head.probes[0].position + i; }
   bool one(size_t i) const {
     unsigned different = 0;
     for (const auto& probe : head.probes) different |= (text[i + probe.position] & probe.mask) ^ probe.bits;
     return different == 0;
   }
   template <typename V>
-  typename V::Matches block(size_t i) const {
+  [[gnu::always_inline]] typename V::Matches block(size_t i) const {
     const auto different = [&](size_t k) {
       const NeedleHead::Probe& probe = head.probes[k];
-      return V::load(text + probe.position + i).differing(V::of(probe.mask), V::of(probe.bits));
+      return unitsAt<V>(probe, text, i).differing(V::of(probe.mask), V::of(probe.bits));
     };
     return V::unionOf(different(0), different(1), different(2)) == V::of(0);
+  }
+  template <typename V>
+  size_t reach() const {
+    return reachOfPair<V>(head);
+  }
+  /// 0 where two of the probes are.
+  template <typename V>
+  [[gnu::always_inline]] V distance(size_t i) const {
+    const UnitPair<V> pair(text, head, i);
+    const NeedleHead::Probe &first = head.probes[0], &second = head.probes[1];
+    const V different = pair.first.differing(V::of(isExact ? 0xFFFF : first.mask), V::of(first.bits));
+    if constexpr (isExact) return V::unionWithDifference(different, pair.second, V::of(second.bits));
+    const V other = pair.second.differing(V::of(second.mask), V::of(second.bits));
+    return V::unionOf(different, other, other);
   }
 };
 
@@ -152,6 +219,7 @@ struct FilterTest {
   const unichar* text;
   const NeedleHead& head;
 
+  const unichar* address(size_t i) const { return text + head.probes[0].position + i; }
   bool one(size_t i) const {
     for (const auto& probe : head.probes) {
       if (!passes(probe.filter, text[i + probe.position])) return false;
@@ -159,12 +227,26 @@ struct FilterTest {
     return true;
   }
   template <typename V>
-  typename V::Matches block(size_t i) const {
+  [[gnu::always_inline]] typename V::Matches block(size_t i) const {
     const auto at = [&](size_t k) {
-      const NeedleHead::Probe& probe = head.probes[k];
-      return matches<UnitFilter::Kind::Ranges>(V::load(text + probe.position + i), probe.filter);
+      return matches<UnitFilter::Kind::Ranges>(unitsAt<V>(head.probes[k], text, i), head.probes[k].filter);
     };
-    return V::both(V::both(at(0), at(1)), at(2));
+    const auto first = at(0);
+    return V::bits(first) == 0 ? first : V::both(V::both(first, at(1)), at(2));
+  }
+  template <typename V>
+  size_t reach() const {
+    return reachOfPair<V>(head);
+  }
+  /// 0 where two of the probes are, or units beyond ASCII.
+  template <typename V>
+  V distance(size_t i) const {
+    const UnitPair<V> pair(text, head, i);
+    const auto different = [](V units, const NeedleHead::Probe& probe) {
+      return units.differing(V::of(probe.mask), V::of(probe.bits)).onlyWhere(units <= V::of(0x7F));
+    };
+    const V other = different(pair.second, head.probes[1]);
+    return V::unionOf(different(pair.first, head.probes[0]), other, other);
   }
 };
 
@@ -222,36 +304,56 @@ class HeadMatcher {
 
 template <typename V, typename Test, bool hasTable>
 NeedlePosition findHeadBy(const unichar* text, size_t positions, const NeedleHead& head) {
+  if (head.tellsAll) return {firstWhere<V>(0, positions, Test{text, head}, kAny), false};
   HeadMatcher<hasTable> matcher(text, head);
   const size_t found = firstWhere<V>(0, positions, Test{text, head},
                                      [&](size_t position) { return matcher.matches(position) || matcher.gaveUp; });
   return {found, matcher.gaveUp};
 }
 
-/// Calls `accept(position)` in rising order for the positions below `count` that `test` wants until it returns true.
-/// Where there are many the positions are gathered first, so that none is mispredicted.
+/// What is left of `[i, count)` when positions that `test` wants are no longer dense there; those before are gathered,
+/// so that none is mispredicted, and given to `accept` in rising order until it returns true: then nothing is left.
+template <typename V, typename Test, typename Accept>
+[[gnu::noinline]] size_t firstBehindDense(size_t i, size_t count, Test test, Accept accept) {
+  constexpr size_t kBlocks = 32, kFew = 8;
+  static constexpr auto kOrder = [] {
+    std::array<unichar, V::kUnits> order{};
+    for (size_t k = 0; k < V::kUnits; ++k) order[k] = static_cast<unichar>(k);
+    return order;
+  }();
+  unichar gathered[(kBlocks + 1) * V::kUnits];
+  for (size_t wanted = kFew; wanted >= kFew && count - i >= V::kUnits;) {
+    const size_t start = i;
+    wanted = 0;
+    for (size_t left = kBlocks; left > 0 && count - i >= V::kUnits; --left, i += V::kUnits) {
+      const auto matches = test.template block<V>(i);
+      const V positions = V::load(kOrder.data()) - V::of(static_cast<unichar>(start - i));
+      wanted += positions.storeCompressed(matches, gathered + wanted);
+    }
+    for (size_t k = 0; k < wanted; ++k) {
+      if (accept(start + gathered[k])) return count;
+    }
+  }
+  return i;
+}
+
+/// Calls `accept(position)` in rising order for the positions below `count` that `test` wants until it returns true;
+/// a second time for a few.
 template <typename V, typename Test, typename Accept>
 void forEachWhere(size_t count, Test test, Accept accept) {
   if constexpr (kIsVector<V>) {
-    constexpr size_t kBlocks = 32, kMany = 8;
-    unichar order[V::kUnits], gathered[(kBlocks + 1) * V::kUnits];
-    for (size_t k = 0; k < V::kUnits; ++k) order[k] = static_cast<unichar>(k);
-    size_t wanted = 0;
-    for (size_t i = 0;;) {
-      if (wanted < kMany) i = firstWhere<V>(i, count, test, kAny);
-      const size_t start = i;
-      wanted = 0;
-      for (size_t left = kBlocks; left > 0 && count - i >= V::kUnits; --left, i += V::kUnits) {
-        const auto matches = test.template block<V>(i);
-        const V positions = V::load(order) - V::of(static_cast<unichar>(start - i));
-        wanted += positions.storeCompressed(matches, gathered + wanted);
-      }
-      for (size_t k = 0; k < wanted; ++k) {
-        if (accept(start + gathered[k])) return;
-      }
-      if (count - i >= V::kUnits) continue;
-      firstWhere<V>(i, count, test, accept);
-      return;
+    constexpr size_t kMany = 8;
+    for (size_t i = 0; i < count;) {
+      size_t close = 0, last = 0;
+      bool isDone = false;
+      i = firstWhere<V>(i, count, test, [&](size_t position) {
+        isDone = accept(position);
+        close = position - last < 4 * V::kUnits ? close + 1 : 0;
+        last = position;
+        return isDone || close == kMany;
+      });
+      if (isDone) return;
+      if (i < count) i = firstBehindDense<V>(i + 1, count, test, accept);
     }
   } else {
     firstWhere<V>(0, count, test, accept);
@@ -260,6 +362,7 @@ void forEachWhere(size_t count, Test test, Accept accept) {
 
 template <typename V, typename Test, bool hasTable>
 NeedleCount countHeadBy(const unichar* text, size_t positions, const NeedleHead& head) {
+  if (head.tellsAll) return {countWhere<V>(0, positions, Test{text, head}), {positions, false}};
   HeadMatcher<hasTable> matcher(text, head);
   size_t count = 0, next = 0;
   forEachWhere<V>(positions, Test{text, head}, [&](size_t position) {
@@ -394,16 +497,16 @@ struct UnitLoops {
     using enum NeedleHead::Telling;
     if (head.telling == Table) return findHeadBy<Scalar, TableTest, true>(text, positions, head);
     if (head.telling == Filter) return findHeadBy<V, FilterTest, true>(text, positions, head);
-    if (head.table) return findHeadBy<V, MaskTest, true>(text, positions, head);
-    return findHeadBy<V, MaskTest, false>(text, positions, head);
+    if (head.table) return findHeadBy<V, MaskTest<false>, true>(text, positions, head);
+    return findHeadBy<V, MaskTest<true>, false>(text, positions, head);
   }
 
   static NeedleCount countHead(const unichar* text, size_t positions, const NeedleHead& head) {
     using enum NeedleHead::Telling;
     if (head.telling == Table) return countHeadBy<Scalar, TableTest, true>(text, positions, head);
     if (head.telling == Filter) return countHeadBy<V, FilterTest, true>(text, positions, head);
-    if (head.table) return countHeadBy<V, MaskTest, true>(text, positions, head);
-    return countHeadBy<V, MaskTest, false>(text, positions, head);
+    if (head.table) return countHeadBy<V, MaskTest<false>, true>(text, positions, head);
+    return countHeadBy<V, MaskTest<true>, false>(text, positions, head);
   }
 
   static NeedlePositions gatherHead(const unichar* text, size_t positions, const NeedleHead& head, unichar* found,

@@ -1,5 +1,4 @@
-#include <array>
-#include <new>
+#include <bit>
 
 #include "velan/text/PreimagesInternal.h"
 #include "velan/text/search/UnitSearchInternal.h"
@@ -7,76 +6,77 @@
 namespace velan {
 namespace {
 
-// Units of ordinary text, the most frequent first; those of two scripts that share no text take turns. All others count
-// as rare.
-constexpr std::u16string_view kByFrequency =
-    u" оeеtаaиoнiтnсsрrвhлlк\ndмcдuпmуfяpыgьwгyзbб,.vчkй0х1-TSACIMPж2DBшEFRLNOHWG3юx5ц4)(U9\"'687V:=/KJY_щjqэzф";
-
-constexpr size_t kRankedUnits = 0x480;
-
-constexpr auto kFrequencies = [] {
-  std::array<uint8_t, kRankedUnits> frequencies{};
-  for (size_t i = 0; i < kByFrequency.size(); ++i) frequencies[kByFrequency[i]] = static_cast<uint8_t>(255 - i);
-  return frequencies;
-}();
-
-unsigned frequency(unichar c) { return c < kRankedUnits ? kFrequencies[c] : 0; }
-
-// In most alphabets the small letters stand 32 places behind the capitals.
-unsigned frequencyIgnoringCase(unichar c) {
-  return std::max(frequency(c), c < kRankedUnits - 0x20 ? frequency(static_cast<unichar>(c + 0x20)) : 0);
+unsigned costOf(unichar c, const Preimages* preimages) {
+  if (c >= kRankedUnits) return preimages && preimages->hasMany(c) ? costOfMany(0) : 0;
+  return (preimages ? preimages->costs : kUnitCosts)[c];
 }
 
-// More than a letter in two cases.
-bool hasManyPreimages(unichar c, const unichar* rings) { return rings[rings[c]] != c; }
-
-// The position in `[first, end)` of the rarest unit that `isWanted`; 0 if there is none.
-template <typename IsWanted>
-size_t rarestUnit(const NeedleHead& head, size_t first, size_t end, IsWanted isWanted) {
+// The position of the rarest of the first units in `[first, end)`, which has one at least.
+size_t rarestUnit(const NeedleHead& head, size_t first, size_t end, const Preimages* preimages) {
+  constexpr size_t kFew = 12;
   static_assert(NeedleHead::kMost <= 0x100);
-  unsigned rarest = ~0u;  // the frequency above the position: a minimum needs no branch
-  for (size_t i = first; i < end; ++i) {
-    const unichar c = head.units[i];
-    if (!isWanted(c)) continue;
-    const unsigned f = head.table ? frequencyIgnoringCase(c) : frequency(c);
-    rarest = std::min(rarest, f << 8 | static_cast<unsigned>(i));
+  unsigned least = ~0u;  // the cost above the position: a minimum needs no branch
+  for (size_t i = first; i < std::min(end, first + kFew); ++i) {
+    least = std::min(least, costOf(head.units[i], preimages) << 8 | static_cast<unsigned>(i));
   }
-  return rarest == ~0u ? 0 : rarest & 0xFF;
+  return least & 0xFF;
 }
 
-// Sets the probe where it stands: the copy of a struct written a moment ago stalls.
-void setProbe(NeedleHead& head, NeedleHead::Probe& probe, size_t position) {
-  const unichar unit = head.units[position];
-  probe.position = position;
-  probe.mask = 0xFFFF;
-  probe.bits = unit;
-  if (!head.table || head.telling == NeedleHead::Telling::Table) return;
-  new (&probe.filter) UnitFilter(filterOfPreimages(unit, head.table));
-  if (probe.filter.kind == UnitFilter::Kind::Ranges) head.telling = NeedleHead::Telling::Filter;
+bool hasManyPreimages(unichar c, const Preimages* preimages) { return (costOf(c, preimages) & kHasManyPreimages) != 0; }
+
+// The rarest unit of each half and the last one besides: neighbours mostly come together, so that one says little when
+// the other is there. True if filters have to tell, as one of the first two has many preimages.
+bool setPositions(NeedleHead& head, const Preimages* preimages) {
+  const size_t length = std::min(head.length, NeedleHead::kReach), half = (length + 1) / 2;
+  const size_t first = rarestUnit(head, 0, half, preimages);
+  const size_t second = length == 1 ? first : rarestUnit(head, half, length, preimages);
+  const bool filters =
+      hasManyPreimages(head.units[first], preimages) || hasManyPreimages(head.units[second], preimages);
+  size_t third = second;
+  for (size_t i = head.length; i-- > 0 && third == second;) {
+    if (i != first && (filters || !hasManyPreimages(head.units[i], preimages))) third = i;
+  }
+  head.probes[0].position = first;
+  head.probes[1].position = second;
+  head.probes[2].position = third;
+  return filters;
+}
+
+void setMask(NeedleHead::Probe& probe, unichar unit, const Preimages* preimages) {
   // A letter mostly differs in one bit from its other case, and that bit is left out.
-  probe.mask = static_cast<unichar>(~(probe.filter.low[0] ^ probe.filter.low[1]));
-  probe.bits = probe.filter.low[0] & probe.mask;
+  probe.mask = static_cast<unichar>(preimages ? ~(unit ^ preimages->rings[unit]) : 0xFFFF);
+  probe.bits = unit & probe.mask;
+}
+
+// Short heads of which all is looked for, and no more than that passes.
+bool probesTellAll(const NeedleHead& head) {
+  if (head.telling != NeedleHead::Telling::Mask || head.length > NeedleHead::kProbes) return false;
+  size_t positions = 0;
+  for (const auto& probe : head.probes) {
+    positions |= size_t{1} << probe.position;
+    const unichar unit = head.units[probe.position];
+    if (std::popcount(uint16_t{probe.mask}) < 15 || (head.table && head.table[unit] != unit)) return false;
+  }
+  const bool mayOverlap = head.length > 1 && head.units[0] == head.units[head.length - 1];
+  return positions + 1 == size_t{1} << head.length && !mayOverlap;
 }
 
 }  // namespace
 
 void chooseProbes(NeedleHead& head) {
   using enum NeedleHead::Telling;
-  const unichar* rings = head.table ? ringsOfTable(head.table) : nullptr;
-  head.telling = head.table && !rings ? Table : Mask;
-  size_t first = 0;
-  for (size_t k = 0; k < NeedleHead::kProbes; ++k) {
-    // The rarest of each third: neighbours mostly come together, so that one says little when the other is there.
-    const size_t end = head.length * (k + 1) / NeedleHead::kProbes;
-    size_t position = rarestUnit(head, first, end, [](unichar) { return true; });
-    if (rings && hasManyPreimages(head.units[position], rings)) {
-      const auto fitsMask = [rings](unichar c) { return !hasManyPreimages(c, rings); };
-      const size_t other = rarestUnit(head, first, end, fitsMask);
-      if (fitsMask(head.units[other])) position = other;
+  const Preimages* preimages = head.table ? preimagesOfTable(head.table) : nullptr;
+  const bool filters = setPositions(head, preimages);
+  head.telling = head.table && !preimages ? Table : filters ? Filter : Mask;
+  for (auto& probe : head.probes) {
+    const unichar unit = head.units[probe.position];
+    if (head.telling == Filter) {
+      setFilter(unit, *preimages, probe);
+    } else {
+      setMask(probe, unit, preimages);
     }
-    setProbe(head, head.probes[k], position);
-    first = end;
   }
+  head.tellsAll = probesTellAll(head);
 }
 
 size_t findUnits(const unichar* haystack, size_t length, const unichar* needle, size_t needleLength) {

@@ -29,6 +29,9 @@ class Literal {
   Literal(std::u16string_view units, const unichar* table)
       : _length(static_cast<int64_t>(units.size())), _search(Owned{std::u16string(units)}, units.size(), table) {}
 
+  /// Some of so many units, to be gathered only.
+  explicit Literal(const NeedleHead& head) : _length(static_cast<int64_t>(head.length)), _search(head) {}
+
   int64_t length() const { return _length; }
   std::u16string_view units() const { return _search.needle().units; }
   /// The first position in `text`, or `length` if there is none, as for no units.

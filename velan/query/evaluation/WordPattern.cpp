@@ -56,6 +56,9 @@ size_t rareness(std::u16string_view units) {
   return 2 * units.size() + (units.find_first_not_of(kFrequent) != units.npos ? 1 : 0);
 }
 
+// Of so many units in a row each is looked for.
+constexpr size_t kTellingLength = NeedleHead::kProbes;
+
 template <typename Neighbour>
 Neighbour neighbourOf(std::u16string_view set) {
   Neighbour neighbour;
@@ -154,12 +157,17 @@ std::u16string_view WordPattern::longestRunOf(const Piece& piece) {
   return longest;
 }
 
-WordPattern::Anchor WordPattern::anchorAt(const Piece& piece, std::u16string_view run, const unichar* table) {
+ProbedRun WordPattern::probedRunOf(const Piece& piece, const unichar* table) {
+  if ((piece.type == WildcardTypeExact && piece.fuzzy) || piece.units.find(u"-]") != piece.units.npos) return {};
+  return mostTellingRun(piece.units, piece.type >= WildcardTypeSetGeneral, table);
+}
+
+WordPattern::Anchor WordPattern::anchorAt(const Piece& piece, std::u16string_view run, Literal literal) {
   const std::u16string_view units = piece.units;
   const auto first = static_cast<size_t>(run.data() - units.data());
   const bool isAll = piece.type == WildcardTypeExact || piece.type == WildcardTypePrefix ||
                      piece.type == WildcardTypeSuffix || piece.type == WildcardTypeContains;
-  Anchor anchor{Literal(run, table), 0, 0, 0, {}, {}, isAll};
+  Anchor anchor{std::move(literal), 0, 0, 0, {}, {}, isAll};
   int64_t* count = &anchor.before;
   for (size_t i = 0; i < units.size();) {
     size_t length = 1;
@@ -193,9 +201,23 @@ void WordPattern::chooseAnchor(const unichar* table) {
     longest = run;
     chosen = i;
   }
+  if (longest.size() < kTellingLength && anchorAtProbes(longest, table)) return;
   if (longest.empty()) return;
-  _anchor.emplace(anchorAt(_pieces[chosen], longest, table));
+  _anchor.emplace(anchorAt(_pieces[chosen], longest, Literal(longest, table)));
   _anchor->piece = chosen;
+}
+
+// Where the units with the sets beside them tell more than `longest`, the longest ones without.
+bool WordPattern::anchorAtProbes(std::u16string_view longest, const unichar* table) {
+  unsigned tells = mostTellingRun(longest, false, table).tells;
+  for (size_t i = 0; i < _pieces.size(); ++i) {
+    const ProbedRun run = probedRunOf(_pieces[i], table);
+    if (run.tells <= tells) continue;
+    tells = run.tells;
+    _anchor.emplace(anchorAt(_pieces[i], run.units, Literal(run.head)));
+    _anchor->piece = i;
+  }
+  return _anchor.has_value();
 }
 
 bool WordPattern::Anchor::mayMatchAt(const SearchedText& text, int64_t location) const {

@@ -8,7 +8,7 @@
 
 #include "velan/base/Range.h"
 #include "velan/query/QueryExplanation.h"
-#include "velan/query/evaluation/SearchedTextInternal.h"
+#include "velan/query/evaluation/PatternProbesInternal.h"
 
 namespace velan {
 
@@ -54,8 +54,8 @@ class WordPattern {
     bool standsForAnyWord;  // of fitting length: it has no literal
   };
 
-  // The longest units that one of the pieces holds for certain, and what is known of the units around them, so that few
-  // of the places where they stand need a look at the word.
+  // The longest units that one of the pieces holds for certain, or those that tell most, and what is known of the units
+  // around them, so that few of the places where they stand need a look at the word.
   struct Anchor {
     struct Neighbour {
       uint64_t ascii[2] = {~uint64_t{0}, ~uint64_t{0}};  // which units it may be; any others may be
@@ -67,7 +67,7 @@ class WordPattern {
     size_t piece;
     int64_t before, after;  // how many units the word has before and after it; -1 where that is open
     Neighbour previous, next;
-    bool isAll;  // of the piece but for `*`
+    bool isAll;  // the literal is the whole piece but for `*`
 
     /// Whether the word around it may match where it stands at `location`.
     bool mayMatchAt(const SearchedText& text, int64_t location) const;
@@ -81,8 +81,10 @@ class WordPattern {
   static bool isSimilar(const Piece& piece, const SearchedText& text, Range word);
   static std::u16string_view literalOf(const Piece& piece);
   static std::u16string_view longestRunOf(const Piece& piece);
-  static Anchor anchorAt(const Piece& piece, std::u16string_view run, const unichar* table);
+  static Anchor anchorAt(const Piece& piece, std::u16string_view run, Literal literal);
+  static ProbedRun probedRunOf(const Piece& piece, const unichar* table);
   void chooseAnchor(const unichar* table);
+  bool anchorAtProbes(std::u16string_view longest, const unichar* table);
 
   std::vector<Piece> _pieces;
   std::optional<Anchor> _anchor;  // where one of the pieces holds any units for certain

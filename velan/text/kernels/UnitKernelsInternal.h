@@ -32,7 +32,8 @@ struct NeedleHead {
   static constexpr size_t kReach = 32;  // of the probes: the second lies at most so much behind the first
 
   /// What tells where the probes are: masks, filters where too many units pass those, or a table that is not known.
-  enum class Telling : uint8_t { Mask, Filter, Table };
+  /// `ProbesOnly` is for gathering: masks tell, and `units` are not set, as all there is to know are the probes.
+  enum class Telling : uint8_t { Mask, Filter, Table, ProbesOnly };
 
   /// Units that a table may turn into the one at `position`.
   struct Probe {

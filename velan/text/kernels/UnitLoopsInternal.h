@@ -413,7 +413,8 @@ template <typename V, typename Test, bool hasTable>
 NeedlePositions gatherHeadBy(const unichar* text, size_t positions, const NeedleHead& head, unichar* found,
                              size_t most) {
   NeedlePositions gathered = gatherWhere<V>(0, positions, Test{text, head}, found, 0, most);
-  if (!hasTable && head.length <= NeedleHead::kProbes) return gathered;  // each unit is probed
+  const bool isProbed = head.length <= NeedleHead::kProbes || head.telling == NeedleHead::Telling::ProbesOnly;
+  if (!hasTable && isProbed) return gathered;
   size_t count = 0;
   for (size_t k = 0; k < gathered.count; ++k) {
     const unichar position = found[k];

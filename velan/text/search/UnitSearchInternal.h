@@ -34,6 +34,9 @@ class UnitSearch {
     chooseProbes(_head);
   }
 
+  /// A needle of which only the probes of `head` are known, to be gathered.
+  explicit UnitSearch(const NeedleHead& head) : _needle(), _length(head.length), _head(head) {}
+
   /// The first position in `text`, or `length` if there is none; an empty needle is never found.
   size_t find(const unichar* text, size_t length, const UnitKernels& kernels = unitKernels()) const {
     if (_length == 0 || _length > length) return length;

@@ -14,16 +14,39 @@ bool plain(View text, View pattern) {
 bool withSets(View text, View pattern) {
   return stringMatchesUnixWildcard(text.begin(), text.end(), pattern.begin(), pattern.end());
 }
-bool simulated(View text, View pattern) {
-  return simulateUnixWildcard(text.begin(), text.end(), pattern.begin(), pattern.end(), nullptr);
+std::optional<bool> simulated(View text, View pattern, WildcardSyntax syntax = WildcardSyntax::Unix) {
+  return simulateWildcard(text.begin(), text.end(), pattern.begin(), pattern.end(), nullptr, syntax);
+}
+
+// Where the pattern goes on behind its element at `p`, no star, when that takes `c`.
+std::optional<size_t> slowStep(View pattern, size_t p, unichar c, bool hasSets) {
+  const unichar unit = pattern[p++];
+  if (unit == '?' || (unit == c && !(hasSets && unit == '['))) return p;
+  if (!hasSets || unit != '[' || p == pattern.size()) return std::nullopt;
+  const bool isNegated = pattern[p] == '^';
+  if (isNegated) ++p;
+  bool found = false;
+  while (p < pattern.size() && pattern[p] != ']' && !found) {
+    if (pattern[p] != '-') {
+      found = pattern[p] != '|' && pattern[p] == c;
+      ++p;
+    } else if (p + 1 == pattern.size()) {
+      ++p;
+    } else {
+      found = pattern[p - 1] <= c && c <= pattern[p + 1];
+      p += 2;
+    }
+  }
+  if (found == isNegated) return std::nullopt;
+  while (p < pattern.size() && pattern[p] != ']') ++p;
+  return std::min(p + 1, pattern.size());
 }
 
 // The definition, word for word: each `*` tries the rest of the pattern at every unit that is left, recursively.
 bool slowMatches(View text, View pattern, bool hasSets) {
   size_t t = 0, p = 0;
   while (p < pattern.size()) {
-    const unichar unit = pattern[p];
-    if (unit == '*') {
+    if (pattern[p] == '*') {
       if (t == text.size()) return pattern.find_first_not_of(u'*', p) == View::npos;
       if (p + 1 == pattern.size()) return true;
       for (; t < text.size(); ++t) {
@@ -32,31 +55,30 @@ bool slowMatches(View text, View pattern, bool hasSets) {
       return false;
     }
     if (t == text.size()) return false;
-    const unichar c = text[t++];
-    if (unit == '?' || (unit == c && !(hasSets && unit == '['))) {
-      ++p;
-      continue;
-    }
-    if (!hasSets || unit != '[' || ++p == pattern.size()) return false;
-    const bool isNegated = pattern[p] == '^';
-    if (isNegated) ++p;
-    bool found = false;
-    while (p < pattern.size() && pattern[p] != ']' && !found) {
-      if (pattern[p] != '-') {
-        found = pattern[p] != '|' && pattern[p] == c;
-        ++p;
-      } else if (p + 1 == pattern.size()) {
-        ++p;
-      } else {
-        found = pattern[p - 1] <= c && c <= pattern[p + 1];
-        p += 2;
-      }
-    }
-    if (found == isNegated) return false;
-    while (p < pattern.size() && pattern[p] != ']') ++p;
-    p = std::min(p + 1, pattern.size());
+    const auto next = slowStep(pattern, p, text[t++], hasSets);
+    if (!next) return false;
+    p = *next;
   }
   return t == text.size();
+}
+
+// The same for long patterns: all places that the text read so far leads to.
+bool slowMatchesLong(View text, View pattern) {
+  std::vector<bool> now(pattern.size() + 1);
+  now[0] = true;
+  for (size_t t = 0;; ++t) {
+    for (size_t p = 0; p < pattern.size(); ++p) {
+      if (now[p] && pattern[p] == '*') now[p + 1] = true;
+    }
+    if (t == text.size()) return now[pattern.size()];
+    std::vector<bool> next(pattern.size() + 1);
+    for (size_t p = 0; p < pattern.size(); ++p) {
+      if (!now[p]) continue;
+      const auto behind = pattern[p] == '*' ? p : slowStep(pattern, p, text[t], true);
+      if (behind) next[*behind] = true;
+    }
+    now = next;
+  }
 }
 
 std::vector<std::u16string> allTexts(View letters, size_t most) {
@@ -70,11 +92,16 @@ std::vector<std::u16string> allTexts(View letters, size_t most) {
   return texts;
 }
 
-// What a long pattern keeps of the text's units makes no difference.
-void checkInLongPattern(View pattern, View text, bool expected) {
+// Where the pattern lies among the words of 64 positions makes no difference, and what is kept of units of the text
+// neither.
+void checkBehindOthers(View pattern, View text, bool expected) {
+  for (size_t count = 64 - pattern.size(); count <= 64; ++count) {
+    const std::u16string before(count, u'a');
+    ASSERT_EQ(simulated(before + std::u16string(text), before + std::u16string(pattern)), expected)
+        << count << ' ' << String(pattern).toUTF8() << ' ' << String(text).toUTF8();
+  }
   const std::u16string before(5000, u'a');
-  ASSERT_EQ(simulated(before + std::u16string(text), before + std::u16string(pattern)), expected)
-      << String(pattern).toUTF8() << ' ' << String(text).toUTF8();
+  ASSERT_EQ(simulated(before + std::u16string(text), before + std::u16string(pattern)), expected);
 }
 
 void checkPattern(View pattern, const std::vector<std::u16string>& texts) {
@@ -82,7 +109,9 @@ void checkPattern(View pattern, const std::vector<std::u16string>& texts) {
     const bool expected = slowMatches(text, pattern, true);
     ASSERT_EQ(withSets(text, pattern), expected) << String(pattern).toUTF8() << ' ' << String(text).toUTF8();
     ASSERT_EQ(simulated(text, pattern), expected) << String(pattern).toUTF8() << ' ' << String(text).toUTF8();
-    ASSERT_EQ(plain(text, pattern), slowMatches(text, pattern, false));
+    const bool expectedPlain = slowMatches(text, pattern, false);
+    ASSERT_EQ(plain(text, pattern), expectedPlain) << String(pattern).toUTF8() << ' ' << String(text).toUTF8();
+    ASSERT_EQ(simulated(text, pattern, WildcardSyntax::Plain), expectedPlain);
   }
 }
 
@@ -107,8 +136,24 @@ TEST(WildcardMatching, EqualsTheDefinitionForLongerPatterns) {
     if (round % 10) continue;
     const std::u16string text = chance.text(chance.below(40), u"aab");
     checkPattern(chance.text(1 + chance.below(7), pieces), {text});
-    if (round % 100 == 0) checkInLongPattern(pattern, text, slowMatches(text, pattern, true));
+    if (round % 100 == 0) checkBehindOthers(pattern, text, slowMatches(text, pattern, true));
   }
+}
+
+TEST(WildcardMatching, EqualsTheDefinitionForLongPatterns) {
+  const View pieces[] = {u"*", u"[-]", u"[^-]", u"[^b]", u"[a", u"[^", u"-", u"]", u"?", u"a", u"[", u"|", u"^"};
+  Chance chance(4);
+  size_t found = 0;
+  for (int round = 0; round < 20000; ++round) {
+    const std::u16string pattern = chance.text(1, u"*") + chance.text(1 + chance.below(60), pieces);
+    const std::u16string text = chance.text(chance.below(40), round % 2 ? View(u"a]") : View(u"ab]^-\\|"));
+    const bool expected = slowMatchesLong(text, pattern);
+    const std::string shown = String(pattern).toUTF8() + ' ' + String(text).toUTF8();
+    ASSERT_EQ(simulated(text, pattern), expected) << shown;
+    ASSERT_EQ(withSets(text, pattern), expected) << shown;
+    found += expected;
+  }
+  EXPECT_GT(found, 200u);
 }
 
 TEST(WildcardMatching, ManyStarsAndLongPatterns) {

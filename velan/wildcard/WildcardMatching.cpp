@@ -15,7 +15,7 @@ namespace {
 template <bool kHasSets>
 WildcardStep stepOver(const unichar* p, const unichar* end, unichar c) {
   if (kHasSets && *p == '[') return stepOverSet(p, end, c);
-  return {*p == c || *p == '?' ? p + 1 : nullptr, false};
+  return {*p == c || *p == '?' ? p + 1 : nullptr, false, 1};
 }
 
 template <bool kHasSets>
@@ -23,9 +23,16 @@ bool isLiteral(unichar unit) {
   return unit != '*' && unit != '?' && !(kHasSets && unit == '[');
 }
 
+// How many steps behind the same `*` are taken until the simulation pays.
+ptrdiff_t mostSteps(const unichar* text, const unichar* textEnd, const unichar* pattern, const unichar* patternEnd) {
+  constexpr ptrdiff_t kAlways = 512, kPatternUnits = 64;
+  return kAlways + (textEnd - text) * ((patternEnd - pattern) / kPatternUnits + 1);
+}
+
 // Goes back only to the last `*`: as what stands between two of them always covers the same number of units, nothing is
 // gained by letting an earlier one cover more. Where that does not hold, because a set behind a `*` ends elsewhere for
-// another unit, the simulation takes over from that `*` on.
+// another unit, the simulation takes over from that `*` on. It does so too where many attempts come far before they
+// fail.
 template <bool kHasSets, typename Map>
 bool matches(const unichar* text, const unichar* textEnd, const unichar* pattern, const unichar* patternEnd, Map map,
              const unichar* table) {
@@ -33,6 +40,8 @@ bool matches(const unichar* text, const unichar* textEnd, const unichar* pattern
   const unichar* p = pattern;
   const unichar* star = nullptr;   // the last `*`
   const unichar* start = nullptr;  // where the text behind it began, at the last attempt
+  const WildcardSyntax syntax = kHasSets ? WildcardSyntax::Unix : WildcardSyntax::Plain;
+  ptrdiff_t stepsLeft = mostSteps(text, textEnd, pattern, patternEnd);
   for (;;) {
     if (p < patternEnd && *p == '*') {
       star = p++;
@@ -40,9 +49,14 @@ bool matches(const unichar* text, const unichar* textEnd, const unichar* pattern
       if (p == patternEnd) return true;
     } else if (p < patternEnd && t < textEnd) {
       const WildcardStep step = stepOver<kHasSets>(p, patternEnd, map(*t));
+      stepsLeft -= step.cost;
+      if (stepsLeft < 0 && star) {
+        if (const auto answer = simulateWildcard(start, textEnd, star, patternEnd, table, syntax)) return *answer;
+        stepsLeft = PTRDIFF_MAX;
+      }
       if (step.next) {
         if (kHasSets && step.dependsOnText && star) {
-          return simulateUnixWildcard(start, textEnd, star, patternEnd, table);
+          return simulateWildcard(start, textEnd, star, patternEnd, table, syntax).value_or(false);
         }
         p = step.next;
         ++t;

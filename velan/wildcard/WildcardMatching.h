@@ -1,7 +1,8 @@
 // Whether a whole run of units matches a wildcard pattern (syntax: WildcardPattern.h), and how similar two words are.
 // Runs are given by their first unit and one past the last. The matchers neither recurse nor allocate (a pattern of
-// more than 4,096 units may need working memory, see `stringMatchesUnixWildcard`), take at most pattern length times
-// text length steps, accept patterns in normal form or not, and may be called from any thread.
+// more than 4,096 units may need working memory, see `stringMatchesUnixWildcard`), take at most some steps per unit of
+// the text for each 64 units of the pattern, accept patterns in normal form or not, and may be called from any thread.
+// PreparedWildcard.h and PreparedSimilarity.h have the same for one pattern or word and many words.
 #ifndef VELAN_WILDCARD_WILDCARD_MATCHING_H
 #define VELAN_WILDCARD_WILDCARD_MATCHING_H
 
@@ -27,8 +28,8 @@ VELAN_EXPORT bool stringMatchesWildcardUsingUnicharTable(const unichar* text, co
 /// `stringMatchesUnixWildcard`: `*`, `?` and sets. In a set the first member that matches ends the search, and the
 /// pattern goes on after the next `]`; "[]" matches nothing, "[^]" any unit, "-" first in a set makes a range from the
 /// `[` or `^` before it, "-" directly before `]` makes a range up to `]`, which then does not end the set. A set that
-/// is not closed ends with the pattern. Patterns that hold "-]" and more than 4,096 units need
-/// heap memory, up to 16 MiB or eight bytes per unit; false when there is none.
+/// is not closed ends with the pattern. Patterns of more than 4,096 units need heap memory, 2 MiB and two bytes per
+/// unit, when they hold "-]", and are false without; others may use as much, and only take longer without.
 VELAN_EXPORT bool stringMatchesUnixWildcard(const unichar* text, const unichar* textEnd, const unichar* pattern,
                                             const unichar* patternEnd);
 

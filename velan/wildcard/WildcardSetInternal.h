@@ -3,6 +3,7 @@
 #define VELAN_WILDCARD_WILDCARD_SET_INTERNAL_H
 
 #include <algorithm>
+#include <cstddef>
 
 #include "velan/base/CTypes.h"
 
@@ -12,19 +13,16 @@ namespace velan {
 struct WildcardStep {
   const unichar* next;
   bool dependsOnText;  // another unit might have ended the set elsewhere
+  ptrdiff_t cost;      // how many units of the pattern were looked at
 };
 
-/// Behind a member that matches, the pattern goes on after the next `]`.
-inline WildcardStep stepOverRest(const unichar* p, const unichar* end, bool dependsOnText) {
-  const unichar* close = std::find(p, end, u']');
-  if (close == end) return {end, dependsOnText};
-  return {close + 1, dependsOnText || close[-1] == '-'};
-}
-
-/// `p` is at a set's `[`.
+/// `p` is at a set's `[`. Behind a member that matches, the pattern goes on after the next `]`.
 inline WildcardStep stepOverSet(const unichar* p, const unichar* end, unichar c) {
-  constexpr WildcardStep kFails{nullptr, false};
-  if (++p == end) return kFails;
+  const unichar* const open = p;
+  const auto step = [&](const unichar* next, bool dependsOnText) {
+    return WildcardStep{next, dependsOnText, std::max(p, next) - open};
+  };
+  if (++p == end) return step(nullptr, false);
   const bool isNegated = *p == '^';
   if (isNegated) ++p;
   bool dependsOnText = false;
@@ -39,9 +37,13 @@ inline WildcardStep stepOverSet(const unichar* p, const unichar* end, unichar c)
       dependsOnText = dependsOnText || *p == ']';
       ++p;
     }
-    if (matches) return isNegated ? kFails : stepOverRest(p, end, dependsOnText);
+    if (!matches) continue;
+    if (isNegated) return step(nullptr, false);
+    const unichar* const close = std::find(p, end, u']');
+    if (close == end) return step(end, dependsOnText);
+    return step(close + 1, dependsOnText || close[-1] == '-');
   }
-  return isNegated ? WildcardStep{p, dependsOnText} : kFails;
+  return isNegated ? step(p, dependsOnText) : step(nullptr, false);
 }
 
 }  // namespace velan

@@ -1,256 +1,171 @@
 #include <algorithm>
-#include <bit>
-#include <cstring>
-#include <span>
 #include <utility>
 
 #include "velan/base/ScratchBuffer.h"
-#include "velan/wildcard/WildcardSetInternal.h"
 #include "velan/wildcard/WildcardSimulationInternal.h"
+#include "velan/wildcard/WordKernelsInternal.h"
 
 namespace velan {
 namespace {
 
 constexpr size_t kUnitsOnStack = 4096;
 constexpr size_t kPositionsPerWord = 64;
-constexpr size_t kFewSets = 8;
-// What is known of units may take so much memory.
-constexpr size_t kMostMemory = 16 << 20;
-
-// How reading a set's members from some position on comes out for one text unit: whether a member matches, and where
-// the pattern goes on.
-struct SetOutcome {
-  size_t next;
-  bool matches;
-};
-
-// A value for each position, as far as it was set: from right to left, a new one holds for its position and all before.
-template <typename Value>
-struct FromTheRight {
-  Value here, behind;  // up to `position`, and behind it
-  size_t position;     // where `here` was set
-  Value at(size_t i) const { return i <= position ? here : behind; }
-  void set(size_t i, Value value) { *this = {value, here, i}; }
-};
+// What is known of units may take so many words, unless a single unit takes more.
+constexpr size_t kKnownOnStack = 1024, kKnownOnHeap = 1 << 17;
+constexpr size_t kMostSlots = 256;
 
 // One word of the state or of a class of pattern positions per 64 positions.
+//
+// How members of a set are read is the same whichever `[` the reading began at: only a `-` takes in the unit behind it,
+// and what stands directly behind a `[` or its `^` is never behind a `-`. So the first thing that ends a set is the
+// next of certain positions, and all sets go there at once.
 struct Words {
-  uint64_t now, next;  // where the text read so far can lead; "`*` here" implies "behind it"
-  uint64_t stars, anyOnes, opens, closes, dashes;  // the positions that hold `*`, `?`, `[`, `]` and `-`
-  uint64_t opensBefore;                            // how many `[` stand in the words before
+  uint64_t now;                // where the text read so far can lead; "`*` here" implies "behind it"
+  uint64_t stars, anyOnes;     // the positions that hold `*` and `?`
+  uint64_t literals;           // those that are literals where no set is read
+  uint64_t opens, negations;   // the `[` that open a set, without and with a `^` behind
+  uint64_t members;            // the units that are members where a set is read
+  uint64_t dashes;             // the `-` that make ranges there
+  uint64_t closers, brackets;  // the `]` that close sets that have not matched, and all `]`
+  uint64_t end;                // behind the last unit
 };
 
-// What is known of a text unit: the positions that hold it, and for each `[` where the pattern goes on behind the set.
-struct KnownUnit {
-  uint64_t* isComplete;  // whether all ways are known
-  uint64_t* equals;
-  uint32_t* next;
+// Bits that go up through the positions, 64 at a time.
+struct Shift {
+  uint64_t by(unsigned count, uint64_t bits) {
+    return bits << count | std::exchange(_carry, bits >> (kPositionsPerWord - count));
+  }
+  uint64_t carried() const { return _carry; }
+
+ private:
+  uint64_t _carry = 0;
 };
-constexpr uint32_t kUnknown = UINT32_MAX;
 
-constexpr uint64_t bitsBelow(size_t bit) { return (uint64_t{1} << bit) - 1; }
+uint64_t addWithCarry(uint64_t a, uint64_t b, uint64_t& carry) {
+  uint64_t sum = 0;
+  const bool overflows = __builtin_add_overflow(a, b, &sum);
+  const bool overflowsAgain = __builtin_add_overflow(sum, carry, &sum);
+  carry = overflows || overflowsAgain;
+  return sum;
+}
 
-// The words that this takes, with the class of the unit before: a bit for each position, half a word for each way.
-constexpr size_t slotSize(size_t length, size_t opens) { return 2 + length / kPositionsPerWord + 1 + (opens + 1) / 2; }
+// Bits that go up to the next of the places where they stop, which may be where they are: adding a bit to a run of ones
+// carries it to the zero behind them. Several bits in a run have the same effect, as they make less than another run.
+struct Flow {
+  uint64_t to(uint64_t stops, uint64_t bits) { return (addWithCarry(~stops, bits & ~stops, _carry) | bits) & stops; }
+  uint64_t carried() const { return _carry; }
+
+ private:
+  uint64_t _carry = 0;
+};
+
+// Adds what lies behind stars: a `*` may stand for nothing.
+struct StarFlow {
+  uint64_t with(uint64_t stars, uint64_t bits) { return bits | (addWithCarry(stars, bits & stars, _carry) ^ stars); }
+  uint64_t carried() const { return _carry; }
+
+ private:
+  uint64_t _carry = 0;
+};
 
 class Simulation {
  public:
-  /// `memory` has room for `slots` times `slotSize` words; units that compare alike with all of `units`, which are in
-  /// order, share what is known. Without units each is like itself only.
-  Simulation(const unichar* pattern, size_t length, Words* words, uint64_t* memory, size_t slots,
-             std::span<const unichar> units)
-      : _pattern(pattern),
-        _length(length),
-        _wordCount(length / kPositionsPerWord + 1),
-        _fails(static_cast<uint32_t>(_wordCount * kPositionsPerWord)),
-        _words(words),
-        _memory(memory),
-        _slots(slots),
-        _units(units) {
-    for (size_t w = 0; w < _wordCount; ++w) {
-      _words[w] = {0, 0, where(w, '*'), where(w, '?'), where(w, '['), where(w, ']'), where(w, '-'), _opens};
-      _opens += static_cast<size_t>(std::popcount(_words[w].opens));
-    }
-    for (size_t slot = 0; slot < _slots; ++slot) _memory[slot * slotSize(_length, _opens)] = 0;
+  static constexpr size_t wordCount(size_t length) { return length / kPositionsPerWord + 1; }
+
+  /// `words` has room for `wordCount(length)`, `known` for as many times `slots`, which are at most `kMostSlots`.
+  Simulation(const unichar* pattern, size_t length, Words* words, KnownPositions* known, size_t slots, bool hasSets)
+      : _pattern(pattern), _length(length), _wordCount(wordCount(length)), _words(words), _known(known), _slots(slots) {
+    std::fill_n(_words, _wordCount, Words{});
+    std::fill_n(_units, kMostSlots, -1);
+    for (size_t i = 0; i < length; ++i) classify(i, hasSets);
+    if (hasSets) classifyMembers();
+    _words[length / kPositionsPerWord].end = uint64_t{1} << (length % kPositionsPerWord);
   }
 
   template <typename Map>
   bool run(const unichar* text, const unichar* textEnd, Map map) {
-    add(0);
-    for (bool isAlive = arrive(); isAlive && text < textEnd; ++text) {
+    begin();
+    for (bool isAlive = true; isAlive && text < textEnd; ++text) {
       const unichar c = map(*text);
-      const KnownUnit known = knownOf(c);
-      readSets(c, known);
-      readOthers(known);
-      isAlive = arrive();
+      isAlive = read(c, knownOf(c));
     }
-    return text == textEnd && (_words[_wordCount - 1].now >> (_length % kPositionsPerWord) & 1) != 0;
+    return text == textEnd && (_words[_wordCount - 1].now & _words[_wordCount - 1].end) != 0;
   }
 
  private:
-  // Two classes for each unit of the pattern, itself and what lies between it and the next one.
-  uint64_t classOf(unichar c) const {
-    if (_units.empty()) return c;
-    const auto found = std::lower_bound(_units.begin(), _units.end(), c);
-    const auto index = static_cast<uint64_t>(found - _units.begin());
-    return 2 * index + (found != _units.end() && *found == c ? 1 : 0);
+  // What the unit is where no set is read.
+  void classify(size_t i, bool hasSets) {
+    Words& word = _words[i / kPositionsPerWord];
+    const uint64_t bit = uint64_t{1} << (i % kPositionsPerWord);
+    const unichar unit = _pattern[i];
+    if (unit == '*') {
+      word.stars |= bit;
+    } else if (unit == '?') {
+      word.anyOnes |= bit;
+    } else if (unit != '[' || !hasSets) {
+      word.literals |= bit;
+    } else if (i + 1 < _length) {
+      (_pattern[i + 1] == '^' ? word.negations : word.opens) |= bit;
+    }
   }
 
-  KnownUnit knownOf(unichar c) {
-    const uint64_t label = classOf(c) + 1;
-    uint64_t* slot = _memory + (label % _slots) * slotSize(_length, _opens);
-    const KnownUnit known{slot + 1, slot + 2, reinterpret_cast<uint32_t*>(slot + 2 + _wordCount)};
-    if (*slot == label) return known;
-    *slot = label;
-    *known.isComplete = 0;
-    for (size_t w = 0; w < _wordCount; ++w) known.equals[w] = where(w, c);
-    std::fill_n(known.next, _opens, kUnknown);
+  // What the units are where a set is read.
+  void classifyMembers() {
+    bool isTaken = false;  // by the `-` before
+    for (size_t i = 0; i < _length; ++i) {
+      Words& word = _words[i / kPositionsPerWord];
+      const uint64_t bit = uint64_t{1} << (i % kPositionsPerWord);
+      const unichar unit = _pattern[i];
+      const bool isDash = unit == '-' && !isTaken;
+      if (unit == ']') word.brackets |= bit;
+      if (isDash) {
+        if (i + 1 < _length) word.dashes |= bit;
+      } else if (!isTaken) {
+        (unit == ']' ? word.closers : word.members) |= bit;
+      }
+      isTaken = isDash;
+    }
+  }
+
+  const KnownPositions* knownOf(unichar c) {
+    const size_t slot = c % _slots;
+    KnownPositions* known = _known + slot * _wordCount;
+    if (_units[slot] == c) return known;
+    _units[slot] = c;
+    wordKernels().findPositions(_pattern, _length, c, known);
     return known;
   }
 
-  // The positions of word `w` that hold `unit`.
-  uint64_t where(size_t w, unichar unit) const {
-    const unichar* units = _pattern + w * kPositionsPerWord;
-    const size_t count = std::min(_length - w * kPositionsPerWord, kPositionsPerWord);
-    if (count == kPositionsPerWord) return bitsWhere(units, unit);
-    uint64_t bits = 0;
-    for (size_t i = 0; i < count; ++i) bits |= uint64_t{units[i] == unit} << i;
-    return bits;
+  void begin() {
+    StarFlow stars;
+    for (size_t w = 0; w < _wordCount; ++w) _words[w].now = stars.with(_words[w].stars, w == 0 ? 1 : 0);
   }
 
-  // The loop of fixed length becomes vector instructions. The product gathers the lowest bits of eight bytes in its
-  // highest one: byte k lies 8k from the right, and the factor has a bit 56 - 7k from there, which makes 56 + k.
-  static uint64_t bitsWhere(const unichar* units, unichar unit) {
-    static_assert(std::endian::native == std::endian::little);
-    uint8_t holds[kPositionsPerWord];
-    for (size_t i = 0; i < kPositionsPerWord; ++i) holds[i] = units[i] == unit;
-    uint64_t bits = 0;
-    for (size_t i = 0; i < kPositionsPerWord; i += 8) {
-      uint64_t eight;
-      std::memcpy(&eight, holds + i, sizeof eight);
-      bits |= eight * 0x0102040810204080 >> 56 << i;
-    }
-    return bits;
-  }
-
-  void add(size_t i) { _words[i / kPositionsPerWord].next |= uint64_t{1} << (i % kPositionsPerWord); }
-
-  // Everything but sets, 64 positions at a time.
-  void readOthers(const KnownUnit& known) {
-    uint64_t carry = 0;
+  // All ways on with a text unit, from the left to the right, since none leads back. False when none is left.
+  bool read(unichar c, const KnownPositions* known) {
+    const uint64_t isMember = c == '|' ? 0 : ~uint64_t{0};
+    Shift behindUnit, behindOpen, behindNegation, behindMember, behindRange, behindSet;
+    Flow fromOpen, fromNegation, toBracket;
+    StarFlow stars;
+    uint64_t any = 0, carried = 0;
     for (size_t w = 0; w < _wordCount; ++w) {
       Words& word = _words[w];
-      const uint64_t passed = word.now & (word.anyOnes | (known.equals[w] & ~word.opens & ~word.stars));
-      word.next |= passed << 1 | carry | (word.now & word.stars);
-      carry = passed >> (kPositionsPerWord - 1);
-    }
-  }
-
-  // Few ways that are not known are looked for one by one, more of them all at once.
-  void readSets(unichar c, const KnownUnit& known) {
-    if (*known.isComplete == 0) {
-      size_t unknown = 0;
-      forEachStart([&](size_t, size_t open) { unknown += known.next[open] == kUnknown; });
-      if (unknown > kFewSets) {
-        learnAllSets(c, known);
-      } else if (unknown > 0) {
-        forEachStart([&](size_t position, size_t open) {
-          if (known.next[open] != kUnknown) return;
-          const unichar* behind = stepOverSet(_pattern + position, _pattern + _length, c).next;
-          known.next[open] = behind ? static_cast<uint32_t>(behind - _pattern) : _fails;
-        });
-      }
-    }
-    size_t w = 0;  // ways mostly lead on in order: those into one word are put there together
-    uint64_t bits = 0;
-    forEachStart([&](size_t, size_t open) {
-      const uint32_t next = known.next[open];
-      if (next / kPositionsPerWord != w) {
-        _words[w].next |= std::exchange(bits, 0);
-        w = next / kPositionsPerWord;
-      }
-      bits |= uint64_t{1} << (next % kPositionsPerWord);
-    });
-    _words[w].next |= bits;
-    _words[_wordCount].next = 0;
-  }
-
-  // Calls `visit` for the position and the number of each `[` that the text read so far can lead to.
-  void forEachStart(auto visit) {
-    for (size_t w = 0; w < _wordCount; ++w) {
-      const Words& word = _words[w];
-      const uint64_t starts = word.now & word.opens;
-      if (starts == word.opens) {
-        size_t open = word.opensBefore;
-        for (uint64_t left = starts; left != 0; left &= left - 1) {
-          visit(w * kPositionsPerWord + static_cast<size_t>(std::countr_zero(left)), open++);
-        }
-      } else {
-        for (uint64_t left = starts; left != 0; left &= left - 1) {
-          const auto bit = static_cast<size_t>(std::countr_zero(left));
-          visit(w * kPositionsPerWord + bit, openAt(word, bit));
-        }
-      }
-    }
-  }
-
-  static size_t openAt(const Words& word, size_t bit) {
-    return static_cast<size_t>(word.opensBefore) + static_cast<size_t>(std::popcount(word.opens & bitsBelow(bit)));
-  }
-
-  // From right to left: what comes of a set is known from the members behind its start, and all of them together cost
-  // one step per position, however sets overlap. Only `]`, `-` and members equal to `c` change what comes of it.
-  void learnAllSets(unichar c, const KnownUnit& known) {
-    FromTheRight<SetOutcome> outcome{{_length, false}, {_length, false}, _length};
-    FromTheRight<size_t> close{_length, _length, _length};
-    *known.isComplete = 1;
-    for (size_t w = _wordCount; w-- > 0;) {
-      const Words& word = _words[w];
-      const uint64_t members = word.closes | word.dashes | (c == '|' ? 0 : known.equals[w]);
-      for (uint64_t left = word.opens | members; left != 0;) {
-        const auto bit = kPositionsPerWord - 1 - static_cast<size_t>(std::countl_zero(left));
-        const uint64_t mask = uint64_t{1} << bit;
-        const size_t i = w * kPositionsPerWord + bit;
-        left ^= mask;
-        if (word.opens & mask) known.next[openAt(word, bit)] = behindSet(i, outcome);
-        if (word.closes & mask) {
-          close.set(i, i + 1);
-          outcome.set(i, {i + 1, false});
-        } else if (word.dashes & mask) {
-          outcome.set(i, outcomeOfRange(i, c, outcome, close));
-        } else if (members & mask) {
-          outcome.set(i, {close.here, true});
-        }
-      }
-    }
-  }
-
-  uint32_t behindSet(size_t i, const FromTheRight<SetOutcome>& outcomes) const {
-    if (i + 1 == _length) return _fails;
-    const bool isNegated = _pattern[i + 1] == '^';
-    const SetOutcome outcome = outcomes.at(isNegated ? i + 2 : i + 1);
-    return outcome.matches != isNegated ? static_cast<uint32_t>(outcome.next) : _fails;
-  }
-
-  SetOutcome outcomeOfRange(size_t i, unichar c, const FromTheRight<SetOutcome>& outcomes,
-                            const FromTheRight<size_t>& close) const {
-    if (i + 1 == _length) return {_length, false};
-    if (i > 0 && _pattern[i - 1] <= c && c <= _pattern[i + 1]) return {close.at(i + 2), true};
-    return outcomes.at(i + 2);
-  }
-
-  // Makes the next state the present one, with what lies behind the stars in it: adding carries through a run of them.
-  bool arrive() {
-    uint64_t any = 0, carry = 0;
-    for (size_t w = 0; w < _wordCount; ++w) {
-      Words& word = _words[w];
-      uint64_t sum = 0;
-      const bool overflows = __builtin_add_overflow(word.stars, word.next & word.stars, &sum);
-      const bool overflowsAgain = __builtin_add_overflow(sum, carry, &sum);
-      carry = overflows || overflowsAgain;
-      word.now = word.next | (sum ^ word.stars);
-      word.next = 0;
+      const uint64_t now = word.now;
+      if ((now | carried) == 0) continue;
+      const uint64_t equals = known[w].equals, ranges = known[w].ranges & word.dashes;
+      const uint64_t matches = ranges | (equals & word.members & isMember);
+      const uint64_t closers = word.closers | word.end, stops = matches | closers;
+      const uint64_t opened = fromOpen.to(stops, behindOpen.by(1, now & word.opens)) & matches;
+      const uint64_t negated = fromNegation.to(stops, behindNegation.by(2, now & word.negations)) & closers;
+      const uint64_t rest = behindMember.by(1, opened & ~ranges) | behindRange.by(2, opened & ranges);
+      const uint64_t closed = toBracket.to(word.brackets | word.end, rest) | negated;
+      const uint64_t passed = now & (word.anyOnes | (equals & word.literals));
+      const uint64_t next = behindUnit.by(1, passed) | behindSet.by(1, closed & ~word.end) | (closed & word.end);
+      word.now = stars.with(word.stars, next | (now & word.stars));
       any |= word.now;
+      carried = behindUnit.carried() | behindOpen.carried() | behindNegation.carried() | behindMember.carried() |
+                behindRange.carried() | behindSet.carried() | fromOpen.carried() | fromNegation.carried() |
+                toBracket.carried() | stars.carried();
     }
     return any != 0;
   }
@@ -258,40 +173,24 @@ class Simulation {
   const unichar* const _pattern;
   const size_t _length;
   const size_t _wordCount;
-  const uint32_t _fails;  // where a set that does not accept the unit leads: behind all positions
-  Words* const _words;    // one more than needed, for what fails
-  uint64_t* const _memory;
+  Words* const _words;
+  KnownPositions* const _known;  // of the units that were read last, one a slot
   const size_t _slots;
-  const std::span<const unichar> _units;
-  size_t _opens = 0;
+  int32_t _units[kMostSlots];  // whose, by slot
 };
-
-// The units of a pattern in order, each once.
-std::span<const unichar> distinctUnits(const unichar* pattern, size_t length, unichar* units) {
-  unichar* end = std::copy_n(pattern, length, units);
-  std::sort(units, end);
-  return {units, static_cast<size_t>(std::unique(units, end) - units)};
-}
 
 }  // namespace
 
-bool simulateUnixWildcard(const unichar* text, const unichar* textEnd, const unichar* pattern,
-                          const unichar* patternEnd, const unichar* table) {
+std::optional<bool> simulateWildcard(const unichar* text, const unichar* textEnd, const unichar* pattern,
+                                     const unichar* patternEnd, const unichar* table, WildcardSyntax syntax) {
   const auto length = static_cast<size_t>(patternEnd - pattern);
-  if (length >= kUnknown - 2 * kPositionsPerWord) return false;
+  const size_t wordCount = Simulation::wordCount(length);
   const bool isLong = length > kUnitsOnStack;
-  const size_t size = slotSize(length, static_cast<size_t>(std::count(pattern, patternEnd, u'[')));
-  ScratchBuffer<Words, kUnitsOnStack / kPositionsPerWord + 2> words(length / kPositionsPerWord + 2);
-  ScratchBuffer<unichar, 1> units(isLong ? length : 1);
-  if (!words || !units) return false;
-  std::span<const unichar> distinct;
-  if (isLong) distinct = distinctUnits(pattern, length, units.data());
-  constexpr size_t kOnStack = slotSize(kUnitsOnStack, kUnitsOnStack);
-  const size_t most = (isLong ? kMostMemory / sizeof(uint64_t) : kOnStack) / size;
-  const size_t slots = std::clamp<size_t>(most, 1, isLong ? 2 * distinct.size() + 1 : most);
-  ScratchBuffer<uint64_t, kOnStack> memory(slots * size);
-  if (!memory) return false;
-  Simulation simulation(pattern, length, words.data(), memory.data(), slots, distinct);
+  const size_t slots = std::clamp<size_t>((isLong ? kKnownOnHeap : kKnownOnStack) / wordCount, 1, kMostSlots);
+  ScratchBuffer<Words, Simulation::wordCount(kUnitsOnStack)> words(wordCount);
+  ScratchBuffer<KnownPositions, kKnownOnStack> known(slots * wordCount);
+  if (!words || !known) return std::nullopt;
+  Simulation simulation(pattern, length, words.data(), known.data(), slots, syntax == WildcardSyntax::Unix);
   if (table) return simulation.run(text, textEnd, [table](unichar c) { return table[c]; });
   return simulation.run(text, textEnd, [](unichar c) { return c; });
 }

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "velan/wildcard/WildcardMatching.h"
+#include "velan/wildcard/WordKernelsInternal.h"
 
 namespace velan {
 namespace {
@@ -12,16 +13,11 @@ namespace {
 constexpr size_t kLongestScan = 512;
 constexpr size_t kNone = SIZE_MAX;
 
-struct Pairing {
-  size_t pairs = 0;
-  size_t jumps = 0;
-};
-
 // Pairs each unit of the shorter word with a free equal one of the longer: with the one that continues the last pair's
 // distance, else with the first. `free` knows which are left.
 template <typename Free, typename Map>
-Pairing pairUnits(std::u16string_view shorter, Free& free, Map map) {
-  Pairing result;
+WordPairs pairUnits(std::u16string_view shorter, Free& free, Map map) {
+  WordPairs result;
   size_t shift = 0;  // from a unit's partner to itself, modulo 2^64
   for (size_t i = 0; i < shorter.size(); ++i) {
     const unichar unit = map(shorter[i]);
@@ -95,39 +91,52 @@ class QueuedPositions {
 };
 
 template <typename Map>
-double similarity(std::u16string_view a, std::u16string_view b, Map map) {
+double similarityOfLongWords(std::u16string_view a, std::u16string_view b, Map map) {
   const auto [shorter, longer] = a.size() > b.size() ? std::pair(b, a) : std::pair(a, b);
-  const auto length = static_cast<double>(longer.size());
-
-  size_t inPlace = 0;
-  for (size_t i = 0; i < shorter.size(); ++i) inPlace += map(longer[i]) == map(shorter[i]);
-
-  Pairing pairing;
+  WordPairs pairs;
   if (longer.size() <= kLongestScan) {
     ScannedPositions free(longer, map);
-    pairing = pairUnits(shorter, free, map);
+    pairs = pairUnits(shorter, free, map);
   } else {
     QueuedPositions free(longer, map);
     if (!free) return 0;
-    pairing = pairUnits(shorter, free, map);
+    pairs = pairUnits(shorter, free, map);
   }
-  const double positional = static_cast<double>(inPlace) / length;
-  const double paired = static_cast<double>(pairing.pairs) * (1 - static_cast<double>(pairing.jumps) / length) / length;
-  return positional > paired ? positional : paired;
+  for (size_t i = 0; i < shorter.size(); ++i) pairs.inPlace += map(longer[i]) == map(shorter[i]);
+  return similarityFromPairs(pairs, longer.size());
 }
 
 std::u16string_view viewOf(const unichar* units, size_t length) { return {units, units ? length : 0}; }
 
+bool areShort(size_t lengthA, size_t lengthB) { return lengthA <= kMostShortUnits && lengthB <= kMostShortUnits; }
+
 }  // namespace
 
+double similarityFromPairs(const WordPairs& pairs, size_t length) {
+  const auto all = static_cast<double>(length);
+  const double positional = static_cast<double>(pairs.inPlace) / all;
+  const double paired = static_cast<double>(pairs.pairs) * (1 - static_cast<double>(pairs.jumps) / all) / all;
+  return positional > paired ? positional : paired;
+}
+
 double stringMatchesUnixWildcardFuzzy(const unichar* a, size_t lengthA, const unichar* b, size_t lengthB) {
-  return similarity(viewOf(a, lengthA), viewOf(b, lengthB), [](unichar c) { return c; });
+  const std::u16string_view left = viewOf(a, lengthA), right = viewOf(b, lengthB);
+  if (!areShort(left.size(), right.size())) return similarityOfLongWords(left, right, [](unichar c) { return c; });
+  return similarityFromPairs(wordKernels().pair(left, right), std::max(left.size(), right.size()));
 }
 
 double stringMatchesUnixWildcardFuzzyUsingUnicharTable(const unichar* a, size_t lengthA, const unichar* b,
                                                        size_t lengthB, const unichar* table) {
+  const std::u16string_view left = viewOf(a, lengthA), right = viewOf(b, lengthB);
   if (!table) return stringMatchesUnixWildcardFuzzy(a, lengthA, b, lengthB);
-  return similarity(viewOf(a, lengthA), viewOf(b, lengthB), [table](unichar c) { return table[c]; });
+  if (!areShort(left.size(), right.size())) {
+    return similarityOfLongWords(left, right, [table](unichar c) { return table[c]; });
+  }
+  unichar units[2][kMostShortUnits];
+  const auto map = [table](unichar c) { return table[c]; };
+  std::transform(left.begin(), left.end(), units[0], map);
+  std::transform(right.begin(), right.end(), units[1], map);
+  return stringMatchesUnixWildcardFuzzy(units[0], left.size(), units[1], right.size());
 }
 
 }  // namespace velan

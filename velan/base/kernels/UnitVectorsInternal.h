@@ -4,7 +4,8 @@
 //
 // A class has `kUnits`, the units in it, and `Narrower`, the class for what is left at the end (`Scalar` in the
 // narrowest). `Matches` are the answers of a comparison, one a unit; `bits` brings them to a number with `kBits` bits a
-// unit, all of them 1 where the answer is yes, and the first unit's lowest. `inBitmap` looks units up in a bitmap of
+// unit, all of them 1 where the answer is yes, and the first unit's lowest; `positions` with one bit a unit.
+// `loadFirst` reads up to `kUnits` units, at least one; the others are 0. `inBitmap` looks units up in a bitmap of
 // `kWindow` units, with the bit `c & 7` of the byte `c >> 3` for the unit `c`, of which only the low bits count.
 // `inTable` looks them up in a table of `kTableWindow` units in the same way, where that is not 0. `ahead` gives the
 // units a little behind those of a vector at `p`; `kAhead` more than those of the vector are read, if not 0.
@@ -47,6 +48,14 @@ struct CompressingShuffles {
 };
 inline constexpr CompressingShuffles kCompressingShuffles;
 
+/// From the byte `n` on, what moves 16 bytes down by `n`, with zeros behind them.
+struct DownwardShuffles {
+  alignas(32) uint8_t bytes[32] = {0,    1,    2,    3,    4,    5,    6,    7,    8,    9,    10,
+                                   11,   12,   13,   14,   15,   0x80, 0x80, 0x80, 0x80, 0x80, 0x80,
+                                   0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80};
+};
+inline constexpr DownwardShuffles kDownwardShuffles;
+
 namespace {
 
 struct Scalar {
@@ -67,6 +76,16 @@ struct Units128 {
   __m128i v;
 
   static Units128 load(const unichar* p) { return {_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))}; }
+  static Units128 loadFirst(const unichar* p, size_t count) {
+    if (count == kUnits) return load(p);
+    if (count < 4) {
+      const uint64_t last = uint64_t{p[count - 1]} << (16 * (count - 1));
+      return {_mm_cvtsi64_si128(static_cast<int64_t>(p[0] | uint64_t{p[count / 2]} << (16 * (count / 2)) | last))};
+    }
+    const auto half = [](const unichar* at) { return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(at)); };
+    const auto shift = _mm_cvtsi32_si128(static_cast<int>(16 * (kUnits - count)));
+    return {_mm_unpacklo_epi64(half(p), _mm_srl_epi64(half(p + count - 4), shift))};
+  }
   static Units128 of(unichar c) { return {_mm_set1_epi16(static_cast<short>(c))}; }
   /// Those `distance` units behind the vector at `p`.
   Units128 ahead(const unichar* p, size_t distance) const { return load(p + distance); }
@@ -121,6 +140,9 @@ struct Units128 {
     const auto bit = _mm_shuffle_epi8(_mm_set1_epi64x(static_cast<int64_t>(0x8040201008040201)), units);
     _mm_storeu_si128(reinterpret_cast<__m128i*>(p), _mm_cmpeq_epi8(_mm_and_si128(bytes, bit), bit));
   }
+  static uint64_t positions(Matches m) {
+    return static_cast<uint32_t>(_mm_movemask_epi8(_mm_packs_epi16(m, _mm_setzero_si128())));
+  }
 };
 
 #endif
@@ -138,6 +160,12 @@ struct Units256 {
   __m256i v;
 
   static Units256 load(const unichar* p) { return {_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p))}; }
+  static Units256 loadFirst(const unichar* p, size_t count) {
+    if (count <= Narrower::kUnits) return {_mm256_zextsi128_si256(Narrower::loadFirst(p, count).v)};
+    const auto* shuffle = reinterpret_cast<const __m128i*>(kDownwardShuffles.bytes + 2 * (kUnits - count));
+    const auto high = _mm_shuffle_epi8(Narrower::load(p + count - Narrower::kUnits).v, _mm_loadu_si128(shuffle));
+    return {_mm256_inserti128_si256(_mm256_castsi128_si256(Narrower::load(p).v), high, 1)};
+  }
   static Units256 of(unichar c) { return {_mm256_set1_epi16(static_cast<short>(c))}; }
   /// Those `distance` units behind the vector at `p`.
   Units256 ahead(const unichar* p, size_t distance) const { return load(p + distance); }
@@ -196,6 +224,10 @@ struct Units256 {
     const auto bit = _mm256_shuffle_epi8(_mm256_set1_epi64x(static_cast<int64_t>(0x8040201008040201)), units);
     _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), _mm256_cmpeq_epi8(_mm256_and_si256(bytes, bit), bit));
   }
+  static uint64_t positions(Matches m) {
+    const auto packed = _mm_packs_epi16(_mm256_castsi256_si128(m), _mm256_extracti128_si256(m, 1));
+    return static_cast<uint32_t>(_mm_movemask_epi8(packed));
+  }
 };
 
 #endif
@@ -213,6 +245,9 @@ struct Units512 {
   __m512i v;
 
   static Units512 load(const unichar* p) { return {_mm512_loadu_si512(p)}; }
+  static Units512 loadFirst(const unichar* p, size_t count) {
+    return {_mm512_maskz_loadu_epi16(static_cast<__mmask32>((uint64_t{1} << count) - 1), p)};
+  }
   static Units512 of(unichar c) { return {_mm512_set1_epi16(static_cast<short>(c))}; }
   /// Those `distance` units behind, at most `kUnits`: of this vector and the next one, as a load across lines of the
   /// cache takes as long as two.
@@ -277,6 +312,7 @@ struct Units512 {
     storeAsBytes(a.inBitmap(bitmap), p);
     storeAsBytes(b.inBitmap(bitmap), p + kUnits);
   }
+  static uint64_t positions(Matches m) { return m; }
 };
 
 #endif
@@ -294,6 +330,19 @@ struct UnitsNeon {
   uint16x8_t v;
 
   static UnitsNeon load(const unichar* p) { return {vld1q_u16(reinterpret_cast<const uint16_t*>(p))}; }
+  static UnitsNeon loadFirst(const unichar* p, size_t count) {
+    if (count == kUnits) return load(p);
+    if (count < 4) {
+      const uint64_t last = uint64_t{p[count - 1]} << (16 * (count - 1));
+      const uint64_t low = p[0] | uint64_t{p[count / 2]} << (16 * (count / 2)) | last;
+      return {vreinterpretq_u16_u64(vcombine_u64(vcreate_u64(low), vcreate_u64(0)))};
+    }
+    const auto half = [](const unichar* at) {
+      return vreinterpret_u64_u16(vld1_u16(reinterpret_cast<const uint16_t*>(at)));
+    };
+    const auto down = vdup_n_s64(-16 * static_cast<int64_t>(kUnits - count));
+    return {vreinterpretq_u16_u64(vcombine_u64(half(p), vshl_u64(half(p + count - 4), down)))};
+  }
   static UnitsNeon of(unichar c) { return {vdupq_n_u16(c)}; }
   /// Those `distance` units behind the vector at `p`.
   UnitsNeon ahead(const unichar* p, size_t distance) const { return load(p + distance); }
@@ -341,6 +390,7 @@ struct UnitsNeon {
     const int8x16_t column = vreinterpretq_s8_u8(vandq_u8(units, vdupq_n_u8(7)));
     vst1q_u8(p, vtstq_u8(bytes, vshlq_u8(vdupq_n_u8(1), column)));
   }
+  static uint64_t positions(Matches m) { return vaddv_u8(vand_u8(vmovn_u16(m), vcreate_u8(0x8040201008040201))); }
 };
 
 #endif

@@ -15,6 +15,7 @@ const Kernels<FindIdentity>& findIdentityKernels() {
       {"scalar", None, findWith<skipFixed>},
 #ifdef __x86_64__
       {"AVX2", AVX2, findIdentityAvx2},
+      {"AVX512", AVX2 | AVX512, findIdentityAvx512},
 #endif
   });
   return kernels;

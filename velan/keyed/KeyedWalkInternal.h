@@ -51,6 +51,7 @@ const Kernels<FindIdentity>& findIdentityKernels();
 inline constexpr size_t kNotFound = SIZE_MAX;
 #ifdef __x86_64__
 size_t findIdentityAvx2(const uint8_t* bytes, size_t length, uint64_t sought);
+size_t findIdentityAvx512(const uint8_t* bytes, size_t length, uint64_t sought);
 #endif
 
 /// A record whose header lies in the buffer. Its payload need not: only `payload` and `fits` look.

@@ -515,8 +515,8 @@ struct UnitLoops {
     using enum NeedleHead::Telling;
     if (head.telling == Table) return gatherHeadBy<Scalar, TableTest, true>(text, positions, head, found, most);
     if (head.telling == Filter) return gatherHeadBy<V, FilterTest, true>(text, positions, head, found, most);
-    if (head.table) return gatherHeadBy<V, MaskTest, true>(text, positions, head, found, most);
-    return gatherHeadBy<V, MaskTest, false>(text, positions, head, found, most);
+    if (head.table) return gatherHeadBy<V, MaskTest<false>, true>(text, positions, head, found, most);
+    return gatherHeadBy<V, MaskTest<true>, false>(text, positions, head, found, most);
   }
 
   static constexpr UnitKernels kKernels = {

@@ -76,7 +76,7 @@ class Readings(unittest.TestCase):
             self.assertNotIn("note:", velan("explain", "--", query)[1], query)
 
     def test_reasons(self):
-        text = "The old lamp of Zürich.\nThe keeper received a letter; two lamps, no lighthouse there. Straße frei.\n".encode()
+        text = "The old lamp of Zürich.\nThe keeper received a letter; two lamps, no lighthouse there. Straße frei.\nLeucht-Turm U.S.A. Email\n".encode()
         cases = [
             ("zurich", "-d would find Zürich at 1:17"), ("recieved", "--fuzzy would find received at 2:12"),
             ("light", "*light* would find lighthouse at 2:45"), ("-s Lamp", "without -s one would find lamp at 1:9"),
@@ -85,6 +85,7 @@ class Readings(unittest.TestCase):
             ("old NOT lamp", "lamp must not be there, but is, at 1:9"), ("old XOR lamp", "XOR wants one of them"),
             ('"frei strasse"', "its words are, but"), ('"old keeper"', "its words are, but not in a row"), ('"old hat"', "nor is hat"),
             ("old (hat OR cap) letter", "hat is not there"), ("there? hat?", "hat? is not there"),
+            ("leuchtturm", "Leucht-Turm would find Leucht-Turm at 3:1"), ("usa", "U.S.A would find U.S.A at 3:13"), ("e-mail", "email would find Email at 3:20"),
             ("hat OPT cap", "does not match\n  hat is not there\n"),
         ]
         for query, reason in cases:

@@ -378,23 +378,43 @@ class OtherCommands(unittest.TestCase):
         query = 'old NEAR/2 (lamp OR "big [l]*") AND NOT [^a] XOR ab*c* NEXT *[z|y]'
         status, output, errors = velan("explain", query)
         self.assertEqual((status, errors), (0, ""))
-        for word, kind, normal in (("old", 0, "old"), ("[l]*", 7, "[l]*"), ("[^a]", 9, "[^a]"), ("ab*c*", 5, "ab*c*"),
+        for word, kind, normal in (("big", 0, "big"), ("[l]*", 7, "[l]*"), ("[^a]", 9, "[^a]"), ("ab*c*", 5, "ab*c*"),
                                    ("*[z|y]", 8, "*[zy]")):
-            line = next(line.strip() for line in output.splitlines() if line.strip().startswith(word + ": type"))
+            line = next(line.lstrip("│|├└─` ") for line in output.splitlines() if f" {word}: type" in line)
             self.assertTrue(line.startswith(f"{word}: type {kind}, ") and line.endswith("normal form " + normal), line)
-        self.assertIn("??: type 10, stands for any one word of fitting length\n    found 1 time, at 1:3\n    holds",
+        self.assertIn('  "??": found 1 time, at 1:3\n    ??: type 10, stands for any one word of fitting length\n',
                       velan("explain", '"??"', "-", stdin=b"a bc def")[1])
+
+    def test_trees(self):
+        """How operators bind, as outlines: each node with its depth."""
+        cases = [
+            ("a", "1 a"), ("a b c", "1 AND 2 a 2 b 2 c"), ("a OR b c", "1 AND 2 OR 3 a 3 b 2 c"), ("a OR (b c)", "1 OR 2 a 2 AND 3 b 3 c"),
+            ("a NEAR/5 (b OR c) -x", "1 AND 2 NEAR/5 3 a 3 OR 4 b 4 c 2 NOT x"), ("a b BEFORE/3 c", "1 AND 2 a 2 BEFORE/3 3 b 3 c"),
+            ("a NEAR/2 b NEXT c", "1 AND 2 NEAR/2 3 a 3 b 2 NEXT/1 3 b: as above 3 c"), ("a -b NEAR/1 c", "1 AND 2 a 2 NOT b 2 NEAR/1 3 NOT b: as above 3 c"),
+            ("a OR b NEAR/1 c", "1 AND 2 OR 3 a 3 b 2 NEAR/1 3 b: as above 3 c"), ("a XOR b XOR -(c d)", "1 XOR 2 a 2 b 2 NOT 3 AND 4 c 4 d"),
+            ("a OPT b", "1 OPT 2 a 2 b"), ("a NEAR/0 b", "1 AND 2 a 2 b"), ("a NOT NEAR/4 (b c)", "1 NOT NEAR/4 2 a 2 AND 3 b 3 c"),
+            ("a OR b c d e f g h i j k l m", "1 from left to right 2 a 2 OR b " + " ".join(f"2 AND {c}" for c in "cdefghijklm")),
+        ]
+        for locale, inner, last, trunk in (("de_DE.UTF-8", "├─ ", "└─ ", "│  "), ("C", "|- ", "`- ", "|  ")):
+            for query, outline in cases:
+                tree = velan("explain", query, environment={"LC_ALL": locale})[1].split("tree:\n")[1]
+                nodes = []
+                for line in tree.splitlines():
+                    name = line[2:].lstrip("├─└│|-` ")
+                    signs = line[2:len(line) - len(name)]
+                    self.assertEqual([s for s in re.findall("...", signs) if s not in (inner, last, trunk, "   ")], [], line)
+                    self.assertIn(signs[-3:], ("", inner, last), line)
+                    nodes.append(f"{len(signs) // 3 + 1} {name}")
+                self.assertEqual(" ".join(nodes), outline, query)
 
     def test_explain_a_file(self):
         text = "an old lamp\nünd OLD ships\n".encode("utf-8-sig")
-        status, output, _ = velan("explain", "old NOT NEXT lamp AND missing", "-", stdin=text)
-        lines = [line.strip() for line in output.splitlines()]
-        old, lamp, missing = (lines.index(name) for name in ("old", "NEXT/1 NOT lamp", "AND missing"))
+        status, output, _ = velan("explain", "old NOT NEXT lamp AND missing", "-", stdin=text, environment={"LC_ALL": "C"})
         self.assertEqual(status, 1)
-        self.assertEqual(lines[old + 2:lamp], ["found 2 times, at 1:4, 2:5", "holds"])
-        self.assertEqual(lines[lamp + 2:missing], ["found 1 time, at 1:8", "with the term before: holds"])
-        self.assertEqual(lines[missing + 2:], ["not found", "does not hold", "(standard input): does not match",
-                                               "missing is not there"])
+        self.assertEqual(output.splitlines()[4:], [
+            "tree:", "  AND: does not hold", "  |- NOT NEXT/1: holds", "  |  |- old: found 2 times, at 1:4, 2:5",
+            "  |  `- lamp: found 1 time, at 1:8", "  `- missing: not found", "(standard input): does not match",
+            "  missing is not there"])
         self.assertEqual(velan("explain", "old lamp", "-", stdin=text)[0], 0)
         # Depth is no danger.
         self.assertEqual(velan("explain", "(" * 50000 + "old", "-", stdin=text)[0], 0)

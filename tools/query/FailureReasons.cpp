@@ -10,12 +10,15 @@
 
 #include "tools/query/WordReadings.h"
 #include "velan/base/ASCII.h"
+#include "velan/base/utf/UTF.h"
+#include "velan/wildcard/WildcardPattern.h"
 
 namespace velan::tool {
 namespace {
 
 constexpr size_t kMostReasons = 10;
 constexpr int64_t kLettersOfPart = 3;  // fewer stand in too many words
+constexpr size_t kLettersOfWord = 20;  // longer ones are not taken apart
 
 std::string nameOf(const QueryTerms& term) {
   MutableString text;
@@ -186,15 +189,23 @@ class FailureSearch {
     const QueryComparison comparison = _query.comparison();
     const String& word = leaf.term->word();
     std::vector<std::string> ways;
-    const auto tryWay = [&](const char* name, const String& pattern, QueryComparison other, bool wildcard) {
-      const std::optional<Range> place = placeOf(pattern, leaf.term->queryPhrase(), other, wildcard);
-      if (place) ways.push_back(fmt::format("{} would find {} at {}", name, textAt(*place), lineAndColumn(*place)));
+    const auto addWay = [&](std::string_view name, Range place) {
+      ways.push_back(fmt::format("{} would find {} at {}", name, textAt(place), lineAndColumn(place)));
+    };
+    const auto tryWay = [&](std::string_view name, const String& pattern, QueryComparison other, bool wildcard) {
+      const auto place = placeOfAny({{pattern}}, leaf.term->queryPhrase(), other, wildcard);
+      if (place) addWay(name, *place);
     };
     if (!contains(comparison, QueryComparison::IgnoreCase)) {
       tryWay("without -s one", word, comparison | QueryComparison::IgnoreCase, _query.wildcard());
     }
     if (!contains(comparison, QueryComparison::IgnoreDiacritics)) {
       tryWay("-d", word, comparison | QueryComparison::IgnoreDiacritics, true);
+    }
+    if (const String whole = joinedWords(leaf)) tryWay(whole.toUTF8(), whole, comparison, _query.wildcard());
+    if (const auto place = placeOfAny(wordsApart(leaf), true, comparison, _query.wildcard())) {
+      const std::string text = textAt(*place);
+      addWay(text.find_first_of(" \n\r\t") == text.npos ? text : '"' + text + '"', *place);
     }
     if (word.length() >= (isASCIILetter(word.view().front()) ? kLettersOfPart : 1) && leaf.pieces.size() == 1 &&
         !leaf.pieces.front().standsForAnyWord && leaf.pieces.front().type == 0) {
@@ -210,20 +221,52 @@ class FailureSearch {
     return list;
   }
 
+  // The words of "e-mail" and "U.S.A." as one. Absent for any other term.
+  static String joinedWords(const ExplainedTerm& leaf) {
+    if (leaf.pieces.size() < 2 || leaf.pieces.size() > kLettersOfWord) return String();
+    MutableString word;
+    for (const ExplainedPiece& piece : leaf.pieces) {
+      if (piece.type != WildcardTypeExact || piece.standsForAnyWord) return String();
+      word.appendString(piece.pattern);
+    }
+    return word.takeString();
+  }
+
+  // A word as two, and as one for each letter.
+  static std::vector<String> wordsApart(const ExplainedTerm& leaf) {
+    if (leaf.pieces.size() != 1 || leaf.pieces.front().type != WildcardTypeExact) return {};
+    const std::u16string_view word = leaf.pieces.front().pattern.view();
+    if (word.size() > kLettersOfWord) return {};
+    std::vector<String> ways;
+    std::u16string letters;
+    for (size_t i = 0; i < word.size(); ++i) {
+      if (isLowSurrogate(word[i])) return {};
+      letters.append(i > 0 ? u" " : u"") += word[i];
+      if (i > 0) ways.push_back(String(std::u16string(word.substr(0, i)) + u' ' + std::u16string(word.substr(i))));
+    }
+    if (word.size() > 2) ways.push_back(String(letters));
+    return ways;
+  }
+
   // Which words of a phrase are absent.
   std::string absentPieces(const ExplainedTerm& phrase) const {
     for (const ExplainedPiece& piece : phrase.pieces) {
-      if (!piece.standsForAnyWord && !placeOf(piece.pattern, false, _query.comparison(), _query.wildcard()))
+      if (!piece.standsForAnyWord && !placeOfAny({{piece.pattern}}, false, _query.comparison(), _query.wildcard()))
         return fmt::format("; nor is {}", piece.pattern.toUTF8());
     }
     return "; its words are, but not in a row";
   }
 
-  std::optional<Range> placeOf(const String& pattern, bool phrase, QueryComparison comparison, bool wildcard) const {
-    const QueryToken token{phrase ? QueryTokenKind::Phrase : QueryTokenKind::Word, {}, pattern, {}, {}};
+  // The first place of any of the patterns.
+  std::optional<Range> placeOfAny(const std::vector<String>& patterns, bool phrase, QueryComparison comparison,
+                                  bool wildcard) const {
+    if (patterns.empty()) return std::nullopt;
+    std::vector<QueryToken> tokens;
+    for (const String& pattern : patterns) {
+      tokens.push_back({phrase ? QueryTokenKind::Phrase : QueryTokenKind::Word, {}, pattern, {}, {}});
+    }
     const auto query = PreparedQuery::queryWithTerms(
-        queryTermsWithTokens(std::span(&token, 1), QueryOperator::And, QueryTerms::kDefaultDistance), comparison,
-        wildcard);
+        queryTermsWithTokens(tokens, QueryOperator::Or, QueryTerms::kDefaultDistance), comparison, wildcard);
     if (!query) throw std::bad_alloc();
     const SearchedText searched = WordReadings(*query, _verbatim).read(_text);
     const auto index = indexOf(searched.text(), *query);

@@ -38,6 +38,10 @@ class Output(InFolder):
             ("--sort hits --count-matches key|no c b a", "a:5\nc:1\nb:1\n"),
             ("--sort modified -l key|no .", "./a\n./b\n./c\n"),
             ("--sort path -l key|no c b a", "a\nb\nc\n"),
+            ("--sortr hits --count-matches key|no b a c", "b:1\nc:1\na:5\n"),
+            ("--sortr modified -l key|no .", "./c\n./b\n./a\n"),
+            ("--sortr path -l key|no c a b", "c\nb\na\n"),
+            ("-a key b binary", "binary:1:key\0\n"), ("--text -o key binary", "1:key\n"), ("-uuu -l key binary b", "binary\n"),
             ("-q key absent a", ""),
             ("--binary -e key b binary", "binary: binary file matches\n"),
             ("-e (end -e \"mid a", "3:mid key\n6:end key far\n"),
@@ -46,6 +50,17 @@ class Output(InFolder):
         ]
         for line, output in cases:
             self.assertEqual(self.velan("search", *(word.replace("_", " ") for word in line.split(" ")))[:2], (0, output), line)
+
+    def test_unrestricted(self):
+        os.mkdir(os.path.join(self.folder, "s"))
+        for name, content in (("s/.ignore", "i\n"), ("s/i", "key"), ("s/.h", "key"), ("s/binary", b"key\0"), ("s/z", "key")):
+            self.write(name, content)
+        names = ["s/z\n", "s/i\ns/z\n", "s/.h\ns/i\ns/z\n", "s/.h\ns/binary\ns/i\ns/z\n"]
+        for times, found in enumerate(names):
+            self.assertEqual(self.velan("search", "-l", *["-u"] * times, "key", "s")[1], found, times)
+            if times:
+                self.assertEqual(self.velan("search", "-l" + "u" * times, "key", "s")[1], found, times)
+        self.assertIn("--sort", self.velan("search", "--sort", "path", "--sortr", "path", "key", "s")[2])
 
     def test_other_places_are_shown_on_demand(self):
         query = "lamp NEAR/1 far"

@@ -18,7 +18,7 @@ FileSearch::FileSearch(const SearchOptions& options, const PreparedQuery& query,
       _readings(query, options.query.verbatim),
       _style(style),
       _needsHits((options.output != SearchOutput::Names && !options.quiet) || options.statistics ||
-                 options.order == DocumentOrder::Hits),
+                 options.sorting.order == DocumentOrder::Hits),
       _filter(options, query) {}
 
 Outcome FileSearch::search(const InputFile& file) const {
@@ -81,7 +81,7 @@ std::string FileSearch::printHits(const std::string& name, const Document& docum
     case SearchOutput::OccurrenceCounts:
       return printCount(name, counts.occurrences);
     default:
-      if (document.isBinary) return fmt::format("{}: binary file matches\n", name);
+      if (document.isBinary && !_options.showsBinary) return fmt::format("{}: binary file matches\n", name);
       return printLines(name, document, lines, hits, _style);
   }
 }

@@ -92,13 +92,15 @@ class Search {
     _counts += outcome.counts;
     if (_options.quiet) return _options.statistics || _counts.documentsWithMatch == 0;
     if (outcome.output.empty()) return true;
-    if (_options.order != DocumentOrder::Hits) return printOutput(outcome.output);
+    if (_options.sorting.order != DocumentOrder::Hits) return printOutput(outcome.output);
     _kept.push_back({outcome.counts.occurrences, std::move(outcome.output)});
     return true;
   }
 
   void printSorted() {
-    std::stable_sort(_kept.begin(), _kept.end(), [](const auto& a, const auto& b) { return a.hits > b.hits; });
+    std::stable_sort(_kept.begin(), _kept.end(), [this](const auto& a, const auto& b) {
+      return _options.sorting.reversed ? a.hits < b.hits : a.hits > b.hits;
+    });
     for (const KeptOutput& each : _kept) {
       if (!printOutput(each.text)) return;
     }
@@ -148,8 +150,10 @@ int runSearch(const SearchOptions& options) {
   const bool hasOtherQuery = options.onlyListsFiles || !options.query.alternatives.empty();
   if (hasOtherQuery && options.query.isGiven) selection.paths.insert(selection.paths.begin(), options.query.query);
   std::vector<InputFile> files = collectFiles(selection);
-  if (options.order == DocumentOrder::Path) sortByPath(files);
-  if (options.order == DocumentOrder::Modified) sortByModification(files);
+  const DocumentSorting sorting = options.sorting;
+  if (sorting.order == DocumentOrder::Path) sortByPath(files);
+  if (sorting.order == DocumentOrder::Modified) sortByModification(files);
+  if (sorting.reversed && sorting.order != DocumentOrder::Hits) std::reverse(files.begin(), files.end());
   if (options.onlyListsFiles) return listFiles(files, lineStyleOf(options, true));
   return Search(options, *typed, std::move(files)).run();
 }

@@ -57,6 +57,29 @@ void addLineOptions(CLI::App& command, SearchOptions& options) {
             {{"auto", HintChoice::Auto}, {"always", HintChoice::Always}, {"never", HintChoice::Never}});
 }
 
+void addSortOptions(CLI::App& command, DocumentSorting& sorting) {
+  const auto choices = [](bool reversed) {
+    return std::vector<std::pair<std::string, DocumentSorting>>{{"path", {DocumentOrder::Path, reversed}},
+                                                                {"modified", {DocumentOrder::Modified, reversed}},
+                                                                {"hits", {DocumentOrder::Hits, reversed}}};
+  };
+  CLI::Option* const sort =
+      addChoice(command, "--sort", sorting, "Sort files by path, the latest first, or the most occurrences first",
+                choices(false));
+  addChoice(command, "--sortr", sorting, "The same the other way round", choices(true))->excludes(sort);
+}
+
+void addUnrestrictedOptions(CLI::App& command, SearchOptions& options) {
+  const auto unrestrict = [&options](int64_t count) {
+    if (count >= 1) options.files.ignoreFiles = false;
+    if (count >= 2) options.files.hidden = true;
+    if (count >= 3) options.decoding.binary = true;
+  };
+  command.add_flag_function("-u,--unrestricted", unrestrict, "--no-ignore; twice --hidden, too; three times --binary");
+  const auto showBinary = [&options] { options.decoding.binary = options.showsBinary = true; };
+  command.add_flag_callback("-a,--text", showBinary, "Search files that are not text as if they were");
+}
+
 }  // namespace
 
 void addSearchCommand(CLI::App& app, int& status) {
@@ -69,11 +92,11 @@ void addSearchCommand(CLI::App& app, int& status) {
   command->add_flag("-v,--invert-match", options->scope.invert, "Find the documents or units that do not match");
   addFormOptions(*command, *options);
   addLineOptions(*command, *options);
-  addChoice(*command, "--sort", options->order, "Sort files by path, the latest first, or the most occurrences first",
-            {{"path", DocumentOrder::Path}, {"modified", DocumentOrder::Modified}, {"hits", DocumentOrder::Hits}});
+  addSortOptions(*command, options->sorting);
   addFileOptions(*command, options->files);
   command->add_flag("--files", options->onlyListsFiles, "List the files that would be searched; takes no QUERY");
   addDecodingOptions(*command, options->decoding);
+  addUnrestrictedOptions(*command, *options);
   addNumber(*command, "-j,--threads", options->threads, size_t{1}, kMaxThreads,
             "Search with N threads (one per processor)");
   keepInShortHelp(*command, {"-s", "-d", "--fuzzy", "--unit", "-l", "-c", "-o", "-C", "--json", "-g", "-t", "--sort"});

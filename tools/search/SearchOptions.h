@@ -22,6 +22,11 @@ enum class SearchOutput : uint8_t { Lines, Occurrences, Columns, Names, LineCoun
 /// The order in which documents are shown. Without one they are in the order of the paths.
 enum class DocumentOrder : uint8_t { AsGiven, Path, Modified, Hits };
 
+struct DocumentSorting {
+  DocumentOrder order = DocumentOrder::AsGiven;
+  bool reversed = false;
+};
+
 struct SearchOptions {
   QueryOptions query;
   FileSelection files;
@@ -29,6 +34,7 @@ struct SearchOptions {
   SearchScope scope;
   SearchOutput output = SearchOutput::Lines;
   DecodingOptions decoding;
+  bool showsBinary = false;  // the lines of files that are not text, which are read then
   size_t context = 0;
   std::optional<size_t> before;  // instead of `context`
   std::optional<size_t> after;
@@ -38,7 +44,7 @@ struct SearchOptions {
   bool withNumber = true;
   bool quiet = false;
   bool statistics = false;
-  DocumentOrder order = DocumentOrder::AsGiven;
+  DocumentSorting sorting;
   size_t threads = 0;  // 0: as many as the machine has processors
   ColorChoice color = ColorChoice::Auto;
   HintChoice hints = HintChoice::Auto;

@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """What people type must find what they mean. Called like tool_test.py."""
 
+import json
 import os
 import pty
 import subprocess
@@ -48,7 +49,9 @@ class Readings(unittest.TestCase):
         for query, other, text, is_read_otherwise in cases:
             found = velan("search", "--count-matches", query, stdin=text.encode())
             self.assertEqual(found == velan("search", "--count-matches", other, stdin=text.encode()), is_read_otherwise, query)
-        self.assertIn('"searches":1', velan("search", "--json", "lamp?", stdin=b"lamp")[1].splitlines()[-1])
+        for text, as_punctuation in ((b"lamp", True), (b"lamps", False), (b"x", False)):
+            summary = json.loads(velan("search", "--json", "lamp?", stdin=text)[1].splitlines()[-1])["data"]
+            self.assertEqual((summary["stats"]["searches"], summary["question_marks_as_punctuation"]), (1, as_punctuation), text)
 
     def test_usual_slips_are_similar(self):
         for slip, meant in (("reciept", "receipt"), ("recieve", "receive"), ("adress", "address"), ("harbor", "harbour")):

@@ -104,8 +104,10 @@ std::string printJson(const std::string& path, const Document& document, const T
   return Printer(path, document, lines, hits).print(counts, before, after);
 }
 
-std::string printJsonSummary(const SearchCounts& counts) {
-  return fmt::format("{{\"type\":\"summary\",\"data\":{{\"stats\":{}}}}}\n", statistics(counts));
+std::string printJsonSummary(const SearchCounts& counts, bool withoutQuestionMarks) {
+  return fmt::format(R"({{"type":"summary","data":{{"stats":{},"question_marks_as_punctuation":{}}}}})",
+                     statistics(counts), withoutQuestionMarks) +
+         '\n';
 }
 
 }  // namespace velan::tool

@@ -21,8 +21,9 @@ namespace velan::tool {
 std::string printJson(const std::string& path, const Document& document, const TextLines& lines,
                       const DocumentHits& hits, const SearchCounts& counts, size_t before, size_t after);
 
-/// The last object.
-std::string printJsonSummary(const SearchCounts& counts);
+/// The last object. `withoutQuestionMarks` tells that everything was found by the query without the question marks at
+/// the ends of its words.
+std::string printJsonSummary(const SearchCounts& counts, bool withoutQuestionMarks);
 
 }  // namespace velan::tool
 

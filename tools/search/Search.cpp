@@ -34,7 +34,7 @@ class Search {
       if (_hasOutput) print("\n");
       print(describe(_counts, elapsed.count()));
     }
-    if (_options.output == SearchOutput::JSON && !_options.quiet) print(printJsonSummary(_counts));
+    if (_options.output == SearchOutput::JSON && !_options.quiet) print(printJsonSummary(_counts, _foundOtherwise));
     const bool found = _counts.documentsWithMatch > 0;
     if (_trouble && !(_options.quiet && found)) return Trouble;
     return found ? Something : Nothing;
@@ -56,9 +56,10 @@ class Search {
       _complains = false;
       _counts = {};
       searchFor(*_typed.otherwise);
+      _foundOtherwise = _counts.documentsWithMatch > 0;
     }
     if (!hints) return;
-    if (_counts.documentsWithMatch > 0) return complain("nothing found as it stands; found without the question mark");
+    if (_foundOtherwise) return complain("nothing found as it stands; found without the question mark");
     if (const std::string hint = hintAbout(_typed, _options, _files); !hint.empty()) complain("nothing found; " + hint);
   }
 
@@ -123,6 +124,7 @@ class Search {
   AssumedEncodingWarning _warning;
   std::vector<KeptOutput> _kept;  // to be sorted by hits
   bool _complains = true;         // about files; false when they are searched again
+  bool _foundOtherwise = false;   // by the query without question marks
   bool _trouble = false;
   bool _hasOutput = false;
 };

@@ -89,6 +89,7 @@ class Readings(unittest.TestCase):
             ('"frei strasse"', "its words are, but"), ('"old keeper"', "its words are, but not in a row"), ('"old hat"', "nor is hat"),
             ("old (hat OR cap) letter", "hat is not there"), ("there? hat?", "hat? is not there"),
             ("leuchtturm", "Leucht-Turm would find Leucht-Turm at 3:1"), ("usa", "U.S.A would find U.S.A at 3:13"), ("e-mail", "email would find Email at 3:20"),
+            ("hat cap (old OR x) (cap NEAR coat)", "hat is not there\n  cap is not there\n  coat is not there\n"),
             ("hat OPT cap", "does not match\n  hat is not there\n"),
         ]
         for query, reason in cases:

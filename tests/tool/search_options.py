@@ -74,7 +74,7 @@ class Output(InFolder):
         cases = [("ab AND xx OR cd", "2"), ("(ab AND xx) OR (cd AND ef)", "23"), ("ab OR xx AND cd", "12"),
                  ("(ab AND xx OR gh) AND cd", "24"), ("(ab xx) OR (ab cd)", "12"), ("cd XOR (ab xx)", "2"),
                  ("ab OR cd OR xx", "12"), ("(ab AND NOT cd) OR ef", "3"), ("(ab OR cd) NEAR/9 gh OR (ef xx)", "124"),
-                 ("ab OPT cd OR (ef xx)", "12")]
+                 ("ab OPT cd OR (ef xx)", "12"), ("(c* AND xx) OR cd", "2"), ("(ab xx) OR (cd OR a*)", "12"), ("(gh xx) OR (gh NEAR/1 ef)", "34")]
         for query, lines in cases:
             self.assertEqual(self.velan("search", "-h", query, "e")[1].replace("\n", "")[::4], lines, query)
             everything = self.velan("search", "-c", "--all-occurrences", query, "e")[1]

@@ -46,10 +46,15 @@ void markFailed(const std::vector<ExplainedTerm>& terms, size_t group, size_t en
 
 }  // namespace
 
-std::set<String> failedTerms(const PreparedQuery& query, QueryMatcher& matcher, Range range) {
+FailedTerms::FailedTerms(const PreparedQuery& query) {
   const std::vector<ExplainedTerm> shape = query.explanation(kDeepest);
   const bool hasCompound = shape.size() > 3;  // more than one alternative of two words
-  if (!hasCompound || std::none_of(shape.begin(), shape.end(), isAlternative)) return {};
+  _mayBe = hasCompound && std::any_of(shape.begin(), shape.end(), isAlternative);
+}
+
+std::unordered_set<const QueryTerms*> FailedTerms::in(QueryMatcher& matcher, Range range) const {
+  std::unordered_set<const QueryTerms*> leaves;
+  if (!_mayBe) return leaves;
   const std::vector<ExplainedTerm> terms = matcher.explanation(kDeepest, range);
   std::vector<bool> failed(terms.size());
   for (size_t group = 0; group < terms.size(); ++group) {
@@ -63,14 +68,10 @@ std::set<String> failedTerms(const PreparedQuery& query, QueryMatcher& matcher, 
       markFailed(terms, group, end, failed);
     }
   }
-  std::set<String> words;
   for (size_t i = 0; i < terms.size(); ++i) {
-    if (failed[i] && terms[i].term->isWord()) words.insert(terms[i].term->word());
+    if (failed[i] && terms[i].term->isWord()) leaves.insert(terms[i].term);
   }
-  for (size_t i = 0; i < terms.size(); ++i) {
-    if (!failed[i] && terms[i].term->isWord() && !terms[i].term->queryNot()) words.erase(terms[i].term->word());
-  }
-  return words;
+  return leaves;
 }
 
 }  // namespace velan::tool

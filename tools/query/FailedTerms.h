@@ -2,15 +2,23 @@
 #ifndef VELAN_TOOLS_QUERY_FAILED_TERMS_H
 #define VELAN_TOOLS_QUERY_FAILED_TERMS_H
 
-#include <set>
+#include <unordered_set>
 
 #include "velan/query/PreparedQuery.h"
 
 namespace velan::tool {
 
-/// The words of the leaves that stand only where the query fails in `range`, which matches as a whole: in "a AND b OR
-/// c" those of "a AND b" where "b" is missing. Groups far down are taken to hold. Throws `std::bad_alloc`.
-std::set<String> failedTerms(const PreparedQuery& query, QueryMatcher& matcher, Range range);
+/// Finds the leaves that stand where a query fails in a text that matches as a whole: in "a AND b OR c" those of "a AND
+/// b" where "b" is missing. May be used by several threads at once.
+class FailedTerms {
+ public:
+  explicit FailedTerms(const PreparedQuery& query);
+  /// Those in `range`, which matches. Groups far down are taken to hold. Throws `std::bad_alloc`.
+  std::unordered_set<const QueryTerms*> in(QueryMatcher& matcher, Range range) const;
+
+ private:
+  bool _mayBe;
+};
 
 }  // namespace velan::tool
 

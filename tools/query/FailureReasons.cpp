@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <deque>
 #include <new>
 #include <optional>
 #include <unordered_map>
@@ -43,14 +44,10 @@ class FailureSearch {
     for (size_t i = 0; i < terms.size(); ++i) _numbers[terms[i].term] = i;
   }
 
-  // Groups that do not hold wait to be looked into.
+  // In the order of the query, but groups that do not hold wait to be looked into.
   std::vector<std::string> reasons() {
-    std::vector<const QueryTerms*> failed{_terms.front().term};
-    while (!failed.empty() && _reasons.size() < kMostReasons) {
-      const QueryTerms* group = failed.back();
-      failed.pop_back();
-      explainGroup(*group, failed);
-    }
+    std::deque<const QueryTerms*> failed{_terms.front().term};
+    for (; !failed.empty() && _reasons.size() < kMostReasons; failed.pop_front()) explainGroup(*failed.front(), failed);
     return std::move(_reasons);
   }
 
@@ -67,19 +64,22 @@ class FailureSearch {
   }
 
   // Goes back through the fold from its end, which is false, as long as what stands to the left is false or matters.
-  void explainGroup(const QueryTerms& group, std::vector<const QueryTerms*>& failed) {
+  void explainGroup(const QueryTerms& group, std::deque<const QueryTerms*>& failed) {
     const auto& terms = group.children();
     const std::vector<bool> values = foldedValues(terms);
-    for (size_t i = terms.size(); i-- > 0 && !values[i] && _reasons.size() < kMostReasons;) {
-      const QueryTerms& term = *terms[i];
-      const QueryOperator op = i > 0 ? term.queryOperator() : QueryOperator::And;
-      if (op == QueryOperator::Optional) continue;
-      if (op == QueryOperator::Xor && !fails(term)) {
-        _reasons.push_back(
-            fmt::format("{} holds, and so does what stands before it: XOR wants one of them", nameOf(term)));
-        return;
+    std::vector<const QueryTerms*> blamed;
+    bool isBoth = false;  // an exclusive or of two that hold is to blame, and nothing before it
+    for (size_t i = terms.size(); i-- > 0 && !values[i] && !isBoth;) {
+      const QueryOperator op = i > 0 ? terms[i]->queryOperator() : QueryOperator::And;
+      isBoth = op == QueryOperator::Xor && !fails(*terms[i]);
+      if (isBoth || (op != QueryOperator::Optional && fails(*terms[i]))) blamed.push_back(terms[i].get());
+    }
+    for (auto term = blamed.rbegin(); term != blamed.rend() && _reasons.size() < kMostReasons; ++term) {
+      if (fails(**term)) {
+        explainTerm(**term, failed);
+      } else {
+        say(fmt::format("{} holds, and so does what stands before it: XOR wants one of them", nameOf(**term)));
       }
-      if (fails(term)) explainTerm(term, failed);
     }
   }
 
@@ -106,17 +106,21 @@ class FailureSearch {
     return values;
   }
 
-  void explainTerm(const QueryTerms& term, std::vector<const QueryTerms*>& failed) {
+  void explainTerm(const QueryTerms& term, std::deque<const QueryTerms*>& failed) {
     const ExplainedTerm& each = *find(term);
     if (each.partner) {
       explainRelation(each, *find(*each.partner));
     } else if (term.queryNot()) {
-      _reasons.push_back(nameOf(term) + " must not be there, but is" + at(each.places));
+      say(nameOf(term) + " must not be there, but is" + at(each.places));
     } else if (!term.isWord()) {
       failed.push_back(&term);
     } else {
-      _reasons.push_back(nameOf(term) + " is not there" + whatWouldFind(each));
+      say(nameOf(term) + " is not there" + whatWouldFind(each));
     }
+  }
+
+  void say(std::string reason) {
+    if (std::find(_reasons.begin(), _reasons.end(), reason) == _reasons.end()) _reasons.push_back(std::move(reason));
   }
 
   std::string at(const std::vector<Range>& places) const {
@@ -133,11 +137,10 @@ class FailureSearch {
     const std::string partnerName = nameOf(*partner.term);
     const int64_t wanted = term.term->proximityDistance();
     if (term.term->queryNot() || partner.term->queryNot() || !term.term->isWord() || !partner.term->isWord()) {
-      _reasons.push_back(term.term->queryNot()
-                             ? fmt::format("{} is nowhere without {} within {} words", partnerName, name, wanted)
-                             : fmt::format("{} is nowhere within {} words of {}", partnerName, wanted, name));
+      say(term.term->queryNot() ? fmt::format("{} is nowhere without {} within {} words", partnerName, name, wanted)
+                                : fmt::format("{} is nowhere within {} words of {}", partnerName, wanted, name));
     } else if (term.places.empty()) {
-      _reasons.push_back(name + " is not there" + whatWouldFind(term));
+      say(name + " is not there" + whatWouldFind(term));
     } else if (!partner.places.empty()) {
       explainDistance(term, partner);
     }
@@ -154,14 +157,13 @@ class FailureSearch {
     const std::string name = nameOf(*term.term);
     const std::string partnerName = nameOf(*partner.term);
     if (!*best) {
-      _reasons.push_back(fmt::format("{} never stands {} {}", partnerName, mayStandBefore ? "before" : "after", name));
+      say(fmt::format("{} never stands {} {}", partnerName, mayStandBefore ? "before" : "after", name));
       return;
     }
     const Neighbours& found = **best;
-    _reasons.push_back(fmt::format("{} and {} are {} word{} apart where they are nearest (at {} and {}), not within {}",
-                                   partnerName, name, found.distance, found.distance == 1 ? "" : "s",
-                                   lineAndColumn(found.first), lineAndColumn(found.second),
-                                   term.term->proximityDistance()));
+    say(fmt::format("{} and {} are {} word{} apart where they are nearest (at {} and {}), not within {}", partnerName,
+                    name, found.distance, found.distance == 1 ? "" : "s", lineAndColumn(found.first),
+                    lineAndColumn(found.second), term.term->proximityDistance()));
   }
 
   // The closest two of which one of `first` stands before one of `second`. Both grow.

@@ -2,9 +2,7 @@
 
 #include <algorithm>
 #include <new>
-#include <set>
-
-#include "tools/query/FailedTerms.h"
+#include <utility>
 
 namespace velan::tool {
 namespace {
@@ -70,8 +68,12 @@ void limitLines(DocumentHits& hits, size_t most) {
 }
 
 DocumentSearch::DocumentSearch(const Document& document, const SearchedText& searched, const PreparedQuery& query,
-                               const SearchScope& scope)
-    : _document(document), _searched(searched), _query(query), _scope(scope), _index(indexOf(searched.text(), query)) {
+                               const FailedTerms& failed, const SearchScope& scope)
+    : _document(document),
+      _searched(searched),
+      _failed(failed),
+      _scope(scope),
+      _index(indexOf(searched.text(), query)) {
   if (_index) _matcher.emplace(query, *_index);
 }
 
@@ -120,9 +122,7 @@ bool DocumentSearch::isWanted(Range searched) {
 
 // Those in a part of the searched text that matches.
 std::vector<QueryOccurrence> DocumentSearch::occurrences(Range searched) {
-  std::vector<QueryOccurrence> occurrences = _matcher->occurrences(searched);
-  const std::set<String> failed = failedTerms(_query, *_matcher, searched);
-  for (QueryOccurrence& each : occurrences) each.primary = each.primary && !failed.contains(each.term);
+  std::vector<QueryOccurrence> occurrences = _matcher->occurrences(searched, _failed.in(*_matcher, searched));
   if (!_scope.allOccurrences) std::erase_if(occurrences, [](const QueryOccurrence& each) { return !each.primary; });
   return occurrences;
 }

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "tools/documents/TextLines.h"
+#include "tools/query/FailedTerms.h"
 #include "tools/query/Query.h"
 #include "tools/query/WordReadings.h"
 
@@ -69,7 +70,7 @@ class DocumentSearch {
   /// Borrows what it is given: `searched` is what the document's text is searched as. Throws `std::bad_alloc`, as do
   /// the questions.
   DocumentSearch(const Document& document, const SearchedText& searched, const PreparedQuery& query,
-                 const SearchScope& scope);
+                 const FailedTerms& failed, const SearchScope& scope);
 
   /// Whether anything matches.
   bool matches();
@@ -85,7 +86,7 @@ class DocumentSearch {
 
   const Document& _document;
   const SearchedText& _searched;
-  const PreparedQuery& _query;
+  const FailedTerms& _failed;
   const SearchScope _scope;
   const std::unique_ptr<FastWordEnumerator> _index;  // null for an empty text
   std::optional<QueryMatcher> _matcher;

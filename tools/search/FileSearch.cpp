@@ -16,6 +16,7 @@ FileSearch::FileSearch(const SearchOptions& options, const PreparedQuery& query,
     : _options(options),
       _query(query),
       _readings(query, options.query.verbatim),
+      _failed(query),
       _style(style),
       _needsHits((options.output != SearchOutput::Names && !options.quiet) || options.statistics ||
                  options.sorting.order == DocumentOrder::Hits),
@@ -51,7 +52,7 @@ Outcome FileSearch::searchText(const std::string& name, const Document& document
   const SearchedText searched = _readings.read(document.text);
   SearchScope scope = _options.scope;
   scope.allOccurrences |= _options.output == SearchOutput::JSON;
-  DocumentSearch search(document, searched, _query, scope);
+  DocumentSearch search(document, searched, _query, _failed, scope);
   if (!_needsHits) {
     if (search.matches()) {
       outcome.counts.documentsWithMatch = 1;

@@ -38,6 +38,7 @@ class FileSearch {
   const SearchOptions& _options;
   const PreparedQuery& _query;
   const WordReadings _readings;
+  const FailedTerms _failed;
   const LineStyle& _style;
   const bool _needsHits;  // not only whether a document matches
   const DocumentFilter _filter;

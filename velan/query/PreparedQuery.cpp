@@ -81,11 +81,12 @@ bool QueryMatcher::contains() {
   return answer([this](QueryEvaluator& evaluator) { return evaluator.containsAny(*_query._terms); });
 }
 
-std::vector<QueryOccurrence> QueryMatcher::occurrences(Range range) {
+std::vector<QueryOccurrence> QueryMatcher::occurrences(Range range,
+                                                       const std::unordered_set<const QueryTerms*>& withoutPart) {
   const Range clipped = clippedRange(range, _enumerator.length());
   try {
     evaluator().forgetOtherRanges(clipped);
-    return occurrencesOfQuery(evaluator(), *_query._terms, clipped);
+    return occurrencesOfQuery(evaluator(), *_query._terms, clipped, withoutPart);
   } catch (...) {
     _evaluator.reset();
     throw;

@@ -11,6 +11,7 @@
 #define VELAN_QUERY_PREPARED_QUERY_H
 
 #include <memory>
+#include <unordered_set>
 #include <vector>
 
 #include "velan/query/QueryExplanation.h"
@@ -86,7 +87,9 @@ class VELAN_EXPORT QueryMatcher {
   bool ranOutOfMemory() const { return _ranOutOfMemory; }
 
   /// See `queryOccurrences`. May throw `std::bad_alloc`.
-  std::vector<QueryOccurrence> occurrences(Range range);
+  std::vector<QueryOccurrence> occurrences(Range range) { return occurrences(range, {}); }
+  /// The same where some leaves take no part in the match.
+  std::vector<QueryOccurrence> occurrences(Range range, const std::unordered_set<const QueryTerms*>& withoutPart);
   /// `PreparedQuery::explanation` with which terms hold in the text, and where they stand.
   std::vector<ExplainedTerm> explanation(size_t deepest);
   /// The same for the text in `range`.

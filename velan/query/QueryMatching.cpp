@@ -86,7 +86,7 @@ bool containsString(const FastWordEnumerator& enumerator, const QueryTerms& node
 std::vector<QueryOccurrence> queryOccurrences(const FastWordEnumerator& enumerator, const QueryTerms& node, Range range,
                                               QueryComparison comparison, bool wildcard) {
   QueryEvaluator evaluator(enumerator, comparison, leafKind(wildcard));
-  return occurrencesOfQuery(evaluator, node, clippedRange(range, enumerator.length()));
+  return occurrencesOfQuery(evaluator, node, clippedRange(range, enumerator.length()), {});
 }
 
 int64_t callHandlerWithOccurrences(std::vector<QueryOccurrence> occurrences, QueryOccurrenceHandler handler) {

@@ -188,21 +188,25 @@ void mergeEqualRanges(std::vector<QueryOccurrence>& occurrences) {
 
 }  // namespace
 
-std::vector<QueryOccurrence> occurrencesOfQuery(QueryEvaluator& evaluator, const QueryTerms& root, Range range) {
+std::vector<QueryOccurrence> occurrencesOfQuery(QueryEvaluator& evaluator, const QueryTerms& root, Range range,
+                                                const std::unordered_set<const QueryTerms*>& withoutPart) {
   std::vector<QueryOccurrence> occurrences;
   if (range.length <= 0) return occurrences;
   PrimaryPlaces primary(evaluator, root, range);
   walkPositiveLeaves(root, [&](const QueryTerms& leaf) {
     LeafSearch& search = evaluator.search(leaf);
     const auto& marks = primary.marksOf(leaf);
+    const bool takesPart = !withoutPart.contains(&leaf);
     if (search.isWholeRange()) {
-      occurrences.push_back({range, leaf.word(), marks.contains(0)});
+      occurrences.push_back({range, leaf.word(), takesPart && marks.contains(0)});
       return;
     }
     const auto places = search.placesIn(range);
     StringCopies terms(leaf.word(), places.size());
     occurrences.reserve(occurrences.size() + places.size());
-    for (size_t i = 0; i < places.size(); ++i) occurrences.push_back({places[i], terms.take(), marks.contains(i)});
+    for (size_t i = 0; i < places.size(); ++i) {
+      occurrences.push_back({places[i], terms.take(), takesPart && marks.contains(i)});
+    }
   });
   mergeEqualRanges(occurrences);
   return occurrences;

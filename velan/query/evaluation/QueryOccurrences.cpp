@@ -203,7 +203,7 @@ std::vector<QueryOccurrence> occurrencesOfQuery(QueryEvaluator& evaluator, const
     }
     const auto places = search.placesIn(range);
     StringCopies terms(leaf.word(), places.size());
-    occurrences.reserve(occurrences.size() + places.size());
+    if (occurrences.empty()) occurrences.reserve(places.size());  // not for every leaf, or each time all would move
     for (size_t i = 0; i < places.size(); ++i) {
       occurrences.push_back({places[i], terms.take(), takesPart && marks.contains(i)});
     }

@@ -2,6 +2,7 @@
 #ifndef VELAN_QUERY_EVALUATION_LITERAL_HITS_INTERNAL_H
 #define VELAN_QUERY_EVALUATION_LITERAL_HITS_INTERNAL_H
 
+#include "velan/base/GrowthInternal.h"
 #include "velan/query/evaluation/SearchedTextInternal.h"
 
 namespace velan {
@@ -25,7 +26,7 @@ class LiteralHits {
   bool visitNext(int64_t from, std::vector<Range>& ranges, Visit visit) {
     unichar found[kMost + UnitKernels::kGatherSlack];
     const size_t count = gather(from, found);
-    if (ranges.capacity() - ranges.size() < count) ranges.reserve(std::max(ranges.size() + count, 2 * ranges.size()));
+    makeRoom(ranges, count);
     for (size_t i = 0; i < count; ++i) visit(_base + found[i]);
     return count > 0;
   }

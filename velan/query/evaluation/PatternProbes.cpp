@@ -1,6 +1,6 @@
 #include <algorithm>
 #include <bit>
-#include <optional>
+#include <functional>
 
 #include "velan/query/evaluation/LiteralHitsInternal.h"
 #include "velan/query/evaluation/PatternProbesInternal.h"
@@ -69,10 +69,16 @@ class ProbeChoice {
     head.length = length;
     head.table = nullptr;
     head.telling = NeedleHead::Telling::ProbesOnly;
-    const Chosen& best = *std::ranges::max_element(_chosen, {}, &Chosen::tells);
+    head.tellsAll = false;
+    Chosen best[NeedleHead::kProbes];
+    std::ranges::copy(_chosen, best);
+    std::ranges::sort(best, std::greater(), &Chosen::tells);
+    for (Chosen& one : best) {
+      if (one.tells == 0) one = best[0];
+    }
+    if (best[1].position < best[0].position) std::swap(best[0], best[1]);
     for (size_t k = 0; k < NeedleHead::kProbes; ++k) {
-      const Chosen& one = _chosen[k].tells > 0 ? _chosen[k] : best;
-      head.probes[k] = {one.position, one.mask, one.bits, UnitFilter(one.bits)};
+      head.probes[k] = {best[k].position, best[k].mask, best[k].bits, UnitFilter(best[k].bits)};
     }
     return head;
   }

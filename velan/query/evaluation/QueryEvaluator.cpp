@@ -125,7 +125,7 @@ bool QueryEvaluator::containsAny(const QueryTerms& node) {
 }
 
 void QueryEvaluator::forgetOtherRanges(Range range) {
-  if (!(range == _evaluated)) _remembered.clear();
+  if (!(range == _evaluated) && !_remembered.empty()) _remembered.clear();
   _evaluated = range;
 }
 

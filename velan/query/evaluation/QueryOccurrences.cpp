@@ -1,8 +1,10 @@
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <unordered_map>
 #include <utility>
 
+#include "velan/base/GrowthInternal.h"
 #include "velan/base/StringCopiesInternal.h"
 #include "velan/query/evaluation/EndSearchInternal.h"
 #include "velan/query/evaluation/QueryOccurrencesInternal.h"
@@ -21,12 +23,11 @@ bool hasRelations(const QueryTerms& root) {
   return found;
 }
 
-// Walks the tree from the root and marks the places that take part in the match: without relations all of them.
+// Walks the tree from the root and marks the places that take part in the match. Where no node has a relation all
+// places do.
 class PrimaryPlaces {
  public:
   PrimaryPlaces(QueryEvaluator& evaluator, const QueryTerms& root, Range range) : _evaluator(evaluator), _range(range) {
-    if (!hasRelations(root)) return;
-    _hasRelations = true;
     _pending.push_back({&root, {}, std::make_shared<const RangeColumns>(range)});
     while (!_pending.empty()) {
       const Task task = std::move(_pending.back());
@@ -51,10 +52,7 @@ class PrimaryPlaces {
     }
   };
 
-  const Marks& marksOf(const QueryTerms& leaf) {
-    static const Marks kAll{true, {}};
-    return _hasRelations ? _marks[&leaf] : kAll;
-  }
+  const Marks& marksOf(const QueryTerms& leaf) { return _marks[&leaf]; }
 
  private:
   // A node to mark in the ranges where it takes part; shared by all children of a group.
@@ -165,7 +163,6 @@ class PrimaryPlaces {
 
   QueryEvaluator& _evaluator;
   const Range _range;
-  bool _hasRelations = false;
   std::vector<Task> _pending;
   std::unordered_map<const QueryTerms*, Marks> _marks;
 };
@@ -192,23 +189,27 @@ std::vector<QueryOccurrence> occurrencesOfQuery(QueryEvaluator& evaluator, const
                                                 const std::unordered_set<const QueryTerms*>& withoutPart) {
   std::vector<QueryOccurrence> occurrences;
   if (range.length <= 0) return occurrences;
-  PrimaryPlaces primary(evaluator, root, range);
+  std::optional<PrimaryPlaces> primary;
+  if (hasRelations(root)) primary.emplace(evaluator, root, range);
+  const PrimaryPlaces::Marks all{true, {}};
+  int leaves = 0;
   walkPositiveLeaves(root, [&](const QueryTerms& leaf) {
     LeafSearch& search = evaluator.search(leaf);
-    const auto& marks = primary.marksOf(leaf);
+    const auto& marks = primary ? primary->marksOf(leaf) : all;
     const bool takesPart = !withoutPart.contains(&leaf);
+    ++leaves;
     if (search.isWholeRange()) {
       occurrences.push_back({range, leaf.word(), takesPart && marks.contains(0)});
       return;
     }
     const auto places = search.placesIn(range);
     StringCopies terms(leaf.word(), places.size());
-    if (occurrences.empty()) occurrences.reserve(places.size());  // not for every leaf, or each time all would move
+    makeRoom(occurrences, places.size());
     for (size_t i = 0; i < places.size(); ++i) {
       occurrences.push_back({places[i], terms.take(), takesPart && marks.contains(i)});
     }
   });
-  mergeEqualRanges(occurrences);
+  if (leaves > 1) mergeEqualRanges(occurrences);
   return occurrences;
 }
 

@@ -388,18 +388,33 @@ NeedlePositions gatherWhere(size_t i, size_t count, Test test, unichar* found, s
       const V positions = V::load(order) - V::of(static_cast<unichar>(-block));
       wanted += positions.storeCompressed(matches, found + wanted);
     };
-    for (; count - i >= kBlocks * kStep && wanted < most; i += kBlocks * kStep) {
+    const size_t group = (kBlocks - 1) * kStep + reachOf<V>(test);
+    bool isNear = false;  // some were in the four blocks before
+    for (; count - i >= group && wanted < most; i += kBlocks * kStep) {
+      if (!isNear && !isInFourBlocks<V>(test, i)) continue;
       const auto a = test.template block<V>(i), b = test.template block<V>(i + kStep);
       const auto c = test.template block<V>(i + 2 * kStep), d = test.template block<V>(i + 3 * kStep);
-      if (V::bits(V::either(V::either(a, b), V::either(c, d))) == 0) continue;
+      isNear = V::bits(V::either(V::either(a, b), V::either(c, d))) != 0;
+      if (!isNear) continue;
       keep(i, a);
       keep(i + kStep, b);
       keep(i + 2 * kStep, c);
       keep(i + 3 * kStep, d);
     }
-    for (; count - i >= kStep && wanted < most; i += kStep) keep(i, test.template block<V>(i));
-    return wanted < most ? gatherWhere<typename V::Narrower>(i, count, test, found, wanted, most)
-                         : NeedlePositions{wanted, i};
+    for (; count - i >= kStep && wanted < most; i += kStep) {
+      if (const auto a = test.template block<V>(i); V::bits(a) != 0) keep(i, a);
+    }
+    if (wanted >= most || i == count) return {wanted, i};
+    if (count < kStep) return gatherWhere<typename V::Narrower>(i, count, test, found, wanted, most);
+    // The last block's first positions have been looked at: what is wanted of them lies there a second time, and goes.
+    const size_t last = count - kStep, before = wanted;
+    const auto matches = test.template block<V>(last);
+    const uint64_t again = V::bits(matches) & ((uint64_t{1} << ((i - last) * V::kBits)) - 1);
+    const auto twice = static_cast<size_t>(__builtin_popcountll(again)) / V::kBits;
+    keep(last, matches);
+    wanted -= twice;
+    if (twice > 0) std::memmove(found + before, found + before + twice, (wanted - before) * sizeof *found);
+    return {wanted, count};
   } else {
     for (; i < count && wanted < most; ++i) {
       found[wanted] = static_cast<unichar>(i);
@@ -413,8 +428,7 @@ template <typename V, typename Test, bool hasTable>
 NeedlePositions gatherHeadBy(const unichar* text, size_t positions, const NeedleHead& head, unichar* found,
                              size_t most) {
   NeedlePositions gathered = gatherWhere<V>(0, positions, Test{text, head}, found, 0, most);
-  const bool isProbed = head.length <= NeedleHead::kProbes || head.telling == NeedleHead::Telling::ProbesOnly;
-  if (!hasTable && isProbed) return gathered;
+  if (head.tellsAll || head.telling == NeedleHead::Telling::ProbesOnly) return gathered;
   size_t count = 0;
   for (size_t k = 0; k < gathered.count; ++k) {
     const unichar position = found[k];
@@ -516,6 +530,7 @@ struct UnitLoops {
     if (head.telling == Table) return gatherHeadBy<Scalar, TableTest, true>(text, positions, head, found, most);
     if (head.telling == Filter) return gatherHeadBy<V, FilterTest, true>(text, positions, head, found, most);
     if (head.table) return gatherHeadBy<V, MaskTest<false>, true>(text, positions, head, found, most);
+    if (head.telling == ProbesOnly) return gatherHeadBy<V, MaskTest<false>, false>(text, positions, head, found, most);
     return gatherHeadBy<V, MaskTest<true>, false>(text, positions, head, found, most);
   }
 

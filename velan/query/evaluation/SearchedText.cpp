@@ -50,8 +50,8 @@ bool SearchedText::isInDividedRun(int64_t index) const {
   return false;
 }
 
-bool SearchedText::isDivided(Range run) const {
-  return _mayBeDivided && std::any_of(_units + run.location, _units + endOf(run), isEastAsianUnichar);
+bool SearchedText::holdsEastAsian(Range range) const {
+  return std::any_of(_units + range.location, _units + endOf(range), isEastAsianUnichar);
 }
 
 // The units around `index` without separators.

@@ -72,6 +72,15 @@ class SearchedText {
   }
   /// The word of the unit at `index`; absent for a separator.
   Range wordAt(int64_t index) const;
+  /// The word that begins at `start`, where there are no separators before `known`.
+  Range wordFrom(int64_t start, int64_t known) const {
+    int64_t end = known;
+    while (_separators && end < _length && !separates(end)) ++end;
+    const Range run{start, end - start};
+    return _separators && !isDivided(run) ? run : _words.rangeOfWordAtIndex(start);
+  }
+  /// Whether a dictionary may divide what lies between separators: without, words never touch.
+  bool mayBeDivided() const { return _mayBeDivided; }
   /// The word that begins last at or before `index`, but not before `start`; absent if there is none.
   Range wordBefore(int64_t index, int64_t start) const;
   /// What `firstWordIn` gives, for a word that is near.
@@ -83,7 +92,7 @@ class SearchedText {
     return std::min(_words.locationOfNextWordFromIndex(location, _length), _length);
   }
   /// Whether a dictionary may divide `run`, which holds no separators.
-  bool isDivided(Range run) const;
+  bool isDivided(Range run) const { return _mayBeDivided && holdsEastAsian(run); }
   /// Whether the units of `range` are those of `literal`.
   bool hasUnitsAt(int64_t location, std::u16string_view literal) const;
   /// The first place of `literal` that begins at or after `location` and ends at or before `end`; -1 if there is none.
@@ -111,6 +120,7 @@ class SearchedText {
     return _separators && (!_mayBeDivided || isBoundary(index, neighbour) || !isInDividedRun(index));
   }
   bool isInDividedRun(int64_t index) const;
+  bool holdsEastAsian(Range range) const;
   Range runAt(int64_t index) const;
   void indexWords() const;
 

@@ -220,24 +220,6 @@ bool WordPattern::anchorAtProbes(std::u16string_view longest, const unichar* tab
   return _anchor.has_value();
 }
 
-bool WordPattern::Anchor::mayMatchAt(const SearchedText& text, int64_t location) const {
-  const int64_t end = location + literal.length();
-  const auto mapped = [&text](int64_t i) {
-    const unichar c = text.units()[i];
-    return text.table() ? text.table()[c] : c;
-  };
-  if (previous.exists && (location == 0 || !previous.mayBe(mapped(location - 1)))) return false;
-  if (next.exists && (end == text.length() || !next.mayBe(mapped(end)))) return false;
-  return (before < 0 || (location >= before && text.wordBeginsAt(location - before))) &&
-         (after < 0 || (after <= text.length() - end && text.wordEndsAt(end + after - 1)));
-}
-
-bool WordPattern::Anchor::decides(Range word, int64_t location) const {
-  const int64_t wordBefore = location - word.location;
-  const int64_t wordAfter = endOf(word) - (location + literal.length());
-  return isAll && (before < 0 ? wordBefore >= 0 : wordBefore == 0) && (after < 0 ? wordAfter >= 0 : wordAfter == 0);
-}
-
 std::vector<std::u16string_view> WordPattern::requiredLiterals() const {
   std::vector<std::u16string_view> literals;
   for (const Piece& piece : _pieces) {

@@ -70,9 +70,23 @@ class WordPattern {
     bool isAll;  // the literal is the whole piece but for `*`
 
     /// Whether the word around it may match where it stands at `location`.
-    bool mayMatchAt(const SearchedText& text, int64_t location) const;
+    bool mayMatchAt(const SearchedText& text, int64_t location) const {
+      const int64_t end = location + literal.length();
+      const auto mapped = [&text](int64_t i) {
+        const unichar c = text.units()[i];
+        return text.table() ? text.table()[c] : c;
+      };
+      if (previous.exists && (location == 0 || !previous.mayBe(mapped(location - 1)))) return false;
+      if (next.exists && (end == text.length() || !next.mayBe(mapped(end)))) return false;
+      return (before < 0 || (location >= before && text.wordBeginsAt(location - before))) &&
+             (after < 0 || (after <= text.length() - end && text.wordEndsAt(end + after - 1)));
+    }
     /// Whether it is known that `word` matches, as the anchor stands at `location`.
-    bool decides(Range word, int64_t location) const;
+    bool decides(Range word, int64_t location) const {
+      const int64_t wordBefore = location - word.location;
+      const int64_t wordAfter = endOf(word) - (location + literal.length());
+      return isAll && (before < 0 ? wordBefore >= 0 : wordBefore == 0) && (after < 0 ? wordAfter >= 0 : wordAfter == 0);
+    }
   };
 
   static Piece wildcardPiece(std::u16string pattern, bool anyWord, bool fuzzy);

@@ -26,7 +26,7 @@ WordSearch::WordSearch(const WordPattern& pattern, const SearchedText& text, Ran
       _location(range.location),
       _end(endOf(range)),
       _anchor(pattern._anchor ? &*pattern._anchor : nullptr),
-      _mayStandForSeveral(_piece.type != WildcardTypeExact && !_piece.standsForAnyWord) {
+      _mayStandForSeveral(text.mayBeDivided() && _piece.type != WildcardTypeExact && !_piece.standsForAnyWord) {
   if (_anchor) _hits.emplace(_anchor->literal, text, range);
 }
 
@@ -52,11 +52,9 @@ void WordSearch::searchAt(int64_t hit, std::vector<Range>& found) {
 
 // The word that the anchor begins in.
 Range WordSearch::wordAt(int64_t hit) const {
-  // Units without a separator that begin and end where words do are one word, unless a dictionary has divided it.
-  const Range literal{hit, _anchor->literal.length()};
-  const bool isExact = _anchor->isAll && _anchor->before == 0 && _anchor->after == 0;
-  if (isExact && _hits->areShort() && !_text.table() && !_text.isDivided(literal)) return literal;
-  return _text.wordAt(hit);
+  if (_anchor->before != 0 || !_hits->areShort()) return _text.wordAt(hit);
+  // It begins here. Only through a table a separator may be among the units of a literal.
+  return _text.wordFrom(hit, _anchor->isAll && !_text.table() ? hit + _anchor->literal.length() : hit + 1);
 }
 
 void WordSearch::searchWord(Range word, bool matches, std::vector<Range>& found) {

@@ -20,9 +20,15 @@
 namespace velan::tool {
 namespace {
 
-// The arguments without what is for the help alone; `all` tells whether that was there.
+// The arguments without what is for the help alone; `all` tells whether that was there. "help" and "version" are
+// commands to many.
 std::vector<std::string> argumentsOf(int argc, char** argv, bool& all) {
   std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
+  if (!arguments.empty() && arguments.front() == "version") arguments.front() = "--version";
+  if (!arguments.empty() && arguments.front() == "help") {
+    std::rotate(arguments.begin(), arguments.begin() + 1, arguments.end());
+    arguments.back() = "--help";
+  }
   const auto end = std::find(arguments.begin(), arguments.end(), "--");
   const bool wantsHelp = std::find(arguments.begin(), end, "--help") != end;
   const auto flag = wantsHelp ? std::find(arguments.begin(), end, "--all") : end;

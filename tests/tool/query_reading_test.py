@@ -26,6 +26,8 @@ class Readings(unittest.TestCase):
             ("a b c d not e", "a b c d -e"), ("a b c not d.", "a b c not d."), ("a b not c!", "a b -c"), ("a b c d e NOT f not g", "a b c d e -f -g"),
             ("a and b and c or d and e not f", "a b c | d e -f"), ("a b c d e f near/3 g", "a b c d e f NEAR/3 g"),
             ("near/far after/NEXT/2 a NEAR/-1 b", "near/far after/NEXT/2 a NEAR/-1 b"),
+            ("next year or", "next year"), ("why not (near b before) not a", "why -(near b before) -a"), ("before and after", "before after"),
+            ("NEAR a AND", "a"), ("not a", "-a"), ("not", "not"),
             # Quotation marks of other languages.
             ("«a b» ‹c d› 「e」f", '"a b" "c d" "e" f'), ("»a b» »c d« don’t ‘e f’", '"a b" "c d" don’t "e f"'),
             ('« a "b» c"', 'a "b» c"'), ("a» b «c", "a» b «c"),
@@ -62,7 +64,7 @@ class Readings(unittest.TestCase):
         cases = [
             ("red or blue and green", "(red OR blue) AND green; the other reading: red OR (blue AND green)"),
             ("a OR b NEAR c d", "(a OR b) AND (b NEAR/10 c) AND d; the other reading: a OR ((b NEAR/10 c) AND d)"),
-            ("R&D", 'operator AND; as text: "R&D"'), ("next week", 'operator NEXT; to find the word: "next" week'),
+            ("R&D", 'operator AND; as text: "R&D"'), ("see next week", 'operator NEXT; to find the word: see "next" week'), ("a within 5 of b", "for the distance: NEAR/5"),
             ("lamp~2", "operator NEAR; for words similar to lamp: --fuzzy"),
             ('"quick fox"~5', "quick NEAR/5 fox"), ("foo^2", 'XOR, one of the two but not both; as text: "foo^2"'),
             ("fox NEAR 3 quick", "3 is taken as a word; for the distance: NEAR/3"), ("a NEAR/2.5 b", "as NEAR/2:"),

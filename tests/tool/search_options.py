@@ -88,6 +88,12 @@ class Output(InFolder):
         for form in ([], ["-q"], ["-l"]):
             self.assertIn(counts, self.velan("search", "--stats", *form, "key", ".")[1], form)
 
+    def test_hints_about_files(self):
+        for arguments, hint in ((["lost", "key"], "key is taken as a file; several words are one query in quotation marks: 'lost key'"), (["-t", "html", "x", "."], "no file is left"),
+                                (["absent", "."], "absent is in none of the 4 files"), (["--", "absent", "-l"], "-l is taken as a file; options come before --"),
+                                (["lamps", "."], "./d: lamps is not there; --fuzzy would find lamp")):
+            self.assertIn("nothing found; " + hint, self.velan("search", "--hints", "always", *arguments)[2])
+
     def test_long_lines_on_terminals(self):
         self.write("long", "key " + "x" * 1000)
         try:

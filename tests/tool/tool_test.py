@@ -301,7 +301,8 @@ class Usage(unittest.TestCase):
 
     def test_slips_get_the_nearest(self):
         cases = [(["serch", "x"], "did you mean search?"), (["blocks", "read", "--help"], "velan blocks has no command read"),
-                 (["blocks", "repiar"], "did you mean repair?"), (["search", "--contxt=3", "x"], "did you mean --context?"),
+                 (["blocks", "repiar"], "did you mean repair?"), (["search", "--contxt=3", "x"], "did you mean --context?"), (["grep", "x"], "did you mean search?"),
+                 (["search", "--include", "*.c", "x"], "-g 'GLOB'"), (["search", "-E", "x"], "no regular expressions"), (["search", "-map"], "comes after --"),
                  (["search", "--xyz", "x"], "there is no option --xyz (see")]
         for arguments, expected in cases:
             status, output, errors = velan(*arguments)

@@ -91,7 +91,7 @@ std::optional<CorrectedQuery> wholeReading(const QueryOptions& options) {
   if (options.alternatives.size() == 1) return readingOf(options.alternatives.front(), options);
   if (options.alternatives.empty() && options.isGiven) return readingOf(options.query, options);
   if (options.alternatives.empty()) {
-    complain("which QUERY?");
+    complain("which QUERY? (see --help)");
     return std::nullopt;
   }
   CorrectedQuery whole;

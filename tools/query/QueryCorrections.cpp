@@ -50,7 +50,11 @@ class Corrector {
     takeKeywordsAsWords([this](const QueryToken& token) { return hasNoDistance(token); }, "as no distance follows");
     if (keywords == KeywordCase::Upper) {
       takeKeywordsAsWords([this](const QueryToken& token) { return isSmallKeyword(token); }, "");
-    } else if (keywords == KeywordCase::Auto && isSentence()) {
+    } else if (keywords == KeywordCase::Auto) {
+      takeKeywordsAsWords([this](const QueryToken& token) { return isDoubtful(token) && joinsNothing(token); },
+                          "where nothing is to be joined");
+    }
+    if (keywords == KeywordCase::Auto && isSentence()) {
       takeKeywordsAsWords([this](const QueryToken& token) { return isDoubtful(token); },
                           "as in a sentence; in capital letters they are operators");
     }
@@ -113,6 +117,15 @@ class Corrector {
   bool isSmallKeyword(const QueryToken& token) const {
     const std::u16string_view source = sourceOf(token);
     return isKeyword(token) && std::any_of(source.begin(), source.end(), [](unichar c) { return isASCIILowerCase(c); });
+  }
+
+  // At the beginning or the end of the query or of a group, such as "next year" and "why not".
+  bool joinsNothing(const QueryToken& token) const {
+    const Tokens& tokens = _result.tokens;
+    const auto number = static_cast<size_t>(&token - tokens.data());
+    const bool isFirst = number == 0 || tokens[number - 1].kind == QueryTokenKind::Open;
+    const bool isLast = number + 1 == tokens.size() || tokens[number + 1].kind == QueryTokenKind::Close;
+    return isLast || (isFirst && token.kind != QueryTokenKind::Not);
   }
 
   // "near/far"

@@ -40,6 +40,7 @@ class Doubter {
       } else if (token.kind == QueryTokenKind::Word) {
         doubtSet(token);
         doubtForeignSyntax(token);
+        doubtWithin(i);
       }
     }
     return std::move(_doubts);
@@ -173,6 +174,17 @@ class Doubter {
       return say(fmt::format("{} is taken as words in a row; there are no fields", utf8(word)));
     }
     doubtDistance(word);
+  }
+
+  // "within 5 of" and "within 5 words of".
+  void doubtWithin(size_t i) {
+    constexpr std::u16string_view kWithin = u"within";
+    if (i + 2 >= _tokens.size() || !equalsIgnoringASCIICase(_tokens[i].word.view(), kWithin)) return;
+    const std::u16string_view number = _tokens[i + 1].word.view();
+    if (_tokens[i + 1].kind != QueryTokenKind::Word ||
+        !std::all_of(number.begin(), number.end(), isASCIIDigit<unichar>))
+      return;
+    say(fmt::format("within is taken as a word; for the distance: NEAR/{}", utf8(number)));
   }
 
   // "NEAR5" and "w/5".

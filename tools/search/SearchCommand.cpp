@@ -92,6 +92,8 @@ void addSearchCommand(CLI::App& app, int& status) {
   command->add_flag("-v,--invert-match", options->scope.invert, "Find the documents or units that do not match");
   addFormOptions(*command, *options);
   addLineOptions(*command, *options);
+  command->add_flag_callback(
+      "-r,-R,--recursive", [] {}, "Search folders with all below them (the default)");
   addSortOptions(*command, options->sorting);
   addFileOptions(*command, options->files);
   command->add_flag("--files", options->onlyListsFiles, "List the files that would be searched; takes no QUERY");

@@ -1,7 +1,9 @@
 #include "tools/search/SearchHint.h"
 
+#include <fmt/format.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <optional>
 
 #include "tools/documents/DocumentReading.h"
@@ -46,16 +48,32 @@ std::optional<DocumentReasons> reasonsIn(const Document& document, const Prepare
   return DocumentReasons{reasons.size(), false, reasons.front()};
 }
 
+// Files that are not there, where words were typed as arguments of their own; and that there is no file at all.
+std::optional<std::string> reasonOfPaths(const SearchOptions& options, const std::vector<InputFile>& files) {
+  if (files.empty()) return "no file is left to search; -g, -t, --max-filesize and ignore files leave files out";
+  for (const InputFile& file : files) {
+    std::error_code unknown;
+    if (!file.named || file.path == "-" || std::filesystem::exists(file.path, unknown)) continue;
+    if (file.path.starts_with('-')) return file.path + " is taken as a file; options come before --";
+    if (file.path.find_first_of("./") != std::string::npos || !options.query.alternatives.empty()) continue;
+    return fmt::format("{} is taken as a file; several words are one query in quotation marks: '{} {}'", file.path,
+                       options.query.query, file.path);
+  }
+  return std::nullopt;
+}
+
 // That of the document that comes closest to matching; nothing where they are many.
 std::optional<std::string> reasonOfFiles(const PreparedQuery& query, const SearchOptions& options,
                                          const std::vector<InputFile>& files) {
   if (files.size() > kFilesAsked) return std::nullopt;
   std::optional<DocumentReasons> best;
+  size_t documents = 0;
   size_t bytes = 0;
   for (const InputFile& file : files) {
     Complaint complaint;
     const std::optional<Document> document = readDocument(file, options.decoding, complaint);
     if (!document) continue;
+    ++documents;
     bytes += document->bytes.size();
     if (bytes > kBytesAsked && files.size() > 1) return std::nullopt;
     std::optional<DocumentReasons> reasons = reasonsIn(*document, query, options.query.verbatim);
@@ -64,6 +82,11 @@ std::optional<std::string> reasonOfFiles(const PreparedQuery& query, const Searc
     best = std::move(reasons);
   }
   if (!best) return std::nullopt;
+  const std::vector<ExplainedTerm> terms = query.explanation(1);
+  const bool isOneTerm = terms.size() == 2 && terms.back().term->isWord() && !terms.back().term->queryNot();
+  if (documents > 1 && isOneTerm && !best->tellsWhatFinds) {
+    return fmt::format("{} is in none of the {} files", query.terms().standardizedQueryTerm().toUTF8(), documents);
+  }
   return best->first;
 }
 
@@ -75,6 +98,7 @@ bool wantsHints(HintChoice choice) {
 }
 
 std::string hintAbout(const TypedQuery& typed, const SearchOptions& options, const std::vector<InputFile>& files) {
+  if (const auto reason = reasonOfPaths(options, files)) return *reason;
   std::optional<std::string> reason = reasonOfQuery(typed);
   if (!typed.query->terms().isValid()) return reason.value_or("");
   if (!reason) reason = reasonOfFiles(*typed.query, options, files);

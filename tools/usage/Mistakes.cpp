@@ -44,7 +44,28 @@ std::string unknownOption(std::string_view message) {
   return std::string(message.substr(start + 1, message.find_first_of(" =", start + 1) - start - 1));
 }
 
+// What other tools call it.
+constexpr std::pair<std::string_view, std::string_view> kForeignOptions[] = {
+    {"--include", "-g 'GLOB' takes only some files"},
+    {"--exclude", "-g '!GLOB' leaves files out"},
+    {"--exclude-dir", "-g '!FOLDER/' leaves folders out"},
+    {"--regexp", "words, phrases and * ? [a-c] are looked for, no regular expressions"},
+    {"-E", "words, phrases and * ? [a-c] are looked for, no regular expressions"},
+    {"-P", "words, phrases and * ? [a-c] are looked for, no regular expressions"},
+    {"-x", "-F looks for a phrase; it need not be a line"},
+    {"-S", "capital letters count with -s"},
+    {"-Z", "--fuzzy finds similar words, -0 ends names by U+0000"},
+    {"--bool", "AND, OR and NOT are always operators"},
+    {"--near", "write word NEAR/5 word"},
+};
+constexpr std::string_view kForeignCommands[] = {"grep", "find", "query", "rg", "look", "ask"};
+
 std::string suggestionFor(const std::string& option, const CommandEntry& command) {
+  if (command.name == "velan search") {
+    for (const auto& [name, instead] : kForeignOptions) {
+      if (option == name) return fmt::format("; {}", instead);
+    }
+  }
   std::vector<std::string> names;
   for (const OptionEntry& each : command.options) {
     for (const std::string& name : each.longNames) names.push_back("--" + name);
@@ -65,7 +86,9 @@ std::optional<std::string> unknownCommand(const CLI::App& app, const std::vector
     if (called.empty()) {
       std::vector<std::string> names;
       for (const SubcommandEntry& each : entry.subcommands) names.push_back(each.name);
-      const std::string found = nearest(argument, names);
+      const bool isForeign =
+          command == &app && std::ranges::find(kForeignCommands, argument) != std::end(kForeignCommands);
+      const std::string found = isForeign ? "search" : nearest(argument, names);
       return fmt::format("{} has no command {}{} (see {} --help)", entry.name, argument,
                          found.empty() ? "" : fmt::format("; did you mean {}?", found), entry.name);
     }
@@ -79,6 +102,9 @@ std::string describeMistake(const CLI::App& app, const CLI::ParseError& error) {
   const std::string option =
       error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError) ? unknownOption(error.what()) : "";
   std::string message = error.what();
+  if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ValidationError) && command.name == "velan search") {
+    message += "; a query that begins with - comes after --";
+  }
   if (!option.empty()) message = fmt::format("there is no option {}{}", option, suggestionFor(option, command));
   std::replace(message.begin(), message.end(), '\n', ' ');
   return fmt::format("{} (see {} --help)", message, command.name);

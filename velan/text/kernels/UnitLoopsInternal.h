@@ -228,11 +228,17 @@ struct FilterTest {
   }
   template <typename V>
   [[gnu::always_inline]] typename V::Matches block(size_t i) const {
-    const auto at = [&](size_t k) {
-      return matches<UnitFilter::Kind::Ranges>(unitsAt<V>(head.probes[k], text, i), head.probes[k].filter);
-    };
-    const auto first = at(0);
-    return V::bits(first) == 0 ? first : V::both(V::both(first, at(1)), at(2));
+    const auto unitsAtProbe = [&](size_t k) { return unitsAt<V>(head.probes[k], text, i); };
+    const V first = unitsAtProbe(0), second = unitsAtProbe(1), third = unitsAtProbe(2);
+    if (V::bits(V::inverse(V::unionOf(first, second, third) <= V::of(0x7F))) == 0) {
+      const auto different = [&](V units, size_t k) {
+        return units.differing(V::of(head.probes[k].mask), V::of(head.probes[k].bits));
+      };
+      return V::unionOf(different(first, 0), different(second, 1), different(third, 2)) == V::of(0);
+    }
+    const auto at = [&](V units, size_t k) { return matches<UnitFilter::Kind::Ranges>(units, head.probes[k].filter); };
+    const auto found = at(first, 0);
+    return V::bits(found) == 0 ? found : V::both(V::both(found, at(second, 1)), at(third, 2));
   }
   template <typename V>
   size_t reach() const {
@@ -267,6 +273,7 @@ inline size_t sameUnits(const unichar* a, const unichar* b, size_t length) {
   for (; length - i >= 4; i += 4) {
     if (std::memcmp(a + i, b + i, 4 * sizeof(unichar)) != 0) return i;  // compiled to a comparison of two numbers
   }
+  if (length >= 4 && std::memcmp(a + length - 4, b + length - 4, 4 * sizeof(unichar)) == 0) return length;
   while (i < length && a[i] == b[i]) ++i;
   return i;
 }
@@ -315,7 +322,7 @@ NeedlePosition findHeadBy(const unichar* text, size_t positions, const NeedleHea
 /// so that none is mispredicted, and given to `accept` in rising order until it returns true: then nothing is left.
 template <typename V, typename Test, typename Accept>
 [[gnu::noinline]] size_t firstBehindDense(size_t i, size_t count, Test test, Accept accept) {
-  constexpr size_t kBlocks = 32, kFew = 8;
+  constexpr size_t kBlocks = 32, kFew = 4;
   static constexpr auto kOrder = [] {
     std::array<unichar, V::kUnits> order{};
     for (size_t k = 0; k < V::kUnits; ++k) order[k] = static_cast<unichar>(k);
@@ -342,13 +349,13 @@ template <typename V, typename Test, typename Accept>
 template <typename V, typename Test, typename Accept>
 void forEachWhere(size_t count, Test test, Accept accept) {
   if constexpr (kIsVector<V>) {
-    constexpr size_t kMany = 8;
+    constexpr size_t kMany = 4;
     for (size_t i = 0; i < count;) {
       size_t close = 0, last = 0;
       bool isDone = false;
       i = firstWhere<V>(i, count, test, [&](size_t position) {
         isDone = accept(position);
-        close = position - last < 4 * V::kUnits ? close + 1 : 0;
+        close = position - last < 8 * V::kUnits ? close + 1 : 0;
         last = position;
         return isDone || close == kMany;
       });

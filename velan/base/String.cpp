@@ -5,6 +5,7 @@
 #include <new>
 
 #include "velan/base/OutOfMemory.h"
+#include "velan/base/SingleThreadInternal.h"
 #include "velan/base/StringStorageInternal.h"
 #include "velan/base/utf/UTF.h"
 
@@ -51,12 +52,12 @@ bool String::truncate(int64_t length) {
 }
 
 void String::retain() const noexcept {
-  if (_storage) static_cast<Storage*>(_storage)->references.fetch_add(1, std::memory_order_relaxed);
+  if (_storage) addReferences(static_cast<Storage*>(_storage)->references, 1u);
 }
 
 void String::release() noexcept {
   auto* storage = static_cast<Storage*>(std::exchange(_storage, nullptr));
-  if (!storage || storage->references.fetch_sub(1, std::memory_order_acq_rel) != 1) return;
+  if (!storage || removeReference(storage->references) != 1) return;
   String parent(storage->parent);  // a parent is never a slice itself: this goes one level deep at most
   if (storage->freesCharacters) std::free(const_cast<unichar*>(storage->characters));
   storage->~Storage();
@@ -109,7 +110,7 @@ String String::substring(Range range) const {
     return String(view().substr(static_cast<size_t>(piece.location), static_cast<size_t>(piece.length)));
   }
   Header* root = storage->parent ? storage->parent : _storage;
-  static_cast<Storage*>(root)->references.fetch_add(1, std::memory_order_relaxed);
+  addReferences(static_cast<Storage*>(root)->references, 1u);
   auto* slice = static_cast<Storage*>(result._storage);
   slice->characters = storage->characters + piece.location;
   slice->length = piece.length;

@@ -164,6 +164,14 @@ TEST(QueryFilter, PassesWhatOnlyDecodingTells) {
                        StringEncoding::WindowsLatin1));
 }
 
+TEST(QueryFilter, TellsWhatLiteralsAreMadeOf) {
+  const auto filter = QueryFilter::filterWithQuery(*prepared(u"kiosk or été", QueryComparison::IgnoreCase, true));
+  for (const unichar c : std::u16string_view(u"kKıſSéÉtT")) EXPECT_TRUE(filter->mayHold(c)) << uint32_t{c};
+  for (const unichar c : std::u16string_view(u"eEaß-")) EXPECT_FALSE(filter->mayHold(c)) << uint32_t{c};
+  EXPECT_TRUE(filter->mayJoin('s', 'K') && filter->mayJoin(QueryFilter::kEdge, 'K'));
+  EXPECT_FALSE(filter->mayJoin('k', 's') || filter->mayJoin('s', QueryFilter::kEdge));
+}
+
 TEST(ByteSearch, EveryKernelEqualsTheReference) {
   std::mt19937 random(1);
   for (size_t round = 0; round < 2000; ++round) {

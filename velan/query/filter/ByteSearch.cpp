@@ -1,3 +1,7 @@
+#include "velan/query/filter/ByteSearch.h"
+
+#include <algorithm>
+
 #include "velan/query/filter/ByteSearchInternal.h"
 
 namespace velan {
@@ -28,6 +32,11 @@ const Kernels<FindPrint>& findPrintKernels() {
 #endif
   });
   return kernels;
+}
+
+size_t findPrint(std::string_view bytes, size_t from, const PrintTable& table) {
+  static const auto find = findPrintKernels().best();
+  return find(reinterpret_cast<const uint8_t*>(bytes.data()), std::min(from, bytes.size()), bytes.size(), table);
 }
 
 }  // namespace velan

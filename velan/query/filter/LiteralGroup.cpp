@@ -94,6 +94,14 @@ LiteralGroup::LiteralGroup(const std::vector<std::u16string>& literals, const So
   if (_places.empty() && !_literals.empty()) _isSelective = prepareHashes(sources);
 }
 
+void LiteralGroup::addUnits(const SourceUnits& sources, std::vector<bool>& units) const {
+  for (const std::u16string& literal : _literals) {
+    for (const unichar c : literal) {
+      for (const unichar source : sources.of(c)) units[source] = true;
+    }
+  }
+}
+
 void LiteralGroup::addJoins(const SourceUnits& sources, std::vector<bool>& joins) const {
   const auto join = [&joins](const std::bitset<256>& before, const std::bitset<256>& after) {
     for (size_t one = 0; one < 256; ++one) {
@@ -255,10 +263,9 @@ void LiteralGroup::addHash(uint32_t key, size_t literal) {
 }
 
 bool LiteralGroup::isInUTF8(std::string_view text) const {
-  static const auto find = findPrintKernels().best();
   if (!_hashed.empty()) return isInUTF8ByHash(text);
   const auto* bytes = reinterpret_cast<const uint8_t*>(text.data());
-  for (size_t at = 0; (at = find(bytes, at, text.size(), _prints)) < text.size(); ++at) {
+  for (size_t at = 0; (at = findPrint(text, at, _prints)) < text.size(); ++at) {
     const uint8_t kinds = text.size() - at >= kPrintLength ? _prints.kindsAt(bytes + at) : 0xFF;
     for (const Place& place : _places) {
       if ((place.kinds & kinds) != 0 && isAt(text, at, place.literal, place.offset)) return true;

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "velan/base/CTypes.h"
-#include "velan/query/filter/ByteSearchInternal.h"
+#include "velan/query/filter/ByteSearch.h"
 
 namespace velan {
 
@@ -42,6 +42,8 @@ class LiteralGroup {
   /// False when nothing can be told: every text may hold one.
   bool isSelective() const { return _isSelective; }
   bool isInUTF8(std::string_view text) const;
+  /// Marks the units that may stand for one of a literal.
+  void addUnits(const SourceUnits& sources, std::vector<bool>& units) const;
   /// Marks, by two bytes, what may end a character of a literal and begin the next one; 0 stands for an edge.
   void addJoins(const SourceUnits& sources, std::vector<bool>& joins) const;
   bool isInUTF16(std::string_view text, bool bigEndian) const;

@@ -21,13 +21,14 @@ std::vector<std::vector<std::u16string>> literalsOf(const PreparedQuery& query) 
 
 }  // namespace
 
-QueryFilter::QueryFilter(const PreparedQuery& query) : _joins(1 << 16) {
+QueryFilter::QueryFilter(const PreparedQuery& query) : _joins(1 << 16), _units(1 << 16) {
   const auto groups = literalsOf(query);
   const SourceUnits sources(groups, comparisonTable(query.comparison()));
   for (const auto& group : groups) {
     LiteralGroup prepared(group, sources);
     if (!prepared.isSelective()) continue;
     prepared.addJoins(sources, _joins);
+    prepared.addUnits(sources, _units);
     _groups.push_back(std::move(prepared));
   }
 }

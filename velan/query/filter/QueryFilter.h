@@ -40,12 +40,15 @@ class VELAN_EXPORT QueryFilter {
   bool mayJoin(char before, char after) const {
     return _joins[static_cast<size_t>(static_cast<uint8_t>(before)) << 8 | static_cast<uint8_t>(after)];
   }
+  /// Whether some literal may have the unit `c` in a text.
+  bool mayHold(unichar c) const { return _units[c]; }
 
  private:
   explicit QueryFilter(const PreparedQuery& query);
 
   std::vector<LiteralGroup> _groups;
   std::vector<bool> _joins;  // by the two bytes
+  std::vector<bool> _units;
 };
 
 }  // namespace velan

@@ -16,8 +16,9 @@ std::optional<Document> readDocument(const InputFile& file, const DecodingOption
   std::string why = file.trouble;
   std::optional<Document> document;
   if (why.empty() && reader.read(file.path, isWanted, why)) {
-    if (refuses && refuses(reader.bytes(), path)) return std::nullopt;
-    document = decodeDocument(reader.takeBytes(), path, decoding, why);
+    const FileOrigin origin{path, reader.hasAttributes()};
+    if (refuses && refuses(reader.bytes(), origin)) return std::nullopt;
+    document = decodeDocument(reader.takeBytes(), origin, decoding, why);
   } else if (why.empty()) {
     why = kBinaryFile;
   }

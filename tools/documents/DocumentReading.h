@@ -23,8 +23,8 @@ struct Complaint {
 /// are not text as a matter of course, so only of those that were named anything is said.
 std::optional<Document> readDocument(const InputFile& file, const DecodingOptions& decoding, Complaint& complaint);
 
-/// Answers whether nothing is wanted of a file with these bytes; `path` is empty for standard input.
-using Refusal = FunctionRef<bool(std::string_view bytes, const std::string& path)>;
+/// Answers whether nothing is wanted of a file with these bytes.
+using Refusal = FunctionRef<bool(std::string_view bytes, const FileOrigin& file)>;
 
 /// The same, but nothing and no complaint also where `refuses`. The bytes are then left in `reader`, which is there to
 /// be used again for the next file.

@@ -95,11 +95,11 @@ std::optional<Choice> choiceForPage(const Data& data, const String& utf8, const 
   return Choice{page.encoding, isAssumed, std::move(page.text)};
 }
 
-Choice choose(const std::string& bytes, const std::string& path, const DecodingOptions& options, bool isPage) {
+Choice choose(const std::string& bytes, const FileOrigin& file, const DecodingOptions& options, bool isPage) {
   if (options.encoding != StringEncoding::Detect) return {options.encoding};
   const Data data = borrowed(bytes);
   DetectedEncoding found =
-      path.empty() ? detectedEncodingOfData(data) : detectedEncodingOfFile(String::fromUTF8(path), data);
+      file.hasAttributes ? detectedEncodingOfFile(String::fromUTF8(file.path), data) : detectedEncodingOfData(data);
   if (isPage && (found.evidence == EncodingEvidence::None || found.evidence == EncodingEvidence::ValidUTF8)) {
     if (auto choice = choiceForPage(data, found.text, options)) return std::move(*choice);
   }
@@ -141,13 +141,12 @@ StringEncoding likelyEncoding(std::string_view bytes, const DecodingOptions& opt
   return isUTF16 ? StringEncoding::UTF16 : StringEncoding::UTF8;
 }
 
-bool isPlainText(std::string_view bytes, const std::string& path, const DecodingOptions& options) {
-  if (textDiffersFromSource(path, bytes, options)) return false;
+bool isPlainText(std::string_view bytes, const FileOrigin& file, const DecodingOptions& options) {
   if (isUTF16(likelyEncoding(bytes, options))) return !holdsZeroUnit(bytes);
   if (bytes.find('\0') != std::string_view::npos) return false;
   if (options.encoding != StringEncoding::Detect) return true;
   return !beginsWithAny(bytes, kWideBeginnings) && isUTF8(bytes) &&
-         (path.empty() || !hasEncodingAttribute(String::fromUTF8(path)));
+         !(file.hasAttributes && hasEncodingAttribute(String::fromUTF8(file.path)));
 }
 
 bool isBinary(std::string_view head, const std::string& path, const DecodingOptions& options) {
@@ -159,10 +158,10 @@ bool isBinary(std::string_view head, const std::string& path, const DecodingOpti
   return !detects || path.empty() || !hasEncodingAttribute(String::fromUTF8(path));
 }
 
-std::optional<Document> decodeDocument(std::string bytes, const std::string& path, const DecodingOptions& options,
+std::optional<Document> decodeDocument(std::string bytes, const FileOrigin& file, const DecodingOptions& options,
                                        std::string& why) {
-  const bool isPage = textDiffersFromSource(path, bytes, options);
-  Choice choice = choose(bytes, path, options, isPage);
+  const bool isPage = textDiffersFromSource(file.path, bytes, options);
+  Choice choice = choose(bytes, file, options, isPage);
   bool isBinary = !isWide(choice.encoding) && bytes.find('\0') != std::string::npos;
   if (isBinary && !options.binary) {
     why = kBinaryFile;
@@ -173,7 +172,9 @@ std::optional<Document> decodeDocument(std::string bytes, const std::string& pat
     why = "there is not enough memory for its text";
     return std::nullopt;
   }
-  isBinary = isBinary || findCharacter(source, u'\0') != NSNotFound;
+  // UTF-8 has a zero byte where the text has such a unit.
+  const bool isTold = choice.encoding == StringEncoding::UTF8;
+  isBinary = isBinary || (!isTold && findCharacter(source, u'\0') != NSNotFound);
   if (isBinary && !options.binary) {
     why = kBinaryFile;
     return std::nullopt;

@@ -52,6 +52,12 @@ struct Document {
   bool textIsSource() const { return text.isSameObject(source); }
 };
 
+/// What is known of a file besides its bytes.
+struct FileOrigin {
+  std::string path;    // empty for standard input
+  bool hasAttributes;  // whether it may have extended attributes
+};
+
 /// Whether the text of a file is not just what its bytes stand for, so that words may be in it that are not in the
 /// bytes. `path` is empty for standard input.
 bool textDiffersFromSource(const std::string& path, std::string_view bytes, const DecodingOptions& options);
@@ -65,15 +71,14 @@ bool isBinary(std::string_view head, const std::string& path, const DecodingOpti
 /// The encoding that is named, or that of the mark of UTF-16, otherwise UTF-8.
 StringEncoding likelyEncoding(std::string_view bytes, const DecodingOptions& options);
 
-/// Whether the text that `decodeDocument` gives is surely what the bytes stand for in their `likelyEncoding`. `path` is
-/// empty for standard input.
-bool isPlainText(std::string_view bytes, const std::string& path, const DecodingOptions& options);
+/// Whether the source that `decodeDocument` gives of what is no page is surely what the bytes stand for in their
+/// `likelyEncoding`.
+bool isPlainText(std::string_view bytes, const FileOrigin& file, const DecodingOptions& options);
 
 /// Decodes a file in the encoding that is named or detected (see `detectedEncodingOfFile` and, for pages that declare
-/// one, `decodedMarkup`); `path` is where its
-/// extended attributes are, empty for standard input. Malformed parts become U+FFFD. Nothing for a file that is not
-/// text, which shows by a character U+0000, unless such are wanted; `why` then is `kBinaryFile`.
-std::optional<Document> decodeDocument(std::string bytes, const std::string& path, const DecodingOptions& options,
+/// one, `decodedMarkup`), of which its extended attributes may say something. Malformed parts become U+FFFD. Nothing
+/// for a file that is not text, which shows by a character U+0000, unless such are wanted; `why` then is `kBinaryFile`.
+std::optional<Document> decodeDocument(std::string bytes, const FileOrigin& file, const DecodingOptions& options,
                                        std::string& why);
 
 /// Where the sequence of each unit of the document's source begins in its bytes, and where the last one ends. Throws

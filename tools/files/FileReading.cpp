@@ -11,6 +11,8 @@
 #include <mutex>
 #include <utility>
 
+#include "velan/platform/files/ExtendedAttributes.h"
+
 namespace velan::tool {
 namespace {
 
@@ -47,6 +49,7 @@ void rememberStandardInput() { standardInput.isRemembered = true; }
 
 bool FileReader::read(const std::string& path, FunctionRef<bool(std::string_view head)> wants, std::string& why) {
   _length = 0;
+  _hasAttributes = false;
   if (_memory.size() > kMostKept) _memory = std::string();
   if (path == "-") return standardInput.isRemembered ? readRemembered(wants, why) : readFrom(STDIN_FILENO, wants, why);
   const int descriptor = uninterrupted([&] { return open(path.c_str(), O_RDONLY | O_CLOEXEC); });
@@ -55,7 +58,9 @@ bool FileReader::read(const std::string& path, FunctionRef<bool(std::string_view
     ~Closing() { close(descriptor); }
     int descriptor;
   } closing{descriptor};
-  return readFrom(descriptor, wants, why);
+  if (!readFrom(descriptor, wants, why)) return false;
+  _hasAttributes = hasExtendedAttributesOfDescriptor(descriptor);
+  return true;
 }
 
 bool FileReader::readRemembered(FunctionRef<bool(std::string_view head)> wants, std::string& why) {

@@ -22,6 +22,9 @@ class FileReader {
   /// words. Throws `std::bad_alloc`.
   bool read(const std::string& path, FunctionRef<bool(std::string_view head)> wants, std::string& why);
 
+  /// Whether the file that was read has extended attributes, which costs less to ask while it is open.
+  bool hasAttributes() const { return _hasAttributes; }
+
   /// What was read. Valid until the next file is.
   std::string_view bytes() const { return std::string_view(_memory).substr(0, _length); }
   /// The same to keep.
@@ -34,6 +37,7 @@ class FileReader {
 
   std::string _memory;  // its further bytes are left over from other files
   size_t _length = 0;
+  bool _hasAttributes = false;
 };
 
 /// From now on standard input can be read more than once.

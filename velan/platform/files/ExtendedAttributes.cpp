@@ -22,6 +22,7 @@ int set(const char* path, const char* name, const void* value, size_t size) {
 }
 int remove(const char* path, const char* name) { return removexattr(path, name, 0); }
 ssize_t sizeOfNames(const char* path) { return listxattr(path, nullptr, 0, 0); }
+ssize_t sizeOfNames(int descriptor) { return flistxattr(descriptor, nullptr, 0, 0); }
 constexpr int kNone = ENOATTR;
 #elif defined(VELAN_EXTENDED_ATTRIBUTES)
 ssize_t get(const char* path, const char* name, void* value, size_t size) { return getxattr(path, name, value, size); }
@@ -30,6 +31,7 @@ int set(const char* path, const char* name, const void* value, size_t size) {
 }
 int remove(const char* path, const char* name) { return removexattr(path, name); }
 ssize_t sizeOfNames(const char* path) { return listxattr(path, nullptr, 0); }
+ssize_t sizeOfNames(int descriptor) { return flistxattr(descriptor, nullptr, 0); }
 constexpr int kNone = ENODATA;
 #else
 int refused() {
@@ -40,6 +42,7 @@ ssize_t get(const char*, const char*, void*, size_t) { return refused(); }
 int set(const char*, const char*, const void*, size_t) { return refused(); }
 int remove(const char*, const char*) { return refused(); }
 ssize_t sizeOfNames(const char*) { return refused(); }
+ssize_t sizeOfNames(int) { return refused(); }
 constexpr int kNone = ENOTSUP;
 #endif
 
@@ -64,6 +67,8 @@ bool hasExtendedAttributes(const String& path) {
   const auto file = fileSystemPath(path, error);
   return file && sizeOfNames(file->c_str()) > 0;
 }
+
+bool hasExtendedAttributesOfDescriptor(int descriptor) { return sizeOfNames(descriptor) > 0; }
 
 bool setExtendedAttribute(const String& path, const char* name, std::string_view value) {
   FileError error;

@@ -19,6 +19,9 @@ VELAN_EXPORT std::optional<std::string> extendedAttribute(const String& path, co
 /// each name.
 VELAN_EXPORT bool hasExtendedAttributes(const String& path);
 
+/// The same of an open file.
+VELAN_EXPORT bool hasExtendedAttributesOfDescriptor(int descriptor);
+
 /// False when the file or its volume refuses the attribute.
 VELAN_EXPORT bool setExtendedAttribute(const String& path, const char* name, std::string_view value);
 

@@ -1,6 +1,9 @@
 #include "tools/Console.h"
 
+#include <unistd.h>
+
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -38,7 +41,17 @@ bool print(std::string_view text) {
   return checkOutput(std::fwrite(text.data(), 1, text.size(), stdout) == text.size());
 }
 
-bool printNow(std::string_view text) { return print(text) && checkOutput(std::fflush(stdout) == 0); }
+bool showPrinted() {
+  using Clock = std::chrono::steady_clock;
+  static const bool isTerminal = isatty(STDOUT_FILENO) == 1;
+  static Clock::time_point due;
+  if (!isTerminal) {
+    const Clock::time_point now = Clock::now();
+    if (now < due) return outputError == 0;
+    due = now + std::chrono::milliseconds(50);
+  }
+  return checkOutput(std::fflush(stdout) == 0);
+}
 
 int finishOutput(int status) {
   errno = EIO;

@@ -23,8 +23,10 @@ std::string counted(uint64_t count, std::string_view unit);
 /// Writes to standard output; false when that has failed, now or before: then nobody reads any more, or the disk is
 /// full.
 bool print(std::string_view text);
-/// The same, and what was written reaches its reader at once.
-bool printNow(std::string_view text);
+/// What was printed reaches its reader: a terminal at once, others when it was not done for a twentieth of a second,
+/// because each time costs more than a small file. To be called now and then. False when writing has failed, now or
+/// before.
+bool showPrinted();
 /// For the end of the program: writes what is left. Returns `status`, or `Trouble` after a complaint when output was
 /// lost. A reader that has gone away, such as `head`, is no trouble.
 int finishOutput(int status);

@@ -27,13 +27,23 @@ class OnExit {
   Function _function;
 };
 
+/// The same as `workInOrder` below for one thread, which is this one.
+template <typename Work, typename Take>
+void workAlone(size_t count, Work work, Take take) {
+  for (size_t i = 0; i < count; ++i) {
+    auto result = work(i);
+    if (!take(i, result)) return;
+  }
+}
+
 /// Calls `work(i)` for each `i` below `count` on `threads` threads, and `take(i, result)` on this one in the order of
 /// `i`, until it returns false. A result that `hurries(result)` is taken as soon as its turn comes, others when there
 /// are some, because waking this thread takes longer than many a piece of work. `wait()` is called about ten times a
 /// second while nothing can be taken. Threads run ahead by a bounded number of results only. What `work` throws is
-/// thrown here.
+/// thrown here. A single thread is this one; `wait` is not called then.
 template <typename Work, typename Hurries, typename Take, typename Wait>
 void workInOrder(size_t count, size_t threads, Work work, Hurries hurries, Take take, Wait wait) {
+  if (threads == 1) return workAlone(count, std::move(work), std::move(take));
   using Result = decltype(work(size_t{}));
   const size_t window = 64 * threads;
   std::mutex mutex;

@@ -1,4 +1,8 @@
 // The command "search".
+#if __has_include(<malloc.h>)
+#include <malloc.h>
+#endif
+
 #include <algorithm>
 #include <chrono>
 #include <thread>
@@ -77,9 +81,12 @@ class Search {
           taken = static_cast<int64_t>(number) + 1;
           if (outcome.isToBeSeen()) progress.hide();
           progress.show(taken, total);
-          return take(outcome);
+          return take(outcome) && showPrinted();
         },
-        [&] { progress.show(taken, total); });
+        [&] {
+          progress.show(taken, total);
+          showPrinted();
+        });
     progress.hide();
   }
 
@@ -103,7 +110,7 @@ class Search {
       return _options.sorting.reversed ? a.hits < b.hits : a.hits > b.hits;
     });
     for (const KeptOutput& each : _kept) {
-      if (!printOutput(each.text)) return;
+      if (!printOutput(each.text) || !showPrinted()) return;
     }
   }
 
@@ -113,7 +120,7 @@ class Search {
     const bool hasContext = showsLines && _style.before + _style.after > 0;
     if (_hasOutput && _style.withPath) print(hasHeading ? "\n" : hasContext ? "--\n" : "");
     _hasOutput = true;
-    return printNow(text);
+    return print(text);
   }
 
   const SearchOptions& _options;
@@ -128,6 +135,14 @@ class Search {
   bool _trouble = false;
   bool _hasOutput = false;
 };
+
+// Texts of all sizes come and go. Memory that is given back between them must be asked for, and cleared, again.
+void keepFreedMemory() {
+#ifdef __GLIBC__
+  mallopt(M_MMAP_THRESHOLD, 32 << 20);
+  mallopt(M_TRIM_THRESHOLD, 256 << 20);
+#endif
+}
 
 int listFiles(const std::vector<InputFile>& files, const LineStyle& style) {
   bool hasTrouble = false;
@@ -145,6 +160,7 @@ int listFiles(const std::vector<InputFile>& files, const LineStyle& style) {
 }  // namespace
 
 int runSearch(const SearchOptions& options) {
+  keepFreedMemory();
   FileSelection selection = options.files;
   const auto typed = options.onlyListsFiles ? std::nullopt : makeQuery(options.query);
   if (!typed && !options.onlyListsFiles) return Trouble;

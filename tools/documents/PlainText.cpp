@@ -7,6 +7,7 @@
 
 #include "velan/base/MutableString.h"
 #include "velan/base/utf/UTF.h"
+#include "velan/query/filter/ByteSearch.h"
 #include "velan/text/editing/Ligatures.h"
 #include "velan/text/editing/Normalization.h"
 
@@ -52,7 +53,7 @@ constexpr uint16_t isIn(unichar c) {
   (std::make_index_sequence<std::size(kRanges)>());
 }
 
-uint16_t isUnusual(unichar c) {
+uint16_t isUnusualUnit(unichar c) {
   return isIn<kComposing>(c) | isIn<kFullWidth>(c) | isIn<kLigatures>(c) | isIn<kSoftHyphens>(c);
 }
 
@@ -66,7 +67,7 @@ bool anyIn(const unichar* block, Holds holds) {
 
 bool holdsUnusual(const unichar* block) {
   return anyIn(block, [](unichar c, unichar) { return isIn<kSuspicious>(c); }) &&
-         anyIn(block, [](unichar c, unichar) { return isUnusual(c); });
+         anyIn(block, [](unichar c, unichar) { return isUnusualUnit(c); });
 }
 
 bool isASCII(const unichar* block) {
@@ -81,6 +82,45 @@ void addSpellingOfBlock(const unichar* block, Spelling& spelling) {
   spelling.unusual |= holdsUnusual(block);
 }
 
+// Alike prints are of one kind.
+unsigned kindOfPrint(const BytePrint& print) {
+  const auto begins = [&print](uint8_t first) { return print[0][first]; };
+  if (begins('-') || begins(0xCC) || begins(0xCD)) return 0;
+  if (begins(0xC2) || begins(0xC4)) return 1;
+  if (begins(0xC3)) return 2;
+  if (begins(0xC5) || begins(0xD9)) return 3;
+  if (begins(0xE0) || begins(0xE1)) return 4;
+  if (begins(0xE3)) return 5;
+  const bool isWide = begins(0xEF) && (print[1][0xBC] || print[1][0xBD]);
+  return isWide ? 6 : 7;
+}
+
+void addPrintOf(unichar c, PrintTable& prints) {
+  char bytes[kMaxUTF8BytesPerUnit];
+  const size_t length = convertUTF16ToUTF8({&c, 1}, bytes).written;
+  BytePrint print;
+  for (size_t i = 0; i < kPrintLength; ++i) i < length ? print[i].set(static_cast<uint8_t>(bytes[i])) : print[i].set();
+  if (c == u'-') print[1].reset().set('\n').set('\r');
+  prints.add(print, kindOfPrint(print));
+}
+
+template <const auto& kRanges>
+void addPrintsOf(PrintTable& prints) {
+  for (const UnitRange& range : kRanges) {
+    for (uint32_t c = range.first; c <= range.last; ++c) addPrintOf(static_cast<unichar>(c), prints);
+  }
+}
+
+PrintTable spellingPrints() {
+  PrintTable prints;
+  addPrintsOf<kComposing>(prints);
+  addPrintsOf<kFullWidth>(prints);
+  addPrintsOf<kLigatures>(prints);
+  addPrintsOf<kJoinedLetters>(prints);
+  addPrintsOf<kHyphens>(prints);
+  return prints;
+}
+
 class PlainTextBuilder {
  public:
   explicit PlainTextBuilder(const String& text) : _source(text.view()) {}
@@ -90,7 +130,7 @@ class PlainTextBuilder {
       if (i % kBlock == 0 && _source.size() - i > kBlock && !holdsUnusual(_source.data() + i)) {
         i += kBlock;
       } else {
-        i = isUnusual(_source[i]) ? rewrite(i) : i + 1;
+        i = isUnusualUnit(_source[i]) ? rewrite(i) : i + 1;
       }
     }
     copyUntil(_source.size());
@@ -154,6 +194,10 @@ class PlainTextBuilder {
 
 }  // namespace
 
+bool isUnusual(unichar c) { return isUnusualUnit(c) != 0; }
+
+bool isComposing(unichar c) { return isIn<kComposing>(c) != 0; }
+
 bool isJoinedLetter(unichar c) { return isIn<kJoinedLetters>(c) != 0; }
 
 std::u16string withoutJoinedLetters(std::u16string_view text) {
@@ -192,20 +236,42 @@ Spelling spellingOf(std::u16string_view text) {
   return spelling;
 }
 
+size_t findOtherSpellingInUTF8(std::string_view text, size_t from) {
+  static const PrintTable kPrints = spellingPrints();
+  return findPrint(text, from, kPrints);
+}
+
+// What is written at `at`, a place of other spelling.
+void addSpellingAt(std::string_view text, size_t at, Spelling& spelling) {
+  const auto [c, length] = unitInUTF8(text, at);
+  const size_t behind = at + length;
+  const bool endsLine = behind < text.size() && (text[behind] == '\n' || text[behind] == '\r');
+  spelling.lineEndHyphens |= endsLine && isIn<kHyphens>(c) != 0 && at > 0 && text[at - 1] != '-';
+  spelling.joinedLetters |= isIn<kJoinedLetters>(c) != 0;
+  spelling.unusual |= isUnusualUnit(c) != 0;
+}
+
 Spelling spellingOfUTF8(std::string_view text) {
-  constexpr size_t kPiece = 4096;
-  constexpr size_t kOverlap = 8;  // holds a hyphen and what follows, also where the piece begins inside a character
-  unichar units[kPiece];
   Spelling spelling;
-  for (;;) {
-    const std::string_view piece = text.substr(0, kPiece);
-    const Spelling found = spellingOf({units, convertUTF8ToUTF16Lossy(piece, units)});
-    spelling.unusual |= found.unusual;
-    spelling.joinedLetters |= found.joinedLetters;
-    spelling.lineEndHyphens |= found.lineEndHyphens;
-    if (piece.size() == text.size()) return spelling;
-    text.remove_prefix(kPiece - kOverlap);
+  size_t at = findOtherSpellingInUTF8(text, 0);
+  for (; at < text.size() && !spelling.isAnything(); at = findOtherSpellingInUTF8(text, at + 1)) {
+    addSpellingAt(text, at, spelling);
   }
+  return spelling;
+}
+
+UnitInUTF8 unitInUTF8(std::string_view text, size_t at) {
+  const auto byteAt = [&](size_t i) { return i < text.size() ? static_cast<uint8_t>(text[i]) : uint8_t{0}; };
+  const auto follows = [&](size_t i) { return (byteAt(i) & 0xC0) == 0x80; };
+  const unsigned first = byteAt(at);
+  if (first < 0x80) return {static_cast<unichar>(first), 1};
+  if (first >= 0xC2 && first < 0xE0 && follows(at + 1)) {
+    return {static_cast<unichar>((first & 0x1F) << 6 | (byteAt(at + 1) & 0x3Fu)), 2};
+  }
+  if (first >= 0xE0 && first < 0xF0 && follows(at + 1) && follows(at + 2)) {
+    return {static_cast<unichar>((first & 0xF) << 12 | (byteAt(at + 1) & 0x3Fu) << 6 | (byteAt(at + 2) & 0x3Fu)), 3};
+  }
+  return {0xFFFD, 1};
 }
 
 MappedText plainText(const String& text) {

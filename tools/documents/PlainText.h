@@ -21,13 +21,18 @@ struct Spelling {
   bool lineEndHyphens = false;
 
   bool isPlain() const { return !unusual && !joinedLetters && !lineEndHyphens; }
+  bool isAnything() const { return unusual && joinedLetters && lineEndHyphens; }
 };
 
 /// Goes through the text once, some units at a time.
 Spelling spellingOf(std::u16string_view text);
-/// The same of UTF-8; what is malformed may count as anything.
+/// The same of the text that well-formed UTF-8 stands for.
 Spelling spellingOfUTF8(std::string_view text);
 
+/// Whether `c` is one of the units that make a spelling unusual.
+bool isUnusual(unichar c);
+/// Whether it is one of those that are composed with the unit before it.
+bool isComposing(unichar c);
 /// Whether `c` is one of the letters that many write as two.
 bool isJoinedLetter(unichar c);
 /// The text with each of these as two: ß as ss. Throws `std::bad_alloc`.
@@ -36,6 +41,16 @@ std::u16string withoutJoinedLetters(std::u16string_view text);
 bool isLineEndHyphen(std::u16string_view text, size_t index);
 /// The first place at or after `index` with one or the other; the length of the text if there is none.
 size_t findOtherSpelling(std::u16string_view text, size_t index);
+/// A place in UTF-8 that is not behind the first one at or after `from` where an unusual unit, a joined letter or a
+/// hyphen before a line end begins; one of the last two bytes or the length of the text where there is none.
+size_t findOtherSpellingInUTF8(std::string_view text, size_t from);
+
+/// One unit of UTF-8, and of how many bytes it is. U+FFFD and one byte for what is malformed or a pair.
+struct UnitInUTF8 {
+  unichar unit;
+  size_t length;
+};
+UnitInUTF8 unitInUTF8(std::string_view text, size_t at);
 
 /// A text, and where its units stand in another one.
 struct MappedText {

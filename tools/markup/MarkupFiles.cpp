@@ -20,7 +20,11 @@ std::string inLowerCase(std::string_view text) {
 // The beginning in lower case, without byte-order mark, white space and comments. Zero bytes go, which makes ASCII of
 // the ASCII in UTF-16 and UTF-32.
 std::string beginningOf(std::string_view bytes) {
-  std::string text = inLowerCase(bytes.substr(0, kBytesLookedAt));
+  using namespace std::string_view_literals;
+  bytes = bytes.substr(0, kBytesLookedAt);
+  const size_t first = bytes.find_first_not_of("\xEF\xBB\xBF\xFF\xFE\0 \t\r\n\f"sv);
+  if (first == std::string_view::npos || bytes[first] != '<') return {};
+  std::string text = inLowerCase(bytes);
   std::erase(text, '\0');
   size_t start = 0;
   for (const std::string_view mark : {"\xEF\xBB\xBF", "\xFF\xFE", "\xFE\xFF"}) {

@@ -223,6 +223,14 @@ class TextBuilder {
 
 }  // namespace
 
+bool isInLine(std::string_view name) {
+  unichar lower[kLongestName + 1];
+  const size_t length = std::min(name.size(), std::size(lower));
+  std::ranges::transform(name.substr(0, length), lower,
+                         [](char c) { return static_cast<unichar>(toASCIILower(static_cast<unsigned char>(c))); });
+  return effectOf({lower, length}) == Effect::Nothing;
+}
+
 MarkupText textOfMarkup(const String& markup) { return TextBuilder(markup).build(); }
 
 DecodedMarkup decodePage(const std::string& path, const Data& contents) {

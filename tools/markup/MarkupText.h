@@ -3,6 +3,7 @@
 #define VELAN_TOOLS_MARKUP_MARKUP_TEXT_H
 
 #include <string>
+#include <string_view>
 
 #include "tools/documents/SourceMap.h"
 #include "velan/base/String.h"
@@ -22,6 +23,9 @@ struct MarkupText {
 /// paragraphs, headings, lists and tables leave an empty one; cells of a row are separated by a tab. White space
 /// becomes one space, except in "pre". Throws `std::bad_alloc`.
 MarkupText textOfMarkup(const String& markup);
+
+/// Whether tags of this name, ASCII in any case, leave no trace in the text. All others at least end a line.
+bool isInLine(std::string_view name);
 
 /// A page or another markup file as `decodedMarkupOfFile` reads it; what nothing tells about is UTF-8 where that fits,
 /// otherwise Windows-1252. `path` is "-" for standard input.

@@ -166,9 +166,16 @@ WordReadings::WordReadings(const PreparedQuery& query, bool verbatim)
     : _verbatim(verbatim), _words(verbatim ? nullptr : QueryWords::wordsOf(query)) {}
 
 SearchedText WordReadings::read(const String& text) const {
+  return _verbatim ? SearchedText(text) : read(text, spellingOf(text.view()));
+}
+
+SearchedText WordReadings::read(const Document& document) const {
+  const bool isInBytes = document.textIsSource() && document.encoding == StringEncoding::UTF8;
+  return _verbatim || !isInBytes ? read(document.text) : read(document.text, spellingOfUTF8(document.bytes));
+}
+
+SearchedText WordReadings::read(const String& text, const Spelling& spelling) const {
   SearchedText searched(text);
-  if (_verbatim) return searched;
-  const Spelling spelling = spellingOf(text.view());
   if (spelling.unusual) {
     MappedText plain = plainText(text);
     searched._text = std::move(plain.text);

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tools/documents/PlainText.h"
+#include "tools/documents/TextDecoding.h"
 #include "tools/query/QueryWords.h"
 #include "velan/query/PreparedQuery.h"
 
@@ -44,8 +45,12 @@ class WordReadings {
 
   /// Throws `std::bad_alloc`.
   SearchedText read(const String& text) const;
+  /// Of the document's text.
+  SearchedText read(const Document& document) const;
 
  private:
+  SearchedText read(const String& text, const Spelling& spelling) const;
+
   const bool _verbatim;
   const std::unique_ptr<const QueryWords> _words;  // null when there are none
 };

@@ -3,10 +3,12 @@
 #define VELAN_TOOLS_SEARCH_DOCUMENT_FILTER_H
 
 #include <memory>
-#include <string>
+#include <optional>
 #include <string_view>
 
+#include "tools/search/PageFilter.h"
 #include "tools/search/SearchOptions.h"
+#include "tools/search/SpellingFilter.h"
 #include "velan/query/filter/QueryFilter.h"
 
 namespace velan::tool {
@@ -18,17 +20,16 @@ class DocumentFilter {
   DocumentFilter(const SearchOptions& options, const PreparedQuery& query);
 
   /// Whether the query surely matches nowhere in the text of a file with these bytes. False also for what is no text,
-  /// and where only the text can tell, as in pages.
-  bool refuses(std::string_view bytes, const std::string& path) const;
+  /// and where only the text can tell.
+  bool refuses(std::string_view bytes, const FileOrigin& file) const;
 
  private:
-  bool mayBeReadOtherwise(std::string_view bytes, StringEncoding encoding) const;
-  bool mayJoinLines(std::string_view utf8) const;
-  bool mayHoldJoinedLetters() const;
+  bool mayFindElsewhere(std::string_view bytes, bool isPage) const;
 
   const SearchOptions& _options;
-  std::unique_ptr<const QueryFilter> _filter;  // null when it can refuse nothing
-  bool _holdsJoinedLetters = false;            // words may be found in what letters such as ß stand for
+  std::unique_ptr<const QueryFilter> _literals;  // null when it can refuse nothing
+  std::optional<SpellingFilter> _spelling;       // as the others where there are literals
+  std::optional<PageFilter> _pages;
 };
 
 }  // namespace velan::tool

@@ -27,8 +27,8 @@ Outcome FileSearch::search(const InputFile& file) const {
   Outcome outcome;
   Complaint& complaint = outcome.complaint;
   try {
-    const auto refuses = [this](std::string_view bytes, const std::string& path) {
-      return _filter.refuses(bytes, path);
+    const auto refuses = [this](std::string_view bytes, const FileOrigin& origin) {
+      return _filter.refuses(bytes, origin);
     };
     const auto document = readDocument(file, _options.decoding, refuses, reader, complaint);
     if (document) return searchText(displayName(file.path), *document);
@@ -49,7 +49,7 @@ Outcome FileSearch::searchText(const std::string& name, const Document& document
   if (document.assumed) outcome.assumedName = name;
   outcome.counts.documents = 1;
   outcome.counts.bytes = document.bytes.size();
-  const SearchedText searched = _readings.read(document.text);
+  const SearchedText searched = _readings.read(document);
   SearchScope scope = _options.scope;
   scope.allOccurrences |= _options.output == SearchOutput::JSON;
   DocumentSearch search(document, searched, _query, _failed, scope);

@@ -2,6 +2,7 @@
 #include "velan/query/QueryMatching.h"
 #include "velan/query/WordFinder.h"
 #include "velan/query/words/FastWordEnumerator.h"
+#include "velan/text/ConversionTables.h"
 #include "velan/wildcard/WildcardMatching.h"
 
 namespace velan {
@@ -72,6 +73,54 @@ TEST(WordFinder, FindsLongPhrases) {
         isPresent(FindWildcardStringInCharacters(*enumerator, rest, phrase, QueryComparison::Exact, true, true, true)));
   }
   EXPECT_GT(found, 60);
+}
+
+// In ranges that cut words off, with runs that a dictionary divides, and with words longer than what is searched at
+// once.
+TEST(WordFinder, FindsSimilarWords) {
+  const std::u16string_view words[] = {u"semaphore ",
+                                       u"semaphroe, ",
+                                       u"SEMAPHORES ",
+                                       u"sem ",
+                                       u"a ",
+                                       u"temper ",
+                                       u"\u65E5\u672C\u8A9E\u306E",
+                                       u"\u6771\u4EAC\u90FD ",
+                                       u"semaphor\u65E5\u672C"};
+  const String patterns[] = {u"semaphroe"_s, u"\u65E5\u672C"_s, u"a"_s};
+  Chance chance(8);
+  int count = 0;
+  FastWordEnumerator::setSplitAsianWords(true);
+  for (int round = 0; round < 60; ++round) {
+    std::u16string units = chance.text(round % 3 ? 300 : 10, words);
+    if (round % 7 == 0) units.insert(chance.below(units.size()), 6000, u'a');
+    const bool ignoresCase = round % 2 == 0;
+    const auto divided = FastWordEnumerator::enumeratorWithString(units, ignoresCase, false);
+    const auto onDemand = FastWordEnumerator::enumeratorDividingOnDemand(units, ignoresCase);
+    const std::u16string pattern(chance.oneOf(patterns).view());
+    std::u16string mapped = pattern;
+    if (ignoresCase) std::ranges::transform(mapped, mapped.begin(), [](unichar c) { return upperCharsTable()[c]; });
+    const auto start = static_cast<int64_t>(chance.below(round % 4 ? 5 : 600));
+    const Range range{start, divided->length() - start - static_cast<int64_t>(chance.below(9))};
+    int64_t from = range.location;
+    const auto next = [&] {
+      const Range rest{from, endOf(range) - from};
+      return FindWildcardStringInCharacters(*onDemand, rest, pattern, QueryComparison::Fuzzy, true, true, true);
+    };
+    int64_t index = std::max<int64_t>(range.location, 0);
+    for (Range word; isPresent(word = divided->enumerateNextWordAtIndex(&index)) && endOf(word) <= endOf(range);) {
+      if (!(stringMatchesUnixWildcardFuzzy(mapped.data(), mapped.size(), divided->characters() + word.location,
+                                           static_cast<size_t>(word.length)) >= 0.75)) {
+        continue;
+      }
+      ASSERT_EQ(next(), word) << round;
+      from = endOf(word);
+      ++count;
+    }
+    ASSERT_FALSE(isPresent(next())) << round;
+  }
+  FastWordEnumerator::setSplitAsianWords(false);
+  EXPECT_GT(count, 1000);
 }
 
 TEST(QueryMatching, NothingIsRelatedInAnEmptyRange) {

@@ -10,10 +10,11 @@
 namespace velan {
 namespace {
 
-// Whether `count` units of `length` may be as much as `least`: a little less is let through, so that it does not matter
-// how the numbers are rounded.
+// A little less than what is wanted is let through, so that it does not matter how the numbers are rounded.
+constexpr double kRounding = 1 - 1e-9;
+
+// Whether `count` units of `length` may be as much as `least`.
 bool mayBeEnough(size_t count, size_t length, double least) {
-  constexpr double kRounding = 1 - 1e-9;
   return static_cast<double>(count) >= least * static_cast<double>(length) * kRounding;
 }
 
@@ -40,19 +41,41 @@ double PreparedSimilarity::similarity(std::u16string_view word) const {
   return stringMatchesUnixWildcardFuzzyUsingUnicharTable(_word.data(), _word.size(), word.data(), word.size(), _table);
 }
 
+// Through the table, of at most `kMostShortUnits` units.
+std::u16string_view PreparedSimilarity::mapped(std::u16string_view word, unichar* room) const {
+  if (!_table) return word;
+  std::ranges::transform(word, room, [this](unichar c) { return _table[c]; });
+  return {room, word.size()};
+}
+
 // A similarity is at most the share of units that can be paired, and no more can be than both words have.
 bool PreparedSimilarity::isSimilar(std::u16string_view word, double least) const {
   const auto [shorter, longer] = std::minmax({_word.size(), word.size()});
   if (!mayBeEnough(shorter, longer, least)) return false;
   if (longer > kMostShortUnits) return similarity(word) >= least;
-  unichar mapped[kMostShortUnits];
-  if (_table) {
-    std::ranges::transform(word, mapped, [this](unichar c) { return _table[c]; });
-    word = {mapped, word.size()};
-  }
+  unichar room[kMostShortUnits];
+  word = mapped(word, room);
   const WordKernels& kernels = wordKernels();
   return mayBeEnough(kernels.countUnits(word, _different), longer, least) &&
          similarityFromPairs(kernels.pair(_mapped, word), longer) >= least;
+}
+
+PreparedSimilarity::Lengths PreparedSimilarity::similarLengths(double least) const {
+  constexpr double kMost = 1e15;
+  if (least <= 0) return {0, SIZE_MAX};
+  if (!(least > 0)) return {1, 0};
+  const auto length = static_cast<double>(_word.size());
+  return {static_cast<size_t>(std::min(length * least * kRounding, kMost)),
+          static_cast<size_t>(std::min(length / (least * kRounding), kMost))};
+}
+
+bool PreparedSimilarity::mayHoldSimilar(std::u16string_view run, double least) const {
+  unichar room[kMostShortUnits];
+  size_t count = 0;
+  for (size_t i = 0; i < run.size(); i += kMostShortUnits) {
+    count += wordKernels().countUnits(mapped(run.substr(i, kMostShortUnits), room), _different);
+  }
+  return mayBeEnough(count, _word.size(), least);
 }
 
 void PreparedSimilarity::compareWords(std::span<const std::u16string_view> words, double* similarities) const {
@@ -61,7 +84,8 @@ void PreparedSimilarity::compareWords(std::span<const std::u16string_view> words
 
 void PreparedSimilarity::findSimilarWords(std::span<const std::u16string_view> words, double least,
                                           bool* similar) const {
-  for (const std::u16string_view word : words) *similar++ = isSimilar(word, least);
+  const Lengths lengths = similarLengths(least);
+  for (const std::u16string_view word : words) *similar++ = lengths.contain(word.size()) && isSimilar(word, least);
 }
 
 }  // namespace velan

@@ -16,6 +16,11 @@ namespace velan {
 /// changes, so it may be used in several threads.
 class PreparedSimilarity {
  public:
+  struct Lengths {
+    bool contain(size_t length) const { return length >= shortest && length <= longest; }
+    size_t shortest, longest;
+  };
+
   /// As `stringMatchesUnixWildcardFuzzyUsingUnicharTable`: all words go through the table, which has 65,536 entries and
   /// is borrowed; null compares exactly. Null when memory runs out.
   VELAN_EXPORT static std::unique_ptr<const PreparedSimilarity> preparedSimilarity(std::u16string_view word,
@@ -25,6 +30,10 @@ class PreparedSimilarity {
   VELAN_EXPORT double similarity(std::u16string_view word) const;
   /// Whether the similarity is at least `least`; never when either is not a number.
   VELAN_EXPORT bool isSimilar(std::u16string_view word, double least) const;
+  /// Which lengths words that are similar may have.
+  VELAN_EXPORT Lengths similarLengths(double least) const;
+  /// False when no part of `run` can be similar, as it has too few units of the word.
+  VELAN_EXPORT bool mayHoldSimilar(std::u16string_view run, double least) const;
   /// The similarity of each of `words`; `similarities` has room for as many.
   VELAN_EXPORT void compareWords(std::span<const std::u16string_view> words, double* similarities) const;
   /// Whether each of `words` is similar; `similar` has room for as many answers.
@@ -32,6 +41,8 @@ class PreparedSimilarity {
 
  private:
   PreparedSimilarity(std::u16string_view word, const unichar* table);
+
+  std::u16string_view mapped(std::u16string_view word, unichar* room) const;
 
   std::u16string _word;
   const unichar* _table;

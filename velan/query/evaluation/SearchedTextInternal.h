@@ -91,6 +91,9 @@ class SearchedText {
   int64_t wordStartFrom(int64_t location) const {
     return std::min(_words.locationOfNextWordFromIndex(location, _length), _length);
   }
+  using Run = FastWordEnumerator::Run;
+  /// Calls `hand` with each word or run of words in `range`, which may cut the first and the last one off.
+  void handRuns(Range range, FunctionRef<void(const Run& run)> hand) const { _words.handRuns(range, hand); }
   /// Whether a dictionary may divide `run`, which holds no separators.
   bool isDivided(Range run) const { return _mayBeDivided && holdsEastAsian(run); }
   /// Whether the units of `range` are those of `literal`.

@@ -244,6 +244,13 @@ bool WordPattern::isSimilar(const Piece& piece, const SearchedText& text, Range 
   return similarity >= threshold;
 }
 
+std::unique_ptr<const PreparedSimilarity> WordPattern::preparedSimilarity(const Piece& piece,
+                                                                          const SearchedText& text) {
+  auto prepared = PreparedSimilarity::preparedSimilarity(piece.units, text.table());
+  if (!prepared) throw std::bad_alloc();
+  return prepared;
+}
+
 bool WordPattern::matches(const Piece& piece, const SearchedText& text, Range word) {
   if (piece.type == WildcardTypeExact && piece.fuzzy) return isSimilar(piece, text, word);
   if (word.length < piece.minLength || word.length > piece.maxLength) return false;

@@ -2,6 +2,7 @@
 #ifndef VELAN_QUERY_EVALUATION_WORD_PATTERN_INTERNAL_H
 #define VELAN_QUERY_EVALUATION_WORD_PATTERN_INTERNAL_H
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -9,6 +10,7 @@
 #include "velan/base/Range.h"
 #include "velan/query/QueryExplanation.h"
 #include "velan/query/evaluation/PatternProbesInternal.h"
+#include "velan/wildcard/PreparedSimilarity.h"
 
 namespace velan {
 
@@ -93,6 +95,8 @@ class WordPattern {
   static Piece literalPiece(std::u16string word);
   static bool matches(const Piece& piece, const SearchedText& text, Range word);
   static bool isSimilar(const Piece& piece, const SearchedText& text, Range word);
+  // To words of the text. Throws `std::bad_alloc`.
+  static std::unique_ptr<const PreparedSimilarity> preparedSimilarity(const Piece& piece, const SearchedText& text);
   static std::u16string_view literalOf(const Piece& piece);
   static std::u16string_view longestRunOf(const Piece& piece);
   static Anchor anchorAt(const Piece& piece, std::u16string_view run, Literal literal);

@@ -28,14 +28,49 @@ WordSearch::WordSearch(const WordPattern& pattern, const SearchedText& text, Ran
       _anchor(pattern._anchor ? &*pattern._anchor : nullptr),
       _mayStandForSeveral(text.mayBeDivided() && _piece.type != WildcardTypeExact && !_piece.standsForAnyWord) {
   if (_anchor) _hits.emplace(_anchor->literal, text, range);
+  if (_piece.type != WildcardTypeExact || !_piece.fuzzy) return;
+  _similarity = WordPattern::preparedSimilarity(_piece, text);
+  _leastSimilarity = minWildcardFuzzyAnalogy();
+  _similarLengths = _similarity->similarLengths(_leastSimilarity);
 }
 
 // The places around the next hits of the anchor, or in the next word.
 bool WordSearch::searchOn(std::vector<Range>& found) {
   if (_hits) return _hits->visitNext(_location, found, [&](int64_t hit) { searchAt(hit, found); });
+  if (_similarity) return searchSimilar(found);
   const Range word = _text.firstWordIn(_location, _end);
   if (!isPresent(word)) return false;
   searchWord(word, WordPattern::matches(_piece, _text, word), found);
+  return true;
+}
+
+// The similar words in the next stretch of text. A run is only divided when a word in it may be similar.
+bool WordSearch::searchSimilar(std::vector<Range>& found) {
+  if (_location >= _end) return false;
+  const int64_t stretchEnd = _stretch < _end - _location ? _location + _stretch : _end;
+  int64_t next = stretchEnd;
+  const auto unitsOf = [this](Range range) {
+    return std::u16string_view(_text.units() + range.location, static_cast<size_t>(range.length));
+  };
+  const auto addIfSimilar = [&](Range word) {
+    if (!_similarLengths.contain(static_cast<size_t>(word.length))) return;
+    if (_similarity->isSimilar(unitsOf(word), _leastSimilarity)) found.push_back(word);
+  };
+  _text.handRuns({_location, stretchEnd - _location}, [&](const SearchedText::Run& run) {
+    const int64_t end = endOf(run.range);
+    if (!run.isWhole && end == stretchEnd && end < _end) {
+      next = run.range.location;
+    } else if (!run.isUndivided) {
+      if (run.isWhole) addIfSimilar(run.range);
+    } else if (_similarity->mayHoldSimilar(unitsOf(run.range), _leastSimilarity)) {
+      for (Range word{run.range.location, 0}; isPresent(word = _text.firstWordIn(endOf(word), end));) {
+        addIfSimilar(word);
+      }
+    }
+  });
+  constexpr int64_t kEnough = 4096;
+  if (_stretch < kEnough || next == _location) _stretch *= 2;
+  _location = next;
   return true;
 }
 

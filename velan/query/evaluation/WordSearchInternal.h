@@ -8,6 +8,7 @@
 
 #include "velan/query/evaluation/LiteralHitsInternal.h"
 #include "velan/query/evaluation/WordPatternInternal.h"
+#include "velan/wildcard/PreparedSimilarity.h"
 
 namespace velan {
 
@@ -31,6 +32,7 @@ class WordSearch {
     bool matches(unichar unit) const;
   };
 
+  bool searchSimilar(std::vector<Range>& found);
   void searchAt(int64_t hit, std::vector<Range>& found);
   Range wordAt(int64_t hit) const;
   void searchWord(Range word, bool matches, std::vector<Range>& found);
@@ -47,6 +49,10 @@ class WordSearch {
   const WordPattern::Anchor* const _anchor;  // looks at words only where it stands; null for none
   std::optional<LiteralHits> _hits;          // of the anchor
   const bool _mayStandForSeveral;
+  std::unique_ptr<const PreparedSimilarity> _similarity;  // to the word; null where words are to match
+  double _leastSimilarity = 0;
+  PreparedSimilarity::Lengths _similarLengths{0, 0};
+  int64_t _stretch = 256;  // units in which similar words are looked for at once
 
   std::vector<Element> _elements;
   // Of the stretches that the elements up to here match and that go on where reading has come to, the last one's start;

@@ -301,7 +301,7 @@ String FastWordEnumerator::string() const { return _string ? _string : substring
 int64_t FastWordEnumerator::numberOfWords(int64_t minLen) const {
   if (minLen < 2) return numberOfWords();
   int64_t count = 0;
-  handWords({0, length()}, [&](size_t start, size_t end) {
+  handWords<true>({0, length()}, [&](size_t start, size_t end) {
     count += static_cast<int64_t>(end - start) >= minLen;
     return false;
   });
@@ -377,28 +377,29 @@ String FastWordEnumerator::uppercaseSubstringWithRange(Range range) const {
 
 int64_t FastWordEnumerator::enumerateWordsInRange(Range range, WordHandler handler, void* context) const {
   if (!handler) return 0;
-  return handWords(range, [&](size_t start, size_t end) {
+  return handWords<true>(range, [&](size_t start, size_t end) {
     return handler(*this, static_cast<int64_t>(start), static_cast<int64_t>(end - start), context);
   });
 }
 
 int64_t FastWordEnumerator::enumerateWordsInRange(Range range, WordBlock block) const {
   if (!block) return 0;
-  return handWords(range, [&](size_t start, size_t end) {
+  return handWords<true>(range, [&](size_t start, size_t end) {
     return block(*this, static_cast<int64_t>(start), static_cast<int64_t>(end - start));
   });
 }
 
-// Makes the types of a stretch what they stay.
-void FastWordEnumerator::completeIndex(size_t from, size_t end) const {
+// Makes the types of a stretch what they are until a dictionary divides runs, or what they stay.
+void FastWordEnumerator::completeIndex(size_t from, size_t end, bool divides) const {
   if (_onDemand) {
     for (size_t i = from; i < end; i = (i / kBlock + 1) * kBlock) indexAround(i);
   }
+  if (!divides) return;
   while (_hasUndivided && (from = findType(_index.get(), from, end, kUndivided)) < end) divideRunAt(from);
 }
 
 // Calls `hand(start, end)` for each word, where each stretch of the text gives its words' starts and ends at once.
-template <typename Hand>
+template <bool kDivides, typename Hand>
 int64_t FastWordEnumerator::handWords(Range range, Hand hand) const {
   constexpr size_t kStretch = 512;
   constexpr size_t kRoom = 1 + kStretch + UnitKernels::kCopySlack;
@@ -408,11 +409,12 @@ int64_t FastWordEnumerator::handWords(Range range, Hand hand) const {
   auto from = static_cast<size_t>(clipped.location);
   if (from >= rangeEnd) return 0;
   size_t start = from;  // of the word that goes on
-  bool goesOn = (typeAtIndex(clipped.location) & (kSeparator | kWordBeginning)) == 0;
+  completeIndex(from, from + 1, kDivides);
+  bool goesOn = (_index[from] & (kSeparator | kWordBeginning)) == 0;
   int64_t count = 0;
   for (size_t length; from < rangeEnd; from += length) {
     length = std::min(kStretch, rangeEnd - from);
-    completeIndex(from, from + length);
+    completeIndex(from, from + length, kDivides);
     const uint8_t* types = _index.get() + from;
     const size_t ended = unitKernels().positions(types, length, kWordEnd, ends);
     const size_t begun = unitKernels().positions(types, length, kWordBeginning, starts + goesOn) + goesOn;
@@ -427,6 +429,16 @@ int64_t FastWordEnumerator::handWords(Range range, Hand hand) const {
     if (goesOn && !isLonger) start = from + starts[ended];
   }
   return goesOn && !hand(start, rangeEnd) ? count + 1 : count;
+}
+
+void FastWordEnumerator::handRuns(Range range, FunctionRef<void(const Run& run)> hand) const {
+  handWords<false>(range, [&](size_t start, size_t end) {
+    const uint8_t first = _index[start], last = _index[end - 1];
+    hand({{static_cast<int64_t>(start), static_cast<int64_t>(end - start)},
+          (first & kWordBeginning) != 0 && (last & kWordEnd) != 0,
+          (first & kUndivided) != 0});
+    return false;
+  });
 }
 
 // Where the word goes on whose last unit is before `wordEnd`, when a hyphen and a line end follow; else NSNotFound.
@@ -465,7 +477,7 @@ String FastWordEnumerator::stringBySeparatingWords() const {
   if (!_characters) return String();
   MutableString joined;
   joined.reserve(length());
-  handWords({0, length()}, [&](size_t start, size_t end) {
+  handWords<true>({0, length()}, [&](size_t start, size_t end) {
     if (!joined.isEmpty()) joined.appendCharacter(u' ');
     joined.appendCharacters(_characters + start, static_cast<int64_t>(end - start));
     return false;

@@ -205,9 +205,16 @@ class VELAN_EXPORT FastWordEnumerator {
   void initWordInRange(Range range) const;
   int64_t wordEndFromIndex(int64_t index) const;
   int64_t continuationAfterHyphen(int64_t wordEnd) const;
-  void completeIndex(size_t from, size_t end) const;
-  template <typename Hand>
+  void completeIndex(size_t from, size_t end, bool divides) const;
+  template <bool kDivides, typename Hand>
   int64_t handWords(Range range, Hand hand) const;
+  // As far as it is known without a dictionary.
+  struct Run {
+    Range range;
+    bool isWhole;      // not cut off by the range it was looked for in
+    bool isUndivided;  // may be several words
+  };
+  void handRuns(Range range, FunctionRef<void(const Run& run)> hand) const;
 
   String _string;                        // absent when made from units
   const unichar* _characters = nullptr;  // into _string, the caller's, or owned

@@ -72,6 +72,21 @@ class Pages(InFolder):
         self.write("a.xml", "<?xml ?><!DOCTYPE a [\n<!ENTITY b 'c'>\n<!ENTITY d 'e'>\n] >\n<a>]>lamp</a>")
         self.assertEqual(self.velan("search", "lamp", "a.xml")[1], "5:]>lamp\n")
 
+    def test_attributes(self):
+        page = ("<meta name='Description' content='on w&#111;rd'>\n<p title=word>Key <img title='a &quot;word' alt=\"my word\">way"
+                "<b title='wo'>rd</b> <td alt='x'>word</td title='word'><meta name=x content='word'><i word='word' alt=''>end")
+        self.assertEqual(self.check(page.encode(), "utf-8", "--attributes"), 5)
+        self.assertEqual(self.check(page.encode("utf-16"), "utf-16", "--attributes"), 5)
+        self.assertEqual(self.check(page.encode(), "utf-8"), 1)
+        self.write("a.html", page)
+        self.assertEqual(self.velan("text", "--attributes", "a.html")[1],
+                         'on word\n\nword\nKey\na "word\nmy word way\nwo\nrd\tx word\nend\n')
+        self.write("b.html", "<img alt='caf&eacute;'>")
+        self.assertEqual([self.velan("search", "-l", *options, "café", "b.html")[1] for options in ([], ["--attributes"])], ["", "b.html\n"])
+        for broken in ("<p title='word", "<p title=word", "<p alt=\"a' title='word\">", "<img alt=<b title=word>"):
+            self.write("b.html", broken)
+            self.assertEqual(self.velan("search", "--attributes", "absent", "b.html")[::2], (1, ""), broken)
+
     def test_what_is_a_page(self):
         word = "<b>wo</b>rd"
         cases = [("a.html", word, True), ("A.XHTML", word, True), ("a.txt", word, False), ("a.txt", f"<html>{word}", True),

@@ -51,6 +51,7 @@ class Readings(unittest.TestCase):
         for query, other, text, is_read_otherwise in cases:
             found = velan("search", "--count-matches", query, stdin=text.encode())
             self.assertEqual(found == velan("search", "--count-matches", other, stdin=text.encode()), is_read_otherwise, query)
+        self.assertEqual(velan("search", "lamp?", "-", "absent", stdin=b"lamp")[2].count("absent"), 1)
         for text, as_punctuation in ((b"lamp", True), (b"lamps", False), (b"x", False)):
             summary = json.loads(velan("search", "--json", "lamp?", stdin=text)[1].splitlines()[-1])["data"]
             self.assertEqual((summary["stats"]["searches"], summary["question_marks_as_punctuation"]), (1, as_punctuation), text)
@@ -99,11 +100,13 @@ class Readings(unittest.TestCase):
             self.assertIn(reason, velan("explain", *options, query, "-", stdin=text)[1], query)
         self.assertIn("without the question mark it matches", velan("explain", "old?", "-", stdin=text)[1])
         with tempfile.TemporaryDirectory() as folder:
-            for name, words in (("a", "a letter"), ("b", "received a letter"), ("c", "nothing")):
+            for name, words in (("a", "a letter"), ("b", "received a letter"), ("c", "nothing"), ("d", "letters hats")):
                 with open(os.path.join(folder, name), "w", encoding="utf-8") as file:
                     file.write(words)
             self.assertRegex(velan("search", "--hints", "always", "recieved letter", folder)[2],
                              "nothing found; .*/b: recieved is not there; --fuzzy would find received at 1:1\n")
+            # Little that is missing counts more than what would find much.
+            self.assertRegex(velan("search", "--hints", "always", "letter hat", folder)[2], "/a: hat is not there\n")
         controller, terminal = pty.openpty()
         for both, hints in ((True, 1), (False, 0)):
             done = subprocess.run([TOOL, "search", "old NEAR/3 letter"], input=text, stdout=terminal,

@@ -51,6 +51,16 @@ class Output(InFolder):
         for line, output in cases:
             self.assertEqual(self.velan("search", *(word.replace("_", " ") for word in line.split(" ")))[:2], (0, output), line)
 
+    def test_occurrences_over_line_ends(self):
+        self.write("f", "key " + "😀" * 30)
+        self.write("g", "lamp\n\nfar x\ny z\nlamp")
+        self.write("empty", "")
+        cases = [("-o -F lamp_far g", "1:lamp\n3:far\n"), ("-F -c lamp_far_x g", "3\n"), ("--max-columns 7 key f", "1:key 😀…\n"),
+                 ("\"lamp_far_x\"|far|lamp g", "1:lamp\n2:\n3:far x\n5:lamp\n"), ("-v -l key empty", "empty\n"),
+                 ("\"x_y_z_lamp\"|y|z g", "3:far x\n4:y z\n5:lamp\n")]
+        for line, output in cases:
+            self.assertEqual(self.velan("search", *(word.replace("_", " ") for word in line.split(" "))), (0, output, ""), line)
+
     def test_unrestricted(self):
         os.mkdir(os.path.join(self.folder, "s"))
         for name, content in (("s/.ignore", "i\n"), ("s/i", "key"), ("s/.h", "key"), ("s/binary", b"key\0"), ("s/z", "key")):

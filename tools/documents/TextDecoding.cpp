@@ -132,6 +132,7 @@ void addDecodingOptions(CLI::App& command, DecodingOptions& options) {
   addEncodingName(command, "--default-encoding", options.defaultEncoding,
                   "The encoding of files that nothing tells about");
   command.add_flag("--binary", options.binary, "Read files that are not text, too");
+  command.add_flag("--attributes", options.attributes, "Read alt, title and description in the tags of pages, too");
   command.add_flag("!--no-markup", options.markup, "Read pages (HTML, XML) as they stand, with their tags");
 }
 
@@ -180,7 +181,7 @@ std::optional<Document> decodeDocument(std::string bytes, const FileOrigin& file
     return std::nullopt;
   }
   const size_t markLength = markLengthOf(bytes, choice.encoding);
-  MarkupText shown = isPage ? textOfMarkup(source) : MarkupText{source, {}};
+  MarkupText shown = isPage ? textOfMarkup(source, options.attributes) : MarkupText{source, {}};
   return Document{std::move(bytes),  choice.encoding,       choice.assumed && !isBinary, markLength,
                   std::move(source), std::move(shown.text), std::move(shown.map),        isBinary};
 }

@@ -25,10 +25,11 @@ struct DecodingOptions {
   StringEncoding defaultEncoding =
       StringEncoding::Detect;  // of those that nothing tells about: Windows-1252 and a warning
   bool markup = true;          // pages are read without their markup
+  bool attributes = false;     // but for what readers see of tags
   bool binary = false;         // files that are not text are read, too
 };
 
-/// Declares `--encoding`, `--default-encoding`, `--no-markup` and `--binary`.
+/// Declares `--encoding`, `--default-encoding`, `--no-markup`, `--attributes` and `--binary`.
 void addDecodingOptions(CLI::App& command, DecodingOptions& options);
 
 /// Declares an option that takes the name of an encoding.

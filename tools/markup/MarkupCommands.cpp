@@ -18,6 +18,7 @@ namespace {
 
 struct TextOptions {
   std::vector<std::string> files;
+  bool attributes = false;
 };
 
 struct TagsOptions {
@@ -43,7 +44,7 @@ int printText(const TextOptions& options) {
     const String page = readPage(file);
     std::string text;
     if (!page) status = Trouble;
-    appendUTF8Lossy(textOfMarkup(page).text.view(), text);
+    appendUTF8Lossy(textOfMarkup(page, options.attributes).text.view(), text);
     if (!print(text)) break;
   }
   return status;
@@ -105,6 +106,8 @@ int decodeEntities(const EntitiesOptions& options) {
 void addMarkupCommands(CLI::App& app, int& status) {
   const auto [text, textOptions] = addCommand<TextOptions>(app, status, "text", "Print the text of pages", printText);
   addArgument(*text, "FILE", textOptions->files, "HTML, XML and property lists, and - for standard input")->required();
+  text->add_flag("--attributes", textOptions->attributes,
+                 "Print what readers see of tags, too: alt, title, description");
   text->footer(
       "Leaves out tags, comments, scripts and styles, decodes entities, and gives each paragraph a line. The encoding\n"
       "is what the page declares, otherwise UTF-8 or Windows-1252.\n"

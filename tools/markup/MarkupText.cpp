@@ -9,6 +9,7 @@
 #include "velan/base/ASCII.h"
 #include "velan/base/MutableString.h"
 #include "velan/base/utf/UTF.h"
+#include "velan/markup/Attributes.h"
 #include "velan/markup/Entities.h"
 #include "velan/markup/Tags.h"
 #include "velan/text/CharacterSets.h"
@@ -66,7 +67,8 @@ Effect effectOf(std::u16string_view name) {
 // A text that is built from left to right out of parts of the markup.
 class TextBuilder {
  public:
-  explicit TextBuilder(const String& markup) : _markup(markup), _source(markup.view()) {}
+  TextBuilder(const String& markup, bool attributes)
+      : _markup(markup), _source(markup.view()), _attributes(attributes) {}
 
   MarkupText build() {
     parseXmlWithHandler(_markup, [this](const TagReport& tag) {
@@ -99,6 +101,34 @@ class TextBuilder {
     const std::u16string_view name(lower, length);
     if (name == u"pre") _preformatted = _markup[tag.tagLocation + 1] != u'/';
     _break = std::max(_break, effectOf(name));
+    if (_attributes && _markup[tag.tagLocation + 1] != u'/') addAttributes(tag, name);
+  }
+
+  void addAttributes(const TagReport& tag, std::u16string_view element) {
+    const auto valueOf = [&](const char* attribute) {
+      return rangeOfAttributeOfTagCharacters(_source.data(), {tag.tagLocation, tag.tagLength}, attribute);
+    };
+    const auto isDescription = [&] {
+      const Range value = element == u"meta" ? valueOf("name") : kAbsentRange;
+      return isPresent(value) && equalsIgnoringASCIICase(_source.substr(at(value.location), at(value.length)),
+                                                         std::u16string_view(u"description"));
+    };
+    std::pair<Range, Effect> values[] = {{valueOf("alt"), Effect::Nothing},
+                                         {valueOf("title"), Effect::EndsLine},
+                                         {isDescription() ? valueOf("content") : kAbsentRange, Effect::EndsLine}};
+    std::ranges::sort(values, {}, [](const auto& each) { return each.first.location; });
+    for (const auto& [value, effect] : values) {
+      if (isPresent(value) && value.location >= _map.sourceEnd()) addValue(value, effect);
+    }
+  }
+
+  // Apart from what stands around it.
+  void addValue(Range value, Effect effect) {
+    _space = true;
+    _break = std::max(_break, effect);
+    addText(at(value.location), at(endOf(value)));
+    _space = true;
+    _break = std::max(_break, effect);
   }
 
   void addSection(size_t start, size_t end) {
@@ -212,6 +242,7 @@ class TextBuilder {
 
   const String& _markup;
   const std::u16string_view _source;
+  const bool _attributes;
   MutableString _text;
   SourceMap _map;
   const uint8_t* const _white = whiteCharacterSetRep();
@@ -231,7 +262,7 @@ bool isInLine(std::string_view name) {
   return effectOf({lower, length}) == Effect::Nothing;
 }
 
-MarkupText textOfMarkup(const String& markup) { return TextBuilder(markup).build(); }
+MarkupText textOfMarkup(const String& markup, bool attributes) { return TextBuilder(markup, attributes).build(); }
 
 DecodedMarkup decodePage(const std::string& path, const Data& contents) {
   const bool isUTF8 = !String::fromUTF8(contents.view()).isAbsent();

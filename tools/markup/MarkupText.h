@@ -21,8 +21,9 @@ struct MarkupText {
 /// The text between the tags, with its entities decoded. Script, style, comments and declarations are left out, CDATA
 /// stays as it is. Tags that HTML sets in the flow of a line ("b", "a") leave no trace, all others end a line, those of
 /// paragraphs, headings, lists and tables leave an empty one; cells of a row are separated by a tab. White space
-/// becomes one space, except in "pre". Throws `std::bad_alloc`.
-MarkupText textOfMarkup(const String& markup);
+/// becomes one space, except in "pre". With `attributes` also what readers see of tags: what stands for images ("alt")
+/// in its line, titles of elements and the description of the page as lines of their own. Throws `std::bad_alloc`.
+MarkupText textOfMarkup(const String& markup, bool attributes);
 
 /// Whether tags of this name, ASCII in any case, leave no trace in the text. All others at least end a line.
 bool isInLine(std::string_view name);

@@ -18,6 +18,7 @@ bool DocumentFilter::refuses(std::string_view bytes, const FileOrigin& file) con
   const StringEncoding encoding = likelyEncoding(bytes, _options.decoding);
   if (_literals->canMatch(bytes, encoding)) return false;
   const bool isPage = textDiffersFromSource(file.path, bytes, _options.decoding);
+  if (isPage && _options.decoding.attributes) return false;
   if (encoding != StringEncoding::UTF8 && (isPage || !_options.query.verbatim)) return false;
   return !mayFindElsewhere(bytes, isPage) && isPlainText(bytes, file, _options.decoding) &&
          (!isPage || _options.decoding.encoding == StringEncoding::UTF8 || isPageInUTF8(bytes));

@@ -7,6 +7,13 @@
 
 namespace velan {
 
+/// Appends `range` by its parts: as a whole it would be stored in two steps and then loaded in one, which stalls.
+inline void appendRange(std::vector<Range>& ranges, const Range& range) {
+  Range& appended = ranges.emplace_back();
+  appended.location = range.location;
+  appended.length = range.length;
+}
+
 /// All places of a literal in a range, from left to right; they may overlap. Looks only as far as it is asked to: near
 /// at first, then further and further.
 class LiteralHits {

@@ -43,7 +43,7 @@ bool PhraseSearch::searchOn(std::vector<Range>& found) {
 
 void PhraseSearch::searchAt(int64_t hit, std::vector<Range>& found) {
   if (hit < _location || (_hits->areShort() && !_anchor->mayMatchAt(_text, hit))) return;
-  const Range word = _text.wordAt(hit);
+  const Range word = _anchor->wordAt(_text, hit);
   if (!isPresent(word)) return;
   _location = endOf(word);
   if (word.location < _start || endOf(word) > _end) return;
@@ -56,11 +56,13 @@ void PhraseSearch::searchAt(int64_t hit, std::vector<Range>& found) {
 Range PhraseSearch::placeAround(Range word) const {
   Range last = word;
   for (size_t i = _anchor->piece + 1; i < _pieces.size(); ++i) {
+    if (!WordPattern::mayBeginAfter(_pieces[i], _text, endOf(last), _end)) return kAbsentRange;
     last = _text.wordAfter(endOf(last), _end);
     if (!isPresent(last) || !WordPattern::matches(_pieces[i], _text, last)) return kAbsentRange;
   }
   Range first = word;
   for (size_t i = _anchor->piece; i-- > 0;) {
+    if (!WordPattern::mayEndBefore(_pieces[i], _text, first.location, _start)) return kAbsentRange;
     first = _text.wordBefore(first.location - 1, _start);
     if (!isPresent(first) || !WordPattern::matches(_pieces[i], _text, first)) return kAbsentRange;
   }

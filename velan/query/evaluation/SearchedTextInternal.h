@@ -79,6 +79,16 @@ class SearchedText {
     const Range run{start, end - start};
     return _separators && !isDivided(run) ? run : _words.rangeOfWordAtIndex(start);
   }
+  /// `start`, or the first place behind it, up to `end`, that no separator stands behind.
+  int64_t skipped(int64_t start, int64_t end) const {
+    while (start < end && isSeparator(start)) ++start;
+    return start;
+  }
+  /// `end`, or the last place before it, down to `start`, that no separator stands before.
+  int64_t skippedBack(int64_t end, int64_t start) const {
+    while (end > start && isSeparator(end - 1)) --end;
+    return end;
+  }
   /// Whether a dictionary may divide what lies between separators: without, words never touch.
   bool mayBeDivided() const { return _mayBeDivided; }
   /// The word that begins last at or before `index`, but not before `start`; absent if there is none.
@@ -113,6 +123,9 @@ class SearchedText {
   int64_t wordEndAfter(int64_t location, int64_t count, int64_t end) const;
 
  private:
+  bool isSeparator(int64_t index) const {
+    return _separators ? separates(index) : _words.isWordSeparatorAtIndex(index);
+  }
   bool separates(int64_t index) const { return isMemberOfCharacterSetRep(_separators, _units[index]); }
   bool isInText(int64_t index) const { return static_cast<uint64_t>(index) < static_cast<uint64_t>(_length); }
   bool isBoundary(int64_t index, int64_t neighbour) const {

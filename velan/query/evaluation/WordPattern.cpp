@@ -274,6 +274,21 @@ bool WordPattern::matches(const Piece& piece, const SearchedText& text, Range wo
   }
 }
 
+// Whether the word that ends next before `end`, which is not before `start`, may match, as far as the units at its end
+// tell.
+bool WordPattern::mayEndBefore(const Piece& piece, const SearchedText& text, int64_t end, int64_t start) {
+  if ((piece.type != WildcardTypeExact && piece.type != WildcardTypeSuffix) || piece.fuzzy) return true;
+  const int64_t first = text.skippedBack(end, start) - piece.literal.length;
+  return first >= start && text.hasUnitsAt(first, literalOf(piece));
+}
+
+// The same of the word that begins next at or behind `start`, by the units at its start.
+bool WordPattern::mayBeginAfter(const Piece& piece, const SearchedText& text, int64_t start, int64_t end) {
+  if ((piece.type != WildcardTypeExact && piece.type != WildcardTypePrefix) || piece.fuzzy) return true;
+  const int64_t first = text.skipped(start, end);
+  return piece.literal.length <= end - first && text.hasUnitsAt(first, literalOf(piece));
+}
+
 Range WordPattern::firstIn(const SearchedText& text, Range range) const {
   if (_wholeRange) return range.length > 0 ? range : kAbsentRange;
   if (_pieces.empty()) return kAbsentRange;

@@ -9,6 +9,7 @@
 
 #include "velan/base/Range.h"
 #include "velan/query/QueryExplanation.h"
+#include "velan/query/evaluation/LiteralHitsInternal.h"
 #include "velan/query/evaluation/PatternProbesInternal.h"
 #include "velan/wildcard/PreparedSimilarity.h"
 
@@ -83,6 +84,12 @@ class WordPattern {
       return (before < 0 || (location >= before && text.wordBeginsAt(location - before))) &&
              (after < 0 || (after <= text.length() - end && text.wordEndsAt(end + after - 1)));
     }
+    /// The word that it begins in where it stands at `location` and may match; absent for a separator.
+    Range wordAt(const SearchedText& text, int64_t location) const {
+      if (before != 0 || literal.length() > LiteralHits::kShort) return text.wordAt(location);
+      // The word begins here. Only through a table a separator may be among the units of a literal.
+      return text.wordFrom(location, location + (isAll && !text.table() ? literal.length() : 1));
+    }
     /// Whether it is known that `word` matches, as the anchor stands at `location`.
     bool decides(Range word, int64_t location) const {
       const int64_t wordBefore = location - word.location;
@@ -97,6 +104,8 @@ class WordPattern {
   static bool isSimilar(const Piece& piece, const SearchedText& text, Range word);
   // To words of the text. Throws `std::bad_alloc`.
   static std::unique_ptr<const PreparedSimilarity> preparedSimilarity(const Piece& piece, const SearchedText& text);
+  static bool mayEndBefore(const Piece& piece, const SearchedText& text, int64_t end, int64_t start);
+  static bool mayBeginAfter(const Piece& piece, const SearchedText& text, int64_t start, int64_t end);
   static std::u16string_view literalOf(const Piece& piece);
   static std::u16string_view longestRunOf(const Piece& piece);
   static Anchor anchorAt(const Piece& piece, std::u16string_view run, Literal literal);

@@ -76,20 +76,15 @@ bool WordSearch::searchSimilar(std::vector<Range>& found) {
 
 void WordSearch::searchAt(int64_t hit, std::vector<Range>& found) {
   if (hit < _location || (_hits->areShort() && !_anchor->mayMatchAt(_text, hit))) return;
-  const Range word = wordAt(hit);
+  const Range word = _anchor->wordAt(_text, hit);
   if (!isPresent(word)) return;
-  if (word.location < _location || endOf(word) > _end) {
-    _location = endOf(word);
-    return;
+  const int64_t end = endOf(word);
+  if (word.location >= _location && end <= _end) {
+    const bool matches = _anchor->decides(word, hit) || WordPattern::matches(_piece, _text, word);
+    if (_mayStandForSeveral) return searchWord(word, matches, found);
+    if (matches) appendRange(found, word);
   }
-  searchWord(word, _anchor->decides(word, hit) || WordPattern::matches(_piece, _text, word), found);
-}
-
-// The word that the anchor begins in.
-Range WordSearch::wordAt(int64_t hit) const {
-  if (_anchor->before != 0 || !_hits->areShort()) return _text.wordAt(hit);
-  // It begins here. Only through a table a separator may be among the units of a literal.
-  return _text.wordFrom(hit, _anchor->isAll && !_text.table() ? hit + _anchor->literal.length() : hit + 1);
+  _location = end;
 }
 
 void WordSearch::searchWord(Range word, bool matches, std::vector<Range>& found) {

@@ -34,7 +34,6 @@ class WordSearch {
 
   bool searchSimilar(std::vector<Range>& found);
   void searchAt(int64_t hit, std::vector<Range>& found);
-  Range wordAt(int64_t hit) const;
   void searchWord(Range word, bool matches, std::vector<Range>& found);
   Range runAround(Range word) const;
   void searchRun(Range run, std::vector<Range>& found);

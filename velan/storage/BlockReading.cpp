@@ -32,6 +32,10 @@ bool BlockStorage::failReading(const FileError& error, int64_t offset) {
 
 // The payload at the position. Nothing is allocated before the file is known to be long enough.
 BlockStorage::Outcome BlockStorage::readPayload(const BlockHeader& header, Data& payload) {
+  if (const uint8_t* const ahead = _file->peek(header.length)) {
+    payload = Data::withBytes(ahead, header.length);
+    return payload ? Outcome::Block : (failWith(FileReason::NoMemory), Outcome::Failed);
+  }
   const int64_t end = _file->position() + header.length;
   const int64_t length = _file->reaches(end) ? end : _file->length();
   if (length < 0) return failWith(_file->error()), Outcome::Failed;

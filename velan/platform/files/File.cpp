@@ -137,6 +137,11 @@ bool File::readInto(int64_t offset, uint8_t* bytes, size_t count, size_t ahead, 
 }
 
 int64_t File::read(void* bytes, size_t count) {
+  if (const uint8_t* const ahead = peek(count)) {
+    std::memcpy(bytes, ahead, count);
+    _position += static_cast<int64_t>(count);
+    return static_cast<int64_t>(count);
+  }
   if (!flush()) return -1;
   auto* into = static_cast<uint8_t*>(bytes);
   size_t buffered = 0;
@@ -145,7 +150,6 @@ int64_t File::read(void* bytes, size_t count) {
     buffered = std::min(count, _filled - from);
     std::memcpy(into, _buffer.data() + from, buffered);
     _position += static_cast<int64_t>(buffered);
-    if (buffered == count) return static_cast<int64_t>(count);
   }
   _ahead = _position == _sequel ? std::min(_ahead * 2, kMaximumReadAhead) : kBufferSize;
   _filled = 0;

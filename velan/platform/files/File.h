@@ -68,7 +68,14 @@ class VELAN_EXPORT File {
 
   /// Reads up to `count` bytes at the position and moves it. Fewer only at the end of the file; -1 when reading fails.
   int64_t read(void* bytes, size_t count);
-  /// As above at an offset, without moving the position.
+  /// The next `count` bytes if they have been read already, until the file is used again; else null. The position
+  /// stays.
+  const uint8_t* peek(size_t count) const {
+    const bool isWithin = !_pending && _position >= _start && _position - _start <= static_cast<int64_t>(_filled);
+    const size_t from = isWithin ? static_cast<size_t>(_position - _start) : _filled;
+    return count > 0 && count <= _filled - from ? _buffer.data() + from : nullptr;
+  }
+  /// As `read` at an offset, without moving the position.
   int64_t readAt(int64_t offset, void* bytes, size_t count);
 
   using Pieces = std::initializer_list<std::span<const uint8_t>>;

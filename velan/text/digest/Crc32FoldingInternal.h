@@ -143,8 +143,8 @@ uint32_t folded(uint32_t crc, const uint8_t* bytes, const uint8_t* end) {
       third = W::fold(third, four, load(bytes + 2 * kSize));
       fourth = W::fold(fourth, four, load(bytes + 3 * kSize));
     }
-    const Vector two = W::template distance<2 * kLanes>();
-    value = W::fold(W::fold(value, one, second), two, W::fold(third, one, fourth));
+    const Vector two = W::template distance<2 * kLanes>(), three = W::template distance<3 * kLanes>();
+    value = W::fold(value, three, W::fold(second, two, W::fold(third, one, fourth)));  // products are independent
   } else {
     bytes += kSize;
   }
@@ -225,8 +225,12 @@ struct Fourfold {
                                      _mm512_clmulepi64_epi128(vector, distance, 0x11), next, kSumOfThree);
   }
   static __m128i joined(Vector vector) {
-    const __m256i first = _mm512_castsi512_si256(vector);
-    return Double::joined(Double::fold(first, Double::distance<2>(), _mm512_extracti64x4_epi64(vector, 1)));
+    const __m256i first = _mm256_set_m128i(Single::distance<2>(), Single::distance<3>());
+    const __m256i last = _mm256_zextsi128_si256(Single::distance<1>());
+    const __m512i distances = _mm512_inserti64x4(_mm512_zextsi256_si512(first), last, 1);
+    const __m512i sum = fold(vector, distances, _mm512_maskz_mov_epi64(0xC0, vector));  // the last lane stays
+    const __m256i two = _mm256_xor_si256(_mm512_castsi512_si256(sum), _mm512_extracti64x4_epi64(sum, 1));
+    return _mm_xor_si128(_mm256_castsi256_si128(two), _mm256_extracti128_si256(two, 1));
   }
 };
 

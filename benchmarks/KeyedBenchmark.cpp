@@ -10,6 +10,7 @@
 #include "velan/base/ByteOrder.h"
 #include "velan/base/propertylist/PropertyList.h"
 #include "velan/keyed/KeyedFiles.h"
+#include "velan/keyed/KeyedIndex.h"
 #include "velan/keyed/KeyedReading.h"
 #include "velan/keyed/KeyedWriting.h"
 
@@ -78,6 +79,19 @@ void BM_LookUpKeyed(benchmark::State& state) {
   const Data data = keyedData(static_cast<uint32_t>(state.range(0))).takeData();
   const uint32_t key = soughtKey(state);
   for (auto _ : state) benchmark::DoNotOptimize(unsignedForKey(data, key));
+}
+
+void BM_LookUpIndexed(benchmark::State& state) {
+  const Data data = keyedData(static_cast<uint32_t>(state.range(0))).takeData();
+  const auto index = KeyedIndex::keyedIndex(data);
+  const uint32_t key = soughtKey(state);
+  for (auto _ : state) benchmark::DoNotOptimize(unsignedForKey(index->bytesFrom(VLun, key), key));
+}
+
+void BM_IndexKeyed(benchmark::State& state) {
+  const Data data = keyedData(static_cast<uint32_t>(state.range(0))).takeData();
+  for (auto _ : state) benchmark::DoNotOptimize(KeyedIndex::keyedIndex(data));
+  setItems(state);
 }
 
 // The simplest loop that tells variable records from others.
@@ -220,6 +234,8 @@ BENCHMARK(BM_AppendKeyed)->SIZES;
 BENCHMARK(BM_AppendFlexBuffers)->SIZES;
 BENCHMARK(BM_AppendMessagePack)->SIZES;
 BENCHMARK(BM_LookUpKeyed)->LOOKUPS;
+BENCHMARK(BM_LookUpIndexed)->LOOKUPS;
+BENCHMARK(BM_IndexKeyed)->SIZES;
 BENCHMARK(BM_LookUpPlainly)->LOOKUPS;
 BENCHMARK(BM_LookUpFlexBuffers)->LOOKUPS;
 BENCHMARK(BM_LookUpMessagePack)->LOOKUPS;

@@ -63,6 +63,8 @@ ROWS = [
       for number, name in enumerate(("prefix", "infix", "suffix", "set", "mixed"))),
     ("keyed", "keyed look-up, last of /1, absent /2", "BM_LookUpKeyed/*",
      ["BM_LookUpPlainly/*", "BM_LookUpFlexBuffers/*", "BM_LookUpMessagePack/*"], ["16/1", "1024/1", "1024/2"], ""),
+    ("keyed", "keyed look-up in an index, last of /1, absent /2", "BM_LookUpIndexed/*",
+     ["BM_LookUpPlainly/*", "BM_LookUpFlexBuffers/*", "BM_LookUpMessagePack/*"], ["16/1", "1024/1", "1024/2"], ""),
     ("storage", "append blocks", "BM_AppendVelan/*",
      ["BM_AppendRaw/*", "BM_AppendLevelDB/*", "BM_AppendLMDB/*", "BM_AppendSQLite/*"], BLOCKS, "copy"),
     ("storage", "read and verify blocks", "BM_ReadVelan/*", ["BM_ReadLevelDB/*", "BM_ReadLMDB/*", "BM_ReadSQLite/*"],

@@ -1,5 +1,5 @@
 // Reading keyed data. Every operation looks at the records from the beginning on and takes the first one whose marker
-// and key both match; a key means nothing across types.
+// and key both match; a key means nothing across types. For many look-ups in the same bytes see KeyedIndex.h.
 //
 // Nothing here fails on damaged bytes. A walk ends before an unknown marker, and behind a record that is longer than
 // the buffer; such a record still counts as present and is counted, but it has no value. All operations may be called

@@ -92,13 +92,6 @@ class ProbeChoice {
   Chosen _chosen[NeedleHead::kProbes];
 };
 
-// The first element of what is left of a pattern; empty for a set without an end.
-std::u16string_view firstElement(std::u16string_view pattern, bool hasSets) {
-  if (pattern.front() != u'[') return pattern.substr(0, 1);
-  const size_t close = hasSets ? pattern.find(u']') : pattern.npos;
-  return close == pattern.npos ? std::u16string_view() : pattern.substr(0, close + 1);
-}
-
 }  // namespace
 
 ProbedRun mostTellingRun(std::u16string_view pattern, bool hasSets, const unichar* table) {
@@ -107,13 +100,14 @@ ProbedRun mostTellingRun(std::u16string_view pattern, bool hasSets, const unicha
     ProbeChoice choice;
     size_t length = 0, end = start;
     while (end < pattern.size() && pattern[end] != u'*') {
-      const std::u16string_view element = firstElement(pattern.substr(end), hasSets);
-      if (element.empty()) return {};
+      const std::u16string_view element = firstElement(pattern.substr(end));
+      if (element.empty() || (element.front() == u'[' && !hasSets)) return {};
       choice.add(length++, commonBitsOf(element, table));
       end += element.size();
     }
     if (choice.tells() > most.tells && length <= static_cast<size_t>(LiteralHits::kShort)) {
-      most = {pattern.substr(start, end - start), choice.head(length), choice.tells()};
+      const bool isAll = start <= 1 && pattern.size() - end <= 1;
+      most = {pattern.substr(start, end - start), choice.head(length), choice.tells(), isAll};
     }
     start = end + 1;
   }

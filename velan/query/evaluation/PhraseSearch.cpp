@@ -47,7 +47,7 @@ void PhraseSearch::searchAt(int64_t hit, std::vector<Range>& found) {
   if (!isPresent(word)) return;
   _location = endOf(word);
   if (word.location < _start || endOf(word) > _end) return;
-  if (!_anchor->decides(word, hit) && !WordPattern::matches(_pieces[_anchor->piece], _text, word)) return;
+  if (!_anchor->decides(_text, word, hit) && !WordPattern::matches(_pieces[_anchor->piece], _text, word)) return;
   const Range place = placeAround(word);
   if (isPresent(place)) found.push_back(place);
 }

@@ -56,10 +56,9 @@ bool SearchedText::holdsEastAsian(Range range) const {
 
 // The units around `index` without separators.
 Range SearchedText::runAt(int64_t index) const {
-  int64_t start = index, end = index;
+  int64_t start = index;
   while (start > 0 && !separates(start - 1)) --start;
-  while (end < _length && !separates(end)) ++end;
-  return {start, end - start};
+  return {start, separatorFrom(index) - start};
 }
 
 Range SearchedText::wordAt(int64_t index) const {

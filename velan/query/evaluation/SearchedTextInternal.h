@@ -62,6 +62,8 @@ class SearchedText {
   const unichar* table() const { return _table; }
   /// What patterns are to be mapped through; may be null.
   const unichar* patternTable() const { return _patternTable; }
+  /// The unit at `index` as it is compared.
+  unichar mappedUnit(int64_t index) const { return _table ? _table[_units[index]] : _units[index]; }
   const FastWordEnumerator& words() const { return _words; }
 
   bool wordBeginsAt(int64_t index) const {
@@ -74,9 +76,7 @@ class SearchedText {
   Range wordAt(int64_t index) const;
   /// The word that begins at `start`, where there are no separators before `known`.
   Range wordFrom(int64_t start, int64_t known) const {
-    int64_t end = known;
-    while (_separators && end < _length && !separates(end)) ++end;
-    const Range run{start, end - start};
+    const Range run{start, (_separators ? separatorFrom(known) : known) - start};
     return _separators && !isDivided(run) ? run : _words.rangeOfWordAtIndex(start);
   }
   /// `start`, or the first place behind it, up to `end`, that no separator stands behind.
@@ -127,6 +127,11 @@ class SearchedText {
     return _separators ? separates(index) : _words.isWordSeparatorAtIndex(index);
   }
   bool separates(int64_t index) const { return isMemberOfCharacterSetRep(_separators, _units[index]); }
+  // The next one at or behind `index`, or the text's length.
+  int64_t separatorFrom(int64_t index) const {
+    while (index < _length && !separates(index)) ++index;
+    return index;
+  }
   bool isInText(int64_t index) const { return static_cast<uint64_t>(index) < static_cast<uint64_t>(_length); }
   bool isBoundary(int64_t index, int64_t neighbour) const {
     return isInText(index) && !separates(index) && (!isInText(neighbour) || separates(neighbour));

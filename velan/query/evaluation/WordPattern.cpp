@@ -59,15 +59,15 @@ size_t rareness(std::u16string_view units) {
 // Of so many units in a row each is looked for.
 constexpr size_t kTellingLength = NeedleHead::kProbes;
 
-template <typename Neighbour>
-Neighbour neighbourOf(std::u16string_view set) {
-  Neighbour neighbour;
-  neighbour.exists = true;
+template <typename Element>
+Element elementOf(std::u16string_view set) {
+  Element element;
+  element.exists = true;
   for (unichar c = 0; c < 128; ++c) {
     if (stringMatchesUnixWildcard(&c, &c + 1, set.data(), set.data() + set.size())) continue;
-    neighbour.ascii[c / 64] &= ~(uint64_t{1} << (c % 64));
+    element.ascii[c / 64] &= ~(uint64_t{1} << (c % 64));
   }
-  return neighbour;
+  return element;
 }
 
 }  // namespace
@@ -167,15 +167,15 @@ WordPattern::Anchor WordPattern::anchorAt(const Piece& piece, std::u16string_vie
   const auto first = static_cast<size_t>(run.data() - units.data());
   const bool isAll = piece.type == WildcardTypeExact || piece.type == WildcardTypePrefix ||
                      piece.type == WildcardTypeSuffix || piece.type == WildcardTypeContains;
-  Anchor anchor{std::move(literal), 0, 0, 0, {}, {}, isAll};
+  Anchor anchor{std::move(literal), 0, 0, 0, {}, {}, isAll, {}};
   int64_t* count = &anchor.before;
   for (size_t i = 0; i < units.size();) {
     size_t length = 1;
     if (units[i] == u'[') {
       const bool isSet = piece.type != WildcardTypeAnyOne && piece.type != WildcardTypeGeneral;
       length = std::min(units.find(u']', i), units.size() - 1) + 1 - i;
-      if (i + length == first) anchor.previous = neighbourOf<Anchor::Neighbour>(units.substr(i, length));
-      if (i == first + run.size()) anchor.next = neighbourOf<Anchor::Neighbour>(units.substr(i, length));
+      if (i + length == first) anchor.previous = elementOf<Anchor::Element>(units.substr(i, length));
+      if (i == first + run.size()) anchor.next = elementOf<Anchor::Element>(units.substr(i, length));
       if (!isSet || units[i + length - 1] != u']') anchor.before = anchor.after = -1;
     }
     if (i == first) {
@@ -216,6 +216,10 @@ bool WordPattern::anchorAtProbes(std::u16string_view longest, const unichar* tab
     tells = run.tells;
     _anchor.emplace(anchorAt(_pieces[i], run.units, Literal(run.head)));
     _anchor->piece = i;
+    _anchor->isAll = run.isAll;
+    forEachElement(run.units, [this](std::u16string_view element) {
+      _anchor->elements.push_back(elementOf<Anchor::Element>(element));
+    });
   }
   return _anchor.has_value();
 }
@@ -278,15 +282,19 @@ bool WordPattern::matches(const Piece& piece, const SearchedText& text, Range wo
 // tell.
 bool WordPattern::mayEndBefore(const Piece& piece, const SearchedText& text, int64_t end, int64_t start) {
   if ((piece.type != WildcardTypeExact && piece.type != WildcardTypeSuffix) || piece.fuzzy) return true;
-  const int64_t first = text.skippedBack(end, start) - piece.literal.length;
-  return first >= start && text.hasUnitsAt(first, literalOf(piece));
+  const std::u16string_view literal = literalOf(piece);
+  const int64_t last = text.skippedBack(end, start) - 1;
+  const int64_t first = last + 1 - piece.literal.length;
+  return first >= start && text.mappedUnit(last) == literal.back() && text.hasUnitsAt(first, literal);
 }
 
 // The same of the word that begins next at or behind `start`, by the units at its start.
 bool WordPattern::mayBeginAfter(const Piece& piece, const SearchedText& text, int64_t start, int64_t end) {
   if ((piece.type != WildcardTypeExact && piece.type != WildcardTypePrefix) || piece.fuzzy) return true;
   const int64_t first = text.skipped(start, end);
-  return piece.literal.length <= end - first && text.hasUnitsAt(first, literalOf(piece));
+  const std::u16string_view literal = literalOf(piece);
+  const bool isLong = piece.literal.length <= end - first;
+  return isLong && text.mappedUnit(first) == literal.front() && text.hasUnitsAt(first, literal);
 }
 
 Range WordPattern::firstIn(const SearchedText& text, Range range) const {

@@ -60,7 +60,7 @@ class WordPattern {
   // The longest units that one of the pieces holds for certain, or those that tell most, and what is known of the units
   // around them, so that few of the places where they stand need a look at the word.
   struct Anchor {
-    struct Neighbour {
+    struct Element {
       uint64_t ascii[2] = {~uint64_t{0}, ~uint64_t{0}};  // which units it may be; any others may be
       bool exists = false;
       bool mayBe(unichar c) const { return c >= 128 || (ascii[c / 64] >> (c % 64) & 1) != 0; }
@@ -69,29 +69,34 @@ class WordPattern {
     Literal literal;
     size_t piece;
     int64_t before, after;  // how many units the word has before and after it; -1 where that is open
-    Neighbour previous, next;
-    bool isAll;  // the literal is the whole piece but for `*`
+    Element previous, next;
+    bool isAll;                     // the literal is the whole piece but for `*`
+    std::vector<Element> elements;  // of a literal of which only the probes are known
 
     /// Whether the word around it may match where it stands at `location`.
     bool mayMatchAt(const SearchedText& text, int64_t location) const {
       const int64_t end = location + literal.length();
-      const auto mapped = [&text](int64_t i) {
-        const unichar c = text.units()[i];
-        return text.table() ? text.table()[c] : c;
-      };
-      if (previous.exists && (location == 0 || !previous.mayBe(mapped(location - 1)))) return false;
-      if (next.exists && (end == text.length() || !next.mayBe(mapped(end)))) return false;
+      if (previous.exists && (location == 0 || !previous.mayBe(text.mappedUnit(location - 1)))) return false;
+      if (next.exists && (end == text.length() || !next.mayBe(text.mappedUnit(end)))) return false;
+      int64_t i = location;
+      for (const Element& element : elements) {
+        if (!element.mayBe(text.mappedUnit(i++))) return false;
+      }
       return (before < 0 || (location >= before && text.wordBeginsAt(location - before))) &&
              (after < 0 || (after <= text.length() - end && text.wordEndsAt(end + after - 1)));
     }
     /// The word that it begins in where it stands at `location` and may match; absent for a separator.
     Range wordAt(const SearchedText& text, int64_t location) const {
       if (before != 0 || literal.length() > LiteralHits::kShort) return text.wordAt(location);
-      // The word begins here. Only through a table a separator may be among the units of a literal.
-      return text.wordFrom(location, location + (isAll && !text.table() ? literal.length() : 1));
+      // The word begins here. Through a table a separator may be among the units of a literal, or as an element.
+      const bool isOneRun = isAll && elements.empty() && !text.table();
+      return text.wordFrom(location, location + (isOneRun ? literal.length() : 1));
     }
-    /// Whether it is known that `word` matches, as the anchor stands at `location`.
-    bool decides(Range word, int64_t location) const {
+    /// Whether it is known that `word` matches, as the anchor stands at `location` and may match.
+    bool decides(const SearchedText& text, Range word, int64_t location) const {
+      for (size_t i = 0; i < elements.size(); ++i) {
+        if (text.mappedUnit(location + static_cast<int64_t>(i)) >= 128) return false;
+      }
       const int64_t wordBefore = location - word.location;
       const int64_t wordAfter = endOf(word) - (location + literal.length());
       return isAll && (before < 0 ? wordBefore >= 0 : wordBefore == 0) && (after < 0 ? wordAfter >= 0 : wordAfter == 0);

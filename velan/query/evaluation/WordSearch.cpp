@@ -80,7 +80,7 @@ void WordSearch::searchAt(int64_t hit, std::vector<Range>& found) {
   if (!isPresent(word)) return;
   const int64_t end = endOf(word);
   if (word.location >= _location && end <= _end) {
-    const bool matches = _anchor->decides(word, hit) || WordPattern::matches(_piece, _text, word);
+    const bool matches = _anchor->decides(_text, word, hit) || WordPattern::matches(_piece, _text, word);
     if (_mayStandForSeveral) return searchWord(word, matches, found);
     if (matches) appendRange(found, word);
   }

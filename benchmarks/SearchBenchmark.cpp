@@ -150,6 +150,44 @@ class Hyperscan {
   hs_scratch_t* _scratch = nullptr;
 };
 
+// Several expressions in one pass: where all matches end, and of which expression.
+class HyperscanSet {
+ public:
+  HyperscanSet(const std::vector<std::string>& patterns, unsigned flags) {
+    std::vector<const char*> expressions;
+    std::vector<unsigned> ids;
+    for (const std::string& pattern : patterns) {
+      ids.push_back(static_cast<unsigned>(expressions.size()));
+      expressions.push_back(pattern.c_str());
+    }
+    const std::vector<unsigned> allFlags(patterns.size(), flags);
+    hs_compile_error_t* error = nullptr;
+    hs_compile_multi(expressions.data(), allFlags.data(), ids.data(), static_cast<unsigned>(patterns.size()),
+                     HS_MODE_BLOCK, nullptr, &_database, &error);
+    hs_alloc_scratch(_database, &_scratch);
+  }
+  HyperscanSet(const HyperscanSet&) = delete;
+  HyperscanSet& operator=(const HyperscanSet&) = delete;
+  ~HyperscanSet() {
+    hs_free_scratch(_scratch);
+    hs_free_database(_database);
+  }
+
+  size_t count(const std::string& text) const {
+    std::vector<std::pair<unsigned, unsigned long long>> ends;
+    const auto onMatch = [](unsigned id, unsigned long long, unsigned long long end, unsigned, void* all) {
+      static_cast<std::vector<std::pair<unsigned, unsigned long long>>*>(all)->emplace_back(id, end);
+      return 0;
+    };
+    hs_scan(_database, text.data(), static_cast<unsigned>(text.size()), 0, _scratch, onMatch, &ends);
+    return ends.size();
+  }
+
+ private:
+  hs_database_t* _database = nullptr;
+  hs_scratch_t* _scratch = nullptr;
+};
+
 using Run = std::function<size_t()>;
 
 void add(const std::string& operation, const std::string& who, const Text& text, Run run) {
@@ -339,6 +377,64 @@ void addQueries(const Text& text) {
   }
 }
 
+// Words that no text holds.
+std::string madeUpWord(std::mt19937& random) {
+  std::string word;
+  for (auto left = 2 + random() % 3; left > 0; --left)
+    (word += "bcdfgklmnprstvz"[random() % 15]) += "aeiou"[random() % 5];
+  return word + "bcdfgklmnprstvz"[random() % 15];
+}
+
+// Every occurrence of several terms, beside one pass for all of their expressions, and one search for each. In our
+// rows what relates the terms is found out, too.
+void addTerms(const Text& text, const std::string& operation, const std::string& between,
+              const std::vector<std::string>& terms, bool caseSensitive) {
+  std::string query;
+  std::vector<std::string> expressions, literals;
+  for (const std::string& term : terms) {
+    (query += query.empty() ? "" : between) += term;
+    const bool isPrefix = term.back() == '*';
+    literals.push_back(isPrefix ? term.substr(0, term.size() - 1) : term);
+    // Of a prefix Hyperscan would tell each end.
+    expressions.push_back("\\b" + literals.back() + (isPrefix ? "" : "\\b"));
+  }
+  const std::shared_ptr<const PreparedQuery> prepared =
+      PreparedQuery::queryWithTerms(QueryTerms::initWithWildcard(String::fromUTF8(query)),
+                                    caseSensitive ? QueryComparison::Exact : QueryComparison::IgnoreCase, true);
+  const std::string name = operation + (caseSensitive ? "" : "_no_case");
+  add(name, "velan", text, [prepared, string = String(text.units)] {
+    const auto words = prepared->enumeratorWithString(string);
+    return QueryMatcher(*prepared, *words).occurrences({0, NSNotFound}).size();
+  });
+  const auto hyperscan = std::make_shared<HyperscanSet>(expressions, caseSensitive ? 0u : unsigned{HS_FLAG_CASELESS});
+  add(name, "hyperscan", text, [hyperscan, bytes = utf8Of(text.units)] { return hyperscan->count(bytes); });
+  if (!caseSensitive) return;
+  add(name, "memmem", text, [literals, bytes = utf8Of(text.units)] {
+    size_t count = 0;
+    for (const std::string& literal : literals) {
+      const char *at = bytes.data(), *end = at + bytes.size();
+      while (const void* found = memmem(at, static_cast<size_t>(end - at), literal.data(), literal.size())) {
+        at = static_cast<const char*>(found) + literal.size();
+        ++count;
+      }
+    }
+    return count;
+  });
+}
+
+void addSeveralTerms(const Text& text) {
+  std::vector<std::string> thousand = {"copy", "license*", "patent"};
+  std::mt19937 random(3);
+  while (thousand.size() < 1000) thousand.push_back(madeUpWord(random));
+  for (const bool caseSensitive : {true, false}) {
+    const std::vector<std::string> three(thousand.begin(), thousand.begin() + 3);
+    addTerms(text, "three_terms_or", " OR ", three, caseSensitive);
+    addTerms(text, "three_terms_and", " AND ", three, caseSensitive);
+    addTerms(text, "three_terms_near", " NEAR/20 ", three, caseSensitive);
+    addTerms(text, "thousand_terms_or", " OR ", thousand, caseSensitive);
+  }
+}
+
 // What the memory gives: every word of the text is read.
 void addLimit(const Text& text) {
   const std::u16string_view units = text.units;
@@ -375,6 +471,7 @@ int main(int argc, char** argv) {
       addUnits(text);
       addMapping(text);
       if (name != "russian" && name != "japanese") addQueries(text);
+      if (name == "licence" || name == "manual" || name == "changelog") addSeveralTerms(text);
     }
   }
   benchmark::RunSpecifiedBenchmarks();

@@ -56,6 +56,11 @@ ROWS = [
        QUERIED + (OTHER_MANUALS if name in ("frequent_word", "prefix") else []), "read")
       for name in ("word", "word_no_case", "frequent_word", "prefix", "infix", "suffix", "set", "mixed", "phrase",
                    "wildcard_phrase", "three_terms")),
+    *(("search", f"query, {name}{case.replace('_', ' ')}, every hit", f"{key}{case}/velan/*",
+       [f"{key}{case}/hyperscan/*", f"{key}{case}/memmem/*"], QUERIED, "read")
+      for key, name in (("three_terms_or", "three terms by or"), ("three_terms_and", "three terms by and"),
+                        ("three_terms_near", "three terms by near"), ("thousand_terms_or", "a thousand terms by or"))
+      for case in ("", "_no_case")),
     ("words", "word index", "index/velan/*", ["index/plain_loop/*", "index/icu/*"], WORDS, "read"),
     ("words", "word index in upper case, beside the plain one", "index_upper/velan/*", ["index/velan/*"], WORDS, "copy"),
     ("words", "walk the words of an index", "walk/velan/*", ["walk/bitmap_loop/*"], WORDS, "read"),

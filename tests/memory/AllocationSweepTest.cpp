@@ -418,5 +418,23 @@ TEST(AllocationSweep, NoOperationTakesALackOfMemoryForAnAnswer) {
   }
 }
 
+// One pass over the text, whatever the number of terms: allocations are its steps.
+TEST(ManyTerms, AbsentOnesTakeNoSteps) {
+  const String text(repeated(u"a text that holds few of many terms ", 30));
+  const auto steps = [&text](int count) {
+    std::u16string query = u"NOT few OR text AND (terms";
+    for (int i = 0; i < count; ++i) query += u" OR absent" + std::u16string(1, static_cast<unichar>(0x4E00 + i));
+    const auto prepared =
+        PreparedQuery::queryWithTerms(QueryTerms::initWithWildcard(query + u")"), QueryComparison::IgnoreCase, true);
+    const FailingAllocation counting(INT64_MAX, false);
+    const auto words = prepared->enumeratorWithString(text);
+    QueryMatcher matcher(*prepared, *words);
+    const bool answers = matcher.matches() && matcher.contains() && matcher.occurrences({0, NSNotFound}).size() == 60;
+    return answers ? FailingAllocation::count() : 0;
+  };
+  EXPECT_GT(steps(20), 0);
+  EXPECT_EQ(steps(2000), steps(20));
+}
+
 }  // namespace
 }  // namespace velan

@@ -1,6 +1,7 @@
 #include "QueryReference.h"
 #include "tests/Testing.h"
 #include "velan/query/PreparedQuery.h"
+#include "velan/query/evaluation/SearchedTextInternal.h"
 #include "velan/query/words/FastWordEnumerator.h"
 
 namespace velan {
@@ -262,6 +263,61 @@ TEST(QueryEvaluation, ManyPlaces) {
       }
     }
   }
+}
+
+// Terms joined by or of which most are absent, between others, in groups and relations.
+std::u16string manyTerms(Chance& chance, int depth) {
+  static constexpr std::u16string_view kSomeTerms[] = {u"ab",
+                                                       u"b*",
+                                                       u"*ab",
+                                                       u"\"ab b\"",
+                                                       u"a",
+                                                       u"NOT ab",
+                                                       u"c?b",
+                                                       u"\xE4"
+                                                       u"b"};
+  static constexpr std::u16string_view kJoints[] = {u" AND ", u" XOR ", u" NEAR/2 ", u" AND NOT "};
+  std::u16string query;
+  for (size_t left = 9 + chance.below(12); left > 0; --left) {
+    if (!query.empty()) query += chance.below(12) > 0 ? u" OR " : chance.oneOf(kJoints);
+    if (depth > 0 && chance.below(12) == 0) {
+      query += u'(' + manyTerms(chance, depth - 1) + u')';
+    } else if (chance.below(4) > 0) {
+      query += chance.text(2 + chance.below(3), u"bcdefg");
+    } else {
+      query += chance.oneOf(kSomeTerms);
+    }
+  }
+  return query;
+}
+
+TEST(QueryEvaluation, ManyTerms) {
+  Chance chance(2);
+  int matched = 0;
+  for (int i = 0; i < 1500; ++i) {
+    constexpr std::u16string_view kWords[] = {u"AB ", u"ab, ", u"cb ", u"de ",  u"fgb ",
+                                              u"b ",  u"ee-",  u"zz ", u"abcb "};
+    const std::u16string text = chance.text(1 + chance.below(8), kWords);
+    std::u16string query = u'(' + manyTerms(chance, 2) + u')';
+    const std::u16string_view ends[] = {u"", u" AND zz", u" NEAR/2 (ab OR zz)", u" NEXT de"};
+    query += chance.oneOf(ends);
+    const QueryComparison comparisons[] = {Exact, IgnoreCase, IgnoreCase | IgnoreDiacritics};
+    const QueryComparison comparison = chance.oneOf(comparisons);
+    const bool wildcard = i % 3 > 0;
+    const std::shared_ptr<const QueryTerms> terms =
+        wildcard ? QueryTerms::initWithWildcard(query) : QueryTerms::initWithString(query);
+    const auto prepared = PreparedQuery::queryWithTerms(terms, comparison, wildcard);
+    const auto words = i % 2 == 0 ? prepared->enumeratorWithString(text)
+                                  : FastWordEnumerator::enumeratorWithString(text, i % 5 == 0, false);
+    const ReferenceText reference(text, comparisonOn(*words, comparison), wildcard);
+    SCOPED_TRACE("query: " + String(query).toUTF8() + "\ntext: " + String(text).toUTF8());
+    const ReferenceTerm root = referenceOf(*terms);
+    matched += reference.matches(root, reference.wholeRange());
+    const Range range{static_cast<int64_t>(chance.below(3)), static_cast<int64_t>(chance.below(20))};
+    expectEqualsReference(QueryMatcher(*prepared, *words), reference, root, clippedRange(range, words->length()));
+  }
+  EXPECT_GT(matched, 300);
+  EXPECT_LT(matched, 1200);
 }
 
 // What several places of one leaf give to ranges with one beginning is rare to overlap in random queries.

@@ -48,11 +48,15 @@ bool EndSearch::reaches(const QueryTerms& node) { return isShallow(node) || _eva
 bool EndSearch::isShallow(const QueryTerms& node) {
   const auto [entry, isNew] = _shallow.try_emplace(&node, true);
   if (!isNew) return entry->second;
+  PresentChildren& present = _evaluator.presentChildren();
   std::vector<std::pair<const QueryTerms*, int>> pending{{&node, 0}};
   while (!pending.empty() && entry->second) {
     const auto [each, depth] = pending.back();
     pending.pop_back();
-    for (const auto& child : each->children()) pending.push_back({child.get(), depth + 1});
+    const auto& children = each->children();
+    for (size_t i = 0; (i = present.next(*each, i)) < children.size(); ++i) {
+      pending.push_back({children[i].get(), depth + 1});
+    }
     entry->second = depth <= kDeepestNesting;
   }
   return entry->second;
@@ -84,7 +88,8 @@ RangeEnds EndSearch::endsOfGroup(const QueryTerms& group, const Relation& relati
   const auto& children = group.children();
   if (children.empty()) return {};
   RangeEnds running = endsOf(*children[0], relationOfChild(relation, children, 0), start, last);
-  for (size_t i = 1; i < children.size(); ++i) {
+  PresentChildren& present = _evaluator.presentChildren();
+  for (size_t i = 1; (i = present.next(group, i)) < children.size(); ++i) {
     const QueryOperator queryOperator = children[i]->queryOperator();
     if (queryOperator == QueryOperator::Optional || queryOperator == QueryOperator::Mixed) continue;
     const bool joinsByAnd = queryOperator != QueryOperator::Or && queryOperator != QueryOperator::Xor;

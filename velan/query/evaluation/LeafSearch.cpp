@@ -44,11 +44,17 @@ LeafPattern::LeafPattern(const QueryTerms& leaf, LeafKind kind, QueryComparison 
   if (isWholeRange()) _meaning = LeafMeaning::WholeRange;
 }
 
-LeafPatterns::LeafPatterns(const QueryTerms& root, LeafKind kind, QueryComparison comparison) {
+LeafPatterns::LeafPatterns(const QueryTerms& root, LeafKind kind, QueryComparison comparison)
+    : _patterns(patternsOf(root, kind, comparison)), _manyTerms(root, _patterns, comparisonTable(comparison)) {}
+
+std::unordered_map<const QueryTerms*, LeafPattern> LeafPatterns::patternsOf(const QueryTerms& root, LeafKind kind,
+                                                                            QueryComparison comparison) {
+  std::unordered_map<const QueryTerms*, LeafPattern> patterns;
   walkQuery(root, [&](const QueryTerms& node) {
-    if (node.isWord()) _patterns.try_emplace(&node, node, kind, comparison);
+    if (node.isWord()) patterns.try_emplace(&node, node, kind, comparison);
     return true;
   });
+  return patterns;
 }
 
 const LeafPattern* LeafPatterns::find(const QueryTerms& leaf) const {

@@ -12,6 +12,7 @@
 
 #include "velan/query/QueryExplanation.h"
 #include "velan/query/QueryTerms.h"
+#include "velan/query/evaluation/ManyTermsInternal.h"
 #include "velan/query/evaluation/PhraseSearchInternal.h"
 #include "velan/query/evaluation/WordSearchInternal.h"
 
@@ -41,6 +42,8 @@ class LeafPattern {
   bool isWhole() const { return _whole; }
   /// The pattern of any other leaf.
   const WordPattern& pattern() const { return _pattern; }
+  /// Units without which it is found nowhere, and by which it is looked for; null where none are known.
+  Literal* requiredLiteral() { return _literal ? &*_literal : _pattern.anchorLiteral(); }
 
  private:
   bool _whole;
@@ -55,9 +58,14 @@ class LeafPatterns {
   LeafPatterns(const QueryTerms& root, LeafKind kind, QueryComparison comparison);
   /// Null for a leaf of another tree.
   const LeafPattern* find(const QueryTerms& leaf) const;
+  const ManyTerms& manyTerms() const { return _manyTerms; }
 
  private:
+  static std::unordered_map<const QueryTerms*, LeafPattern> patternsOf(const QueryTerms& root, LeafKind kind,
+                                                                       QueryComparison comparison);
+
   std::unordered_map<const QueryTerms*, LeafPattern> _patterns;
+  const ManyTerms _manyTerms;
 };
 
 /// The pieces of a leaf that is a wildcard pattern.

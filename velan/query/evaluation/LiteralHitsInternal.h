@@ -43,6 +43,7 @@ class LiteralHits {
   static constexpr int64_t kLongestStretch = 1 << 15;
 
   size_t gather(int64_t from, unichar* found);
+  size_t take(std::span<const LiteralSet::Hit> known, unichar* found);
 
   const Literal& _literal;
   const SearchedText& _text;

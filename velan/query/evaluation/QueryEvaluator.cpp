@@ -87,10 +87,11 @@ Range RelationRanges::nextPiece() {
 
 QueryEvaluator::QueryEvaluator(const FastWordEnumerator& enumerator, QueryComparison comparison, LeafKind kind,
                                const LeafPatterns* prepared)
-    : _text(enumerator, comparison),
+    : _text(enumerator, comparison, prepared ? prepared->manyTerms().literals() : nullptr),
       _comparison(comparisonOn(enumerator, comparison)),
       _kind(kind),
-      _prepared(prepared) {}
+      _prepared(prepared),
+      _presentChildren(prepared ? &prepared->manyTerms() : nullptr, _text) {}
 
 QueryEvaluator::~QueryEvaluator() = default;
 
@@ -116,7 +117,7 @@ Ranges QueryEvaluator::places(const QueryTerms& leaf, Range range) {
 
 bool QueryEvaluator::containsAny(const QueryTerms& node) {
   bool found = false;
-  walkQuery(node, [&](const QueryTerms& each) {
+  walkQuery(node, _presentChildren, [&](const QueryTerms& each) {
     if (found || each.queryNot()) return false;
     if (each.isWord()) found = isPresent(search(each).firstIn({0, _text.length()}));
     return !found;
@@ -195,8 +196,10 @@ std::optional<QueryEvaluator::Frame> QueryEvaluator::stepGroup(Frame& frame, boo
       return std::nullopt;
     }
   }
-  while (frame.next < children.size()) {
-    const size_t index = frame.next++;
+  while (true) {
+    const size_t index = frame.running ? frame.next : _presentChildren.next(*frame.node, frame.next);
+    if (index >= children.size()) break;
+    frame.next = index + 1;
     if (index > 0 && !decides(children[index]->queryOperator(), frame.running)) continue;
     const Relation relation = relationOfChild(frame.relation, children, index);
     const bool isPartner = index + 1 < children.size() && hasOwnRelation(*children[index + 1]);

@@ -90,6 +90,8 @@ class QueryEvaluator {
   ~QueryEvaluator();
 
   const SearchedText& text() const { return _text; }
+  /// The children of groups that are to be looked at: what others are has no influence on any answer.
+  PresentChildren& presentChildren() { return _presentChildren; }
   LeafSearch& search(const QueryTerms& leaf);
   /// Where the leaf is found in `range`, negated or not.
   Ranges places(const QueryTerms& leaf, Range range);
@@ -135,6 +137,7 @@ class QueryEvaluator {
   const QueryComparison _comparison;
   const LeafKind _kind;
   const LeafPatterns* const _prepared;
+  PresentChildren _presentChildren;
   Range _evaluated{0, 0};
   const QueryTerms* _firstLeaf = nullptr;  // the one whose search needs no room of its own
   std::optional<LeafSearch> _firstSearch;

@@ -14,9 +14,9 @@
 namespace velan {
 namespace {
 
-bool hasRelations(const QueryTerms& root) {
+bool hasRelations(const QueryTerms& root, PresentChildren& present) {
   bool found = false;
-  walkQuery(root, [&found](const QueryTerms& node) {
+  walkQuery(root, present, [&found](const QueryTerms& node) {
     found = found || hasOwnRelation(node);
     return !found;
   });
@@ -69,7 +69,8 @@ class PrimaryPlaces {
       if (task.relation.partner) addPartner(task, where(*task.node, task.relation, *task.ranges));
       return;
     }
-    for (size_t i = 0; i < children.size(); ++i) {
+    PresentChildren& present = _evaluator.presentChildren();
+    for (size_t i = 0; (i = present.next(*task.node, i)) < children.size(); ++i) {
       const Relation relation = relationOfChild(task.relation, children, i);
       // A child that the next one is related to takes part through that relation only.
       const bool isPartner = i + 1 < children.size() && hasOwnRelation(*children[i + 1]);
@@ -190,10 +191,10 @@ std::vector<QueryOccurrence> occurrencesOfQuery(QueryEvaluator& evaluator, const
   std::vector<QueryOccurrence> occurrences;
   if (range.length <= 0) return occurrences;
   std::optional<PrimaryPlaces> primary;
-  if (hasRelations(root)) primary.emplace(evaluator, root, range);
+  if (hasRelations(root, evaluator.presentChildren())) primary.emplace(evaluator, root, range);
   const PrimaryPlaces::Marks all{true, {}};
   int leaves = 0;
-  walkPositiveLeaves(root, [&](const QueryTerms& leaf) {
+  walkPositiveLeaves(root, evaluator.presentChildren(), [&](const QueryTerms& leaf) {
     LeafSearch& search = evaluator.search(leaf);
     const auto& marks = primary ? primary->marksOf(leaf) : all;
     const bool takesPart = !withoutPart.contains(&leaf);

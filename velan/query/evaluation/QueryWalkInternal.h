@@ -2,6 +2,7 @@
 #ifndef VELAN_QUERY_EVALUATION_QUERY_WALK_INTERNAL_H
 #define VELAN_QUERY_EVALUATION_QUERY_WALK_INTERNAL_H
 
+#include <algorithm>
 #include <new>
 #include <vector>
 
@@ -20,18 +21,25 @@ Result answerOrNote(const Noter& noter, Result neutral, const Ask& ask) {
   }
 }
 
-/// Calls `visit(node)` for `root` and, where that returns true, for everything below it; parents come first. Allocates
-/// nothing where no group holds another.
-template <typename Visit>
-void walkQuery(const QueryTerms& root, Visit visit) {
+/// All children of all groups.
+struct AllChildren {
+  size_t next(const QueryTerms&, size_t index) const { return index; }
+};
+
+/// Calls `visit(node)` for `root` and, where that returns true, for everything below it that is among the `present`
+/// children; parents come first. Allocates nothing where no group holds another.
+template <typename Present, typename Visit>
+void walkQuery(const QueryTerms& root, Present&& present, Visit visit) {
   if (!visit(root)) return;
   std::vector<const QueryTerms*> pending;
-  for (const auto& part : root.children()) {
-    const QueryTerms* node = part.get();
+  for (size_t part = 0; (part = present.next(root, part)) < root.children().size(); ++part) {
+    const QueryTerms* node = root.children()[part].get();
     while (true) {
       if (visit(*node)) {
         const auto& children = node->children();
-        for (auto child = children.rbegin(); child != children.rend(); ++child) pending.push_back(child->get());
+        const auto before = std::ssize(pending);
+        for (size_t i = 0; (i = present.next(*node, i)) < children.size(); ++i) pending.push_back(children[i].get());
+        std::reverse(pending.begin() + before, pending.end());
       }
       if (pending.empty()) break;
       node = pending.back();
@@ -40,14 +48,23 @@ void walkQuery(const QueryTerms& root, Visit visit) {
   }
 }
 
-/// Calls `visit(leaf)` for every leaf at or below `root` that is neither negated nor below a negated group.
 template <typename Visit>
-void walkPositiveLeaves(const QueryTerms& root, Visit visit) {
-  walkQuery(root, [&visit](const QueryTerms& node) {
+void walkQuery(const QueryTerms& root, Visit visit) {
+  walkQuery(root, AllChildren(), visit);
+}
+
+/// Calls `visit(leaf)` for every such leaf at or below `root` that is neither negated nor below a negated group.
+template <typename Present, typename Visit>
+void walkPositiveLeaves(const QueryTerms& root, Present&& present, Visit visit) {
+  walkQuery(root, present, [&visit](const QueryTerms& node) {
     if (node.queryNot()) return false;
     if (node.isWord()) visit(node);
     return true;
   });
+}
+template <typename Visit>
+void walkPositiveLeaves(const QueryTerms& root, Visit visit) {
+  walkPositiveLeaves(root, AllChildren(), visit);
 }
 
 }  // namespace velan

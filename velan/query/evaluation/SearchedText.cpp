@@ -29,14 +29,15 @@ std::u16string mappedUnits(std::u16string_view units, const unichar* table) {
   return mapped;
 }
 
-SearchedText::SearchedText(const FastWordEnumerator& enumerator, QueryComparison comparison)
+SearchedText::SearchedText(const FastWordEnumerator& enumerator, QueryComparison comparison, const LiteralSet* literals)
     : _words(enumerator),
       _length(static_cast<int64_t>(enumerator.length())),
       _patternTable(comparisonTable(comparisonOn(enumerator, comparison))),
       _table(enumerator.isCaseInsensitive() && _patternTable == initUpperCharsTable() ? nullptr : _patternTable),
       _units(enumerator.characters()),
       _separators(enumerator._onDemand ? defaultWordSeparators() : nullptr),
-      _mayBeDivided(enumerator._marksRuns) {}
+      _mayBeDivided(enumerator._marksRuns),
+      _literals(literals) {}
 
 // Of a long run the index knows more quickly whether it is divided.
 bool SearchedText::isInDividedRun(int64_t index) const {
@@ -112,6 +113,23 @@ int64_t SearchedText::find(const Literal& literal, int64_t location, int64_t end
   const auto length = static_cast<size_t>(end - location);
   const size_t found = literal.find(_units + location, length);
   return found == length ? -1 : location + static_cast<int64_t>(found);
+}
+
+const std::vector<LiteralSet::Hit>* SearchedText::allHits() const {
+  if (_literals && !_wasSearched) {
+    _hits = _literals->find(_units, static_cast<size_t>(_length));
+    _wasSearched = true;
+  }
+  return _hits ? &*_hits : nullptr;
+}
+
+std::optional<std::span<const LiteralSet::Hit>> SearchedText::hitsOf(const Literal& literal, int64_t location) const {
+  const std::vector<LiteralSet::Hit>* all = literal.number() ? allHits() : nullptr;
+  if (!all) return std::nullopt;
+  const LiteralSet::Hit first{*literal.number(), static_cast<uint32_t>(location)};
+  const auto start = std::ranges::lower_bound(*all, first);
+  const auto end = std::ranges::upper_bound(start, all->end(), first.literal, {}, &LiteralSet::Hit::literal);
+  return std::span(start, end);
 }
 
 bool SearchedText::holdsUnits(Range range, std::u16string_view literal) const {

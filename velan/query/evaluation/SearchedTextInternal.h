@@ -3,6 +3,8 @@
 #define VELAN_QUERY_EVALUATION_SEARCHED_TEXT_INTERNAL_H
 
 #include <memory>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -11,6 +13,7 @@
 #include "velan/query/QueryComparison.h"
 #include "velan/query/words/FastWordEnumerator.h"
 #include "velan/text/CharacterSets.h"
+#include "velan/text/search/LiteralSetInternal.h"
 #include "velan/text/search/UnitSearchInternal.h"
 
 namespace velan {
@@ -31,6 +34,10 @@ class Literal {
 
   /// Some of so many units, to be gathered only.
   explicit Literal(const NeedleHead& head) : _length(static_cast<int64_t>(head.length)), _search(head) {}
+  /// Becomes one of the set's literals; returns its number there.
+  uint32_t join(LiteralSet& set) { return *(_number = set.add(units())); }
+  /// Its number, if it has joined a set.
+  std::optional<uint32_t> number() const { return _number; }
 
   int64_t length() const { return _length; }
   std::u16string_view units() const { return _search.needle().units; }
@@ -49,12 +56,14 @@ class Literal {
 
   int64_t _length;
   UnitSearch<Owned> _search;
+  std::optional<uint32_t> _number;
 };
 
 /// Borrows the enumerator. Positions and lengths are in code units of its text.
 class SearchedText {
  public:
-  SearchedText(const FastWordEnumerator& enumerator, QueryComparison comparison);
+  /// `literals` are those that are looked for together, or null; borrowed, too.
+  SearchedText(const FastWordEnumerator& enumerator, QueryComparison comparison, const LiteralSet* literals = nullptr);
 
   int64_t length() const { return _length; }
   /// The units to compare with; still to be mapped through `table()` unless that is null.
@@ -110,6 +119,10 @@ class SearchedText {
   bool hasUnitsAt(int64_t location, std::u16string_view literal) const;
   /// The first place of `literal` that begins at or after `location` and ends at or before `end`; -1 if there is none.
   int64_t find(const Literal& literal, int64_t location, int64_t end) const;
+  /// All places of all literals that are looked for together; null when these had better be looked for one by one.
+  const std::vector<LiteralSet::Hit>* allHits() const;
+  /// Those of one of them from `location` on, if it is known together with others.
+  std::optional<std::span<const LiteralSet::Hit>> hitsOf(const Literal& literal, int64_t location) const;
   /// Whether `literal` (not empty) lies in the `range`, which is short.
   bool holdsUnits(Range range, std::u16string_view literal) const;
 
@@ -154,6 +167,9 @@ class SearchedText {
   // dictionary may divide what lies between them. Null where the index is made already.
   const uint8_t* const _separators;
   const bool _mayBeDivided;
+  const LiteralSet* const _literals;
+  mutable bool _wasSearched = false;  // for all literals, whose places are
+  mutable std::optional<std::vector<LiteralSet::Hit>> _hits;
   // Where words start and end (one past the last unit), for counting words from any place; made when first needed.
   mutable std::vector<int64_t> _wordStarts;
   mutable std::vector<int64_t> _wordEnds;

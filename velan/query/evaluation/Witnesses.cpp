@@ -52,7 +52,8 @@ Ranges witnessesOfBoth(const Ranges& a, const Ranges& b) {
 
 bool Witnesses::has(const QueryTerms& node) {
   std::vector<const QueryTerms*> nodes;  // parents first
-  walkQuery(node, [&](const QueryTerms& each) {
+  PresentChildren& present = _evaluator.presentChildren();
+  walkQuery(node, present, [&](const QueryTerms& each) {
     if (_has.contains(&each)) return false;
     nodes.push_back(&each);
     return true;
@@ -60,9 +61,9 @@ bool Witnesses::has(const QueryTerms& node) {
   for (auto each = nodes.rbegin(); each != nodes.rend(); ++each) {
     const auto& children = (*each)->children();
     const bool isFound = !(*each)->queryNot() && !((*each)->isWord() && _evaluator.search(**each).isWholeRange());
-    _has[*each] =
-        isFound && !hasExclusiveChild(**each) &&
-        std::all_of(children.begin(), children.end(), [this](const auto& child) { return _has[child.get()]; });
+    bool has = isFound && !hasExclusiveChild(**each);
+    for (size_t i = 0; has && (i = present.next(**each, i)) < children.size(); ++i) has = _has[children[i].get()];
+    _has[*each] = has;
   }
   return _has[&node];
 }
@@ -123,8 +124,11 @@ std::optional<Witnesses::Frame> Witnesses::stepGroup(Frame& frame, Ranges& resul
     const bool isEither = children[frame.next - 1]->queryOperator() == QueryOperator::Or;
     frame.running = isEither ? smallestOf(frame.running, result) : witnessesOfBoth(frame.running, result);
   }
-  while (frame.next < children.size()) {
-    const size_t index = frame.next++;
+  PresentChildren& present = _evaluator.presentChildren();
+  while (true) {
+    const size_t index = present.next(*frame.node, frame.next);
+    if (index >= children.size()) break;
+    frame.next = index + 1;
     const QueryOperator queryOperator = children[index]->queryOperator();
     if (index > 0 && (queryOperator == QueryOperator::Optional || queryOperator == QueryOperator::Mixed)) continue;
     if (index > 0 && queryOperator != QueryOperator::Or && frame.running.empty()) continue;

@@ -37,6 +37,8 @@ class WordPattern {
   /// Whether the pattern has one piece, or several.
   bool isOneWord() const { return _pieces.size() == 1; }
   bool isPhrase() const { return _pieces.size() > 1; }
+  /// The units that places are looked for by; null where none are known.
+  Literal* anchorLiteral() { return _anchor ? &_anchor->literal : nullptr; }
   /// Of each piece that has one, the longest run of units that all words it matches hold. Views into the pattern.
   std::vector<std::u16string_view> requiredLiterals() const;
   /// The first place in `range` where the pieces match consecutive words, from the first word's start to the last one's

@@ -68,9 +68,9 @@ class PageFilter::Reader {
     if (_page[at] == '&') {
       const auto entity = entityAt(_page, at);
       if (!entity) return false;
-      if (!isDropped(entity->units[0])) return mayFindEntity(before, *entity);
+      if (!isDropped(entity->units[0])) return mayFindEntity(at, *entity);
     }
-    if (!_spelling.mayEndInside(before)) return false;
+    if (!_spelling.mayLeadTo(_page, at)) return false;
     const auto [c, length] = unitInUTF8(_page, at);
     if (isHyphen(c)) return mayGoOnInNextLine(before, at + length);
     if (c == u'<' || c == u'&' || isDropped(c)) return mayGoOnBehindGap(before, at);
@@ -222,13 +222,16 @@ class PageFilter::Reader {
     return at < _page.size() && _page[at] == '>';
   }
 
-  bool mayFindEntity(char before, const Entity& entity) {
+  bool mayFindEntity(size_t at, const Entity& entity) {
+    const char before = at > 0 ? _page[at - 1] : kEdge;
+    const bool isLedTo = _spelling.mayLeadTo(_page, at);
     const unichar c = entity.units[0];
     if (!_verbatim && (isUnusual(c) || isJoinedLetter(c))) return true;
-    if (isHyphen(c) && _spelling.mayEndInside(before) && mayGoOnInNextLine(before, entity.end)) return true;
+    if (isHyphen(c) && isLedTo && mayGoOnInNextLine(before, entity.end)) return true;
     if (!_literals.mayHold(c)) return false;
     const std::string bytes = entity.utf8();
-    if (!_literals.mayJoin(kEdge, bytes.front()) && !_literals.mayJoin(before, bytes.front())) return false;
+    if (!_literals.mayJoin(kEdge, bytes.front()) && !(isLedTo && _literals.mayJoin(before, bytes.front())))
+      return false;
     return _literals.mayJoin(bytes.back(), kEdge) || _spelling.mayGoOn(bytes.back(), _page, entity.end);
   }
 

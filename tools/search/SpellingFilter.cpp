@@ -87,7 +87,7 @@ bool SpellingFilter::mayFindAt(std::string_view text, size_t at) const {
   const auto [c, length] = unitInUTF8(text, at);
   const size_t behind = at + length;
   const bool isHyphen = c == u'-' || c == kHyphen || c == kSoftHyphen;
-  if (isHyphen && !mayEndInside(before)) return false;
+  if (isHyphen && !mayLeadTo(text, at)) return false;
   if (isHyphen && !_inPages && isLineEnd(text, behind)) {
     const size_t lineEnd = behind + (text.substr(behind).starts_with("\r\n") ? 2 : 1);
     return mayGoOn(before, text, std::min(text.find_first_not_of(" \t", lineEnd), text.size()));
@@ -95,7 +95,7 @@ bool SpellingFilter::mayFindAt(std::string_view text, size_t at) const {
   if (c == kSoftHyphen) return mayGoOn(before, text, behind);
   if (isComposing(c)) return _holdsComposed || !isAfterPlainLetter(text, at);
   const bool isOneOfSeveral = isUnusual(c) || isJoinedLetter(c);
-  return isOneOfSeveral && mayHoldReading(before, readingOf(c), text, behind);
+  return isOneOfSeveral && mayHoldReading(readingOf(c), text, at, behind);
 }
 
 bool SpellingFilter::mayGoOn(char before, std::string_view text, size_t next) const {
@@ -110,7 +110,22 @@ bool SpellingFilter::isReadOtherwise(std::string_view text, size_t at) const {
   return _inPages && (c == u'<' || c == u'&' || c == u'\r');
 }
 
-bool SpellingFilter::mayHoldReading(char before, std::string_view reading, std::string_view text, size_t next) const {
+bool SpellingFilter::mayLeadTo(std::string_view text, size_t at) const {
+  constexpr size_t kFar = 32;
+  const size_t limit = at - std::min(at, kFar);
+  for (size_t i = at; i > limit; --i) {
+    const char c = text[i - 1];
+    if (i == at && !mayEndInside(c)) return false;
+    if ((c & 0x80) != 0 || _literals.mayJoin(kEdge, c)) return true;
+    if (i == 1 || !_literals.mayJoin(text[i - 2], c)) return false;
+  }
+  return at > 0;
+}
+
+// Whether what is read as `reading`, ASCII in any case, from `start` to `next` may be in a literal or hold a part of
+// one.
+bool SpellingFilter::mayHoldReading(std::string_view reading, std::string_view text, size_t start, size_t next) const {
+  const char before = start > 0 ? text[start - 1] : kEdge;
   const auto joins = [this](char one, char two) {
     const auto joinsAny = [&](char first) {
       return _literals.mayJoin(first, toASCIILower(two)) || _literals.mayJoin(first, toASCIIUpper(two));
@@ -118,7 +133,8 @@ bool SpellingFilter::mayHoldReading(char before, std::string_view reading, std::
     return joinsAny(toASCIILower(one)) || joinsAny(toASCIIUpper(one));
   };
   for (size_t first = 0; first < reading.size(); ++first) {
-    if (!joins(kEdge, reading[first]) && !(first == 0 && joins(before, reading[first]))) continue;
+    if (!joins(kEdge, reading[first]) && !(first == 0 && joins(before, reading[first]) && mayLeadTo(text, start)))
+      continue;
     size_t last = first;
     while (!joins(reading[last], kEdge) && last + 1 < reading.size() && joins(reading[last], reading[last + 1])) ++last;
     if (joins(reading[last], kEdge)) return true;

@@ -23,13 +23,13 @@ class SpellingFilter {
   /// Whether some literal may have the character that ends in the byte `before` and then what begins at `next`, which
   /// perhaps is not what is read.
   bool mayGoOn(char before, std::string_view text, size_t next) const;
+  /// Whether a literal may begin before `at`, as it is written there, and go on.
+  bool mayLeadTo(std::string_view text, size_t at) const;
   /// Whether a character may end in this byte that is not the last one of a literal.
   bool mayEndInside(char before) const { return _insideEnds[static_cast<uint8_t>(before)]; }
-  /// Whether what is read as `reading`, ASCII in any case, between the byte `before` and what begins at `next`, may be
-  /// in a literal or hold a part of one.
-  bool mayHoldReading(char before, std::string_view reading, std::string_view text, size_t next) const;
 
  private:
+  bool mayHoldReading(std::string_view reading, std::string_view text, size_t start, size_t next) const;
   bool mayFindAt(std::string_view text, size_t at) const;
   bool isReadOtherwise(std::string_view text, size_t at) const;
 

@@ -164,6 +164,28 @@ TEST(QueryFilter, PassesWhatOnlyDecodingTells) {
                        StringEncoding::WindowsLatin1));
 }
 
+TEST(QueryFilter, FindsManyLiteralsAtBothEnds) {
+  for (const std::u16string_view beginning : {u"", u"qzw", u"é", u"日"}) {
+    std::u16string all;
+    std::vector<std::u16string> words;
+    for (const unichar one : std::u16string_view(u"bcdfgkst")) {
+      for (const unichar two : std::u16string_view(u"hjklmn")) {
+        words.emplace_back(beginning).append({one, two});
+        all += (all.empty() ? u"" : u" or ") + words.back();
+      }
+    }
+    const auto filter = QueryFilter::filterWithQuery(*prepared(String(all), QueryComparison::IgnoreCase, true));
+    for (const std::u16string& word : words) {
+      for (const std::u16string& text : {word, word + u" xyz xyz xyz", u"xyz xyz xyz " + word}) {
+        EXPECT_TRUE(filter->canMatch(String(text).toUTF8(), StringEncoding::UTF8)) << String(text).toUTF8();
+      }
+    }
+    for (const String text : {u"", u"b", u"xyz xyz bxh", u"日é qzw"}) {
+      EXPECT_FALSE(filter->canMatch(text.toUTF8(), StringEncoding::UTF8)) << text.toUTF8();
+    }
+  }
+}
+
 TEST(QueryFilter, TellsWhatLiteralsAreMadeOf) {
   const auto filter = QueryFilter::filterWithQuery(*prepared(u"kiosk or été", QueryComparison::IgnoreCase, true));
   for (const unichar c : std::u16string_view(u"kKıſSéÉtT")) EXPECT_TRUE(filter->mayHold(c)) << uint32_t{c};

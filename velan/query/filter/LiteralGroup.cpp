@@ -39,6 +39,19 @@ double shareOf(const std::bitset<256>& bytes) {
   return share;
 }
 
+// Of the places in common text, those where prints of a kind may be.
+double shareOf(const PrintTable& prints, unsigned kind) {
+  double share = 1;
+  for (size_t i = 0; i < kPrintLength; ++i) {
+    std::bitset<256> bytes;
+    for (size_t byte = 0; byte < 256; ++byte) {
+      bytes[byte] = (prints.low[i][byte & 15] & prints.high[i][byte >> 4]) >> kind & 1;
+    }
+    share *= shareOf(bytes);
+  }
+  return share;
+}
+
 // The longest part of a literal that decoding gives for certain bytes only: without U+FFFD and halves of pairs.
 std::u16string_view certainPart(std::u16string_view literal) {
   std::u16string_view longest;
@@ -223,16 +236,38 @@ bool LiteralGroup::prepareHashes(const SourceUnits& sources) {
   _hashed.resize(1);
   _heads.resize(size_t{1} << kHashBits);
   _isHashed.resize(_heads.size() / 64);
+  std::vector<BytePrint> beginnings;
   for (size_t i = 0; i < _literals.size(); ++i) {
+    if (_literals[i].size() < kPrintLength) _short.push_back(i);
     std::vector<std::vector<Form>> forms(_literals[i].size());
     for (size_t unit = 0; unit < forms.size() && unit < kPrintLength; ++unit) {
       if (!isLowSurrogate(_literals[i][unit])) forms[unit] = formsAt(_literals[i], unit, sources);
     }
     for (const Print& print : printsAt(forms, 0)) {
       if (!addHashes(i, print.bytes)) return false;
+      beginnings.push_back(print.bytes);
     }
   }
+  prepareBeginnings(std::move(beginnings));
   return true;
+}
+
+// Literals with few beginnings are looked for by those, and so are only the places that they leave hashed.
+void LiteralGroup::prepareBeginnings(std::vector<BytePrint> beginnings) {
+  constexpr double kMostPlaces = 0.02;
+  const auto first = [](const BytePrint& print) {
+    size_t byte = 0;
+    while (byte < 255 && !print[0][byte]) ++byte;
+    return toASCIILower(static_cast<uint8_t>(byte));
+  };
+  std::stable_sort(beginnings.begin(), beginnings.end(),
+                   [&](const BytePrint& a, const BytePrint& b) { return first(a) < first(b); });
+  for (size_t i = 0; i < beginnings.size(); ++i) {
+    _prints.add(beginnings[i], static_cast<unsigned>(i * kKinds / beginnings.size()));
+  }
+  double share = 0;
+  for (unsigned kind = 0; kind < kKinds; ++kind) share += shareOf(_prints, kind);
+  _areBeginningsRare = share <= kMostPlaces;
 }
 
 bool LiteralGroup::addHashes(size_t literal, const BytePrint& print) {
@@ -274,9 +309,25 @@ bool LiteralGroup::isInUTF8(std::string_view text) const {
   return false;
 }
 
+// Whether a literal that has no room for a print stands at the end.
+bool LiteralGroup::endsWithShort(std::string_view text) const {
+  for (size_t at = text.size() - std::min(text.size(), kPrintLength - 1); at < text.size(); ++at) {
+    for (const size_t literal : _short) {
+      if (isAt(text, at, literal, 0)) return true;
+    }
+  }
+  return false;
+}
+
 bool LiteralGroup::isInUTF8ByHash(std::string_view text) const {
+  if (endsWithShort(text)) return true;
   uint32_t key = 0;
   for (size_t end = 0; end < text.size(); ++end) {
+    if (_areBeginningsRare) {
+      end = findPrint(text, end < kPrintLength ? 0 : end + 1 - kPrintLength, _prints) + kPrintLength - 1;
+      if (end >= text.size()) return false;
+      for (size_t i = end + 1 - kPrintLength; i < end; ++i) key = key << 8 | folded(static_cast<uint8_t>(text[i]));
+    }
     key = (key << 8 | folded(static_cast<uint8_t>(text[end]))) & 0xFFFFFF;
     const size_t hash = hashOf(key);
     if ((_isHashed[hash / 64] >> (hash % 64) & 1) == 0 || end + 1 < kPrintLength) continue;

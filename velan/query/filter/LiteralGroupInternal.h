@@ -75,8 +75,10 @@ class LiteralGroup {
   std::vector<Print> rarestPrints(std::u16string_view literal, const SourceUnits& sources, size_t& offset) const;
   void preparePlaces(const SourceUnits& sources);
   bool prepareHashes(const SourceUnits& sources);
+  void prepareBeginnings(std::vector<BytePrint> beginnings);
   bool addHashes(size_t literal, const BytePrint& print);
   void addHash(uint32_t key, size_t literal);
+  bool endsWithShort(std::string_view text) const;
   bool isInUTF8ByHash(std::string_view text) const;
   bool isAt(std::string_view text, size_t at, size_t literal, size_t offset) const;
   unichar mapped(unichar c) const { return _table ? _table[c] : c; }
@@ -88,7 +90,9 @@ class LiteralGroup {
   PrintTable _prints;
   std::vector<Place> _places;
 
+  bool _areBeginningsRare = false;  // of the hashed literals, that is the prints
   std::vector<Hashed> _hashed;      // chained from the second on; not empty in place of the places
+  std::vector<size_t> _short;       // of the hashed literals those of fewer units than a print has bytes
   std::vector<uint32_t> _heads;     // by hash; 0 for none
   std::vector<uint64_t> _isHashed;  // a bit for each hash
 

@@ -241,23 +241,24 @@ size_t findOtherSpellingInUTF8(std::string_view text, size_t from) {
   return findPrint(text, from, kPrints);
 }
 
-// What is written at `at`, a place of other spelling.
-void addSpellingAt(std::string_view text, size_t at, Spelling& spelling) {
-  const auto [c, length] = unitInUTF8(text, at);
-  const size_t behind = at + length;
-  const bool endsLine = behind < text.size() && (text[behind] == '\n' || text[behind] == '\r');
-  spelling.lineEndHyphens |= endsLine && isIn<kHyphens>(c) != 0 && at > 0 && text[at - 1] != '-';
-  spelling.joinedLetters |= isIn<kJoinedLetters>(c) != 0;
-  spelling.unusual |= isUnusualUnit(c) != 0;
-}
-
-Spelling spellingOfUTF8(std::string_view text) {
+Spelling spellingOfUTF8(std::string_view text, FunctionRef<bool(char before, char after)> join) {
   Spelling spelling;
   size_t at = findOtherSpellingInUTF8(text, 0);
   for (; at < text.size() && !spelling.isAnything(); at = findOtherSpellingInUTF8(text, at + 1)) {
-    addSpellingAt(text, at, spelling);
+    const auto [c, length] = unitInUTF8(text, at);
+    spelling.joinedLetters |= isIn<kJoinedLetters>(c) != 0;
+    spelling.unusual |= isUnusualUnit(c) != 0;
+    if (at == 0 || isIn<kHyphens>(c) == 0 || spelling.lineEndHyphens) continue;
+    const size_t next = startOfNextLine(text, at + length);
+    spelling.lineEndHyphens = next < text.size() && join(text[at - 1], text[next]);
   }
   return spelling;
+}
+
+size_t startOfNextLine(std::string_view text, size_t end) {
+  if (end >= text.size() || (text[end] != '\n' && text[end] != '\r')) return text.size();
+  const bool isPair = text.substr(end).starts_with("\r\n");
+  return std::min(text.find_first_not_of(" \t", end + (isPair ? 2 : 1)), text.size());
 }
 
 UnitInUTF8 unitInUTF8(std::string_view text, size_t at) {

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "tools/documents/SourceMap.h"
+#include "velan/base/FunctionRef.h"
 #include "velan/base/String.h"
 
 namespace velan::tool {
@@ -26,8 +27,9 @@ struct Spelling {
 
 /// Goes through the text once, some units at a time.
 Spelling spellingOf(std::u16string_view text);
-/// The same of the text that well-formed UTF-8 stands for.
-Spelling spellingOfUTF8(std::string_view text);
+/// The same of the text that well-formed UTF-8 stands for, without hyphens at line ends whose neighbours do not
+/// `join`: the bytes in which the character before them ends and the one on the next line begins.
+Spelling spellingOfUTF8(std::string_view text, FunctionRef<bool(char before, char after)> join);
 
 /// Whether `c` is one of the units that make a spelling unusual.
 bool isUnusual(unichar c);
@@ -44,6 +46,10 @@ size_t findOtherSpelling(std::u16string_view text, size_t index);
 /// A place in UTF-8 that is not behind the first one at or after `from` where an unusual unit, a joined letter or a
 /// hyphen before a line end begins; one of the last two bytes or the length of the text where there is none.
 size_t findOtherSpellingInUTF8(std::string_view text, size_t from);
+
+/// Where in UTF-8 the line behind the one that ends at `end` begins, without its indentation; the length of the text
+/// when there is none, or no line ends there.
+size_t startOfNextLine(std::string_view text, size_t end);
 
 /// One unit of UTF-8, and of how many bytes it is. U+FFFD and one byte for what is malformed or a pair.
 struct UnitInUTF8 {

@@ -48,7 +48,11 @@ void QueryWords::add(std::u16string_view pattern) {
   _text.appendCharacter(u'"');
   const size_t wildcard = pattern.find_first_of(u"*?[]");
   if (wildcard == std::u16string_view::npos) {
-    _words.insert(folded(pattern));
+    const std::u16string units = folded(pattern);
+    for (size_t i = 0; i + 1 < units.size(); ++i) {
+      if ((units[i] | units[i + 1]) < 0x80) _joins.set(static_cast<size_t>(units[i]) << 7 | units[i + 1]);
+    }
+    _words.insert(units);
   } else {
     _beginnings.push_back(folded(pattern.substr(0, wildcard)));
   }
@@ -60,6 +64,12 @@ bool QueryWords::mayBe(std::u16string_view word) const {
   return _words.contains(units) || std::ranges::any_of(_beginnings, [&](const std::u16string& beginning) {
            return units.starts_with(beginning);
          });
+}
+
+bool QueryWords::mayJoin(char before, char after) const {
+  if (_mayBeAnything || !_beginnings.empty() || ((before | after) & 0x80) != 0) return true;
+  const std::u16string units = folded(std::u16string{static_cast<unichar>(before), static_cast<unichar>(after)});
+  return (units[0] | units[1]) >= 0x80 || _joins[static_cast<size_t>(units[0]) << 7 | units[1]];
 }
 
 std::u16string QueryWords::folded(std::u16string_view word) const {

@@ -2,6 +2,7 @@
 #ifndef VELAN_TOOLS_QUERY_QUERY_WORDS_H
 #define VELAN_TOOLS_QUERY_QUERY_WORDS_H
 
+#include <bitset>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -22,6 +23,9 @@ class QueryWords {
   const PreparedQuery& anyOfThem() const { return *_query; }
   /// A quick test: false only for what is none of the words and holds none.
   bool mayBe(std::u16string_view word) const;
+  /// Whether one of the words may have a character that ends in the byte `before` in UTF-8, and the next one begins
+  /// with `after`; always true for what is no ASCII.
+  bool mayJoin(char before, char after) const;
 
  private:
   explicit QueryWords(const PreparedQuery& query);
@@ -32,6 +36,7 @@ class QueryWords {
   bool _mayBeAnything;
   std::unordered_set<std::u16string> _words;
   std::vector<std::u16string> _beginnings;  // of patterns
+  std::bitset<1 << 14> _joins;              // by two units of ASCII in a row
   MutableString _text;                      // the words as a query
   std::unique_ptr<const PreparedQuery> _query;
 };

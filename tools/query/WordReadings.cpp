@@ -171,7 +171,9 @@ SearchedText WordReadings::read(const String& text) const {
 
 SearchedText WordReadings::read(const Document& document) const {
   const bool isInBytes = document.textIsSource() && document.encoding == StringEncoding::UTF8;
-  return _verbatim || !isInBytes ? read(document.text) : read(document.text, spellingOfUTF8(document.bytes));
+  if (_verbatim || !isInBytes) return read(document.text);
+  const auto join = [this](char before, char after) { return _words && _words->mayJoin(before, after); };
+  return read(document.text, spellingOfUTF8(document.bytes, join));
 }
 
 SearchedText WordReadings::read(const String& text, const Spelling& spelling) const {

@@ -88,10 +88,7 @@ bool SpellingFilter::mayFindAt(std::string_view text, size_t at) const {
   const size_t behind = at + length;
   const bool isHyphen = c == u'-' || c == kHyphen || c == kSoftHyphen;
   if (isHyphen && !mayLeadTo(text, at)) return false;
-  if (isHyphen && !_inPages && isLineEnd(text, behind)) {
-    const size_t lineEnd = behind + (text.substr(behind).starts_with("\r\n") ? 2 : 1);
-    return mayGoOn(before, text, std::min(text.find_first_not_of(" \t", lineEnd), text.size()));
-  }
+  if (isHyphen && !_inPages && isLineEnd(text, behind)) return mayGoOn(before, text, startOfNextLine(text, behind));
   if (c == kSoftHyphen) return mayGoOn(before, text, behind);
   if (isComposing(c)) return _holdsComposed || !isAfterPlainLetter(text, at);
   const bool isOneOfSeveral = isUnusual(c) || isJoinedLetter(c);

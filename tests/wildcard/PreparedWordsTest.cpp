@@ -121,6 +121,29 @@ WordPairs pairedOneByOne(View a, View b) {
   return result;
 }
 
+TEST(PreparedSimilarity, FindsTheSimilarAmongMany) {
+  Chance chance(5);
+  for (int round = 0; round < 30; ++round) {
+    const std::u16string word = chance.text(chance.below(round % 8 ? 14 : 80), u"abcdef");
+    const unichar* const table = someTable(chance);
+    std::vector<ExactWord> exact;
+    std::vector<View> words;
+    for (size_t i = 0; i < 600; ++i) {
+      const std::u16string other = chance.below(2) ? word : chance.text(chance.below(i % 9 ? 14 : 80), u"abcdefgh");
+      exact.emplace_back(other + chance.text(chance.below(4), u"abA"));
+      words.push_back(exact.back().view);
+    }
+    const auto prepared = PreparedSimilarity::preparedSimilarity(word, table);
+    const auto similar = std::make_unique<bool[]>(words.size());
+    for (const double least : {0.0, 0.5, 0.75, 1.0, double{NAN}}) {
+      prepared->findSimilarWords(words, least, similar.get());
+      for (size_t i = 0; i < words.size(); ++i) {
+        ASSERT_EQ(similar[i], prepared->similarity(words[i]) >= least) << String(words[i]).toUTF8() << ' ' << least;
+      }
+    }
+  }
+}
+
 TEST(WordKernels, EqualOneByOne) {
   Chance chance(3);
   for (int round = 0; round < 20000; ++round) {
@@ -135,6 +158,13 @@ TEST(WordKernels, EqualOneByOne) {
                 std::tie(expected.inPlace, expected.pairs, expected.jumps))
           << kernel.name;
       ASSERT_EQ(kernel.run.countUnits(a.view, b.view), shared) << kernel.name;
+      if (b.view.empty()) continue;
+      LeastShared least{};
+      least[a.view.size()] = shared + static_cast<size_t>(round % 2);
+      const View words[] = {a.view, u"", a.view};
+      uint32_t found[4];
+      const size_t expectedCount = round % 2 == 0 ? 3 : a.view.empty() ? 0 : 1;
+      ASSERT_EQ(kernel.run.findSharing(words, 3, b.view, least, found), expectedCount) << kernel.name;
     }
   }
 }

@@ -82,10 +82,35 @@ void PreparedSimilarity::compareWords(std::span<const std::u16string_view> words
   for (const std::u16string_view word : words) *similarities++ = similarity(word);
 }
 
+// Most words are told by how many units they share, 256 at a time.
 void PreparedSimilarity::findSimilarWords(std::span<const std::u16string_view> words, double least,
                                           bool* similar) const {
-  const Lengths lengths = similarLengths(least);
-  for (const std::u16string_view word : words) *similar++ = lengths.contain(word.size()) && isSimilar(word, least);
+  constexpr size_t kStep = 256;
+  if (_table || _different.empty() || !(least > 0)) {
+    for (const std::u16string_view word : words) *similar++ = isSimilar(word, least);
+    return;
+  }
+  const LeastShared shared = leastShared(least);
+  while (!words.empty()) {
+    uint32_t candidates[kStep + 1];
+    const auto some = words.first(std::min(kStep, words.size()));
+    const size_t count = wordKernels().findSharing(some.data(), some.size(), _different, shared, candidates);
+    std::fill_n(similar, some.size(), false);
+    for (size_t i = 0; i < count; ++i) similar[candidates[i]] = isSimilar(some[candidates[i]], least);
+    similar += some.size();
+    words = words.subspan(some.size());
+  }
+}
+
+// More than a word has units where its length alone tells.
+std::array<size_t, 64> PreparedSimilarity::leastShared(double least) const {
+  LeastShared shared;
+  for (size_t length = 0; length < shared.size(); ++length) {
+    const auto [shorter, longer] = std::minmax({_word.size(), length});
+    const double wanted = std::min(least * static_cast<double>(longer) * kRounding, 1e6);
+    shared[length] = mayBeEnough(shorter, longer, least) ? static_cast<size_t>(wanted) : SIZE_MAX;
+  }
+  return shared;
 }
 
 }  // namespace velan

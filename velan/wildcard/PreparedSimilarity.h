@@ -2,6 +2,7 @@
 #ifndef VELAN_WILDCARD_PREPARED_SIMILARITY_H
 #define VELAN_WILDCARD_PREPARED_SIMILARITY_H
 
+#include <array>
 #include <memory>
 #include <span>
 #include <string>
@@ -42,6 +43,7 @@ class PreparedSimilarity {
  private:
   PreparedSimilarity(std::u16string_view word, const unichar* table);
 
+  std::array<size_t, 64> leastShared(double least) const;
   std::u16string_view mapped(std::u16string_view word, unichar* room) const;
 
   std::u16string _word;

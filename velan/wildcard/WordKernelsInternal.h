@@ -3,6 +3,7 @@
 #ifndef VELAN_WILDCARD_WORD_KERNELS_INTERNAL_H
 #define VELAN_WILDCARD_WORD_KERNELS_INTERNAL_H
 
+#include <array>
 #include <string_view>
 
 #include "velan/base/CTypes.h"
@@ -70,11 +71,18 @@ struct KnownPositions {
   uint64_t equals, ranges;
 };
 
+/// How many units a short word has to share, by its length.
+using LeastShared = std::array<size_t, kMostShortUnits + 1>;
+
 struct WordKernels {
   /// Whether each of the words matches. False when there are long ones, which are left to others.
   bool (*match)(const WordProgram& program, const std::u16string_view* words, size_t count, bool* matches);
   /// How many units of a short word are among `units`.
   size_t (*countUnits)(std::u16string_view word, std::u16string_view units);
+  /// Writes the numbers of the words that have at least `least[length]` units among `units`, and of all long ones, to
+  /// `found`, which has room for one more than all, and returns how many there are. `units` is not empty.
+  size_t (*findSharing)(const std::u16string_view* words, size_t count, std::u16string_view units,
+                        const LeastShared& least, uint32_t* found);
   /// Of two short words.
   WordPairs (*pair)(std::u16string_view a, std::u16string_view b);
   /// For `length / 64 + 1` numbers each; the first and the last unit are between none.

@@ -207,6 +207,24 @@ struct WordLoops {
     return count(ShortWord<V, kAllBlocks>(word.data(), word.size()));
   }
 
+  // Nothing tells whether the next word does: nothing depends on a branch but for words that are not in one vector.
+  static size_t findSharing(const std::u16string_view* words, size_t count, std::u16string_view units,
+                            const LeastShared& least, uint32_t* found) {
+    size_t number = 0;
+    for (size_t i = 0; i < count; ++i) {
+      const size_t length = words[i].size();
+      found[number] = static_cast<uint32_t>(i);
+      if (length <= ShortWord<V, 1>::kMost) {
+        const ShortWord<V, 1> word(words[i].data(), length);
+        const uint64_t shared = word.whereOneOf(units.data(), units.size());
+        number += static_cast<size_t>(__builtin_popcountll(shared)) >= least[length];
+      } else {
+        number += length > kMostShortUnits || countUnits(words[i], units) >= least[length];
+      }
+    }
+    return number;
+  }
+
   // Pairs each unit of the shorter word with a free equal one of the longer: with the one that follows the last pair's,
   // else with the first. No step depends on a branch, since nothing tells which way it would go.
   template <typename Longer>
@@ -267,7 +285,7 @@ struct WordLoops {
     }
   }
 
-  static constexpr WordKernels kKernels = {match, countUnits, pair, findPositions};
+  static constexpr WordKernels kKernels = {match, countUnits, findSharing, pair, findPositions};
 };
 
 template <>

@@ -265,6 +265,31 @@ TEST(QueryEvaluation, ManyPlaces) {
   }
 }
 
+// Counting words over distances of many units, to both ends of the text.
+TEST(QueryEvaluation, DistancesOverLongWords) {
+  Chance chance(3);
+  for (int i = 0; i < 400; ++i) {
+    std::u16string text = chance.text(chance.below(3), u" .");
+    for (size_t left = 5 + chance.below(60); left > 0; --left) {
+      text += chance.below(4) == 0 ? std::u16string(1, chance.oneOf(std::u16string_view(u"ab")))
+                                   : std::u16string(1 + chance.below(i % 2 == 0 ? 8 : 90), u'c');
+      text.append(1 + chance.below(2), u' ');
+    }
+    if (i % 7 == 0) text += u"日本語";
+    const std::string query = "a NEAR/" + std::to_string(1 + chance.below(40)) + " b AFTER/3 c";
+    const std::shared_ptr<const QueryTerms> terms = QueryTerms::initWithWildcard(String::fromUTF8(query));
+    const auto prepared = PreparedQuery::queryWithTerms(terms, Exact, true);
+    FastWordEnumerator::setSplitAsianWords(i % 3 == 0 && i % 7 != 0);
+    const auto words = prepared->enumeratorWithString(text);
+    FastWordEnumerator::setSplitAsianWords(false);
+    const ReferenceText reference(text, Exact, true);
+    const Range range{static_cast<int64_t>(chance.below(9)), static_cast<int64_t>(chance.below(2 * text.size()))};
+    SCOPED_TRACE(query + '\n' + String(text).toUTF8());
+    expectEqualsReference(QueryMatcher(*prepared, *words), reference, referenceOf(*terms),
+                          clippedRange(range, words->length()));
+  }
+}
+
 // Terms joined by or of which most are absent, between others, in groups and relations.
 std::u16string manyTerms(Chance& chance, int depth) {
   static constexpr std::u16string_view kSomeTerms[] = {u"ab",

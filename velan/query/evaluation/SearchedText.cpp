@@ -2,6 +2,7 @@
 
 #include "velan/query/evaluation/SearchedTextInternal.h"
 #include "velan/query/words/EastAsianWords.h"
+#include "velan/query/words/WordIndexInternal.h"
 #include "velan/text/ConversionTables.h"
 #include "velan/text/Separators.h"
 #include "velan/text/UnitMappingInternal.h"
@@ -12,6 +13,9 @@ namespace {
 
 // Counting so many words by walking costs less than finding all words of the text first.
 constexpr int64_t kWalkedWords = 64;
+// So many units at most are looked at together, in which `count` words may well lie.
+constexpr int64_t kLongestStretch = 512;
+constexpr int64_t stretchOf(int64_t count) { return std::min(8 * count + 16, kLongestStretch); }
 
 }  // namespace
 
@@ -152,6 +156,17 @@ Range SearchedText::findWord(const Literal& literal, Range range, bool whole) co
 }
 
 int64_t SearchedText::wordStartBefore(int64_t location, int64_t count, int64_t start) const {
+  if (count <= kWalkedWords && knowsAllByUnits()) {
+    unichar begins[kLongestStretch + UnitKernels::kCopySlack];
+    while (location > start) {
+      const int64_t from = std::max(start, location - stretchOf(count));
+      const auto found = static_cast<int64_t>(edgesIn(from, location, FastWordEnumerator::kWordBeginning, begins));
+      if (found >= count) return from + begins[found - count];
+      count -= found;
+      location = from;
+    }
+    return location;
+  }
   if (count <= kWalkedWords) {
     while (location > start && count > 0) {
       if (wordBeginsAt(--location)) --count;
@@ -164,6 +179,17 @@ int64_t SearchedText::wordStartBefore(int64_t location, int64_t count, int64_t s
 }
 
 int64_t SearchedText::wordEndAfter(int64_t location, int64_t count, int64_t end) const {
+  if (count <= kWalkedWords && knowsAllByUnits()) {
+    unichar ends[kLongestStretch + UnitKernels::kCopySlack];
+    while (location < end) {
+      const int64_t past = std::min(end, location + stretchOf(count));
+      const auto found = static_cast<int64_t>(edgesIn(location, past, FastWordEnumerator::kWordEnd, ends));
+      if (found >= count) return location + ends[count - 1] + 1;
+      count -= found;
+      location = past;
+    }
+    return location;
+  }
   if (count <= kWalkedWords) {
     while (location < end && count > 0) {
       if (wordEndsAt(location++)) --count;
@@ -173,6 +199,28 @@ int64_t SearchedText::wordEndAfter(int64_t location, int64_t count, int64_t end)
   indexWords();
   const auto after = _wordEnds.end() - std::upper_bound(_wordEnds.begin(), _wordEnds.end(), location);
   return after < count ? end : std::min(end, *(_wordEnds.end() - after + count - 1));
+}
+
+// Whether separators alone tell where all words begin and end.
+bool SearchedText::knowsAllByUnits() const {
+  if (!_separators || !_mayBeDivided) return _separators;
+  if (!_holdsEastAsian) {
+    const auto length = static_cast<size_t>(_length);
+    _holdsEastAsian = findEastAsian(_units, 0, length) < length;
+  }
+  return !*_holdsEastAsian;
+}
+
+// Writes where in `[from, end)`, which is at most `kLongestStretch`, words begin or end, and returns how many do.
+size_t SearchedText::edgesIn(int64_t from, int64_t end, uint8_t type, unichar* edges) const {
+  uint8_t marks[kLongestStretch + 2], types[kLongestStretch];
+  const auto count = static_cast<size_t>(end - from);
+  const int64_t first = std::max<int64_t>(from - 1, 0), past = std::min(end + 1, _length);
+  marks[0] = marks[count + 1] = 0xFF;  // beyond the text lie separators
+  unitKernels().markMembers(_units + first, static_cast<size_t>(past - first), _separators, _hints,
+                            marks + (first - from + 1));
+  unitKernels().runsFromMarks(marks, count, types);
+  return unitKernels().positions(types, count, type, edges);
 }
 
 void SearchedText::indexWords() const {

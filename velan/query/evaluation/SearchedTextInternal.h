@@ -156,6 +156,8 @@ class SearchedText {
   bool isInDividedRun(int64_t index) const;
   bool holdsEastAsian(Range range) const;
   Range runAt(int64_t index) const;
+  bool knowsAllByUnits() const;
+  size_t edgesIn(int64_t from, int64_t end, uint8_t type, unichar* edges) const;
   void indexWords() const;
 
   const FastWordEnumerator& _words;
@@ -167,6 +169,8 @@ class SearchedText {
   // dictionary may divide what lies between them. Null where the index is made already.
   const uint8_t* const _separators;
   const bool _mayBeDivided;
+  mutable std::optional<bool> _holdsEastAsian;  // asked for all of the text when first needed
+  mutable SetHints _hints;                      // of the separators in it
   const LiteralSet* const _literals;
   mutable bool _wasSearched = false;  // for all literals, whose places are
   mutable std::optional<std::vector<LiteralSet::Hit>> _hits;

@@ -15,6 +15,7 @@
 #include "velan/base/json/JSON.h"
 #include "velan/base/propertylist/PropertyList.h"
 #include "velan/keyed/KeyedFiles.h"
+#include "velan/keyed/KeyedIndex.h"
 #include "velan/keyed/KeyedReading.h"
 #include "velan/keyed/KeyedValues.h"
 #include "velan/keyed/KeyedWriting.h"
@@ -46,6 +47,8 @@
 #include "velan/text/inspection/Rotation.h"
 #include "velan/text/inspection/StringCreation.h"
 #include "velan/text/inspection/SubstringSearch.h"
+#include "velan/wildcard/PreparedSimilarity.h"
+#include "velan/wildcard/PreparedWildcard.h"
 #include "velan/wildcard/WildcardMatching.h"
 #include "velan/wildcard/WildcardPattern.h"
 
@@ -300,6 +303,8 @@ std::vector<Operation> operations(const String& file) {
       OPERATION("0", false, similarity(text, folded)),
       OPERATION("0", false, static_cast<int64_t>(wildcardType(text))),
       OPERATION("NO", false, stringMatchesUnixWildcard(text.begin(), text.end(), pattern.begin(), pattern.end())),
+      OPERATION("NO", false, PreparedWildcard::preparedUnixWildcard(pattern.view(), nullptr) != nullptr),
+      OPERATION("NO", false, PreparedSimilarity::preparedSimilarity(text.view(), nullptr) != nullptr),
       // words
       OPERATION("absent", true, words->stringBySeparatingWords()),
       OPERATION("absent", false, words->lowercaseSubstringWithRange({0, 400})),
@@ -339,6 +344,7 @@ std::vector<Operation> operations(const String& file) {
       OPERATION("absent", false,
                 asked([&](const auto& own) { return own.matchesString(text, ignoreCase | QueryComparison::Fuzzy); })),
       // keyed
+      OPERATION("NO", false, KeyedIndex::keyedIndex(records) != nullptr),
       OPERATION("absent", false, stringForKey(records, 1)),
       OPERATION("absent", true, stringsForKey(records, 2)),
       OPERATION("absent", true, URLsForKey(records, 3)),

@@ -22,9 +22,10 @@ inline unichar asciiMappedUnit(unichar c, const UnitMapping& mapping) {
   return isLetter ? static_cast<unichar>(c - mapping.difference) : c;
 }
 
-/// Units of which some are not ASCII, or of a table that is not known, looked up in registers.
+/// Units of which some are not ASCII, or of a table that is not known, looked up in registers; anything where they do
+/// not count.
 template <typename V>
-V mappedAnywhere(const unichar* at, const UnitMapping& mapping, unichar (&windows)[3]) {
+V mappedAnywhere(const unichar* at, const UnitMapping& mapping, unichar (&windows)[3], typename V::Matches counts) {
   constexpr auto kWindowMask = static_cast<unichar>(-V::kTableWindow);
   const V units = V::load(at);
   const V bases = units.differing(V::of(kWindowMask), V::of(0));
@@ -35,6 +36,7 @@ V mappedAnywhere(const unichar* at, const UnitMapping& mapping, unichar (&window
     known = V::either(known, within);
     mapped = V::choose(within, units.inTable(mapping.table + base), mapped);
   };
+  known = V::either(known, V::inverse(counts));
   addWindow(windows[0]);
   uint64_t others = V::bits(V::inverse(known));
   if (others == 0) return mapped;
@@ -61,17 +63,21 @@ template <typename V>
 __attribute__((noinline)) void mapAnywhere(const unichar* units, const UnitMapping& mapping, unichar (&windows)[3],
                                            unichar* mapped) {
   if constexpr (V::kTableWindow != 0) {
-    mappedAnywhere<V>(units, mapping, windows).store(mapped);
+    const V all = V::of(0);
+    mappedAnywhere<V>(units, mapping, windows, all == all).store(mapped);
   } else {
     for (size_t i = 0; i < V::kUnits; ++i) mapped[i] = mapping.table[units[i]];
   }
 }
 
+/// Which of the units that may differ do.
 template <typename V>
 __attribute__((noinline)) typename V::Matches differAnywhere(const unichar* a, const unichar* b,
-                                                             const UnitMapping& mapping, unichar (&windows)[3]) {
+                                                             const UnitMapping& mapping, unichar (&windows)[3],
+                                                             typename V::Matches mayDiffer) {
   if constexpr (V::kTableWindow != 0) {
-    return V::inverse(mappedAnywhere<V>(a, mapping, windows) == mappedAnywhere<V>(b, mapping, windows));
+    const V left = mappedAnywhere<V>(a, mapping, windows, mayDiffer);
+    return V::both(mayDiffer, V::inverse(left == mappedAnywhere<V>(b, mapping, windows, mayDiffer)));
   } else {
     unichar difference[V::kUnits];
     for (size_t i = 0; i < V::kUnits; ++i) {
@@ -119,7 +125,7 @@ struct MismatchTest {
     if (V::bits(different) == 0) return different;
     different = V::inverse(asciiMapped(left, mapping) == asciiMapped(right, mapping));
     if constexpr (hasTable) {
-      if (V::bits(different) != 0) return differAnywhere<V>(a + i, b + i, mapping, windows);
+      if (V::bits(different) != 0) return differAnywhere<V>(a + i, b + i, mapping, windows, different);
     }
     return different;
   }

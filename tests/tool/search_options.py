@@ -101,6 +101,7 @@ class Output(InFolder):
     def test_hints_about_files(self):
         for arguments, hint in ((["lost", "key"], "key is taken as a file; several words are one query in quotation marks: 'lost key'"), (["-t", "html", "x", "."], "no file is left"),
                                 (["absent", "."], "absent is in none of the 4 files"), (["--", "absent", "-l"], "-l is taken as a file; options come before --"),
+                                (["--files-from", "lost", "key"], "velan explain"), (["next absent", "a"], "next is not there (next is taken as a word"),
                                 (["lamps", "."], "./d: lamps is not there; --fuzzy would find lamp")):
             self.assertIn("nothing found; " + hint, self.velan("search", "--hints", "always", *arguments)[2])
 

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <optional>
 
@@ -20,7 +21,6 @@ constexpr size_t kBytesAsked = 4 << 20;
 std::optional<std::string> reasonOfQuery(const TypedQuery& typed) {
   if (std::vector<std::string> doubts = doubtsAbout(typed.reading); !doubts.empty()) return doubts.front();
   if (const auto doubt = doubtAboutBinding(typed.query->terms())) return doubt;
-  if (!typed.reading.corrections.empty()) return typed.reading.corrections.front();
   return std::nullopt;
 }
 
@@ -53,7 +53,8 @@ std::optional<std::string> reasonOfPaths(const SearchOptions& options, const std
   if (files.empty()) return "no file is left to search; -g, -t, --max-filesize and ignore files leave files out";
   for (const InputFile& file : files) {
     std::error_code unknown;
-    if (!file.named || file.path == "-" || std::filesystem::exists(file.path, unknown)) continue;
+    const bool isTyped = std::ranges::find(options.files.paths, file.path) != options.files.paths.end();
+    if (!isTyped || file.path == "-" || std::filesystem::exists(file.path, unknown)) continue;
     if (file.path.starts_with('-')) return file.path + " is taken as a file; options come before --";
     if (file.path.find_first_of("./") != std::string::npos || !options.query.alternatives.empty()) continue;
     return fmt::format("{} is taken as a file; several words are one query in quotation marks: '{} {}'", file.path,
@@ -102,6 +103,9 @@ std::string hintAbout(const TypedQuery& typed, const SearchOptions& options, con
   std::optional<std::string> reason = reasonOfQuery(typed);
   if (!typed.query->terms().isValid()) return reason.value_or("");
   if (!reason) reason = reasonOfFiles(*typed.query, options, files);
+  if (const std::vector<std::string>& corrections = typed.reading.corrections; !corrections.empty()) {
+    reason = reason ? fmt::format("{} ({})", *reason, corrections.front()) : corrections.front();
+  }
   return reason.value_or("velan explain QUERY FILE tells why a file does not match");
 }
 

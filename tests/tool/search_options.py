@@ -46,6 +46,7 @@ class Output(InFolder):
             ("--binary -e key b binary", "binary: binary file matches\n"),
             ("-e (end -e \"mid a", "3:mid key\n6:end key far\n"),
             ("-F end_[(KEY\"far? a", "6:end key far\n"),
+            ("-e absent_(end -e low a", "4:low\n"), ("-e x -e end)_absent a", "8:x\n"),
             ("-iw -e KEY -m1 a", "2:key one\n"),
         ]
         for line, output in cases:
@@ -84,7 +85,8 @@ class Output(InFolder):
         cases = [("ab AND xx OR cd", "2"), ("(ab AND xx) OR (cd AND ef)", "23"), ("ab OR xx AND cd", "12"),
                  ("(ab AND xx OR gh) AND cd", "24"), ("(ab xx) OR (ab cd)", "12"), ("cd XOR (ab xx)", "2"),
                  ("ab OR cd OR xx", "12"), ("(ab AND NOT cd) OR ef", "3"), ("(ab OR cd) NEAR/9 gh OR (ef xx)", "124"),
-                 ("ab OPT cd OR (ef xx)", "12"), ("(c* AND xx) OR cd", "2"), ("(ab xx) OR (cd OR a*)", "12"), ("(gh xx) OR (gh NEAR/1 ef)", "34")]
+                 ("ab OPT cd OR (ef xx)", "12"), ("(c* AND xx) OR cd", "2"), ("(ab xx) OR (cd OR a*)", "12"), ("(gh xx) OR (gh NEAR/1 ef)", "34"),
+                 ("gh NEAR/9 (ab XOR xx OR cd)", "124"), ("ab XOR cd OR ef", "3")]
         for query, lines in cases:
             self.assertEqual(self.velan("search", "-h", query, "e")[1].replace("\n", "")[::4], lines, query)
             everything = self.velan("search", "-c", "--all-occurrences", query, "e")[1]

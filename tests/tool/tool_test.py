@@ -417,6 +417,9 @@ class OtherCommands(unittest.TestCase):
             "  |  `- lamp: found 1 time, at 1:8", "  `- missing: not found", "(standard input): does not match",
             "  missing is not there"])
         self.assertEqual(velan("explain", "old lamp", "-", stdin=text)[0], 0)
+        for query, verdict in (("old OPT absent", "OPT: holds"), ("old XOR lamp", "XOR: does not hold"), ("(old XOR lamp) OR ships", "OR: holds"),
+                               ("absent OPT old", "OPT: does not hold"), ("NOT (old absent)", "NOT: holds"), ("old NEAR/1 ships", "NEAR/1: holds")):
+            self.assertIn(f"tree:\n  {verdict}\n", velan("explain", query, "-", stdin=text)[1], query)
         # Depth is no danger.
         self.assertEqual(velan("explain", "(" * 50000 + "old", "-", stdin=text)[0], 0)
 

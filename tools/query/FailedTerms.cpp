@@ -64,7 +64,7 @@ std::unordered_set<const QueryTerms*> FailedTerms::in(QueryMatcher& matcher, Ran
     if (failed[group]) {
       std::fill(failed.begin() + static_cast<std::ptrdiff_t>(group), failed.begin() + static_cast<std::ptrdiff_t>(end),
                 true);
-    } else if (!terms[group].term->queryNot() && !terms[group].partner) {
+    } else if (!terms[group].partner) {
       markFailed(terms, group, end, failed);
     }
   }

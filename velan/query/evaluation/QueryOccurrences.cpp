@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <memory>
-#include <optional>
 #include <unordered_map>
 #include <utility>
 
@@ -190,8 +189,10 @@ std::vector<QueryOccurrence> occurrencesOfQuery(QueryEvaluator& evaluator, const
                                                 const std::unordered_set<const QueryTerms*>& withoutPart) {
   std::vector<QueryOccurrence> occurrences;
   if (range.length <= 0) return occurrences;
-  std::optional<PrimaryPlaces> primary;
-  if (hasRelations(root, evaluator.presentChildren())) primary.emplace(evaluator, root, range);
+  std::unique_ptr<PrimaryPlaces> primary;
+  if (hasRelations(root, evaluator.presentChildren())) {
+    primary = std::make_unique<PrimaryPlaces>(evaluator, root, range);
+  }
   const PrimaryPlaces::Marks all{true, {}};
   int leaves = 0;
   walkPositiveLeaves(root, evaluator.presentChildren(), [&](const QueryTerms& leaf) {

@@ -54,6 +54,17 @@ class Filter(InFolder):
         content = (head + choose.choice(["", " filler " * 20]) + body).encode(charset, "replace")
         return content if choose.random() < 0.95 else content + b"\xE4\xFF x"
 
+    def test_words_divided(self):
+        pages = ["<?xml ?><!DOCTYPE a [<!ENTITY b 'c'>x ker<!-- y --> ] >nel", "<?xml ?><a><![CDATA[ker]]>nel", "<p>ker-<script>x</script>nel",
+                 "<p>ker-<1style>x</style>nel", "<p>ker</b>-<br>nel", "<p>ker<b>-</b><br>nel", "<p>ker<!--><i title='>'>nel", "<p>k&#101;rnel",
+                 "<p>kern&#69<i>l", "<p>ker&shy;&shy;nel", "<p>ker&#x2010;<li> nel", "<pre>ker<b>-&#10;nel"]
+        for page in pages:
+            self.write("a.html", page)
+            self.assertEqual(self.velan("search", "-l", "kernel", "a.html")[1], "a.html\n", page)
+        for page in ("<p>ker<br>nel", "<p>ker</p>nel ker&nbsp;nel", "<p>k&eacute;rnel", "<p title=kern&#101l>", "<script>kern<b>el</script>"):
+            self.write("a.html", page)
+            self.assertEqual(self.velan("search", "-l", "kernel", "a.html")[1], "", page)
+
     def test_nothing_is_lost(self):
         """With -v everything is decoded, so that each document must be found either with it or without."""
         for seed in range(int(os.environ.get("VELAN_FILTER_ROUNDS", "2"))):

@@ -136,5 +136,23 @@ TEST(QueryMatching, NothingIsRelatedInAnEmptyRange) {
   }
 }
 
+// Words around a place are found by an index or, where it is made on demand, by the separators beside them.
+TEST(WordFinder, IndexedOrNotInEveryRange) {
+  const String text = u"aa b, cc-aa bb aa"_s;
+  const auto indexed = FastWordEnumerator::enumeratorWithString(text);
+  const auto onDemand = FastWordEnumerator::enumeratorDividingOnDemand(text, false);
+  for (const String& pattern : {u"aa b"_s, u"*a b*"_s, u"cc* aa"_s, u"b ?c a*"_s, u"aa"_s, u"*b"_s, u"b*"_s}) {
+    for (int64_t start = 0; start < text.length(); ++start) {
+      for (int64_t length = 0; start + length <= text.length(); ++length) {
+        const auto find = [&](const FastWordEnumerator& words) {
+          return FindWildcardStringInCharacters(words, {start, length}, pattern, QueryComparison::Exact, true, true,
+                                                false);
+        };
+        EXPECT_EQ(find(*onDemand), find(*indexed)) << pattern.toUTF8() << ' ' << start << ' ' << length;
+      }
+    }
+  }
+}
+
 }  // namespace
 }  // namespace velan

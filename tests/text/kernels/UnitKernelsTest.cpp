@@ -132,6 +132,16 @@ TEST(UnitKernels, MapAndCompare) {
   }
 }
 
+size_t slowCount(const unichar* units, size_t length, const NeedleUnits& needle, size_t size, const unichar* table) {
+  size_t count = 0;
+  for (size_t i = 0, same = 0; i + size <= length; i += same == size ? size : 1) {
+    const auto mapped = [&](size_t k) { return table ? table[units[i + k]] : units[i + k]; };
+    for (same = 0; same < size && mapped(same) == needle(same);) ++same;
+    count += same == size;
+  }
+  return count;
+}
+
 // Also near matches by the thousand, after which kernels may give up at different places.
 TEST(UnitKernels, FindAndCountNeedles) {
   const std::u16string needles[] = {u"a",
@@ -149,7 +159,9 @@ TEST(UnitKernels, FindAndCountNeedles) {
       const UnitSearch search(NeedleUnits{needle.data(), table}, needle.size(), table);
       for (const std::u16string_view letters : {kLetters, kLetters.substr(0, 4)}) {
         expectEqualResults(letters, [&](const UnitKernels& run, const unichar* units, size_t length) {
-          return std::array{search.find(units, length, run), search.count(units, length, run)};
+          const size_t count = search.count(units, length, run);
+          EXPECT_EQ(count, slowCount(units, length, search.needle(), needle.size(), table));
+          return std::array{search.find(units, length, run), count};
         });
       }
     }

@@ -47,6 +47,12 @@ class Pages(InFolder):
         self.assertEqual(places, sorted(set(places)))
         return len(places)
 
+    def test_spaces(self):
+        """A run of spaces is one, whatever it is written with."""
+        page = "<p>one &nbsp;two &shy; three&shy;&amp;  four\n<b> five</b> six &no; &<![CDATA[ a & b ]]>"
+        self.write("page.html", page.encode())
+        self.assertEqual(self.velan("text", "page.html"), (0, "one two three& four five six &no; & a & b\n", ""))
+
     def test_places(self):
         forms = [("utf-8", "", "ключ \U0001F600"), ("utf-8-sig", "", "ключ"), ("utf-16", "utf-8", "ключ \U0001F600"),
                  ("cp1252", "windows-1252", "naïve"), ("shift-jis", "Shift_JIS", "日本"), ("koi8-r", "koi8-r", "ключ"),

@@ -1,6 +1,7 @@
 #include "tools/markup/MarkupText.h"
 
 #include <algorithm>
+#include <array>
 #include <iterator>
 #include <new>
 #include <string_view>
@@ -59,9 +60,22 @@ constexpr Element kElements[] = {
 constexpr size_t kLongestName = 10;
 static_assert(std::ranges::is_sorted(kElements, {}, &Element::name));
 
+// Where the elements with each first letter begin, and where the last ones end.
+constexpr auto kFirstElements = [] {
+  std::array<size_t, 27> first{};
+  for (size_t letter = 0; letter < first.size(); ++letter) {
+    while (first[letter] < std::size(kElements) && kElements[first[letter]].name[0] < u'a' + letter) ++first[letter];
+  }
+  return first;
+}();
+
 Effect effectOf(std::u16string_view name) {
-  const auto* element = std::ranges::lower_bound(kElements, name, {}, &Element::name);
-  return element != std::end(kElements) && element->name == name ? element->effect : Effect::EndsLine;
+  const size_t letter = name.empty() ? SIZE_MAX : static_cast<unichar>(name[0] - u'a');
+  if (letter >= kFirstElements.size() - 1) return Effect::EndsLine;
+  for (size_t i = kFirstElements[letter]; i < kFirstElements[letter + 1]; ++i) {
+    if (kElements[i].name == name) return kElements[i].effect;
+  }
+  return Effect::EndsLine;
 }
 
 // A text that is built from left to right out of parts of the markup.
@@ -167,11 +181,7 @@ class TextBuilder {
     const bool beginsPreformatted = _preformatted && _break == Effect::EndsParagraph;
     if (beginsPreformatted && start < end && _source[start] == u'\r') ++start;
     if (beginsPreformatted && start < end && _source[start] == u'\n') ++start;
-    while (start < end) {
-      const size_t entity = start + std::min(end - start, _source.substr(start, end - start).find(u'&'));
-      addUnits(start, entity);
-      start = entity < end ? addEntity(entity, end) : end;
-    }
+    while (start < end) start = _source[start] == u'&' ? addEntity(start, end) : addRun(start, end);
   }
 
   // `start` is the place of an ampersand. Returns where what begins there ends.
@@ -199,18 +209,29 @@ class TextBuilder {
   }
 
   void addUnits(size_t start, size_t end) {
-    while (start < end) {
-      size_t stop = start;
-      while (stop < end && isCopied(_source[stop])) ++stop;
-      if (stop > start) {
-        beginWord(start);
-        write(_source.substr(start, stop - start), rangeOf(start, stop));
-      } else {
-        if (divides(_source[stop])) _space = true;
-        ++stop;
-      }
-      start = stop;
+    while (start < end) start = addRun(start, end);
+  }
+
+  // Units that are copied together, or one that is not. Returns where they end.
+  size_t addRun(size_t start, size_t end) {
+    const size_t stop = endOfCopied(start, end);
+    if (stop > start) {
+      beginWord(start);
+      write(_source.substr(start, stop - start), rangeOf(start, stop));
+      return stop;
     }
+    if (divides(_source[start])) _space = true;
+    return start + 1;
+  }
+
+  // Where the units end that are copied from `start` on, single spaces between them included. What may be an entity
+  // begins a run of its own.
+  size_t endOfCopied(size_t start, size_t end) const {
+    const auto goesOn = [&](size_t i) { return i < end && _source[i] != u'&' && isCopied(_source[i]); };
+    if (start == end || !isCopied(_source[start])) return start;
+    size_t stop = start + 1;
+    while (goesOn(stop) || (stop < end && _source[stop] == u' ' && goesOn(stop + 1))) ++stop;
+    return stop;
   }
 
   // Writes what lies between the last word and the next.

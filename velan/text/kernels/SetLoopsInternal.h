@@ -44,7 +44,9 @@ constexpr auto kWindowMask = static_cast<unichar>(-V::kWindow);
 /// What has been looked up of some units.
 template <typename V>
 struct Members {
-  void addWindow(unichar base, const uint8_t* rep) {
+  /// Of the window around `near`, which hints for other vectors may have from a smaller one.
+  void addWindow(unichar near, const uint8_t* rep) {
+    const auto base = static_cast<unichar>(near & kWindowMask<V>);
     const auto within = units.differing(V::of(kWindowMask<V>), V::of(base)) == V::of(0);
     known = V::either(known, within);
     members = V::either(members, V::both(within, units.inBitmap(rep + (base >> 3))));

@@ -23,6 +23,7 @@ struct PrintTable {
   alignas(16) uint8_t low[kPrintLength][16] = {};
   alignas(16) uint8_t high[kPrintLength][16] = {};
 
+  /// `PrintTable::add`: allows the bytes of `print` to the kind with this number, below 8, besides those it has.
   VELAN_EXPORT void add(const BytePrint& print, unsigned kind);
   /// The kinds of which all three bytes are possible.
   uint8_t kindsAt(const uint8_t* bytes) const {
@@ -32,8 +33,8 @@ struct PrintTable {
   }
 };
 
-/// The least position from `from` on where some kind is possible. One of the last two positions where there is none
-/// before them: for those nothing is asked. The length of `bytes` for a `from` that is not less.
+/// `findPrint`: the least position in bytes from `from` on where some kind is possible. One of the last two positions
+/// where there is none before them: for those nothing is asked. The length of `bytes` for a `from` that is not less.
 VELAN_EXPORT size_t findPrint(std::string_view bytes, size_t from, const PrintTable& table);
 
 }  // namespace velan

@@ -1,5 +1,5 @@
 // What is done to runs of code units in vectors: finding, counting. One list of kernels for all of it; each operation
-// is a template in UnitLoopsInternal.h, and each instruction set a source of some lines.
+// is a template in a header of loops beside this one, and each instruction set a source of some lines.
 #ifndef VELAN_TEXT_KERNELS_UNIT_KERNELS_INTERNAL_H
 #define VELAN_TEXT_KERNELS_UNIT_KERNELS_INTERNAL_H
 

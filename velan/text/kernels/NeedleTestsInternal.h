@@ -1,0 +1,127 @@
+// Where the probes of a needle are: tests for the loops over positions.
+#ifndef VELAN_TEXT_KERNELS_NEEDLE_TESTS_INTERNAL_H
+#define VELAN_TEXT_KERNELS_NEEDLE_TESTS_INTERNAL_H
+
+#include "velan/base/kernels/UnitVectorsInternal.h"
+#include "velan/text/kernels/FilterTestsInternal.h"
+#include "velan/text/kernels/UnitKernelsInternal.h"
+
+namespace velan {
+namespace {
+
+/// The units of text at a probe of a needle that would lie at `i`.
+template <typename V>
+V unitsAt(const NeedleHead::Probe& probe, const unichar* text, size_t i) {
+  return V::load(text + probe.position + i);
+}
+
+/// The units at the first two probes.
+template <typename V>
+struct UnitPair {
+  UnitPair(const unichar* text, const NeedleHead& head, size_t i)
+      : first(unitsAt<V>(head.probes[0], text, i)),
+        second(first.ahead(text + head.probes[0].position + i, head.probes[1].position - head.probes[0].position)) {}
+
+  V first, second;
+};
+
+/// How many positions have to be left for that.
+template <typename V>
+size_t reachOfPair(const NeedleHead& head) {
+  const size_t read = V::kUnits + V::kAhead + head.probes[0].position + 1;
+  return V::kAhead == 0 || read < V::kUnits + head.length ? V::kUnits : read - head.length;
+}
+
+/// All probes of a needle are where it would have them, told by masks, which leave out nothing if it is `isExact`.
+template <bool isExact>
+struct MaskTest {
+  const unichar* text;
+  const NeedleHead& head;
+
+  const unichar* address(size_t i) const { return text + head.probes[0].position + i; }
+  bool one(size_t i) const {
+    unsigned different = 0;
+    for (const auto& probe : head.probes) different |= (text[i + probe.position] & probe.mask) ^ probe.bits;
+    return different == 0;
+  }
+  template <typename V>
+  [[gnu::always_inline]] typename V::Matches block(size_t i) const {
+    const auto different = [&](size_t k) {
+      const NeedleHead::Probe& probe = head.probes[k];
+      return unitsAt<V>(probe, text, i).differing(V::of(probe.mask), V::of(probe.bits));
+    };
+    return V::unionOf(different(0), different(1), different(2)) == V::of(0);
+  }
+  template <typename V>
+  size_t reach() const {
+    return reachOfPair<V>(head);
+  }
+  /// 0 where two of the probes are.
+  template <typename V>
+  [[gnu::always_inline]] V distance(size_t i) const {
+    const UnitPair<V> pair(text, head, i);
+    const NeedleHead::Probe &first = head.probes[0], &second = head.probes[1];
+    const V different = pair.first.differing(V::of(isExact ? 0xFFFF : first.mask), V::of(first.bits));
+    if constexpr (isExact) return V::unionWithDifference(different, pair.second, V::of(second.bits));
+    const V other = pair.second.differing(V::of(second.mask), V::of(second.bits));
+    return V::unionOf(different, other, other);
+  }
+};
+
+/// The same, told by filters.
+struct FilterTest {
+  const unichar* text;
+  const NeedleHead& head;
+
+  const unichar* address(size_t i) const { return text + head.probes[0].position + i; }
+  bool one(size_t i) const {
+    for (const auto& probe : head.probes) {
+      if (!passes(probe.filter, text[i + probe.position])) return false;
+    }
+    return true;
+  }
+  template <typename V>
+  [[gnu::always_inline]] typename V::Matches block(size_t i) const {
+    const auto unitsAtProbe = [&](size_t k) { return unitsAt<V>(head.probes[k], text, i); };
+    const V first = unitsAtProbe(0), second = unitsAtProbe(1), third = unitsAtProbe(2);
+    if (V::bits(V::inverse(V::unionOf(first, second, third) <= V::of(0x7F))) == 0) {
+      const auto different = [&](V units, size_t k) {
+        return units.differing(V::of(head.probes[k].mask), V::of(head.probes[k].bits));
+      };
+      return V::unionOf(different(first, 0), different(second, 1), different(third, 2)) == V::of(0);
+    }
+    const auto at = [&](V units, size_t k) { return matches<UnitFilter::Kind::Ranges>(units, head.probes[k].filter); };
+    const auto found = at(first, 0);
+    return V::bits(found) == 0 ? found : V::both(V::both(found, at(second, 1)), at(third, 2));
+  }
+  template <typename V>
+  size_t reach() const {
+    return reachOfPair<V>(head);
+  }
+  /// 0 where two of the probes are, or units beyond ASCII.
+  template <typename V>
+  V distance(size_t i) const {
+    const UnitPair<V> pair(text, head, i);
+    const auto different = [](V units, const NeedleHead::Probe& probe) {
+      return units.differing(V::of(probe.mask), V::of(probe.bits)).onlyWhere(units <= V::of(0x7F));
+    };
+    const V other = different(pair.second, head.probes[1]);
+    return V::unionOf(different(pair.first, head.probes[0]), other, other);
+  }
+};
+
+/// The same of one probe, looked up.
+struct TableTest {
+  const unichar* text;
+  const NeedleHead& head;
+
+  bool one(size_t i) const {
+    const size_t position = head.probes[0].position;
+    return head.table[text[i + position]] == head.units[position];
+  }
+};
+
+}  // namespace
+}  // namespace velan
+
+#endif  // VELAN_TEXT_KERNELS_NEEDLE_TESTS_INTERNAL_H

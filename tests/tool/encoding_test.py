@@ -37,6 +37,7 @@ class Encodings(InFolder):
         cases = [(b"", "UTF-8\tit is valid, and all ASCII", 0), ("é".encode(), "UTF-8\tit is valid", 0),
                  (b"\xef\xbb\xbfa", "UTF-8\tbyte-order mark", 0), (b"\xff\xfea\0", "UTF-16\tbyte-order mark", 0),
                  (b"\xef\xbb\xbf\xff", "UTF-8\tbyte-order mark, but not all of it is valid", 1),
+                 ('Ü: <meta content="text/html; charset=iso-8859-1">'.encode(), "UTF-8\tit is valid", 0),
                  (b"\xe9", "unknown\tnothing tells, and it is not UTF-8", 1)]
         for content, verdict, status in cases:
             self.assertEqual(self.velan("charset", "-", stdin=content),

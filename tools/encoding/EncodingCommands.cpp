@@ -13,6 +13,7 @@
 #include "tools/documents/TextDecoding.h"
 #include "tools/files/FileReading.h"
 #include "tools/files/FileWalk.h"
+#include "tools/markup/MarkupFiles.h"
 #include "tools/markup/MarkupText.h"
 #include "velan/base/utf/UTF.h"
 #include "velan/text/encoding/CharsetNames.h"
@@ -121,8 +122,10 @@ std::string verdict(const DetectedEncoding& found) {
   return line;
 }
 
-// What a page declares, and whether that is how it is read; empty for what declares nothing.
+// What a page declares, and whether that is how it is read; empty for what declares nothing. Other texts may speak of
+// declarations.
 std::string verdictOnPage(const std::string& path, const Data& data) {
+  if (!isMarkup(path == "-" ? std::string() : path, data.view())) return {};
   const DecodedMarkup page = decodePage(path, data);
   if (page.declaredCharset.isEmpty() || !charsetName(page.encoding)) return {};
   const std::string declared = page.declaredCharset.toUTF8();

@@ -1,6 +1,6 @@
-// Searching, counting and sets beside compiled searches (PCRE2 with its just-in-time compiler, Hyperscan), ICU and the
-// C++ library, on the same texts. Hyperscan reads UTF-8; all rates are in bytes of the UTF-16 form. What peers compile
-// or allocate in advance is not measured, what we set up is.
+// Searching, counting and sets beside compiled searches (PCRE2 with its just-in-time compiler, Hyperscan), ICU, the C++
+// library and StringZilla, on the same texts. Hyperscan and StringZilla read UTF-8; all rates are in bytes of the
+// UTF-16 form. What peers compile or allocate in advance is not measured, what we set up is.
 //
 // Names are operation/who/text/bytes: --benchmark_filter=every_hit shows one operation.
 #include <benchmark/benchmark.h>
@@ -18,6 +18,9 @@
 #include <vector>
 
 #include "benchmarks/RealTexts.h"
+#ifdef VELAN_STRINGZILLA
+#include "benchmarks/StringZillaPeer.h"
+#endif
 #include "velan/base/String.h"
 #include "velan/base/utf/UTF.h"
 #include "velan/query/PreparedQuery.h"
@@ -212,6 +215,10 @@ void addSearch(const std::string& operation, const Text& text, const std::u16str
       utf8Of(needle), caseSensitive ? 0u : static_cast<unsigned>(HS_FLAG_CASELESS | HS_FLAG_UTF8));
   add(operation, "hyperscan", text, [hyperscan, bytes = utf8Of(units)] { return hyperscan->count(bytes); });
   if (!caseSensitive) return;
+#ifdef VELAN_STRINGZILLA
+  add(operation, "stringzilla", text,
+      [bytes = utf8Of(units), wanted8 = utf8Of(needle)] { return countByStringZilla(bytes, wanted8); });
+#endif
   add(operation, "icu", text, [=] {
     size_t count = 0;
     for (const unichar *at = units.data(), *end = at + units.size();; ++count) {
@@ -247,6 +254,13 @@ void addUnits(const Text& text) {
   add("count_unit_no_case", "velan", text, [=] { return static_cast<size_t>(countCharacter(string, u'e', true)); });
   add("one_of", "velan", text, [=] { return static_cast<size_t>(findOneOf(string, u"#<>&@")); });
   add("one_of", "std", text, [=] { return units.find_first_of(u"#<>&@"); });
+#ifdef VELAN_STRINGZILLA
+  if (absent < 0x80) {
+    add("find_unit", "stringzilla", text,
+        [=, bytes = utf8Of(units)] { return findByteByStringZilla(bytes, static_cast<char>(absent)); });
+  }
+  add("one_of", "stringzilla", text, [bytes = utf8Of(units)] { return findOneOfByStringZilla(bytes, "#<>&@"); });
+#endif
 
   const uint8_t* letters = alphaCharacterSetRep();
   const auto isLetter = [letters](unichar c) { return isMemberOfCharacterSetRep(letters, c); };
@@ -455,6 +469,9 @@ void addLimit(const Text& text) {
 int main(int argc, char** argv) {
   using namespace velan;
   benchmark::Initialize(&argc, argv);
+#ifdef VELAN_STRINGZILLA
+  benchmark::AddCustomContext("stringzilla", levelOfStringZilla());
+#endif
   std::vector<std::unique_ptr<Text>> texts;
   for (const size_t length : {size_t{512}, size_t{32} << 10, size_t{4} << 20}) {
     std::vector<std::string> names = {"english", "mixed", "russian", "japanese"};

@@ -32,9 +32,10 @@ OTHER_MANUALS = [f"manual-{language}/{64 * KB}" for language in ("de", "ru", "ja
 # Program, operation, our benchmark, those of the peers, inputs, the machine's limit. An input stands for `*`.
 ROWS = [
     ("search", "exact search, absent phrase", "exact_absent/velan/*",
-     ["exact_absent/pcre2/*", "exact_absent/hyperscan/*", "exact_absent/icu/*"], TEXTS, "read"),
+     ["exact_absent/pcre2/*", "exact_absent/hyperscan/*", "exact_absent/stringzilla/*", "exact_absent/icu/*"], TEXTS, "read"),
     ("search", "exact search, every hit", "exact_every_hit/velan/*",
-     ["exact_every_hit/pcre2/*", "exact_every_hit/hyperscan/*", "exact_every_hit/icu/*"], TEXTS, "read"),
+     ["exact_every_hit/pcre2/*", "exact_every_hit/hyperscan/*", "exact_every_hit/stringzilla/*", "exact_every_hit/icu/*"],
+     TEXTS, "read"),
     ("search", "search ignoring case, absent phrase", "no_case_absent/velan/*",
      ["no_case_absent/pcre2/*", "no_case_absent/hyperscan/*"], TEXTS, "read"),
     ("search", "search ignoring case, every hit", "no_case_every_hit/velan/*",
@@ -43,6 +44,7 @@ ROWS = [
      ["no_diacritics_absent/table_loop/*"], TEXTS, "read"),
     ("search", "find one unit", "find_unit/velan/*", ["find_unit/std/*"], TEXTS[:2], "read"),
     ("search", "count one unit", "count_unit/velan/*", ["count_unit/std/*"], TEXTS[:2], "read"),
+    ("search", "find one of five units", "one_of/velan/*", ["one_of/std/*", "one_of/stringzilla/*"], MADE_UP, "read"),
     ("search", "find one of a set", "one_of_set/velan/*", ["one_of_set/bitmap_loop/*"], MADE_UP, "read"),
     ("search", "count members of a set", "count_set/velan/*", ["count_set/bitmap_loop/*"], TEXTS, "read"),
     ("search", "fold to a copy", "fold/velan/*", ["fold/table_loop/*"], TEXTS, "copy"),

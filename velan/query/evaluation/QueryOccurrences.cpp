@@ -1,5 +1,7 @@
 #include <algorithm>
 #include <memory>
+#include <optional>
+#include <span>
 #include <unordered_map>
 #include <utility>
 
@@ -167,52 +169,141 @@ class PrimaryPlaces {
   std::unordered_map<const QueryTerms*, Marks> _marks;
 };
 
-// Orders by location, the longer first; equal ranges become one, that of the first term, primary if any is.
-void mergeEqualRanges(std::vector<QueryOccurrence>& occurrences) {
-  if (!std::is_sorted(occurrences.begin(), occurrences.end(), precedes)) {
-    std::stable_sort(occurrences.begin(), occurrences.end(), precedes);
+// Orders those from `first` on by location, the longer first; equal ranges become one, that of the first term, primary
+// if any is.
+void mergeEqualRanges(std::vector<QueryOccurrence>& occurrences, size_t first) {
+  const std::span<QueryOccurrence> merged = std::span(occurrences).subspan(first);
+  if (!std::is_sorted(merged.begin(), merged.end(), precedes)) {
+    std::stable_sort(merged.begin(), merged.end(), precedes);
   }
   size_t kept = 0;
-  for (QueryOccurrence& each : occurrences) {
-    if (kept > 0 && occurrences[kept - 1].range == each.range) {
-      occurrences[kept - 1].primary |= each.primary;
-    } else if (&occurrences[kept++] != &each) {
-      occurrences[kept - 1] = std::move(each);
+  for (QueryOccurrence& each : merged) {
+    if (kept > 0 && merged[kept - 1].range == each.range) {
+      merged[kept - 1].primary |= each.primary;
+    } else if (&merged[kept++] != &each) {
+      merged[kept - 1] = std::move(each);
     }
   }
-  occurrences.resize(kept);
+  occurrences.resize(first + kept);
 }
+
+// Where a leaf is found, in order.
+struct LeafPlaces {
+  const QueryTerms* leaf;
+  std::span<const Range> places;
+  const PrimaryPlaces::Marks* marks;  // null where no place is primary
+};
+
+// The places of a leaf of which the next one can be appended.
+class PlacesLeft {
+ public:
+  explicit PlacesLeft(const LeafPlaces& all) : _all(all), _terms(all.leaf->word(), all.places.size()) {}
+
+  // Where the next one begins; behind all texts when none is left.
+  int64_t nextLocation() const { return _next < _all.places.size() ? _all.places[_next].location : INT64_MAX; }
+  void appendNextTo(std::vector<QueryOccurrence>& occurrences) {
+    occurrences.push_back({_all.places[_next], _terms.take(), _all.marks && _all.marks->contains(_next)});
+    ++_next;
+  }
+
+ private:
+  const LeafPlaces _all;
+  StringCopies _terms;
+  size_t _next = 0;
+};
+
+// Brings the places of leaves together, which are added in the order of the tree.
+class OccurrenceLists {
+ public:
+  void add(const LeafPlaces& list) {
+    if (_count == kFew) {
+      appendEach();
+      _isSorted = false;
+    }
+    _lists[_count++] = list;
+  }
+
+  // All of them in the order of the text.
+  std::vector<QueryOccurrence> merged() {
+    if (_isSorted && _count > 1) {
+      merge();
+    } else {
+      appendEach();
+      if (!_isSorted) mergeEqualRanges(_occurrences, 0);
+    }
+    return std::move(_occurrences);
+  }
+
+ private:
+  static constexpr size_t kFew = 8;  // of more lists the next element is not found by comparing all their next ones
+
+  void appendEach() {
+    for (const LeafPlaces& list : std::span(_lists, _count)) {
+      StringCopies terms(list.leaf->word(), list.places.size());
+      makeRoom(_occurrences, list.places.size());
+      for (size_t i = 0; i < list.places.size(); ++i) {
+        _occurrences.push_back({list.places[i], terms.take(), list.marks && list.marks->contains(i)});
+      }
+    }
+    _count = 0;
+  }
+
+  // Which list comes next nobody could predict, so it is chosen without a branch. That several elements begin at one
+  // place is rare.
+  void merge() {
+    std::optional<PlacesLeft> lists[kFew];
+    int64_t next[kFew];
+    size_t total = 0;
+    for (size_t i = 0; i < _count; ++i) {
+      next[i] = lists[i].emplace(_lists[i]).nextLocation();
+      total += _lists[i].places.size();
+    }
+    _occurrences.reserve(total);
+    int64_t last = -1;
+    size_t sameStart = 0;  // those from here on begin at `last`
+    while (true) {
+      size_t list = 0;
+      int64_t least = next[0];
+      for (size_t i = 1; i < _count; ++i) {
+        list = next[i] < least ? i : list;
+        least = std::min(least, next[i]);
+      }
+      if (least != last) {
+        if (_occurrences.size() - sameStart > 1) mergeEqualRanges(_occurrences, sameStart);
+        sameStart = _occurrences.size();
+        last = least;
+      }
+      if (least == INT64_MAX) return;
+      lists[list]->appendNextTo(_occurrences);
+      next[list] = lists[list]->nextLocation();
+    }
+  }
+
+  std::vector<QueryOccurrence> _occurrences;
+  LeafPlaces _lists[kFew];
+  size_t _count = 0;
+  bool _isSorted = true;
+};
 
 }  // namespace
 
 std::vector<QueryOccurrence> occurrencesOfQuery(QueryEvaluator& evaluator, const QueryTerms& root, Range range,
                                                 const std::unordered_set<const QueryTerms*>& withoutPart) {
-  std::vector<QueryOccurrence> occurrences;
-  if (range.length <= 0) return occurrences;
+  if (range.length <= 0) return {};
   std::unique_ptr<PrimaryPlaces> primary;
   if (hasRelations(root, evaluator.presentChildren())) {
     primary = std::make_unique<PrimaryPlaces>(evaluator, root, range);
   }
   const PrimaryPlaces::Marks all{true, {}};
-  int leaves = 0;
+  OccurrenceLists lists;
   walkPositiveLeaves(root, evaluator.presentChildren(), [&](const QueryTerms& leaf) {
     LeafSearch& search = evaluator.search(leaf);
+    const std::span<const Range> places = search.isWholeRange() ? std::span(&range, 1) : search.placesIn(range);
+    if (places.empty()) return;
     const auto& marks = primary ? primary->marksOf(leaf) : all;
-    const bool takesPart = !withoutPart.contains(&leaf);
-    ++leaves;
-    if (search.isWholeRange()) {
-      occurrences.push_back({range, leaf.word(), takesPart && marks.contains(0)});
-      return;
-    }
-    const auto places = search.placesIn(range);
-    StringCopies terms(leaf.word(), places.size());
-    makeRoom(occurrences, places.size());
-    for (size_t i = 0; i < places.size(); ++i) {
-      occurrences.push_back({places[i], terms.take(), takesPart && marks.contains(i)});
-    }
+    lists.add({&leaf, places, withoutPart.contains(&leaf) ? nullptr : &marks});
   });
-  if (leaves > 1) mergeEqualRanges(occurrences);
-  return occurrences;
+  return lists.merged();
 }
 
 }  // namespace velan

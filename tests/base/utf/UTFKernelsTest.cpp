@@ -91,6 +91,22 @@ TEST(UTFKernels, MalformedTextStopsAtTheSameByte) {
   }
 }
 
+// Runs of ASCII go by longer steps than other text.
+TEST(UTFKernels, OneOtherCharacterAnywhereInASCII) {
+  std::string bytes(420, ' ');
+  for (size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<char>('!' + i % 90);
+  const std::u16string units(bytes.begin(), bytes.end());
+  for (size_t i = 0; i <= bytes.size(); ++i) {
+    for (const std::string_view other : {"\xC2\x80", "\xEF\xBF\xBF", "\x80"}) {
+      expectEqualToReference(bytes.substr(0, i) + std::string(other) + bytes.substr(i), 0);
+    }
+    for (const unichar other : {u'\x80', u'\uFFFF', u'\xDC00'}) {
+      expectEqualToReference(units.substr(0, i) + other + units.substr(i), 1);
+    }
+    if (HasFatalFailure()) return;
+  }
+}
+
 TEST(UTFKernels, RandomBytes) {
   std::mt19937 random(3);
   for (int i = 0; i < 20000; ++i) {

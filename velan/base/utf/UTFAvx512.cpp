@@ -113,6 +113,19 @@ void putASCIIUnits(__m512i block, size_t count, unichar* units, bool roomy) {
   if (count > 32) store(_mm512_cvtepu8_epi16(_mm512_extracti64x4_epi64(block, 1)), count - 32, units + 32, roomy);
 }
 
+// Two blocks at a time, as long as both are ASCII; returns how many bytes.
+size_t putASCIIPairs(const uint8_t* bytes, size_t length, unichar* units) {
+  size_t i = 0;
+  for (; length - i >= 2 * kBlock; i += 2 * kBlock) {
+    const __m512i first = _mm512_loadu_si512(bytes + i);
+    const __m512i second = _mm512_loadu_si512(bytes + i + kBlock);
+    if (_mm512_movepi8_mask(_mm512_or_si512(first, second))) break;
+    putASCIIUnits(first, kBlock, units + i, true);
+    putASCIIUnits(second, kBlock, units + i + kBlock, true);
+  }
+  return i;
+}
+
 }  // namespace
 
 Transcoded beginUTF16Avx512(const uint8_t* bytes, size_t length, unichar* units) {
@@ -126,8 +139,9 @@ Transcoded beginUTF16Avx512(const uint8_t* bytes, size_t length, unichar* units)
     const __mmask64 notASCII = _mm512_movepi8_mask(block);
     if (notASCII == 0) {
       putASCIIUnits(block, count, units + out, roomy);
-      in += count;
-      out += count;
+      const size_t more = putASCIIPairs(bytes + in + count, left - count, units + out + count);
+      in += count + more;
+      out += count + more;
       continue;
     }
     if (roomy) count = wholeCharacters(bytes + in);
@@ -189,6 +203,20 @@ size_t putLongBytes(__m512i units, __mmask32 ascii, __mmask32 high, __mmask32 lo
   return out;
 }
 
+// As many ASCII units as two vectors hold at a time, as long as there are no others; returns how many.
+size_t putASCIIPairs(const unichar* units, size_t length, char* bytes) {
+  const __m512i identity = _mm512_loadu_si512(kIdentity);
+  const __m512i lowBytes = _mm512_add_epi8(identity, identity);
+  size_t i = 0;
+  for (; length - i >= kBlock; i += kBlock) {
+    const __m512i first = _mm512_loadu_si512(units + i);
+    const __m512i second = _mm512_loadu_si512(units + i + kBlock / 2);
+    if (_mm512_cmpge_epu16_mask(_mm512_or_si512(first, second), unitsOf(0x80))) break;
+    _mm512_storeu_si512(bytes + i, _mm512_permutex2var_epi8(first, lowBytes, second));
+  }
+  return i;
+}
+
 }  // namespace
 
 Transcoded beginUTF8Avx512(const unichar* units, size_t length, char* bytes) {
@@ -205,8 +233,9 @@ Transcoded beginUTF8Avx512(const unichar* units, size_t length, char* bytes) {
     const __mmask32 ascii = _mm512_cmplt_epu16_mask(block, unitsOf(0x80));
     if (ascii == ~0u) {
       store(_mm512_castsi256_si512(_mm512_cvtepi16_epi8(block)), count, bytes + out, roomy);
-      in += count;
-      out += count;
+      const size_t more = putASCIIPairs(units + in + count, left - count, bytes + out + count);
+      in += count + more;
+      out += count + more;
       continue;
     }
     if (_mm512_cmplt_epu16_mask(block, unitsOf(0x800)) == ~0u) {

@@ -144,6 +144,32 @@ TEST(PreparedSimilarity, FindsTheSimilarAmongMany) {
   }
 }
 
+// Words that fit into lanes and words that do not, in all orders.
+TEST(PreparedSimilarity, ComparesMany) {
+  Chance chance(6);
+  for (int round = 0; round < 300; ++round) {
+    const View alphabet = round % 2 ? chance.oneOf(kAlphabets) : u"abcdefghijklmnop";
+    const std::u16string word = chance.text(chance.below(round % 8 ? 18 : 80), alphabet);
+    const unichar* const table = someTable(chance);
+    std::vector<ExactWord> exact;
+    std::vector<View> words;
+    for (size_t i = chance.below(round % 7 ? 80 : 600); i > 0; --i) {
+      std::u16string other = chance.below(2) ? word : chance.text(chance.below(i % 9 ? 18 : 80), alphabet);
+      other.resize(other.size() - std::min(other.size(), chance.below(3)));
+      exact.emplace_back(chance.text(chance.below(3), alphabet) + other);
+      words.push_back(exact.back().view);
+    }
+    const auto similarities = std::make_unique<double[]>(words.size());
+    PreparedSimilarity::preparedSimilarity(word, table)->compareWords(words, similarities.get());
+    for (size_t i = 0; i < words.size(); ++i) {
+      const double expected = stringMatchesUnixWildcardFuzzyUsingUnicharTable(word.data(), word.size(), words[i].data(),
+                                                                              words[i].size(), table);
+      ASSERT_TRUE(similarities[i] == expected || (std::isnan(similarities[i]) && std::isnan(expected)))
+          << String(word).toUTF8() << ' ' << String(words[i]).toUTF8();
+    }
+  }
+}
+
 TEST(WordKernels, EqualOneByOne) {
   Chance chance(3);
   for (int round = 0; round < 20000; ++round) {

@@ -79,7 +79,21 @@ bool PreparedSimilarity::mayHoldSimilar(std::u16string_view run, double least) c
 }
 
 void PreparedSimilarity::compareWords(std::span<const std::u16string_view> words, double* similarities) const {
-  for (const std::u16string_view word : words) *similarities++ = similarity(word);
+  constexpr size_t kStep = 256;
+  uint32_t others[kStep + 1];
+  std::u16string_view views[kStep];
+  unichar room[kStep][kMostLaneUnits];
+  while (!words.empty()) {
+    const auto some = words.first(std::min(kStep, words.size()));
+    for (size_t i = 0; _table && i < some.size(); ++i) {
+      views[i] = some[i].size() <= kMostLaneUnits ? mapped(some[i], room[i]) : some[i];
+    }
+    const size_t count =
+        wordKernels().compare(_mapped, _different, _table ? views : some.data(), some.size(), similarities, others);
+    for (size_t i = 0; i < count; ++i) similarities[others[i]] = similarity(some[others[i]]);
+    similarities += some.size();
+    words = words.subspan(some.size());
+  }
 }
 
 // Most words are told by how many units they share, 256 at a time.

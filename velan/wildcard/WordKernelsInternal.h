@@ -65,6 +65,18 @@ struct WordPairs {
 /// The similarity of two words of which the longer one has `length` units.
 double similarityFromPairs(const WordPairs& pairs, size_t length);
 
+/// The same for counts of any type. (Static, because each file compiles it for other instructions.)
+template <typename Count>
+static inline double similarityFromCounts(Count inPlace, Count pairs, Count jumps, Count length) {
+  const auto all = static_cast<double>(length);
+  const double positional = static_cast<double>(inPlace) / all;
+  const double paired = static_cast<double>(pairs) * (1 - static_cast<double>(jumps) / all) / all;
+  return positional > paired ? positional : paired;
+}
+
+/// Words of at most so many units fit into a lane of 16 bits.
+inline constexpr size_t kMostLaneUnits = 16;
+
 /// For each 64 positions of a pattern those that hold a unit, and those of `-` that stand between the ends of a range
 /// that does.
 struct KnownPositions {
@@ -83,6 +95,10 @@ struct WordKernels {
   /// `found`, which has room for one more than all, and returns how many there are. `units` is not empty.
   size_t (*findSharing)(const std::u16string_view* words, size_t count, std::u16string_view units,
                         const LeastShared& least, uint32_t* found);
+  /// The similarities of many words with `word`, which has only the units `different`. Returns how many words it leaves
+  /// to others, and writes their numbers to `others`, which has room for one more than all.
+  size_t (*compare)(std::u16string_view word, std::u16string_view different, const std::u16string_view* words,
+                    size_t count, double* similarities, uint32_t* others);
   /// Of two short words.
   WordPairs (*pair)(std::u16string_view a, std::u16string_view b);
   /// For `length / 64 + 1` numbers each; the first and the last unit are between none.

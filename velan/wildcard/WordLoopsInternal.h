@@ -4,6 +4,7 @@
 
 #include "velan/base/kernels/UnitVectorsInternal.h"
 #include "velan/wildcard/WordKernelsInternal.h"
+#include "velan/wildcard/WordLanesInternal.h"
 
 namespace velan {
 namespace {
@@ -257,6 +258,32 @@ struct WordLoops {
     return pairWith(ShortWord<V, kAllBlocks>(longer, longerLength), shorter, length);
   }
 
+  static size_t compare(std::u16string_view word, std::u16string_view different, const std::u16string_view* words,
+                        size_t count, double* similarities, uint32_t* others) {
+    constexpr size_t kStep = 256;
+    size_t otherCount = 0;
+    if (word.empty() || word.size() > kMostLaneUnits || different[0] == 0) {
+      for (; otherCount < count; ++otherCount) others[otherCount] = static_cast<uint32_t>(otherCount);
+      return otherCount;
+    }
+    WordLanes<V> lanes(word, different);
+    for (size_t from = 0; from < count; from += kStep) {
+      uint32_t shorter[kStep], longer[kStep];
+      size_t shorterCount = 0, longerCount = 0;
+      const size_t end = count - from < kStep ? count : from + kStep;
+      for (size_t i = from; i < end; ++i) {
+        const size_t length = words[i].size();
+        shorter[shorterCount] = longer[longerCount] = others[otherCount] = static_cast<uint32_t>(i);
+        shorterCount += length < word.size();
+        longerCount += length >= word.size() && length <= kMostLaneUnits;
+        otherCount += length > kMostLaneUnits;
+      }
+      lanes.template compare<true>(words, shorter, shorterCount, similarities);
+      lanes.template compare<false>(words, longer, longerCount, similarities);
+    }
+    return otherCount;
+  }
+
   static void findPositions(const unichar* pattern, size_t length, unichar unit, KnownPositions* positions) {
     constexpr size_t kWord = 64;
     const V wanted = V::of(unit);
@@ -285,8 +312,15 @@ struct WordLoops {
     }
   }
 
-  static constexpr WordKernels kKernels = {match, countUnits, findSharing, pair, findPositions};
+  static constexpr WordKernels kKernels = {match, countUnits, findSharing, compare, pair, findPositions};
 };
+
+template <>
+inline size_t WordLoops<Scalar>::compare(std::u16string_view, std::u16string_view, const std::u16string_view*,
+                                         size_t count, double*, uint32_t* others) {
+  for (size_t i = 0; i < count; ++i) others[i] = static_cast<uint32_t>(i);
+  return count;
+}
 
 template <>
 inline void WordLoops<Scalar>::findPositions(const unichar* pattern, size_t length, unichar unit,

@@ -113,10 +113,7 @@ bool areShort(size_t lengthA, size_t lengthB) { return lengthA <= kMostShortUnit
 }  // namespace
 
 double similarityFromPairs(const WordPairs& pairs, size_t length) {
-  const auto all = static_cast<double>(length);
-  const double positional = static_cast<double>(pairs.inPlace) / all;
-  const double paired = static_cast<double>(pairs.pairs) * (1 - static_cast<double>(pairs.jumps) / all) / all;
-  return positional > paired ? positional : paired;
+  return similarityFromCounts(pairs.inPlace, pairs.pairs, pairs.jumps, length);
 }
 
 double stringMatchesUnixWildcardFuzzy(const unichar* a, size_t lengthA, const unichar* b, size_t lengthB) {

@@ -31,7 +31,24 @@ struct ExactWord {
 };
 
 std::u16string somePattern(Chance& chance, View alphabet) {
-  constexpr View kPieces[] = {u"*", u"?", u"[^a]", u"[a-c\u0430-\u0433]", u"[aeiou]", u"[acegikmoq]", u"[", u"[a-]b]"};
+  constexpr View kPieces[] = {u"*",
+                              u"?",
+                              u"[^a]",
+                              u"[a-c\u0430-\u0433]",
+                              u"[aeiou]",
+                              u"[acegikmoq]",
+                              u"[",
+                              u"[a-]b]",
+                              u"[cab]",
+                              u"[Aa-cA]",
+                              u"[^b-dcA]",
+                              u"[c-a]",
+                              u"[a-db-c]",
+                              u"[^c-a]",
+                              u"[^\uFFFF]",
+                              u"[^\x1-\uFFFE]",
+                              View(u"[\0-\uFFFF]", 5),
+                              View(u"[^\0-\uFFFF]", 6)};
   std::u16string pattern;
   for (size_t count = 1 + chance.below(6); count > 0; --count) {
     if (chance.below(2)) pattern += chance.oneOf(kPieces);

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <new>
-#include <optional>
 
 #include "velan/wildcard/WildcardMatching.h"
 #include "velan/wildcard/WildcardPattern.h"
@@ -31,8 +30,8 @@ class Compiler {
       }
     }
     (hasStar ? program.tail : program.head) = piece;
-    const bool isHeadLiteral = readLiteral(program, program.head, program.headLiteral);
-    program.endsAreLiteral = readLiteral(program, program.tail, program.tailLiteral) && isHeadLiteral;
+    const bool headIsRanges = readRanges(program, program.head, program.headRanges);
+    program.endsAreRanges = readRanges(program, program.tail, program.tailRanges) && headIsRanges;
     program.minLength = program.elementCount;
     program.maxLength = hasStar ? SIZE_MAX : program.minLength;
     return true;
@@ -48,18 +47,21 @@ class Compiler {
     piece = {program.elementCount, 0};
   }
 
-  // Whether the literal says all about the piece.
-  static bool readLiteral(const WordProgram& program, WordProgram::Piece piece, WordLiteral& literal) {
+  // Whether the ranges say all about the piece.
+  static bool readRanges(const WordProgram& program, WordProgram::Piece piece, UnitRanges& ranges) {
     constexpr size_t kInAnyVector = 8;
     bool isComplete = piece.length <= kInAnyVector;
-    for (; literal.length < piece.length; ++literal.length) {
-      const uint8_t element = program.elements[piece.first + literal.length];
+    for (; ranges.length < piece.length; ++ranges.length) {
+      const uint8_t element = program.elements[piece.first + ranges.length];
       if (element == WordProgram::kAnyUnit) continue;
       const UnitClass& units = program.classes[element];
-      const bool isOne = units.kind == UnitClass::Kind::OneUnit;
-      literal.units[literal.length] = units.low[0];
-      literal.care |= uint64_t{isOne} << literal.length;
-      isComplete = isComplete && isOne;
+      const bool isRange = units.count == 1 && !(units.isNegated && units.span[0] == UnitRanges::kAll);
+      isComplete = isComplete && isRange;
+      if (!isRange) continue;
+      // What is not in a range is in the one from its end round to its beginning.
+      const auto end = static_cast<unichar>(units.low[0] + units.span[0] + 1);
+      ranges.low[ranges.length] = units.isNegated ? end : units.low[0];
+      ranges.span[ranges.length] = units.isNegated ? static_cast<unichar>(units.low[0] - end - 1) : units.span[0];
     }
     return isComplete;
   }
@@ -108,8 +110,21 @@ class Compiler {
     return fits;
   }
 
+  // Ranges that touch become one.
   static bool add(UnitClass& units, unichar low, unichar high) {
     if (low > high) return true;
+    for (size_t i = 0; i < units.count;) {
+      const unichar first = units.low[i];
+      const auto last = static_cast<unichar>(first + units.span[i]);
+      if (first > high + 1 || low > last + 1) {
+        ++i;
+        continue;
+      }
+      low = std::min(low, first);
+      high = std::max(high, last);
+      units.low[i] = units.low[--units.count];
+      units.span[i] = units.span[units.count];
+    }
     if (units.count == UnitClass::kMost) return false;
     units.low[units.count] = low;
     units.span[units.count++] = static_cast<unichar>(high - low);

@@ -3,6 +3,7 @@
 #ifndef VELAN_WILDCARD_WORD_KERNELS_INTERNAL_H
 #define VELAN_WILDCARD_WORD_KERNELS_INTERNAL_H
 
+#include <algorithm>
 #include <array>
 #include <string_view>
 
@@ -28,10 +29,14 @@ struct UnitClass {
   Kind kind = Kind::Ranges;
 };
 
-/// Units in a row, of which only those with a bit in `care` count.
-struct WordLiteral {
-  unichar units[kMostShortUnits + 1] = {};
-  uint64_t care = 0;
+/// Units in a row, each in a range of its own. Behind them is room for any unit.
+struct UnitRanges {
+  static constexpr unichar kAll = 0xFFFF;
+
+  constexpr UnitRanges() { std::ranges::fill(span, kAll); }
+
+  unichar low[kMostShortUnits + 1] = {};
+  unichar span[kMostShortUnits + 1];
   size_t length = 0;
 };
 
@@ -47,8 +52,8 @@ struct WordProgram {
 
   size_t minLength = 0, maxLength = 0;
   uint8_t classCount = 0, elementCount = 0, middleCount = 0;
-  bool endsAreLiteral = false;  // so that they say all about head and tail
-  WordLiteral headLiteral, tailLiteral;
+  bool endsAreRanges = false;  // so that they say all about head and tail
+  UnitRanges headRanges, tailRanges;
   Piece head, tail;
   Piece middles[kMostElements];
   uint8_t elements[kMostElements];  // the numbers of their classes

@@ -107,45 +107,44 @@ class ShortWord<Scalar, kBlocks> {
   const size_t _length;
 };
 
-/// Whether the units at `units` are those of a literal, up to the width of a vector; where a literal has more, the rest
-/// is another's business.
+/// Whether the units at `units` are in their ranges, up to the width of a vector; where there are more, the rest is
+/// another's business.
 template <typename V>
-class LiteralUnits {
+class RangedUnits {
  public:
-  explicit LiteralUnits(const WordLiteral& literal)
-      : _units(V::load(literal.units)), _care(literal.care & firstBits(V::kUnits)), _length(lengthOf(literal)) {}
-  bool isAt(const unichar* units) const {
-    return _length == 0 || (V::positions(V::loadFirst(units, _length) == _units) & _care) == _care;
+  explicit RangedUnits(const UnitRanges& ranges)
+      : _low(V::load(ranges.low)),
+        _span(V::load(ranges.span)),
+        _length(ranges.length < V::kUnits ? ranges.length : V::kUnits) {}
+  bool areAt(const unichar* units) const {
+    return _length == 0 || V::positions(V::loadFirst(units, _length) - _low <= _span) == firstBits(V::kUnits);
   }
 
  private:
-  static size_t lengthOf(const WordLiteral& literal) { return literal.length < V::kUnits ? literal.length : V::kUnits; }
-
-  V _units;
-  uint64_t _care;
+  V _low, _span;
   size_t _length;
 };
 
 template <>
-class LiteralUnits<Scalar> {
+class RangedUnits<Scalar> {
  public:
-  explicit LiteralUnits(const WordLiteral& literal) : _literal(literal) {}
-  bool isAt(const unichar* units) const {
-    for (size_t i = 0; i < _literal.length; ++i) {
-      if ((_literal.care >> i & 1) != 0 && units[i] != _literal.units[i]) return false;
+  explicit RangedUnits(const UnitRanges& ranges) : _ranges(ranges) {}
+  bool areAt(const unichar* units) const {
+    for (size_t i = 0; i < _ranges.length; ++i) {
+      if (static_cast<unichar>(units[i] - _ranges.low[i]) > _ranges.span[i]) return false;
     }
     return true;
   }
 
  private:
-  const WordLiteral& _literal;
+  const UnitRanges& _ranges;
 };
 
 template <typename V>
 struct WordLoops {
   static constexpr size_t kAllBlocks = (kMostShortUnits + V::kUnits - 1) / V::kUnits;
 
-  /// What is left when the literals at both ends are there.
+  /// What is left when the ranges at both ends are there.
   template <size_t kBlocks>
   static bool matchesInside(const WordProgram& program, const unichar* word, size_t length) {
     const ShortWord<V, kBlocks> units(word, length);
@@ -162,7 +161,7 @@ struct WordLoops {
     };
     size_t from = program.head.length;
     const size_t end = length - program.tail.length;
-    if (!program.endsAreLiteral && (starts(program.head) & starts(program.tail) >> end & 1) == 0) return false;
+    if (!program.endsAreRanges && (starts(program.head) & starts(program.tail) >> end & 1) == 0) return false;
     for (size_t i = 0; i < program.middleCount; ++i) {
       const uint64_t found = starts(program.middles[i]) & ~firstBits(from);
       if (found == 0) return false;
@@ -173,10 +172,18 @@ struct WordLoops {
   }
 
   static bool match(const WordProgram& program, const std::u16string_view* words, size_t count, bool* matches) {
-    const LiteralUnits<V> head(program.headLiteral), tail(program.tailLiteral);
+    const RangedUnits<V> head(program.headRanges), tail(program.tailRanges);
     const size_t minLength = program.minLength, maxLength = program.maxLength;
     const size_t tailLength = program.tail.length;
-    const bool isAllLiteral = program.endsAreLiteral && program.middleCount == 0;
+    if (program.endsAreRanges && program.middleCount == 0) {
+      for (size_t i = 0; i < count; ++i) {
+        const unichar* const word = words[i].data();
+        const size_t length = words[i].size();
+        matches[i] =
+            length >= minLength && length <= maxLength && head.areAt(word) && tail.areAt(word + length - tailLength);
+      }
+      return true;
+    }
     bool areShort = true;
     for (size_t i = 0; i < count; ++i) {
       const unichar* const word = words[i].data();
@@ -187,14 +194,9 @@ struct WordLoops {
         areShort = false;
         continue;
       }
-      if (!head.isAt(word) || !tail.isAt(word + length - tailLength)) continue;
-      if (isAllLiteral) {
-        matches[i] = true;
-      } else if (length <= ShortWord<V, 1>::kMost) {
-        matches[i] = matchesInside<1>(program, word, length);
-      } else {
-        matches[i] = matchesInside<kAllBlocks>(program, word, length);
-      }
+      if (!head.areAt(word) || !tail.areAt(word + length - tailLength)) continue;
+      matches[i] = length <= ShortWord<V, 1>::kMost ? matchesInside<1>(program, word, length)
+                                                    : matchesInside<kAllBlocks>(program, word, length);
     }
     return areShort;
   }

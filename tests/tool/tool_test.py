@@ -252,6 +252,8 @@ class OnFiles(InFolder):
         status, output, errors = self.search("lamp", "absent", "d/image", "d/text")
         self.assertEqual((status, output), (2, "d/text:1:lamp\n"))
         self.assertEqual(errors, "velan: absent: No such file or directory\nvelan: d/image: binary file, not searched\n")
+        self.write("late", b"word " * 20000 + b"\0")  # far behind the beginning, which tells most kinds
+        self.assertEqual(self.search("lamp", "late"), (2, "", "velan: late: binary file, not searched\n"))
 
     def test_lines_of_other_systems(self):
         cases = [(b"a\r\nlamp\r\n", "2:lamp\n"), (b"a\rlamp\rb", "2:lamp\n"), (b"a\rlamp\nb", "1:a\rlamp\n"),

@@ -331,6 +331,23 @@ void addMapping(const Text& text) {
   });
 }
 
+// One text after the other, as the expressions of the peers are run.
+class QuerySearch {
+ public:
+  explicit QuerySearch(std::shared_ptr<const PreparedQuery> query) : _query(std::move(query)), _matcher(*_query) {}
+
+  size_t count(std::u16string_view text) {
+    _matcher.setText(text);
+    _matcher.findOccurrences(_found);
+    return _found.size();
+  }
+
+ private:
+  const std::shared_ptr<const PreparedQuery> _query;
+  QueryMatcher _matcher;
+  std::vector<QueryOccurrence> _found;
+};
+
 struct Query {
   const char* operation;
   std::u16string query, expression;
@@ -368,11 +385,10 @@ std::vector<Query> queriesOf(const Text& text) {
   return queries;
 }
 
-// Every occurrence of a query in running text, with the index that it takes; what is prepared once a query is not
+// Every occurrence of a query in running text, of which nothing is known before; what is prepared once a query is not
 // measured. The expressions mean the same but for the underscore, which does not separate words there, and, where a
 // text is mostly ASCII, for other letters.
 void addQueries(const Text& text) {
-  const String string(text.units);
   const std::u16string_view units = text.units;
   const uint32_t letters = std::string_view(text.name).starts_with("manual-") ? PCRE2_UTF | PCRE2_UCP : 0u;
   for (const bool caseSensitive : {true, false}) {
@@ -381,10 +397,8 @@ void addQueries(const Text& text) {
       const std::shared_ptr<const PreparedQuery> query =
           PreparedQuery::queryWithTerms(QueryTerms::initWithWildcard(row.query),
                                         caseSensitive ? QueryComparison::Exact : QueryComparison::IgnoreCase, true);
-      add(operation, "velan", text, [=] {
-        const auto words = query->enumeratorWithString(string);
-        return QueryMatcher(*query, *words).occurrences({0, NSNotFound}).size();
-      });
+      const auto search = std::make_shared<QuerySearch>(query);
+      add(operation, "velan", text, [=] { return search->count(units); });
       const auto pcre = std::make_shared<Pcre>(row.expression, letters | (caseSensitive ? 0u : PCRE2_CASELESS));
       add(operation, "pcre2", text, [=] { return pcre->count(units); });
     }
@@ -416,10 +430,8 @@ void addTerms(const Text& text, const std::string& operation, const std::string&
       PreparedQuery::queryWithTerms(QueryTerms::initWithWildcard(String::fromUTF8(query)),
                                     caseSensitive ? QueryComparison::Exact : QueryComparison::IgnoreCase, true);
   const std::string name = operation + (caseSensitive ? "" : "_no_case");
-  add(name, "velan", text, [prepared, string = String(text.units)] {
-    const auto words = prepared->enumeratorWithString(string);
-    return QueryMatcher(*prepared, *words).occurrences({0, NSNotFound}).size();
-  });
+  const auto search = std::make_shared<QuerySearch>(prepared);
+  add(name, "velan", text, [search, units = std::u16string_view(text.units)] { return search->count(units); });
   const auto hyperscan = std::make_shared<HyperscanSet>(expressions, caseSensitive ? 0u : unsigned{HS_FLAG_CASELESS});
   add(name, "hyperscan", text, [hyperscan, bytes = utf8Of(text.units)] { return hyperscan->count(bytes); });
   if (!caseSensitive) return;

@@ -202,6 +202,16 @@ int64_t allocationsOf(const Call& call) {
   return FailingAllocation::count();
 }
 
+std::vector<QueryOccurrence> occurrencesInNextText(const PreparedQuery& query, const String& text) {
+  QueryMatcher matcher(query);
+  std::vector<QueryOccurrence> found;
+  for (const size_t length : {size_t{40}, text.view().size()}) {
+    matcher.setText(text.view().substr(0, length));
+    matcher.findOccurrences(found);
+  }
+  return found;
+}
+
 std::vector<Operation> operations(const String& file) {
   const String text = longText();
   const std::string utf8 = text.toUTF8();
@@ -213,6 +223,7 @@ std::vector<Operation> operations(const String& file) {
   const std::shared_ptr<const QueryTerms> terms = someTerms();
   const auto ignoreCase = QueryComparison::IgnoreCase;
   const std::shared_ptr<const FastWordEnumerator> words = FastWordEnumerator::enumeratorWithString(text);
+  const std::shared_ptr<const PreparedQuery> prepared = PreparedQuery::queryWithTerms(terms, ignoreCase, true);
   const String pattern = u"*dark?water*[h]arb*d*r*k*one";
   const String format = u"%Y-%m-%d %H:%M:%S on %A, the %j. day of that year";
   const String path = u"/some/long \u00E9/path/of/a file";
@@ -335,6 +346,7 @@ std::vector<Operation> operations(const String& file) {
                 matchesString(*words, *terms, nullptr, QueryOperator::And, 0, 0, NSNotFound, ignoreCase, true)),
       OPERATION("NO", false, containsString(*words, *terms, ignoreCase, true)),
       OPERATION("", true, queryOccurrences(*words, *terms, {0, NSNotFound}, ignoreCase, true)),
+      OPERATION("", true, occurrencesInNextText(*prepared, text)),
       OPERATION("0", false,
                 enumerateOccurrences(*words, *terms, {0, NSNotFound}, ignoreCase, true,
                                      [](const String&, Range, bool) { return false; })),
@@ -421,6 +433,28 @@ TEST(AllocationSweep, NoOperationTakesALackOfMemoryForAnAnswer) {
         if (!allowed) break;
       }
     }
+  }
+}
+
+// What was needed for a text serves the next one.
+TEST(QueryMatcher, NextTextsTakeNoMemory) {
+  const std::u16string text = repeated(u"a light, the lighthouse keeper and light ", 30);
+  for (const char16_t* term : {u"light", u"light*", u"[k-m]i?h*", u"\"the light*\"", u"\"light* ??????\"", u"absent"}) {
+    const auto prepared =
+        PreparedQuery::queryWithTerms(QueryTerms::initWithWildcard(term), QueryComparison::IgnoreCase, true);
+    QueryMatcher matcher(*prepared);
+    std::vector<QueryOccurrence> found;
+    const auto findIn = [&](std::u16string_view part) {
+      matcher.setText(part);
+      matcher.findOccurrences(found);
+      return found.size();
+    };
+    const size_t count = findIn(text);
+    const FailingAllocation counting(INT64_MAX, false);
+    EXPECT_EQ(findIn(text), count);
+    findIn(std::u16string_view(text).substr(1, 500));
+    EXPECT_EQ(findIn(text), count);
+    EXPECT_EQ(FailingAllocation::count(), 0) << String(term).toUTF8();
   }
 }
 

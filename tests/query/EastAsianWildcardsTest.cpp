@@ -23,7 +23,11 @@ std::vector<Range> wordsOf(const FastWordEnumerator& text) {
 std::vector<Range> placesOf(const std::u16string& pattern, const String& document) {
   const auto query = PreparedQuery::queryWithTerms(QueryTerms::initWithWildcard(pattern), QueryComparison::Exact, true);
   const auto dividedOnDemand = query->enumeratorWithString(document);
-  return QueryMatcher(*query, *dividedOnDemand).explanation(1).back().places;
+  const std::vector<Range> places = QueryMatcher(*query, *dividedOnDemand).explanation(1).back().places;
+  QueryMatcher matcher(*query);
+  matcher.setText(document.view());
+  EXPECT_EQ(matcher.explanation(1).back().places, places);
+  return places;
 }
 
 // By definition: of all rows of words that touch each other those that match, without those that hold another one.

@@ -163,11 +163,14 @@ const Family kFamilies[] = {
 // One matcher for all that can be asked of a text, part by part.
 void expectEqualsReference(QueryMatcher&& matcher, const ReferenceText& reference, const ReferenceTerm& query,
                            Range range) {
+  std::vector<QueryOccurrence> found(3, {{0, 9}, u"of a text before"_s, true});
   ASSERT_EQ(matcher.contains(), reference.contains(query));
   for (const Range& part : {range, reference.wholeRange(), {range.location, 2}}) {
     const Range clipped = clippedRange(part, endOf(reference.wholeRange()));
     ASSERT_EQ(matcher.matches(part), reference.matches(query, clipped));
     ASSERT_EQ(dumpOf(matcher.occurrences(part)), dumpOf(reference.occurrences(query, clipped)));
+    matcher.findOccurrences(found, part);
+    ASSERT_EQ(dumpOf(found), dumpOf(reference.occurrences(query, clipped)));
   }
   for (const ExplainedTerm& each : matcher.explanation(SIZE_MAX)) {
     const ReferenceTerm term = referenceOf(*each.term);
@@ -181,10 +184,29 @@ void expectEqualsReference(QueryMatcher&& matcher, const ReferenceText& referenc
   ASSERT_FALSE(matcher.ranOutOfMemory());
 }
 
+// A matcher that has been asked about another text, and about an empty one.
+void expectEqualsReferenceAfter(const std::u16string& before, const PreparedQuery& query, const std::u16string& text,
+                                const ReferenceText& reference, const ReferenceTerm& term, Range range) {
+  QueryMatcher matcher(query);
+  ASSERT_FALSE(matcher.matches() || matcher.contains());
+  matcher.setText(before);
+  matcher.matches();
+  matcher.occurrences(range);
+  matcher.setText({});
+  ASSERT_FALSE(matcher.matches() || matcher.contains());
+  ASSERT_TRUE(matcher.occurrences({0, NSNotFound}).empty());
+  ASSERT_FALSE(matcher.explanation(SIZE_MAX).front().holds);
+  matcher.setText(before);
+  matcher.contains();
+  matcher.setText(text);
+  expectEqualsReference(std::move(matcher), reference, term, range);
+}
+
 void expectEqualsReference(const Family& family) {
   QueryGenerator generator(family, static_cast<unsigned>(&family - kFamilies) + 1);
   int matched = 0;
   const int cases = 1500;
+  std::u16string textBefore;
   for (int i = 0; i < cases; ++i) {
     const std::u16string text = generator.text();
     const ReferenceTerm expected = generator.group(2);
@@ -219,9 +241,11 @@ void expectEqualsReference(const Family& family) {
     const auto prepared = PreparedQuery::queryWithTerms(parse(query), comparison, family.wildcard);
     FastWordEnumerator::setSplitAsianWords(i % 3 == 0);  // no word here is divided, but it might be
     const auto onDemand = prepared->enumeratorWithString(text);
+    if (!upper) expectEqualsReferenceAfter(textBefore, *prepared, text, reference, expected, range);
     FastWordEnumerator::setSplitAsianWords(false);
     const auto& asked = i % 3 == 2 ? enumerator : onDemand;
     expectEqualsReference(QueryMatcher(*prepared, *asked), reference, expected, range);
+    textBefore = text;
   }
   EXPECT_GT(matched, cases / 10);  // neither outcome is rare
   EXPECT_LT(matched, cases - cases / 10);

@@ -44,15 +44,28 @@ std::vector<std::vector<String>> PreparedQuery::requiredLiterals() const {
 }
 
 QueryMatcher::QueryMatcher(const PreparedQuery& query, const FastWordEnumerator& enumerator)
-    : _query(query), _enumerator(enumerator) {}
+    : _query(query), _enumerator(&enumerator) {}
+
+QueryMatcher::QueryMatcher(const PreparedQuery& query) : _query(query), _enumerator(nullptr) {}
 
 QueryMatcher::~QueryMatcher() = default;
 
+void QueryMatcher::setText(std::u16string_view text) {
+  _text = text;
+  _ranOutOfMemory = false;
+  if (_evaluator) _evaluator->setText(text);
+}
+
 QueryEvaluator& QueryMatcher::evaluator() {
-  if (!_evaluator) {
-    const bool fits = comparisonOn(_enumerator, _query._comparison) == _query._comparison;
-    _evaluator = std::make_unique<QueryEvaluator>(_enumerator, _query._comparison, leafKind(_query._wildcard),
+  if (_evaluator) return *_evaluator;
+  const LeafKind kind = leafKind(_query._wildcard);
+  if (_enumerator) {
+    const bool fits = comparisonOn(*_enumerator, _query._comparison) == _query._comparison;
+    _evaluator = std::make_unique<QueryEvaluator>(*_enumerator, _query._comparison, kind,
                                                   fits ? _query._patterns.get() : nullptr);
+  } else {
+    _evaluator = std::make_unique<QueryEvaluator>(_query._comparison, kind, *_query._patterns);
+    _evaluator->setText(_text);
   }
   return *_evaluator;
 }
@@ -60,6 +73,7 @@ QueryEvaluator& QueryMatcher::evaluator() {
 // An evaluator that an allocation failed in is of no more use.
 template <typename Ask>
 bool QueryMatcher::answer(Ask ask) {
+  if (hasNoText()) return false;
   try {
     return ask(evaluator());
   } catch (const std::bad_alloc&) {
@@ -70,7 +84,7 @@ bool QueryMatcher::answer(Ask ask) {
 }
 
 bool QueryMatcher::matches(Range range) {
-  const Range clipped = clippedRange(range, _enumerator.length());
+  const Range clipped = clippedRange(range, length());
   return answer([&](QueryEvaluator& evaluator) {
     evaluator.forgetOtherRanges(clipped);
     return evaluator.evaluate(*_query._terms, {}, clipped);
@@ -83,10 +97,21 @@ bool QueryMatcher::contains() {
 
 std::vector<QueryOccurrence> QueryMatcher::occurrences(Range range,
                                                        const std::unordered_set<const QueryTerms*>& withoutPart) {
-  const Range clipped = clippedRange(range, _enumerator.length());
+  const Range clipped = clippedRange(range, length());
   try {
     evaluator().forgetOtherRanges(clipped);
     return occurrencesOfQuery(evaluator(), *_query._terms, clipped, withoutPart);
+  } catch (...) {
+    _evaluator.reset();
+    throw;
+  }
+}
+
+void QueryMatcher::findOccurrences(std::vector<QueryOccurrence>& occurrences, Range range) {
+  const Range clipped = clippedRange(range, length());
+  try {
+    evaluator().forgetOtherRanges(clipped);
+    velan::findOccurrences(evaluator(), *_query._terms, clipped, occurrences);
   } catch (...) {
     _evaluator.reset();
     throw;

@@ -2,15 +2,21 @@
 //
 //   const auto query = PreparedQuery::queryWithTerms(QueryTerms::initWithWildcard(u"lamp* NEAR/3 keeper"),
 //                                                    QueryComparison::IgnoreCase, true);
-//   const auto words = query->enumeratorWithString(text);
-//   QueryMatcher matcher(*query, *words);
-//   if (matcher.matches()) show(matcher.occurrences());
+//   QueryMatcher matcher(*query);
+//   std::vector<QueryOccurrence> occurrences;
+//   for (const String& text : texts) {
+//     matcher.setText(text.view());
+//     matcher.findOccurrences(occurrences);
+//     ...
+//   }
 //
+// What is made for a text is used again for the next one, so that short texts cost little more than their units.
 // The functions of QueryMatching.h give the same answers; each call of theirs begins anew.
 #ifndef VELAN_QUERY_PREPARED_QUERY_H
 #define VELAN_QUERY_PREPARED_QUERY_H
 
 #include <memory>
+#include <string_view>
 #include <unordered_set>
 #include <vector>
 
@@ -62,8 +68,9 @@ class VELAN_EXPORT PreparedQuery {
   const std::unique_ptr<LeafPatterns> _patterns;
 };
 
-/// A prepared query on one text. Borrows both, and remembers what it found, so that all answers together cost little
-/// more than the first one; each term is searched only as far as answers need it. One thread at a time.
+/// A prepared query on one text, or on one after the other. Borrows both, and remembers what it found, so that all
+/// answers together cost little more than the first one; each term is searched only as far as answers need it. One
+/// thread at a time.
 ///
 /// Ranges are in code units of the text and clipped to it. Words that a range cuts do not count, and proximity does not
 /// reach beyond it: a text can be indexed once and asked about line by line.
@@ -72,9 +79,16 @@ class VELAN_EXPORT QueryMatcher {
   /// The enumerator must have been created without `wildcard`; one created to ignore case is searched so whatever the
   /// comparison says, then without the preparation unless that ignores case as well.
   QueryMatcher(const PreparedQuery& query, const FastWordEnumerator& enumerator);
+  /// For texts that `setText` gives; until then the text is empty.
+  explicit QueryMatcher(const PreparedQuery& query);
   ~QueryMatcher();
   QueryMatcher(const QueryMatcher&) = delete;
   QueryMatcher& operator=(const QueryMatcher&) = delete;
+
+  /// `setText`: goes over to `text`, which must stay as it is as long as anything is asked of it. Its words are those
+  /// of `FastWordEnumerator::enumeratorDividingOnDemand`, and an empty text matches nothing. Not for a matcher with an
+  /// enumerator.
+  void setText(std::u16string_view text);
 
   /// Whether the query matches the text. False as well when memory runs out.
   bool matches() { return matches({0, NSNotFound}); }
@@ -83,13 +97,15 @@ class VELAN_EXPORT QueryMatcher {
   /// Whether the text holds any term that is neither negated nor below a negated group. False as well when memory runs
   /// out.
   bool contains();
-  /// Whether memory ran out during any call: an answer of false is then none.
+  /// Whether memory ran out during any call for this text: an answer of false is then none.
   bool ranOutOfMemory() const { return _ranOutOfMemory; }
 
   /// See `queryOccurrences`. May throw `std::bad_alloc`.
   std::vector<QueryOccurrence> occurrences(Range range) { return occurrences(range, {}); }
   /// The same where some leaves take no part in the match.
   std::vector<QueryOccurrence> occurrences(Range range, const std::unordered_set<const QueryTerms*>& withoutPart);
+  /// The same in place of what `occurrences` holds, whose room is used again. May throw `std::bad_alloc`.
+  void findOccurrences(std::vector<QueryOccurrence>& occurrences, Range range = {0, NSNotFound});
   /// `PreparedQuery::explanation` with which terms hold in the text, and where they stand.
   std::vector<ExplainedTerm> explanation(size_t deepest);
   /// The same for the text in `range`.
@@ -99,9 +115,13 @@ class VELAN_EXPORT QueryMatcher {
   QueryEvaluator& evaluator();
   template <typename Ask>
   bool answer(Ask ask);
+  // Not even a negated term holds then.
+  bool hasNoText() const { return !_enumerator && _text.empty(); }
+  int64_t length() const { return _enumerator ? _enumerator->length() : static_cast<int64_t>(_text.size()); }
 
   const PreparedQuery& _query;
-  const FastWordEnumerator& _enumerator;
+  const FastWordEnumerator* const _enumerator;  // null where texts are set
+  std::u16string_view _text;
   std::unique_ptr<QueryEvaluator> _evaluator;  // made when first needed
   bool _ranOutOfMemory = false;
 };

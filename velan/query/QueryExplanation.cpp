@@ -46,7 +46,8 @@ std::vector<ExplainedTerm> QueryMatcher::explanation(size_t deepest) { return ex
 
 std::vector<ExplainedTerm> QueryMatcher::explanation(size_t deepest, Range range) {
   std::vector<ExplainedTerm> explained = _query.explanation(deepest);
-  const Range all = clippedRange(range, _enumerator.length());
+  const Range all = clippedRange(range, length());
+  if (hasNoText()) return explained;
   evaluator().forgetOtherRanges(all);
   size_t related = SIZE_MAX;  // the depth of the group whose relation is that of the terms below it
   for (ExplainedTerm& each : explained) {

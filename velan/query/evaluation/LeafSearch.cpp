@@ -23,6 +23,12 @@ bool isFoundNowhere(const std::u16string& literal, bool whole) {
   return literal.empty() || (whole && (separates(literal.front()) || separates(literal.back())));
 }
 
+const QueryTerms* onlyLeafOf(const QueryTerms& root) {
+  const bool isGroupOfOne = !root.queryNot() && root.children().size() == 1;
+  const QueryTerms& leaf = isGroupOfOne ? *root.children().front() : root;
+  return leaf.isWord() && !leaf.queryNot() ? &leaf : nullptr;
+}
+
 }  // namespace
 
 LeafPattern::LeafPattern(const QueryTerms& leaf, LeafKind kind, QueryComparison comparison)
@@ -45,7 +51,9 @@ LeafPattern::LeafPattern(const QueryTerms& leaf, LeafKind kind, QueryComparison 
 }
 
 LeafPatterns::LeafPatterns(const QueryTerms& root, LeafKind kind, QueryComparison comparison)
-    : _patterns(patternsOf(root, kind, comparison)), _manyTerms(root, _patterns, comparisonTable(comparison)) {}
+    : _patterns(patternsOf(root, kind, comparison)),
+      _manyTerms(root, _patterns, comparisonTable(comparison)),
+      _onlyLeaf(onlyLeafOf(root)) {}
 
 std::unordered_map<const QueryTerms*, LeafPattern> LeafPatterns::patternsOf(const QueryTerms& root, LeafKind kind,
                                                                             QueryComparison comparison) {
@@ -66,13 +74,25 @@ std::vector<ExplainedPiece> explainedPieces(const QueryTerms& leaf, QueryCompari
   return WordPattern::explained(leaf.word().view(), leaf.queryPhrase(), contains(comparison, QueryComparison::Fuzzy));
 }
 
-LeafSearch::LeafSearch(const SearchedText& text, const LeafPattern& pattern) : _text(text), _pattern(pattern) {
+LeafSearch::LeafSearch(const SearchedText& text, const LeafPattern& pattern)
+    : _text(text), _pattern(pattern), _textNumber(text.number()) {
   const WordPattern& words = pattern.pattern();
   const Range all{0, text.length()};
   if (words.isPhrase()) _search.emplace<PhraseSearch>(words, text, all);
   if (words.isOneWord()) _search.emplace<WordSearch>(words, text, all);
   const Literal* literal = pattern.literal();
   if (literal && literal->length() > 0) _search.emplace<LiteralHits>(*literal, text, all);
+}
+
+void LeafSearch::begin() {
+  const Range all{0, _text.length()};
+  if (auto* word = std::get_if<WordSearch>(&_search)) word->begin(all);
+  if (auto* phrase = std::get_if<PhraseSearch>(&_search)) phrase->begin(all);
+  if (auto* hits = std::get_if<LiteralHits>(&_search)) hits->begin(all);
+  _found.clear();
+  _location = 0;
+  _isDone = false;
+  _textNumber = _text.number();
 }
 
 // Appends the next places, if it finds any. False when all was searched.
@@ -101,10 +121,15 @@ Range LeafSearch::firstIn(Range range) {
 }
 
 std::span<const Range> LeafSearch::placesIn(Range range) {
-  const size_t first = numberFrom(range.location);
+  if (range.location == 0 && range.length == _text.length()) {
+    while (!_isDone) _isDone = !searchOn();
+    return _found;
+  }
   const size_t last = numberFrom(endOf(range));
+  const size_t first = numberFrom(range.location);
   const auto all = std::span<const Range>(_found).subspan(first, last - first);
   const auto isWithin = [end = endOf(range)](const Range& place) { return endOf(place) <= end; };
+  if (all.empty() || isWithin(all.back())) return all;
   return all.first(static_cast<size_t>(std::ranges::partition_point(all, isWithin) - all.begin()));
 }
 
@@ -114,14 +139,9 @@ const Range* LeafSearch::at(size_t number) {
 }
 
 size_t LeafSearch::numberFrom(int64_t location) {
-  if (_found.empty() || _found.back().location < location) {
-    size_t number = _found.size();
-    while (const Range* place = at(number)) {
-      if (place->location >= location) return number;
-      ++number;
-    }
-    return number;
-  }
+  const auto liesBefore = [&] { return _found.empty() || _found.back().location < location; };
+  while (!_isDone && liesBefore()) _isDone = !searchOn();
+  if (liesBefore()) return _found.size();
   const auto byLocation = [](const Range& range, int64_t value) { return range.location < value; };
   return static_cast<size_t>(std::lower_bound(_found.begin(), _found.end(), location, byLocation) - _found.begin());
 }

@@ -59,6 +59,8 @@ class LeafPatterns {
   /// Null for a leaf of another tree.
   const LeafPattern* find(const QueryTerms& leaf) const;
   const ManyTerms& manyTerms() const { return _manyTerms; }
+  /// The leaf of a tree that is nothing but one, which is not negated; null for any other tree.
+  const QueryTerms* onlyLeaf() const { return _onlyLeaf; }
 
  private:
   static std::unordered_map<const QueryTerms*, LeafPattern> patternsOf(const QueryTerms& root, LeafKind kind,
@@ -66,6 +68,7 @@ class LeafPatterns {
 
   std::unordered_map<const QueryTerms*, LeafPattern> _patterns;
   const ManyTerms _manyTerms;
+  const QueryTerms* const _onlyLeaf;
 };
 
 /// The pieces of a leaf that is a wildcard pattern.
@@ -83,6 +86,12 @@ class LeafSearch {
     _own = std::move(pattern);
   }
 
+  /// This, begun anew if `text` has gone over to another one since.
+  LeafSearch& inText() {
+    if (_textNumber != _text.number()) begin();
+    return *this;
+  }
+
   bool isWholeRange() const { return _pattern.isWholeRange(); }
   /// The first place that lies wholly in `range`; absent if there is none.
   Range firstIn(Range range);
@@ -94,6 +103,7 @@ class LeafSearch {
   size_t numberFrom(int64_t location);
 
  private:
+  void begin();
   bool searchOn();
   void searchLiteralAt(int64_t hit);
 
@@ -105,6 +115,7 @@ class LeafSearch {
   std::vector<Range> _found;
   int64_t _location = 0;  // where the next hit of a long literal may begin
   bool _isDone = false;
+  uint64_t _textNumber;
 };
 
 }  // namespace velan

@@ -23,24 +23,32 @@ class LiteralHits {
   static constexpr int64_t kShort = 32;
 
   /// Borrows both.
-  LiteralHits(const Literal& literal, const SearchedText& text, Range range)
-      : _literal(literal), _text(text), _location(range.location), _end(endOf(range)) {}
+  LiteralHits(const Literal& literal, const SearchedText& text, Range range) : _literal(literal), _text(text) {
+    begin(range);
+  }
+  /// Begins anew, in a text that `text` may have gone over to.
+  void begin(Range range) {
+    _location = range.location;
+    _end = endOf(range);
+    _stretch = kFirstStretch;
+  }
 
   bool areShort() const { return _literal.length() <= kShort; }
   /// Calls `visit(location)` for the next places, most of which begin at or after `from`; it appends at most one range
-  /// to `ranges`, where there is room for it. False when there is none.
+  /// to `ranges`, where there is room for it. False when there are no more.
   template <typename Visit>
   bool visitNext(int64_t from, std::vector<Range>& ranges, Visit visit) {
     unichar found[kMost + UnitKernels::kGatherSlack];
     const size_t count = gather(from, found);
+    if (count == 0) return false;
     makeRoom(ranges, count);
     for (size_t i = 0; i < count; ++i) visit(_base + found[i]);
-    return count > 0;
+    return _end - _location >= _literal.length();
   }
 
  private:
   static constexpr size_t kMost = 128;
-  static constexpr int64_t kLongestStretch = 1 << 15;
+  static constexpr int64_t kFirstStretch = 512, kLongestStretch = 1 << 15;
 
   size_t gather(int64_t from, unichar* found);
   size_t take(std::span<const LiteralSet::Hit> known, unichar* found);
@@ -48,9 +56,9 @@ class LiteralHits {
   const Literal& _literal;
   const SearchedText& _text;
   int64_t _location;  // what begins before was looked at
-  const int64_t _end;
-  int64_t _base = 0;       // of the positions gathered last
-  int64_t _stretch = 512;  // how far to look next
+  int64_t _end;
+  int64_t _base = 0;  // of the positions gathered last
+  int64_t _stretch;   // how far to look next
 };
 
 }  // namespace velan

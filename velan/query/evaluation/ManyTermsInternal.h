@@ -52,6 +52,11 @@ class PresentChildren {
     return _terms && _terms->literals() ? nextPresent(group, index) : index;
   }
 
+  /// To be called when the text has become another one.
+  void forget() {
+    if (!_present.empty()) _present.clear();
+  }
+
  private:
   size_t nextPresent(const QueryTerms& group, size_t index);
 

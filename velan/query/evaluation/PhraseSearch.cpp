@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <bit>
 #include <unordered_map>
 
@@ -26,12 +27,18 @@ PhraseSearch::PhraseSearch(const WordPattern& pattern, const SearchedText& text,
     : _pieces(pattern._pieces),
       _anchor(pattern._anchor && _pieces.size() <= kMostAroundAnchor ? &*pattern._anchor : nullptr),
       _text(text),
-      _start(range.location),
-      _location(range.location),
-      _end(endOf(range)),
       _starts(_anchor ? 0 : _pieces.size()),
       _reached(_anchor ? 0 : (_pieces.size() + kBits - 1) / kBits) {
   if (_anchor) _hits.emplace(_anchor->literal, text, range);
+  begin(range);
+}
+
+void PhraseSearch::begin(Range range) {
+  _start = _location = range.location;
+  _end = endOf(range);
+  if (_hits) return _hits->begin(range);
+  std::ranges::fill(_reached, 0);
+  _classes.clear();  // by words of the text before
 }
 
 bool PhraseSearch::searchOn(std::vector<Range>& found) {

@@ -23,6 +23,8 @@ class PhraseSearch {
   /// Borrows both. `pattern` has at least two pieces.
   PhraseSearch(const WordPattern& pattern, const SearchedText& text, Range range);
 
+  /// Begins anew, in a text that `text` may have gone over to.
+  void begin(Range range);
   /// Searches on and appends the places that it finds, if any, from the first word's start to the last word's end.
   /// False when all was searched. Both beginnings and ends grow.
   bool searchOn(std::vector<Range>& found);
@@ -45,9 +47,9 @@ class PhraseSearch {
   const std::vector<WordPattern::Piece>& _pieces;
   const WordPattern::Anchor* const _anchor;  // null to read every word
   const SearchedText& _text;
-  const int64_t _start;
+  int64_t _start;
   int64_t _location;  // what begins before was read
-  const int64_t _end;
+  int64_t _end;
   std::optional<LiteralHits> _hits;  // of the anchor
   std::vector<int64_t> _starts;      // of the last words, each at its number modulo the number of pieces
   size_t _wordCount = 0;

@@ -93,11 +93,26 @@ QueryEvaluator::QueryEvaluator(const FastWordEnumerator& enumerator, QueryCompar
       _prepared(prepared),
       _presentChildren(prepared ? &prepared->manyTerms() : nullptr, _text) {}
 
+QueryEvaluator::QueryEvaluator(QueryComparison comparison, LeafKind kind, const LeafPatterns& prepared)
+    : _text(comparison, prepared.manyTerms().literals()),
+      _comparison(comparison),
+      _kind(kind),
+      _prepared(&prepared),
+      _presentChildren(&prepared.manyTerms(), _text) {}
+
 QueryEvaluator::~QueryEvaluator() = default;
 
-LeafSearch& QueryEvaluator::search(const QueryTerms& leaf) {
-  if (_firstLeaf == &leaf) return *_firstSearch;
-  if (const auto known = _searches.find(&leaf); known != _searches.end()) return known->second;
+void QueryEvaluator::setText(std::u16string_view text) {
+  _text.setText(text);
+  _presentChildren.forget();
+  _evaluated = {0, 0};
+  if (!_remembered.empty()) _remembered.clear();
+  _witnesses.reset();
+  _ends.reset();
+}
+
+LeafSearch& QueryEvaluator::otherSearch(const QueryTerms& leaf) {
+  if (const auto known = _searches.find(&leaf); known != _searches.end()) return known->second.inText();
   const auto make = [&](auto&& pattern) -> LeafSearch& {
     if (_firstLeaf) return _searches.try_emplace(&leaf, _text, std::forward<decltype(pattern)>(pattern)).first->second;
     _firstSearch.emplace(_text, std::forward<decltype(pattern)>(pattern));
@@ -123,11 +138,6 @@ bool QueryEvaluator::containsAny(const QueryTerms& node) {
     return !found;
   });
   return found;
-}
-
-void QueryEvaluator::forgetOtherRanges(Range range) {
-  if (!(range == _evaluated) && !_remembered.empty()) _remembered.clear();
-  _evaluated = range;
 }
 
 RelationRanges QueryEvaluator::relationRanges(const QueryTerms& leaf, const Relation& relation, Range range) {

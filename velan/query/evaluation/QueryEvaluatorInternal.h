@@ -87,19 +87,32 @@ class QueryEvaluator {
   /// when they are needed. Null for none. Borrows both.
   QueryEvaluator(const FastWordEnumerator& enumerator, QueryComparison comparison, LeafKind kind,
                  const LeafPatterns* prepared = nullptr);
+  /// For any number of texts, one after the other; an empty one at first. Borrows the patterns.
+  QueryEvaluator(QueryComparison comparison, LeafKind kind, const LeafPatterns& prepared);
   ~QueryEvaluator();
 
+  /// Goes over to `text`, which it borrows; the room of what was found in the one before is used again. Not for an
+  /// evaluator with an enumerator.
+  void setText(std::u16string_view text);
+
   const SearchedText& text() const { return _text; }
+  /// Null for none.
+  const LeafPatterns* prepared() const { return _prepared; }
   /// The children of groups that are to be looked at: what others are has no influence on any answer.
   PresentChildren& presentChildren() { return _presentChildren; }
-  LeafSearch& search(const QueryTerms& leaf);
+  LeafSearch& search(const QueryTerms& leaf) {
+    return _firstLeaf == &leaf ? _firstSearch->inText() : otherSearch(leaf);
+  }
   /// Where the leaf is found in `range`, negated or not.
   Ranges places(const QueryTerms& leaf, Range range);
   /// Whether the text holds any leaf that is neither negated nor below a negated group.
   bool containsAny(const QueryTerms& node);
   /// To be called before nodes are evaluated in one part of the text after the other: what was remembered for another
   /// part goes.
-  void forgetOtherRanges(Range range);
+  void forgetOtherRanges(Range range) {
+    if (!(range == _evaluated) && !_remembered.empty()) _remembered.clear();
+    _evaluated = range;
+  }
   bool evaluate(const QueryTerms& node, const Relation& relation, Range range);
   Witnesses& witnesses();
   EndSearch& ends();
@@ -127,13 +140,14 @@ class QueryEvaluator {
     size_t operator()(const Place& place) const;
   };
 
+  LeafSearch& otherSearch(const QueryTerms& leaf);
   std::optional<Frame> step(Frame& frame, bool& result);
   std::optional<Frame> stepGroup(Frame& frame, bool& result);
   std::optional<Frame> stepRelated(Frame& frame, bool& result);
   bool holdsLeaf(const QueryTerms& leaf, Range range);
   RelationRanges relationRanges(const QueryTerms& leaf, const Relation& relation, Range range);
 
-  const SearchedText _text;
+  SearchedText _text;
   const QueryComparison _comparison;
   const LeafKind _kind;
   const LeafPatterns* const _prepared;

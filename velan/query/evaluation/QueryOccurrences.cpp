@@ -306,4 +306,29 @@ std::vector<QueryOccurrence> occurrencesOfQuery(QueryEvaluator& evaluator, const
   return lists.merged();
 }
 
+void findOccurrences(QueryEvaluator& evaluator, const QueryTerms& root, Range range,
+                     std::vector<QueryOccurrence>& occurrences) {
+  if (range.length <= 0) return occurrences.clear();
+  const QueryTerms* leaf = evaluator.prepared() ? evaluator.prepared()->onlyLeaf() : nullptr;
+  LeafSearch* const search = leaf ? &evaluator.search(*leaf) : nullptr;
+  if (!search || search->isWholeRange()) {
+    occurrences = occurrencesOfQuery(evaluator, root, range, {});
+    return;
+  }
+  // Most terms are those of the text before, and not to be counted again.
+  const auto places = search->placesIn(range);
+  const String& term = leaf->word();
+  const size_t kept = std::min(occurrences.size(), places.size());
+  for (size_t i = 0; i < kept; ++i) {
+    QueryOccurrence& each = occurrences[i];
+    each.range = places[i];
+    if (!each.term.isSameObject(term)) each.term = term;
+    each.primary = true;
+  }
+  occurrences.erase(occurrences.begin() + static_cast<std::ptrdiff_t>(kept), occurrences.end());
+  StringCopies terms(term, places.size() - kept);
+  makeRoom(occurrences, places.size() - kept);
+  for (const Range& place : places.subspan(kept)) occurrences.push_back({place, terms.take(), true});
+}
+
 }  // namespace velan

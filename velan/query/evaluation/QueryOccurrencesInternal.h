@@ -17,6 +17,11 @@ namespace velan {
 std::vector<QueryOccurrence> occurrencesOfQuery(QueryEvaluator& evaluator, const QueryTerms& root, Range range,
                                                 const std::unordered_set<const QueryTerms*>& withoutPart);
 
+/// The same in place of what `occurrences` holds, whose room is used again, for the tree that the evaluator's patterns
+/// were prepared for.
+void findOccurrences(QueryEvaluator& evaluator, const QueryTerms& root, Range range,
+                     std::vector<QueryOccurrence>& occurrences);
+
 }  // namespace velan
 
 #endif  // VELAN_QUERY_EVALUATION_QUERY_OCCURRENCES_INTERNAL_H

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <new>
 
 #include "velan/query/evaluation/SearchedTextInternal.h"
 #include "velan/query/words/EastAsianWords.h"
@@ -34,7 +35,7 @@ std::u16string mappedUnits(std::u16string_view units, const unichar* table) {
 }
 
 SearchedText::SearchedText(const FastWordEnumerator& enumerator, QueryComparison comparison, const LiteralSet* literals)
-    : _words(enumerator),
+    : _words(&enumerator),
       _length(static_cast<int64_t>(enumerator.length())),
       _patternTable(comparisonTable(comparisonOn(enumerator, comparison))),
       _table(enumerator.isCaseInsensitive() && _patternTable == initUpperCharsTable() ? nullptr : _patternTable),
@@ -42,6 +43,36 @@ SearchedText::SearchedText(const FastWordEnumerator& enumerator, QueryComparison
       _separators(enumerator._onDemand ? defaultWordSeparators() : nullptr),
       _mayBeDivided(enumerator._marksRuns),
       _literals(literals) {}
+
+SearchedText::SearchedText(QueryComparison comparison, const LiteralSet* literals)
+    : _words(nullptr),
+      _length(0),
+      _patternTable(comparisonTable(comparison)),
+      _table(_patternTable),
+      _units(nullptr),
+      _separators(defaultWordSeparators()),
+      _mayBeDivided(FastWordEnumerator::splitAsianWords()),
+      _literals(literals) {}
+
+void SearchedText::setText(std::u16string_view text) {
+  ++_number;
+  _words = nullptr;
+  if (_findings) *_findings = Findings();
+  _length = static_cast<int64_t>(text.size());
+  _units = text.data();
+  _mayBeDivided = FastWordEnumerator::splitAsianWords();
+}
+
+// Divided or not as it was when the text came.
+const FastWordEnumerator& SearchedText::makeWords() const {
+  using Division = FastWordEnumerator::Division;
+  const String text = String::withCharactersNoCopy(const_cast<unichar*>(_units), _length, false);
+  const Division division = _mayBeDivided ? Division::OnDemand : Division::Never;
+  std::unique_ptr<const FastWordEnumerator>& words = findings().words;
+  words = FastWordEnumerator::create(text, false, false, division, true);
+  if (!words) throw std::bad_alloc();
+  return *(_words = words.get());
+}
 
 // Of a long run the index knows more quickly whether it is divided.
 bool SearchedText::isInDividedRun(int64_t index) const {
@@ -72,7 +103,7 @@ Range SearchedText::wordAt(int64_t index) const {
     const Range run = runAt(index);
     if (!isDivided(run)) return run;
   }
-  return _words.rangeOfWordAtIndex(index);
+  return words().rangeOfWordAtIndex(index);
 }
 
 Range SearchedText::wordBefore(int64_t index, int64_t start) const {
@@ -83,7 +114,7 @@ Range SearchedText::wordBefore(int64_t index, int64_t start) const {
     const Range run = runAt(last);
     if (!isDivided(run)) return run.location >= start ? run : kAbsentRange;
   }
-  return _words.rangeOfPreviousWordFromIndex(index, start);
+  return words().rangeOfPreviousWordFromIndex(index, start);
 }
 
 Range SearchedText::wordAfter(int64_t location, int64_t end) const {
@@ -102,7 +133,7 @@ Range SearchedText::wordAfter(int64_t location, int64_t end) const {
 }
 
 Range SearchedText::firstWordIn(int64_t location, int64_t end) const {
-  const Range word = _words.rangeOfNextWordFromIndex(location, end);
+  const Range word = words().rangeOfNextWordFromIndex(location, end);
   return isPresent(word) && endOf(word) <= end ? word : kAbsentRange;
 }
 
@@ -120,11 +151,13 @@ int64_t SearchedText::find(const Literal& literal, int64_t location, int64_t end
 }
 
 const std::vector<LiteralSet::Hit>* SearchedText::allHits() const {
-  if (_literals && !_wasSearched) {
-    _hits = _literals->find(_units, static_cast<size_t>(_length));
-    _wasSearched = true;
+  if (!_literals) return nullptr;
+  std::optional<std::vector<LiteralSet::Hit>>& hits = findings().hits;
+  if (!findings().wasSearched) {
+    hits = _literals->find(_units, static_cast<size_t>(_length));
+    findings().wasSearched = true;
   }
-  return _hits ? &*_hits : nullptr;
+  return hits ? &*hits : nullptr;
 }
 
 std::optional<std::span<const LiteralSet::Hit>> SearchedText::hitsOf(const Literal& literal, int64_t location) const {
@@ -150,7 +183,7 @@ Range SearchedText::findWord(const Literal& literal, Range range, bool whole) co
     if (!whole || (wordBeginsAt(from) && wordEndsAt(from + length - 1))) return {from, length};
     // Going on at the next word, not the next unit, keeps a long literal in a text that repeats its units from being
     // compared again and again.
-    from = _words.locationOfNextWordFromIndex(from + 1, end);
+    from = words().locationOfNextWordFromIndex(from + 1, end);
   }
   return kAbsentRange;
 }
@@ -174,8 +207,9 @@ int64_t SearchedText::wordStartBefore(int64_t location, int64_t count, int64_t s
     return location;
   }
   indexWords();
-  const auto before = std::lower_bound(_wordStarts.begin(), _wordStarts.end(), location) - _wordStarts.begin();
-  return before < count ? start : std::max(start, _wordStarts[static_cast<size_t>(before - count)]);
+  const std::vector<int64_t>& starts = findings().wordStarts;
+  const auto before = std::lower_bound(starts.begin(), starts.end(), location) - starts.begin();
+  return before < count ? start : std::max(start, starts[static_cast<size_t>(before - count)]);
 }
 
 int64_t SearchedText::wordEndAfter(int64_t location, int64_t count, int64_t end) const {
@@ -197,18 +231,18 @@ int64_t SearchedText::wordEndAfter(int64_t location, int64_t count, int64_t end)
     return location;
   }
   indexWords();
-  const auto after = _wordEnds.end() - std::upper_bound(_wordEnds.begin(), _wordEnds.end(), location);
-  return after < count ? end : std::min(end, *(_wordEnds.end() - after + count - 1));
+  const std::vector<int64_t>& ends = findings().wordEnds;
+  const auto after = ends.end() - std::upper_bound(ends.begin(), ends.end(), location);
+  return after < count ? end : std::min(end, *(ends.end() - after + count - 1));
 }
 
 // Whether separators alone tell where all words begin and end.
 bool SearchedText::knowsAllByUnits() const {
   if (!_separators || !_mayBeDivided) return _separators;
-  if (!_holdsEastAsian) {
-    const auto length = static_cast<size_t>(_length);
-    _holdsEastAsian = findEastAsian(_units, 0, length) < length;
-  }
-  return !*_holdsEastAsian;
+  std::optional<bool>& holdsEastAsian = findings().holdsEastAsian;
+  const auto length = static_cast<size_t>(_length);
+  if (!holdsEastAsian) holdsEastAsian = findEastAsian(_units, 0, length) < length;
+  return !*holdsEastAsian;
 }
 
 // Writes where in `[from, end)`, which is at most `kLongestStretch`, words begin or end, and returns how many do.
@@ -217,17 +251,18 @@ size_t SearchedText::edgesIn(int64_t from, int64_t end, uint8_t type, unichar* e
   const auto count = static_cast<size_t>(end - from);
   const int64_t first = std::max<int64_t>(from - 1, 0), past = std::min(end + 1, _length);
   marks[0] = marks[count + 1] = 0xFF;  // beyond the text lie separators
-  unitKernels().markMembers(_units + first, static_cast<size_t>(past - first), _separators, _hints,
+  unitKernels().markMembers(_units + first, static_cast<size_t>(past - first), _separators, findings().hints,
                             marks + (first - from + 1));
   unitKernels().runsFromMarks(marks, count, types);
   return unitKernels().positions(types, count, type, edges);
 }
 
 void SearchedText::indexWords() const {
-  if (!_wordStarts.empty()) return;
+  Findings& found = findings();
+  if (!found.wordStarts.empty()) return;
   for (int64_t i = 0; i < _length; ++i) {
-    if (wordBeginsAt(i)) _wordStarts.push_back(i);
-    if (wordEndsAt(i)) _wordEnds.push_back(i + 1);
+    if (wordBeginsAt(i)) found.wordStarts.push_back(i);
+    if (wordEndsAt(i)) found.wordEnds.push_back(i + 1);
   }
 }
 

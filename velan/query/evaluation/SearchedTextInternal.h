@@ -59,13 +59,20 @@ class Literal {
   std::optional<uint32_t> _number;
 };
 
-/// Borrows the enumerator. Positions and lengths are in code units of its text.
+/// Positions and lengths are in code units.
 class SearchedText {
  public:
-  /// `literals` are those that are looked for together, or null; borrowed, too.
+  /// The text of an enumerator, which it borrows. `literals` are those that are looked for together, or null; borrowed,
+  /// too.
   SearchedText(const FastWordEnumerator& enumerator, QueryComparison comparison, const LiteralSet* literals = nullptr);
+  /// Any number of texts, one after the other; an empty one at first.
+  explicit SearchedText(QueryComparison comparison, const LiteralSet* literals = nullptr);
+  /// Goes over to `text`, which it borrows. Not for one with an enumerator.
+  void setText(std::u16string_view text);
 
   int64_t length() const { return _length; }
+  /// Another one for each text that this has gone over to.
+  uint64_t number() const { return _number; }
   /// The units to compare with; still to be mapped through `table()` unless that is null.
   const unichar* units() const { return _units; }
   const unichar* table() const { return _table; }
@@ -73,20 +80,21 @@ class SearchedText {
   const unichar* patternTable() const { return _patternTable; }
   /// The unit at `index` as it is compared.
   unichar mappedUnit(int64_t index) const { return _table ? _table[_units[index]] : _units[index]; }
-  const FastWordEnumerator& words() const { return _words; }
+  /// The enumerator, which a text without one gets here.
+  const FastWordEnumerator& words() const { return _words ? *_words : makeWords(); }
 
   bool wordBeginsAt(int64_t index) const {
-    return knowsByUnits(index, index - 1) ? isBoundary(index, index - 1) : _words.isWordBeginningAtIndex(index);
+    return knowsByUnits(index, index - 1) ? isBoundary(index, index - 1) : words().isWordBeginningAtIndex(index);
   }
   bool wordEndsAt(int64_t index) const {
-    return knowsByUnits(index, index + 1) ? isBoundary(index, index + 1) : _words.isWordEndAtIndex(index);
+    return knowsByUnits(index, index + 1) ? isBoundary(index, index + 1) : words().isWordEndAtIndex(index);
   }
   /// The word of the unit at `index`; absent for a separator.
   Range wordAt(int64_t index) const;
   /// The word that begins at `start`, where there are no separators before `known`.
   Range wordFrom(int64_t start, int64_t known) const {
     const Range run{start, (_separators ? separatorFrom(known) : known) - start};
-    return _separators && !isDivided(run) ? run : _words.rangeOfWordAtIndex(start);
+    return _separators && !isDivided(run) ? run : words().rangeOfWordAtIndex(start);
   }
   /// `start`, or the first place behind it, up to `end`, that no separator stands behind.
   int64_t skipped(int64_t start, int64_t end) const {
@@ -108,11 +116,11 @@ class SearchedText {
   Range firstWordIn(int64_t location, int64_t end) const;
   /// Where the first word begins at or after `location`; the text's length if there is none.
   int64_t wordStartFrom(int64_t location) const {
-    return std::min(_words.locationOfNextWordFromIndex(location, _length), _length);
+    return std::min(words().locationOfNextWordFromIndex(location, _length), _length);
   }
   using Run = FastWordEnumerator::Run;
   /// Calls `hand` with each word or run of words in `range`, which may cut the first and the last one off.
-  void handRuns(Range range, FunctionRef<void(const Run& run)> hand) const { _words.handRuns(range, hand); }
+  void handRuns(Range range, FunctionRef<void(const Run& run)> hand) const { words().handRuns(range, hand); }
   /// Whether a dictionary may divide `run`, which holds no separators.
   bool isDivided(Range run) const { return _mayBeDivided && holdsEastAsian(run); }
   /// Whether the units of `range` are those of `literal`.
@@ -137,7 +145,7 @@ class SearchedText {
 
  private:
   bool isSeparator(int64_t index) const {
-    return _separators ? separates(index) : _words.isWordSeparatorAtIndex(index);
+    return _separators ? separates(index) : words().isWordSeparatorAtIndex(index);
   }
   bool separates(int64_t index) const { return isMemberOfCharacterSetRep(_separators, _units[index]); }
   // The next one at or behind `index`, or the text's length.
@@ -159,24 +167,34 @@ class SearchedText {
   bool knowsAllByUnits() const;
   size_t edgesIn(int64_t from, int64_t end, uint8_t type, unichar* edges) const;
   void indexWords() const;
+  const FastWordEnumerator& makeWords() const;
+  // What is found out about a text when it is first needed.
+  struct Findings {
+    std::unique_ptr<const FastWordEnumerator> words;  // of a text that came without
+    std::optional<bool> holdsEastAsian;
+    SetHints hints;            // of the separators in it
+    bool wasSearched = false;  // for all literals, whose places are
+    std::optional<std::vector<LiteralSet::Hit>> hits;
+    // Where words start and end (one past the last unit), for counting words from any place.
+    std::vector<int64_t> wordStarts, wordEnds;
+  };
+  Findings& findings() const {
+    if (!_findings) _findings = std::make_unique<Findings>();
+    return *_findings;
+  }
 
-  const FastWordEnumerator& _words;
-  const int64_t _length;
+  uint64_t _number = 0;
+  mutable const FastWordEnumerator* _words;
+  int64_t _length;
   const unichar* const _patternTable;
   const unichar* const _table;  // what the units still have to be mapped through
-  const unichar* const _units;
-  // Where the index is made on demand the words around a place are found without it: by the separators, unless a
-  // dictionary may divide what lies between them. Null where the index is made already.
+  const unichar* _units;
+  // Unless the index is made already the words around a place are found without it: by the separators, where no
+  // dictionary may divide what lies between them. Null where it is made.
   const uint8_t* const _separators;
-  const bool _mayBeDivided;
-  mutable std::optional<bool> _holdsEastAsian;  // asked for all of the text when first needed
-  mutable SetHints _hints;                      // of the separators in it
+  bool _mayBeDivided;
   const LiteralSet* const _literals;
-  mutable bool _wasSearched = false;  // for all literals, whose places are
-  mutable std::optional<std::vector<LiteralSet::Hit>> _hits;
-  // Where words start and end (one past the last unit), for counting words from any place; made when first needed.
-  mutable std::vector<int64_t> _wordStarts;
-  mutable std::vector<int64_t> _wordEnds;
+  mutable std::unique_ptr<Findings> _findings;  // made when first needed
 };
 
 }  // namespace velan

@@ -21,17 +21,21 @@ bool WordSearch::Element::matches(unichar unit) const {
 }
 
 WordSearch::WordSearch(const WordPattern& pattern, const SearchedText& text, Range range)
-    : _piece(pattern._pieces.front()),
-      _text(text),
-      _location(range.location),
-      _end(endOf(range)),
-      _anchor(pattern._anchor ? &*pattern._anchor : nullptr),
-      _mayStandForSeveral(text.mayBeDivided() && _piece.type != WildcardTypeExact && !_piece.standsForAnyWord) {
+    : _piece(pattern._pieces.front()), _text(text), _anchor(pattern._anchor ? &*pattern._anchor : nullptr) {
   if (_anchor) _hits.emplace(_anchor->literal, text, range);
-  if (_piece.type != WildcardTypeExact || !_piece.fuzzy) return;
-  _similarity = WordPattern::preparedSimilarity(_piece, text);
+  if (_piece.type == WildcardTypeExact && _piece.fuzzy) _similarity = WordPattern::preparedSimilarity(_piece, text);
+  begin(range);
+}
+
+void WordSearch::begin(Range range) {
+  _location = range.location;
+  _end = endOf(range);
+  _mayStandForSeveral = _text.mayBeDivided() && _piece.type != WildcardTypeExact && !_piece.standsForAnyWord;
+  if (_hits) _hits->begin(range);
+  if (!_similarity) return;
   _leastSimilarity = minWildcardFuzzyAnalogy();
   _similarLengths = _similarity->similarLengths(_leastSimilarity);
+  _stretch = 256;
 }
 
 // The places around the next hits of the anchor, or in the next word.

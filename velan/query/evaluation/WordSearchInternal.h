@@ -20,6 +20,8 @@ class WordSearch {
   /// Borrows both. `pattern` has one piece.
   WordSearch(const WordPattern& pattern, const SearchedText& text, Range range);
 
+  /// Begins anew, in a text that `text` may have gone over to.
+  void begin(Range range);
   /// Searches on and appends the places that it finds, if any. False when all was searched. Both beginnings and ends
   /// grow.
   bool searchOn(std::vector<Range>& found);
@@ -44,14 +46,14 @@ class WordSearch {
   const WordPattern::Piece& _piece;
   const SearchedText& _text;
   int64_t _location;  // what begins before was searched
-  const int64_t _end;
+  int64_t _end;
   const WordPattern::Anchor* const _anchor;  // looks at words only where it stands; null for none
   std::optional<LiteralHits> _hits;          // of the anchor
-  const bool _mayStandForSeveral;
+  bool _mayStandForSeveral;
   std::unique_ptr<const PreparedSimilarity> _similarity;  // to the word; null where words are to match
   double _leastSimilarity = 0;
   PreparedSimilarity::Lengths _similarLengths{0, 0};
-  int64_t _stretch = 256;  // units in which similar words are looked for at once
+  int64_t _stretch;  // units in which similar words are looked for at once
 
   std::vector<Element> _elements;
   // Of the stretches that the elements up to here match and that go on where reading has come to, the last one's start;

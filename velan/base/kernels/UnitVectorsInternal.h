@@ -105,6 +105,7 @@ struct Units128 {
   }
   Units128 operator+(Units128 other) const { return {_mm_add_epi16(v, other.v)}; }
   Units128 operator-(Units128 other) const { return {_mm_sub_epi16(v, other.v)}; }
+  Units128 operator^(Units128 other) const { return {_mm_xor_si128(v, other.v)}; }
   /// 0 where a unit has `bits` among those of `mask`.
   Units128 differing(Units128 mask, Units128 bits) const { return {_mm_xor_si128(_mm_and_si128(v, mask.v), bits.v)}; }
   static Units128 unionOf(Units128 a, Units128 b, Units128 c) { return {_mm_or_si128(_mm_or_si128(a.v, b.v), c.v)}; }
@@ -182,6 +183,7 @@ struct Units256 {
   }
   Units256 operator+(Units256 other) const { return {_mm256_add_epi16(v, other.v)}; }
   Units256 operator-(Units256 other) const { return {_mm256_sub_epi16(v, other.v)}; }
+  Units256 operator^(Units256 other) const { return {_mm256_xor_si256(v, other.v)}; }
   /// 0 where a unit has `bits` among those of `mask`.
   Units256 differing(Units256 mask, Units256 bits) const {
     return {_mm256_xor_si256(_mm256_and_si256(v, mask.v), bits.v)};
@@ -269,6 +271,7 @@ struct Units512 {
 
   Units512 operator+(Units512 other) const { return {_mm512_add_epi16(v, other.v)}; }
   Units512 operator-(Units512 other) const { return {_mm512_sub_epi16(v, other.v)}; }
+  Units512 operator^(Units512 other) const { return {_mm512_xor_si512(v, other.v)}; }
   size_t storeCompressed(Matches m, unichar* p) const {
     _mm512_storeu_si512(p, _mm512_maskz_compress_epi16(m, v));
     return static_cast<size_t>(__builtin_popcount(m));
@@ -360,6 +363,7 @@ struct UnitsNeon {
   }
   UnitsNeon operator+(UnitsNeon other) const { return {vaddq_u16(v, other.v)}; }
   UnitsNeon operator-(UnitsNeon other) const { return {vsubq_u16(v, other.v)}; }
+  UnitsNeon operator^(UnitsNeon other) const { return {veorq_u16(v, other.v)}; }
   UnitsNeon differing(UnitsNeon mask, UnitsNeon bits) const { return {veorq_u16(vandq_u16(v, mask.v), bits.v)}; }
   static UnitsNeon unionOf(UnitsNeon a, UnitsNeon b, UnitsNeon c) { return {vorrq_u16(vorrq_u16(a.v, b.v), c.v)}; }
   /// `known | (a ^ b)`

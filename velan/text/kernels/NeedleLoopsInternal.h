@@ -21,7 +21,9 @@ inline size_t sameUnits(const unichar* a, const unichar* b, size_t length) {
   return i;
 }
 
+/// The same of mapped units; the last one, which mostly lies far from the probes, is looked at before the others.
 inline size_t sameMappedUnits(const unichar* text, const unichar* needle, size_t length, const unichar* table) {
+  if (table[text[length - 1]] != needle[length - 1]) return 0;
   size_t i = 0;
   while (i < length && table[text[i]] == needle[i]) ++i;
   return i;

@@ -15,17 +15,23 @@ V unitsAt(const NeedleHead::Probe& probe, const unichar* text, size_t i) {
   return V::load(text + probe.position + i);
 }
 
-/// The units at the first two probes.
+/// The first two probes of a needle.
 template <typename V>
-struct UnitPair {
-  UnitPair(const unichar* text, const NeedleHead& head, size_t i)
-      : first(unitsAt<V>(head.probes[0], text, i)),
-        second(first.ahead(text + head.probes[0].position + i, head.probes[1].position - head.probes[0].position)) {}
+struct ProbePair {
+  ProbePair(const unichar* text, const NeedleHead& head)
+      : at(text + head.probes[0].position),
+        behind(head.probes[1].position - head.probes[0].position),
+        firstMask(V::of(head.probes[0].mask)),
+        first(V::of(head.probes[0].bits)),
+        secondMask(V::of(head.probes[1].mask)),
+        second(V::of(head.probes[1].bits)) {}
 
-  V first, second;
+  const unichar* at;
+  size_t behind;
+  V firstMask, first, secondMask, second;
 };
 
-/// How many positions have to be left for that.
+/// How many positions have to be left to load the units there.
 template <typename V>
 size_t reachOfPair(const NeedleHead& head) {
   const size_t read = V::kUnits + V::kAhead + head.probes[0].position + 1;
@@ -58,13 +64,18 @@ struct MaskTest {
   }
   /// 0 where two of the probes are.
   template <typename V>
-  [[gnu::always_inline]] V distance(size_t i) const {
-    const UnitPair<V> pair(text, head, i);
-    const NeedleHead::Probe &first = head.probes[0], &second = head.probes[1];
-    const V different = pair.first.differing(V::of(isExact ? 0xFFFF : first.mask), V::of(first.bits));
-    if constexpr (isExact) return V::unionWithDifference(different, pair.second, V::of(second.bits));
-    const V other = pair.second.differing(V::of(second.mask), V::of(second.bits));
-    return V::unionOf(different, other, other);
+  struct Outline : ProbePair<V> {
+    using ProbePair<V>::ProbePair;
+    V distance(size_t i) const {
+      const V units = V::load(this->at + i), others = units.ahead(this->at + i, this->behind);
+      if constexpr (isExact) return V::unionWithDifference(units ^ this->first, others, this->second);
+      const V other = others.differing(this->secondMask, this->second);
+      return V::unionOf(units.differing(this->firstMask, this->first), other, other);
+    }
+  };
+  template <typename V>
+  Outline<V> outline() const {
+    return {text, head};
   }
 };
 
@@ -100,13 +111,18 @@ struct FilterTest {
   }
   /// 0 where two of the probes are, or units beyond ASCII.
   template <typename V>
-  V distance(size_t i) const {
-    const UnitPair<V> pair(text, head, i);
-    const auto different = [](V units, const NeedleHead::Probe& probe) {
-      return units.differing(V::of(probe.mask), V::of(probe.bits)).onlyWhere(units <= V::of(0x7F));
-    };
-    const V other = different(pair.second, head.probes[1]);
-    return V::unionOf(different(pair.first, head.probes[0]), other, other);
+  struct Outline : ProbePair<V> {
+    using ProbePair<V>::ProbePair;
+    V distance(size_t i) const {
+      const V units = V::load(this->at + i), others = units.ahead(this->at + i, this->behind);
+      const V other = others.differing(this->secondMask, this->second).onlyWhere(others <= V::of(0x7F));
+      const V one = units.differing(this->firstMask, this->first).onlyWhere(units <= V::of(0x7F));
+      return V::unionOf(one, other, other);
+    }
+  };
+  template <typename V>
+  Outline<V> outline() const {
+    return {text, head};
   }
 };
 

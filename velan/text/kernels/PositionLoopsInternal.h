@@ -1,11 +1,12 @@
 // Loops over positions that a test tells about, in vectors: finding, counting, gathering.
 //
 // A test tells for positions whether they are wanted: `one(i)` for the position `i`, `block<V>(i)` for as many
-// positions from `i` as a vector has units. A test may also have a `distance<V>(i)`, which is 0 at least where
-// positions are wanted, as long as `reach<V>()` positions are left.
+// positions from `i` as a vector has units. A test may also have an `outline<V>()`, whose `distance(i)` is 0 at least
+// where positions are wanted, as long as `reach<V>()` positions are left.
 #ifndef VELAN_TEXT_KERNELS_POSITION_LOOPS_INTERNAL_H
 #define VELAN_TEXT_KERNELS_POSITION_LOOPS_INTERNAL_H
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 
@@ -32,32 +33,52 @@ size_t firstAccepted(uint64_t bits, size_t block, size_t end, Accept accept) {
   return end;
 }
 
-/// How many positions have to be left to ask for their `distance`.
-template <typename V, typename Test>
-size_t reachOf(const Test& test) {
-  if constexpr (requires { test.template reach<V>(); }) return test.template reach<V>();
-  return V::kUnits;
-}
-
 /// How many units behind the start of an aligned vector `at` lies: loads across lines of the cache take twice as long.
 template <typename V>
 size_t unitsBehindLine(const unichar* at) {
   return reinterpret_cast<uintptr_t>(at) / sizeof(unichar) % V::kUnits;
 }
 
-/// Whether `test` may want one of the next four blocks' positions.
+/// How many positions have to be left to look at four blocks.
 template <typename V, typename Test>
-[[gnu::always_inline]] inline bool isInFourBlocks(const Test& test, size_t i) {
+size_t reachOfFour(const Test& test) {
+  if constexpr (requires { test.template reach<V>(); }) return 3 * V::kUnits + test.template reach<V>();
+  return 4 * V::kUnits;
+}
+
+/// From `i` on in steps of four blocks, the first position where `test` may want one in these, or one with fewer than
+/// `reach` left below `count`.
+template <typename V, typename Test>
+[[gnu::always_inline]] inline size_t firstNear(size_t i, size_t count, size_t reach, const Test& test) {
   constexpr size_t kStep = V::kUnits;
-  if constexpr (requires { test.template distance<V>(i); }) {
-    const V low = V::least(test.template distance<V>(i), test.template distance<V>(i + kStep));
-    const V high = V::least(test.template distance<V>(i + 2 * kStep), test.template distance<V>(i + 3 * kStep));
-    return V::bits(V::least(low, high) == V::of(0)) != 0;
+  if constexpr (requires { test.template outline<V>(); }) {
+    const auto outline = test.template outline<V>();
+    for (; count - i >= reach; i += 4 * kStep) {
+      const V low = V::least(outline.distance(i), outline.distance(i + kStep));
+      const V high = V::least(outline.distance(i + 2 * kStep), outline.distance(i + 3 * kStep));
+      if (V::bits(V::least(low, high) == V::of(0)) != 0) break;
+    }
   } else {
-    const auto low = V::either(test.template block<V>(i), test.template block<V>(i + kStep));
-    const auto high = V::either(test.template block<V>(i + 2 * kStep), test.template block<V>(i + 3 * kStep));
-    return V::bits(V::either(low, high)) != 0;
+    for (; count - i >= reach; i += 4 * kStep) {
+      const auto low = V::either(test.template block<V>(i), test.template block<V>(i + kStep));
+      const auto high = V::either(test.template block<V>(i + 2 * kStep), test.template block<V>(i + 3 * kStep));
+      if (V::bits(V::either(low, high)) != 0) break;
+    }
   }
+  return i;
+}
+
+/// `firstAccepted` of the four blocks from `i`.
+template <typename V, typename Test, typename Accept>
+size_t firstInFourBlocks(size_t i, size_t end, const Test& test, Accept accept) {
+  uint64_t bits[4];
+  for (size_t k = 0; k < 4; ++k) bits[k] = V::bits(test.template block<V>(i + k * V::kUnits));
+  if ((bits[0] | bits[1] | bits[2] | bits[3]) == 0) return end;
+  for (size_t k = 0; k < 4; ++k) {
+    const size_t found = firstAccepted<V>(bits[k], i + k * V::kUnits, end, accept);
+    if (found < end) return found;
+  }
+  return end;
 }
 
 /// The first of the positions `[i, count)` that `test` wants and `accept` takes, or `count`. It is asked in rising
@@ -67,21 +88,22 @@ size_t firstWhere(size_t i, size_t count, Test test, Accept accept) {
   if constexpr (kIsVector<V>) {
     constexpr size_t kStep = V::kUnits;
     if (count < kStep) return firstWhere<typename V::Narrower>(i, count, test, accept);
-    const size_t group = 3 * kStep + reachOf<V>(test);
-    for (size_t near = 1;;) {
-      for (; near > 0 && count - i >= kStep; --near, i += kStep) {
-        const size_t found = firstAccepted<V>(V::bits(test.template block<V>(i)), i, count, accept);
-        if (found < count) return found;
+    const size_t reach = reachOfFour<V>(test);
+    while (i < count) {
+      const size_t block = std::min(i, count - kStep);  // the first positions of the last one have been looked at
+      const uint64_t bits = V::bits(test.template block<V>(block)) >> ((i - block) * V::kBits);
+      const size_t found = firstAccepted<V>(bits, i, count, accept);
+      if (found < count) return found;
+      i = block + kStep;
+      if (count - i < reach) continue;
+      i -= unitsBehindLine<V>(test.address(i));  // some are looked at again
+      while (count - (i = firstNear<V>(i, count, reach, test)) >= reach) {
+        const size_t nearby = firstInFourBlocks<V>(i, count, test, accept);
+        if (nearby < count) return nearby;
+        i += 4 * kStep;
       }
-      if (count - i < kStep) break;
-      if (count - i >= group) i -= unitsBehindLine<V>(test.address(i));  // some are looked at again
-      while (count - i >= group && !isInFourBlocks<V>(test, i)) i += 4 * kStep;
-      near = 4;
     }
-    if (i == count) return count;
-    const size_t last = count - kStep;  // its first positions have been looked at
-    const uint64_t bits = V::bits(test.template block<V>(last)) >> ((i - last) * V::kBits);
-    return firstAccepted<V>(bits, i, count, accept);
+    return count;
   } else {
     while (i < count && !(test.one(i) && accept(i))) ++i;
     return i;
@@ -181,10 +203,11 @@ NeedlePositions gatherWhere(size_t i, size_t count, Test test, unichar* found, s
       const V positions = V::load(order) - V::of(static_cast<unichar>(-block));
       wanted += positions.storeCompressed(matches, found + wanted);
     };
-    const size_t group = (kBlocks - 1) * kStep + reachOf<V>(test);
+    const size_t reach = reachOfFour<V>(test);
     bool isNear = false;  // some were in the four blocks before
-    for (; count - i >= group && wanted < most; i += kBlocks * kStep) {
-      if (!isNear && !isInFourBlocks<V>(test, i)) continue;
+    for (; wanted < most; i += kBlocks * kStep) {
+      if (!isNear) i = firstNear<V>(i, count, reach, test);
+      if (count - i < reach) break;
       const auto a = test.template block<V>(i), b = test.template block<V>(i + kStep);
       const auto c = test.template block<V>(i + 2 * kStep), d = test.template block<V>(i + 3 * kStep);
       isNear = V::bits(V::either(V::either(a, b), V::either(c, d))) != 0;

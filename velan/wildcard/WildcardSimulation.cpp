@@ -26,7 +26,7 @@ struct Words {
   uint64_t opens, negations;   // the `[` that open a set, without and with a `^` behind
   uint64_t members;            // the units that are members where a set is read
   uint64_t dashes;             // the `-` that make ranges there
-  uint64_t closers, brackets;  // the `]` that close sets that have not matched, and all `]`
+  uint64_t closers, brackets;  // the `]` that close sets that have not matched, and all `]`; with the end
   uint64_t end;                // behind the last unit
 };
 
@@ -41,31 +41,39 @@ struct Shift {
   uint64_t _carry = 0;
 };
 
-uint64_t addWithCarry(uint64_t a, uint64_t b, uint64_t& carry) {
-  uint64_t sum = 0;
-  const bool overflows = __builtin_add_overflow(a, b, &sum);
-  const bool overflowsAgain = __builtin_add_overflow(sum, carry, &sum);
-  carry = overflows || overflowsAgain;
-  return sum;
-}
-
-// Bits that go up to the next of the places where they stop, which may be where they are: adding a bit to a run of ones
-// carries it to the zero behind them. Several bits in a run have the same effect, as they make less than another run.
-struct Flow {
-  uint64_t to(uint64_t stops, uint64_t bits) { return (addWithCarry(~stops, bits & ~stops, _carry) | bits) & stops; }
+// Bits that go up through the positions to the zero behind a run of ones, 64 at a time: adding a bit to a run carries
+// it there. Several bits in a run have the same effect, as they make less than another run.
+class Runs {
+ public:
   uint64_t carried() const { return _carry; }
+
+ protected:
+  // What goes on from the 64 positions before is one more bit at the first one.
+  uint64_t entered(uint64_t bits) const { return bits | _carry; }
+  uint64_t sum(uint64_t ones, uint64_t bits) {
+    uint64_t result = 0;
+    _carry = __builtin_add_overflow(ones, ones & bits, &result);
+    return result;
+  }
 
  private:
   uint64_t _carry = 0;
 };
 
-// Adds what lies behind stars: a `*` may stand for nothing.
-struct StarFlow {
-  uint64_t with(uint64_t stars, uint64_t bits) { return bits | (addWithCarry(stars, bits & stars, _carry) ^ stars); }
-  uint64_t carried() const { return _carry; }
+// Bits that go up to the next of the places where they stop, which may be where they are.
+struct Flow : Runs {
+  uint64_t to(uint64_t stops, uint64_t bits) {
+    bits = entered(bits);
+    return (sum(~stops, bits) | bits) & stops;
+  }
+};
 
- private:
-  uint64_t _carry = 0;
+// Adds what lies behind stars: a `*` may stand for nothing.
+struct StarFlow : Runs {
+  uint64_t with(uint64_t stars, uint64_t bits) {
+    bits = entered(bits);
+    return bits | (sum(stars, bits) ^ stars);
+  }
 };
 
 class Simulation {
@@ -79,7 +87,10 @@ class Simulation {
     std::fill_n(_units, kMostSlots, -1);
     for (size_t i = 0; i < length; ++i) classify(i, hasSets);
     if (hasSets) classifyMembers();
-    _words[length / kPositionsPerWord].end = uint64_t{1} << (length % kPositionsPerWord);
+    Words& last = _words[length / kPositionsPerWord];
+    last.end = uint64_t{1} << (length % kPositionsPerWord);
+    last.closers |= last.end;
+    last.brackets |= last.end;
   }
 
   template <typename Map>
@@ -144,28 +155,30 @@ class Simulation {
   // All ways on with a text unit, from the left to the right, since none leads back. False when none is left.
   bool read(unichar c, const KnownPositions* known) {
     const uint64_t isMember = c == '|' ? 0 : ~uint64_t{0};
-    Shift behindUnit, behindOpen, behindNegation, behindMember, behindRange, behindSet;
+    Shift behindUnit, behindOpen, behindNegation, behindMember, behindRange;
     Flow fromOpen, fromNegation, toBracket;
     StarFlow stars;
-    uint64_t any = 0, carried = 0;
+    const auto isCarried = [&] {
+      return (behindUnit.carried() | behindOpen.carried() | behindNegation.carried() | behindMember.carried() |
+              behindRange.carried() | fromOpen.carried() | fromNegation.carried() | toBracket.carried() |
+              stars.carried()) != 0;
+    };
+    uint64_t any = 0;
     for (size_t w = 0; w < _wordCount; ++w) {
       Words& word = _words[w];
       const uint64_t now = word.now;
-      if ((now | carried) == 0) continue;
+      if (now == 0 && !isCarried()) continue;
       const uint64_t equals = known[w].equals, ranges = known[w].ranges & word.dashes;
       const uint64_t matches = ranges | (equals & word.members & isMember);
-      const uint64_t closers = word.closers | word.end, stops = matches | closers;
+      const uint64_t stops = matches | word.closers;
       const uint64_t opened = fromOpen.to(stops, behindOpen.by(1, now & word.opens)) & matches;
-      const uint64_t negated = fromNegation.to(stops, behindNegation.by(2, now & word.negations)) & closers;
+      const uint64_t negated = fromNegation.to(stops, behindNegation.by(2, now & word.negations)) & word.closers;
       const uint64_t rest = behindMember.by(1, opened & ~ranges) | behindRange.by(2, opened & ranges);
-      const uint64_t closed = toBracket.to(word.brackets | word.end, rest) | negated;
+      const uint64_t closed = toBracket.to(word.brackets, rest) | negated;
       const uint64_t passed = now & (word.anyOnes | (equals & word.literals));
-      const uint64_t next = behindUnit.by(1, passed) | behindSet.by(1, closed & ~word.end) | (closed & word.end);
+      const uint64_t next = behindUnit.by(1, passed | closed) | (closed & word.end);
       word.now = stars.with(word.stars, next | (now & word.stars));
       any |= word.now;
-      carried = behindUnit.carried() | behindOpen.carried() | behindNegation.carried() | behindMember.carried() |
-                behindRange.carried() | behindSet.carried() | fromOpen.carried() | fromNegation.carried() |
-                toBracket.carried() | stars.carried();
     }
     return any != 0;
   }

@@ -289,18 +289,23 @@ struct WordLoops {
   static void findPositions(const unichar* pattern, size_t length, unichar unit, KnownPositions* positions) {
     constexpr size_t kWord = 64;
     const V wanted = V::of(unit);
-    for (size_t w = 0; w <= length / kWord; ++w) {
-      const unichar* units = pattern + w * kWord;
-      positions[w] = {0, 0};
-      if (w > 0 && w * kWord + kWord < length) {
-        for (size_t i = 0; i < kWord; i += V::kUnits) {
-          const auto low = V::load(units + i - 1) <= wanted, high = wanted <= V::load(units + i + 1);
-          positions[w].equals |= V::positions(V::load(units + i) == wanted) << i;
-          positions[w].ranges |= V::positions(V::both(low, high)) << i;
-        }
-      } else {
-        findPositionsPlainly(pattern, length, unit, w, positions[w]);
+    uint64_t isBefore = 0;  // whether the unit before is a low end
+    size_t w = 0;
+    for (; length - w * kWord > kWord; ++w) {
+      const unichar* const units = pattern + w * kWord;
+      uint64_t low = 0, high = 0;  // where ranges with the unit may begin and end
+      for (size_t i = 0; i < kWord; i += V::kUnits) {
+        const V block = V::load(units + i);
+        low |= V::positions(block <= wanted) << i;
+        high |= V::positions(wanted <= block) << i;
       }
+      const uint64_t isBehind = unit <= units[kWord];
+      positions[w] = {low & high, (low << 1 | isBefore) & (high >> 1 | isBehind << (kWord - 1))};
+      isBefore = low >> (kWord - 1);
+    }
+    for (; w <= length / kWord; ++w) {
+      positions[w] = {0, 0};
+      findPositionsPlainly(pattern, length, unit, w, positions[w]);
     }
   }
 

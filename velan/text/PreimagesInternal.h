@@ -16,6 +16,9 @@ struct Preimages {
   NeedleHead::Probe ascii[0x80];    // their masks and filters
 
   bool hasMany(unichar c) const { return rings[rings[c]] != c; }
+  unsigned costOf(unichar c) const { return c < kRankedUnits ? costs[c] : hasMany(c) ? costOfMany(0) : 0; }
+  /// The bits of `c` that the next unit of its ring has, too: a letter mostly differs in one from its other case.
+  unichar maskOf(unichar c) const { return static_cast<unichar>(~(c ^ rings[c])); }
 };
 
 /// Makes them for a table whose entries are their own entries; false for any other.

@@ -12,16 +12,13 @@ namespace velan {
 /// The units of which frequencies are known; all others count as rare.
 inline constexpr size_t kRankedUnits = 0x480;
 
-/// What it costs to look for a unit: its rank by frequency, from 255 down, in the high byte. The lowest bit is set if
-/// more units than a letter in two cases become this one through a table, which are slow to look for: only the most
-/// frequent of others cost more.
+/// What it costs to look for a unit: its rank by frequency, from 255 down, in the high byte. Units that more than a
+/// letter in two cases become through a table are slow to look for: only the most frequent of others cost more.
 using UnitCosts = std::array<uint16_t, kRankedUnits>;
-
-inline constexpr uint16_t kHasManyPreimages = 1;
 
 constexpr uint16_t costOfMany(uint16_t cost) {
   constexpr uint16_t kRank = 244;
-  return static_cast<uint16_t>(kRank << 8 | cost >> 8 | kHasManyPreimages);
+  return static_cast<uint16_t>(kRank << 8 | cost >> 8);
 }
 
 /// Without a table.

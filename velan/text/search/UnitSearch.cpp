@@ -1,4 +1,6 @@
+#include <algorithm>
 #include <bit>
+#include <utility>
 
 #include "velan/text/PreimagesInternal.h"
 #include "velan/text/search/UnitSearchInternal.h"
@@ -6,35 +8,43 @@
 namespace velan {
 namespace {
 
-unsigned costOf(unichar c, const Preimages* preimages) {
-  if (c >= kRankedUnits) return preimages && preimages->hasMany(c) ? costOfMany(0) : 0;
-  return (preimages ? preimages->costs : kUnitCosts)[c];
-}
+// Where each unit is only itself.
+struct NoPreimages {
+  unsigned costOf(unichar c) const { return c < kRankedUnits ? kUnitCosts[c] : 0u; }
+  bool hasMany(unichar) const { return false; }
+  unichar maskOf(unichar) const { return 0xFFFF; }
+};
 
-// The position of the rarest of the first units in `[first, end)`, which has one at least.
-size_t rarestUnit(const NeedleHead& head, size_t first, size_t end, const Preimages* preimages) {
+// The positions of the rarest of the first units in each half of the first `length` ones, which are two at least.
+template <typename Preimage>
+std::pair<size_t, size_t> rarestUnits(const NeedleHead& head, size_t length, const Preimage& preimages) {
   constexpr size_t kFew = 12;
   static_assert(NeedleHead::kMost <= 0x100);
-  unsigned least = ~0u;  // the cost above the position: a minimum needs no branch
-  for (size_t i = first; i < std::min(end, first + kFew); ++i) {
-    least = std::min(least, costOf(head.units[i], preimages) << 8 | static_cast<unsigned>(i));
+  const size_t half = (length + 1) / 2;
+  unsigned first = ~0u, second = ~0u;  // the cost above the position: a minimum needs no branch
+  const auto lessOf = [&](unsigned least, size_t i) {
+    return std::min(least, preimages.costOf(head.units[i]) << 8 | static_cast<unsigned>(i));
+  };
+  for (size_t i = 0; i < std::min(length - half, kFew); ++i) {
+    first = lessOf(first, i);
+    second = lessOf(second, half + i);
   }
-  return least & 0xFF;
+  if (half > length - half && half <= kFew) first = lessOf(first, half - 1);
+  return {first & 0xFF, second & 0xFF};
 }
-
-bool hasManyPreimages(unichar c, const Preimages* preimages) { return (costOf(c, preimages) & kHasManyPreimages) != 0; }
 
 // The rarest unit of each half and the last one besides: neighbours mostly come together, so that one says little when
 // the other is there. True if filters have to tell, as one of the first two has many preimages.
-bool setPositions(NeedleHead& head, const Preimages* preimages) {
-  const size_t length = std::min(head.length, NeedleHead::kReach), half = (length + 1) / 2;
-  const size_t first = rarestUnit(head, 0, half, preimages);
-  const size_t second = length == 1 ? first : rarestUnit(head, half, length, preimages);
-  const bool filters =
-      hasManyPreimages(head.units[first], preimages) || hasManyPreimages(head.units[second], preimages);
+template <typename Preimage>
+bool setPositions(NeedleHead& head, const Preimage& preimages) {
+  const auto hasMany = [&](size_t i) { return preimages.hasMany(head.units[i]); };
+  const auto [first, second] = head.length == 1
+                                   ? std::pair<size_t, size_t>()
+                                   : rarestUnits(head, std::min(head.length, NeedleHead::kReach), preimages);
+  const bool filters = hasMany(first) || hasMany(second);
   size_t third = second;
   for (size_t i = head.length; i-- > 0 && third == second;) {
-    if (i != first && (filters || !hasManyPreimages(head.units[i], preimages))) third = i;
+    if (i != first && (filters || !hasMany(i))) third = i;
   }
   head.probes[0].position = first;
   head.probes[1].position = second;
@@ -42,10 +52,13 @@ bool setPositions(NeedleHead& head, const Preimages* preimages) {
   return filters;
 }
 
-void setMask(NeedleHead::Probe& probe, unichar unit, const Preimages* preimages) {
-  // A letter mostly differs in one bit from its other case, and that bit is left out.
-  probe.mask = static_cast<unichar>(preimages ? ~(unit ^ preimages->rings[unit]) : 0xFFFF);
-  probe.bits = unit & probe.mask;
+template <typename Preimage>
+void setMasks(NeedleHead& head, const Preimage& preimages) {
+  for (auto& probe : head.probes) {
+    const unichar unit = head.units[probe.position];
+    probe.mask = preimages.maskOf(unit);
+    probe.bits = unit & probe.mask;
+  }
 }
 
 // Short heads of which all is looked for, and no more than that passes.
@@ -66,15 +79,14 @@ bool probesTellAll(const NeedleHead& head) {
 void chooseProbes(NeedleHead& head) {
   using enum NeedleHead::Telling;
   const Preimages* preimages = head.table ? preimagesOfTable(head.table) : nullptr;
-  const bool filters = setPositions(head, preimages);
+  const bool filters = preimages ? setPositions(head, *preimages) : setPositions(head, NoPreimages());
   head.telling = head.table && !preimages ? Table : filters ? Filter : Mask;
-  for (auto& probe : head.probes) {
-    const unichar unit = head.units[probe.position];
-    if (head.telling == Filter) {
-      setFilter(unit, *preimages, probe);
-    } else {
-      setMask(probe, unit, preimages);
-    }
+  if (filters) {
+    for (auto& probe : head.probes) setFilter(head.units[probe.position], *preimages, probe);
+  } else if (preimages) {
+    setMasks(head, *preimages);
+  } else {
+    setMasks(head, NoPreimages());
   }
   head.tellsAll = probesTellAll(head);
 }

@@ -252,7 +252,8 @@ void addUnits(const Text& text) {
   add("count_unit", "velan", text, [=] { return static_cast<size_t>(countCharacter(string, u' ')); });
   add("count_unit", "std", text, [=] { return static_cast<size_t>(std::ranges::count(units, u' ')); });
   add("count_unit_no_case", "velan", text, [=] { return static_cast<size_t>(countCharacter(string, u'e', true)); });
-  add("one_of", "velan", text, [=] { return static_cast<size_t>(findOneOf(string, u"#<>&@")); });
+  add("one_of", "velan", text,
+      [string, few = String(u"#<>&@")] { return static_cast<size_t>(findOneOf(string, few)); });
   add("one_of", "std", text, [=] { return units.find_first_of(u"#<>&@"); });
 #ifdef VELAN_STRINGZILLA
   if (absent < 0x80) {

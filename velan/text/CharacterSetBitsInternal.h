@@ -11,7 +11,9 @@ namespace velan {
 
 using CharacterSetBits = std::array<uint8_t, CharacterSetRepLength>;
 
-constexpr void addUnit(CharacterSetBits& bits, unichar c) {
+/// Also to the bitmap of the first units alone.
+template <size_t size>
+constexpr void addUnit(std::array<uint8_t, size>& bits, unichar c) {
   bits[c >> 3] = static_cast<uint8_t>(bits[c >> 3] | 1u << (c & 7));
 }
 

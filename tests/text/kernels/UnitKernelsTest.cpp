@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "velan/text/CharacterSetBitsInternal.h"
 #include "velan/text/CharacterSets.h"
 #include "velan/text/ConversionTables.h"
 #include "velan/text/PreimagesInternal.h"
@@ -85,6 +86,17 @@ TEST(UnitKernels, FindAndCountMembers) {
       });
     }
   }
+}
+
+// Other units whose low bits are those of a member are none.
+TEST(UnitKernels, FindASCII) {
+  ASCIISet ascii{};
+  for (const unichar c : {u'a', u'\0', u'\x7F'}) addUnit(ascii, c);
+  constexpr std::u16string_view kNeighbours = u"b\xE1\x161\x461\x8080\xFF\x37F\x47F\x3C00\xFFFF~a\x7F";
+  expectEqualResults(kNeighbours, [&](const UnitKernels& run, const unichar* units, size_t length) {
+    const size_t slow = std::u16string_view(units, length).find_first_of(u"a\x7F");
+    return run.findASCII(units, length, ascii) - std::min(slow, length);
+  });
 }
 
 // Also where every other unit begins a run, which fills sums soonest.

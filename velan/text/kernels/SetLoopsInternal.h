@@ -177,6 +177,21 @@ struct MemberTest {
   }
 };
 
+/// Units that are in a set of ASCII.
+struct ASCIITest {
+  const unichar* units;
+  const ASCIISet& ascii;
+
+  const unichar* address(size_t i) const { return units + i; }
+  bool one(size_t i) const { return units[i] < 0x80 && isInSet(ascii.data(), units[i]); }
+  template <typename V>
+  typename V::Matches block(size_t i) const {
+    static_assert(V::kWindow / 8 <= std::tuple_size<ASCIISet>());
+    const V vector = V::load(units + i);
+    return V::both(vector <= V::of(0x7F), vector.inBitmap(ascii.data()));
+  }
+};
+
 }  // namespace
 }  // namespace velan
 

@@ -3,6 +3,8 @@
 #ifndef VELAN_TEXT_KERNELS_UNIT_KERNELS_INTERNAL_H
 #define VELAN_TEXT_KERNELS_UNIT_KERNELS_INTERNAL_H
 
+#include <array>
+
 #include "velan/base/CTypes.h"
 #include "velan/base/kernels/KernelsInternal.h"
 
@@ -85,6 +87,9 @@ struct SetHints {
   uint8_t runSearches = 8;  // that are still worth it
 };
 
+/// The bitmap of a set of ASCII, and of no other of the first units: as long as a vector looks up at once.
+using ASCIISet = std::array<uint8_t, 0x80>;
+
 /// Lengths and positions are in units, and what is not found is at `length`.
 struct UnitKernels {
   static constexpr size_t kCopySlack = 32;
@@ -96,6 +101,7 @@ struct UnitKernels {
   size_t (*count)(const unichar* units, size_t length, const UnitFilter& filter);
   /// The first unit that is, or is not, in the set `rep`.
   size_t (*findMember)(const unichar* units, size_t length, const uint8_t* rep, bool isMember);
+  size_t (*findASCII)(const unichar* units, size_t length, const ASCIISet& ascii);
   size_t (*countMembers)(const unichar* units, size_t length, const uint8_t* rep);
   /// Writes the members to `members`, which has room for `kCopySlack` units more, and returns how many there are.
   /// `hints` are those of the part of the text before.

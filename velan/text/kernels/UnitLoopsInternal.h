@@ -38,6 +38,10 @@ struct UnitLoops {
                     : firstWhere<V>(0, length, MemberTest<false>{units, rep, hints}, kAny);
   }
 
+  static size_t findASCII(const unichar* units, size_t length, const ASCIISet& ascii) {
+    return firstWhere<V>(0, length, ASCIITest{units, ascii}, kAny);
+  }
+
   static size_t countMembers(const unichar* units, size_t length, const uint8_t* rep) {
     SetHints hints;
     return countWhere<V>(0, length, MemberTest<true>{units, rep, hints});
@@ -104,6 +108,7 @@ struct UnitLoops {
       .findLast = findLast,
       .count = count,
       .findMember = findMember,
+      .findASCII = findASCII,
       .countMembers = countMembers,
       .copyMembers = copyMembers,
       .markMembers = markMembers,

@@ -24,6 +24,32 @@ UnitFilter filterOf(unichar ch, bool caseInsensitive) {
   return UnitFilter(hasCase ? upperForm : ch);
 }
 
+// Calls `add(unit)` for the units that are equal to one of `characters` through `table`, or without one.
+template <typename Add>
+void forEachEqual(std::u16string_view characters, const unichar* table, Add add) {
+  for (const unichar c : characters) {
+    if (table) {
+      forEachPreimage(table[c], table, add);
+    } else {
+      add(c);
+    }
+  }
+}
+
+// A whole bitmap takes longer to clear than a short text to search, and sets that are looked for are mostly ASCII.
+size_t firstOneOf(std::u16string_view text, std::u16string_view characters, const unichar* table) {
+  ASCIISet ascii{};
+  bool isASCII = true;
+  forEachEqual(characters, table, [&](unichar unit) {
+    isASCII = isASCII && unit < 0x80;
+    if (isASCII) addUnit(ascii, unit);
+  });
+  if (isASCII) return unitKernels().findASCII(text.data(), text.size(), ascii);
+  CharacterSetBits wanted{};
+  forEachEqual(characters, table, [&wanted](unichar unit) { addUnit(wanted, unit); });
+  return unitKernels().findMember(text.data(), text.size(), wanted.data(), true);
+}
+
 int64_t positionIn(const String& string, const unichar* unit) { return unit - string.characters(); }
 
 }  // namespace
@@ -48,16 +74,7 @@ int64_t countCharacter(const String& string, unichar ch, int64_t startAt, bool c
 int64_t findOneOf(const String& string, const String& characters, int64_t startAt, bool caseInsensitive) {
   const std::u16string_view tail = tailOf(string, startAt);
   if (tail.empty() || characters.isEmpty()) return NSNotFound;
-  const unichar* upper = caseInsensitive ? initUpperCharsTable() : nullptr;
-  CharacterSetBits wanted{};
-  for (const unichar c : characters.view()) {
-    if (upper) {
-      forEachPreimage(upper[c], upper, [&wanted](unichar unit) { addUnit(wanted, unit); });
-    } else {
-      addUnit(wanted, c);
-    }
-  }
-  const size_t found = unitKernels().findMember(tail.data(), tail.size(), wanted.data(), true);
+  const size_t found = firstOneOf(tail, characters.view(), caseInsensitive ? initUpperCharsTable() : nullptr);
   return found == tail.size() ? NSNotFound : positionIn(string, &tail[found]);
 }
 

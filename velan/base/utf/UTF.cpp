@@ -1,6 +1,7 @@
 #include "velan/base/utf/UTF.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 
 #include "velan/base/ByteOrder.h"
@@ -12,6 +13,7 @@ namespace {
 
 constexpr uint64_t kHighBits = 0x8080808080808080u;
 constexpr uint64_t kAboveASCII = 0xFF80FF80FF80FF80u;  // of four units
+constexpr uint64_t kAboveTwoBytes = 0xF800F800F800F800u;
 
 // Copies ASCII bytes, eight at a time, up to the first other byte; returns how many.
 size_t widenASCII(const uint8_t* bytes, size_t length, unichar* units) {
@@ -37,6 +39,22 @@ size_t narrowASCII(const unichar* units, size_t length, char* bytes) {
   }
   for (; i < length && units[i] < 0x80; ++i) bytes[i] = static_cast<char>(units[i]);
   return i;
+}
+
+// Writes the bytes of four units below U+0800, with room for eight; returns how many. By numbers, because in most texts
+// nothing tells which units need one byte and which two.
+size_t putShortBytes(uint64_t units, char* bytes) {
+  constexpr uint64_t kOfEach = 0x0001000100010001u;
+  const uint64_t isTwo = (units + 0x7F80 * kOfEach) >> 15 & kOfEach;
+  const uint64_t two = 0x80C0 * kOfEach | (units >> 6 & 0x1F * kOfEach) | (units & 0x3F * kOfEach) << 8;
+  const uint64_t pairs = units ^ ((units ^ two) & isTwo * 0xFFFF);
+  size_t out = 0;
+  for (unsigned i = 0; i < 4; ++i) {
+    const unsigned shift = 16 * (std::endian::native == std::endian::little ? i : 3 - i);
+    storeLittleEndian(bytes + out, static_cast<uint16_t>(pairs >> shift));
+    out += 1 + (isTwo >> shift & 1);
+  }
+  return out;
 }
 
 constexpr bool needsTwo(unichar unit) { return unit >= 0x80 && unit < 0x800; }
@@ -84,16 +102,29 @@ Transcoded toUTF8Scalar(const unichar* units, size_t length, char* bytes) {
   size_t in = 0;
   size_t out = 0;
   while (in < length) {
+    if (length - in >= 4) {
+      uint64_t block = 0;
+      std::memcpy(&block, units + in, 8);
+      if ((block & kAboveASCII) == 0) {
+        const size_t ascii = narrowASCII(units + in, length - in, bytes + out);
+        in += ascii;
+        out += ascii;
+        continue;
+      }
+      if ((block & kAboveTwoBytes) == 0) {
+        out += putShortBytes(block, bytes + out);
+        in += 4;
+        continue;
+      }
+    }
     const unichar unit = units[in];
     if (unit < 0x80) {
-      // A space between words of other letters is no run.
-      const bool alone = in + 1 < length && units[in + 1] >= 0x80;
-      if (alone) bytes[out] = static_cast<char>(unit);
-      const size_t ascii = alone ? 1 : narrowASCII(units + in, length - in, bytes + out);
-      in += ascii;
-      out += ascii;
+      bytes[out++] = static_cast<char>(unit);
+      ++in;
     } else if (needsTwo(unit)) {
-      for (; in < length && needsTwo(units[in]); out += 2) putTwoBytes(units[in++], bytes + out);
+      putTwoBytes(unit, bytes + out);
+      ++in;
+      out += 2;
     } else if (needsThree(unit)) {
       for (; in < length && needsThree(units[in]); out += 3) putThreeBytes(units[in++], bytes + out);
     } else if (isHighSurrogate(unit) && in + 1 < length && isLowSurrogate(units[in + 1])) {

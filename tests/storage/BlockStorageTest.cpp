@@ -352,12 +352,36 @@ TEST_F(BlockStorageTest, InflatesNoMoreThanTheLimit) {
 }
 
 // A chain of claims to be read again and again would take minutes; what is read stays in proportion to the length.
+// Each call of the system takes as long as some hundred bytes.
+TEST_F(BlockStorageTest, LooksAtManyBlocksWithFewCalls) {
+  using Call = SimulatedFiles::Call;
+  for (const uint64_t blockSize : {0, 512, 4096}) {
+    image().clear();
+    const auto storage = updating();
+    storage->setBlockSize(blockSize);
+    for (int i = 0; i < 1000; ++i) EXPECT_TRUE(storage->appendBlock(dataOf(std::string(1100, 'x'))));
+    const auto callsOf = [&](Call call, auto operation) {
+      const int64_t before = files.calls[static_cast<int>(call)];
+      operation();
+      return files.calls[static_cast<int>(call)] - before;
+    };
+    const auto most = static_cast<int64_t>(image().size() / 32768 + 20);
+    storage->seekToFileOffset(0);
+    const int64_t gaps = blockSize == 4096 ? 1000 : 0;  // too large to read them
+    EXPECT_LT(callsOf(Call::Read, [&] { EXPECT_EQ(readAll(*storage).size(), 1000u); }), most + gaps);
+    EXPECT_LT(callsOf(Call::Read, [&] { EXPECT_EQ(storage->verify()->blocks, 1000); }), most);
+    EXPECT_LT(callsOf(Call::Write, [&] { EXPECT_TRUE(storage->repairToPath(u"new"_s)); }), most);
+    EXPECT_EQ(files.images["new"].size(), image().size());
+    files.images.erase("new");
+  }
+}
+
 TEST_F(BlockStorageTest, SearchingIsLinearInTheLengthOfTheFile) {
   int64_t reads[2] = {};
-  for (const size_t scale : {1u, 4u}) {
+  for (const uint32_t scale : {1u, 4u}) {
     std::string claims = "damaged";
-    for (size_t i = 0; i < 2000 * scale; ++i) claims += word(0x31415926) + word(100000) + word(0) + word(1);
-    image() = claims + std::string(200000, 'x');
+    for (size_t i = 0; i < 2000 * scale; ++i) claims += word(0x31415926) + word(100000 * scale) + word(0) + word(1);
+    image() = claims + std::string(200000 * scale, 'x');
     files.calls[0] = 0;
     EXPECT_FALSE(reading()->verify()->damages.empty());
     reads[scale / 4] = files.calls[0];

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 
 #include "velan/base/ByteOrder.h"
 
@@ -23,8 +24,8 @@ struct BlockHeader {
   uint32_t padding;  // bytes behind the payload
   uint32_t crc;      // of the payload as stored
 
-  static BlockHeader fromBytes(const HeaderBytes& bytes) {
-    const auto field = [&bytes](std::size_t at) { return loadBigEndian<uint32_t>(&bytes[at]); };
+  static BlockHeader fromBytes(std::span<const uint8_t, kHeaderSize> bytes) {
+    const auto field = [bytes](std::size_t at) { return loadBigEndian<uint32_t>(&bytes[at]); };
     return {field(0), field(4), field(8), field(12)};
   }
 

@@ -1,5 +1,7 @@
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
+#include <span>
 #include <utility>
 
 #include "velan/storage/BlockScannerInternal.h"
@@ -32,34 +34,50 @@ bool canBeTorn(const HeaderBytes& bytes, int64_t count) {
 
 }  // namespace
 
-// Every byte comes through here.
-bool BlockScanner::read(int64_t offset, void* bytes, size_t count) {
+// Asked before every byte that is looked at.
+bool BlockScanner::mayRead(int64_t offset) {
   if (_failure) return false;
   _failedOffset = offset;
-  if (offset >= _farthest) {
-    _farthest = offset + 1;
-    if (_progress && _progress(offset, _size)) return _failure = FileReason::Cancelled, false;
-  }
-  const int64_t got = _file.readAt(offset, bytes, count);
+  if (offset < _farthest) return true;
+  _farthest = offset + 1;
+  if (_progress && _progress(offset, _size)) _failure = FileReason::Cancelled;
+  return !_failure;
+}
+
+bool BlockScanner::read(int64_t offset, void* bytes, size_t count) {
+  if (!mayRead(offset)) return false;
+  const int64_t got = _file.readOn(offset, bytes, count);
   if (got == static_cast<int64_t>(count)) return true;
   _failure = got < 0 ? _file.error() : FileError(FileReason::InputOutput);  // shorter than it was
   return false;
 }
 
+const uint8_t* BlockScanner::bytesAt(int64_t offset, uint8_t* place, size_t count) {
+  const uint8_t* const ahead = _file.peekAt(offset, count);
+  if (ahead) return mayRead(offset) ? ahead : nullptr;
+  return read(offset, place, count) ? place : nullptr;
+}
+
 Data BlockScanner::payloadOf(const StoredBlock& block) {
-  void* const bytes = _failure ? nullptr : std::malloc(std::max<size_t>(block.length, 1));
-  Data payload = Data::withBytesNoCopy(bytes, block.length, true);
-  if (!bytes || !payload) {
-    if (!_failure) _failedOffset = block.offset, _failure = FileReason::NoMemory;
-    return Data();
+  const int64_t offset = block.offset + kHeaderSize;
+  Data payload;
+  if (const uint8_t* const ahead = _file.peekAt(offset, block.length)) {
+    if (!mayRead(offset)) return Data();
+    payload = Data::withBytes(ahead, block.length);
+  } else {
+    void* const bytes = _failure ? nullptr : std::malloc(std::max<size_t>(block.length, 1));
+    if (bytes) payload = Data::withBytesNoCopy(bytes, block.length, true);
+    if (payload && !read(offset, bytes, block.length)) return Data();
   }
-  return read(block.offset + kHeaderSize, bytes, block.length) ? payload : Data();
+  if (!payload && !_failure) _failedOffset = block.offset, _failure = FileReason::NoMemory;
+  return payload;
 }
 
 std::optional<BlockHeader> BlockScanner::headerAt(int64_t offset) {
-  HeaderBytes bytes{};
-  if (_size - offset < kHeaderSize || !read(offset, bytes.data(), bytes.size())) return std::nullopt;
-  const BlockHeader header = BlockHeader::fromBytes(bytes);
+  HeaderBytes place;
+  const uint8_t* const bytes = _size - offset < kHeaderSize ? nullptr : bytesAt(offset, place.data(), place.size());
+  if (!bytes) return std::nullopt;
+  const BlockHeader header = BlockHeader::fromBytes(std::span<const uint8_t, kHeaderSize>(bytes, kHeaderSize));
   return header.hasKnownMarker() ? std::optional(header) : std::nullopt;
 }
 
@@ -67,8 +85,9 @@ uint32_t BlockScanner::checksumDirectly(uint32_t crc, int64_t offset, int64_t le
   uint8_t chunk[kChunk];
   while (length > 0) {
     const auto count = static_cast<size_t>(std::min<int64_t>(length, kChunk));
-    if (!read(offset, chunk, count)) return ~crc;
-    crc = crc32Continued(crc, chunk, count);
+    const uint8_t* const bytes = bytesAt(offset, chunk, count);
+    if (!bytes) return ~crc;
+    crc = crc32Continued(crc, bytes, count);
     offset += static_cast<int64_t>(count);
     length -= static_cast<int64_t>(count);
   }
@@ -84,9 +103,11 @@ uint32_t BlockScanner::checksumUpTo(int64_t offset) {
   return checksumDirectly(_checksums[static_cast<size_t>(index)], index * kStride, offset - index * kStride);
 }
 
-// A long part from the checksums of the two beginnings of the file that differ by it: overlapping parts cost no more.
+// Parts that overlap may be as many as there are bytes. When as much has been checked as the file has, a long part
+// comes from the checksums of the two beginnings of the file that differ by it.
 uint32_t BlockScanner::checksum(int64_t offset, int64_t length) {
   if (length <= 2 * kStride || _directly) return checksumDirectly(0, offset, length);
+  if (length <= _size - _checked) return _checked += length, checksumDirectly(0, offset, length);
   const uint32_t before = checksumUpTo(offset);
   return checksumUpTo(offset + length) ^ crc32WithZeros(before, static_cast<uint64_t>(length));
 }
@@ -149,6 +170,17 @@ std::optional<int64_t> BlockScanner::hiddenChain(int64_t from, int64_t end) {
   return chain.size() > 1 ? std::optional(chain.back()) : std::nullopt;
 }
 
+// Whether there is nothing but the zeros that a block is padded with. Not looked at for long, nor again and again where
+// blocks lie in each other.
+bool BlockScanner::isBlank(int64_t from, int64_t end) {
+  const int64_t count = end - from;
+  if (count > std::min<int64_t>(kChunk, _size - _lookedAt)) return false;
+  _lookedAt += count;
+  uint8_t chunk[kChunk];
+  const uint8_t* const bytes = count > 0 ? bytesAt(from, chunk, static_cast<size_t>(count)) : nullptr;
+  return count == 0 || (bytes && bytes[0] == 0 && std::memcmp(bytes, bytes + 1, static_cast<size_t>(count - 1)) == 0);
+}
+
 // No block fits there, and the next one begins at `next`.
 BlockDamage BlockScanner::damageOfHeader(int64_t offset, int64_t next) {
   const bool torn = headerAt(offset) || (next == _size && isTorn(offset));
@@ -164,8 +196,9 @@ BlockScanner::Step BlockScanner::behind(int64_t offset, const BlockHeader& heade
     const int64_t found = findBlock(filler);
     return {found, DamagedPlace{BlockDamage::Truncated, offset, found - offset}};
   }
+  const bool blank = isBlank(filler, next);  // first: so reading goes straight on
   if (next == _size || isPlausible(next)) {
-    const auto hidden = hiddenChain(filler, next);
+    const auto hidden = blank ? std::nullopt : hiddenChain(filler, next);
     if (!hidden) return {next, std::nullopt};
     return {*hidden, DamagedPlace{BlockDamage::HiddenBlocks, *hidden, next - *hidden}};
   }

@@ -30,6 +30,8 @@ class BlockScanner {
   int64_t failedOffset() const { return _failedOffset; }
 
   bool read(int64_t offset, void* bytes, size_t count);
+  /// The bytes, in `place` unless they are in memory anyhow, until something else is read; null when reading fails.
+  const uint8_t* bytesAt(int64_t offset, uint8_t* place, size_t count);
   /// The stored bytes of a block; absent when they cannot be read.
   Data payloadOf(const StoredBlock& block);
 
@@ -57,11 +59,13 @@ class BlockScanner {
     int64_t next;
     std::optional<DamagedPlace> damage;
   };
+  bool mayRead(int64_t offset);
   Step behind(int64_t offset, const BlockHeader& header, bool sound);
   bool hasWholePayload(int64_t offset, const BlockHeader& header);
   BlockDamage damageOfHeader(int64_t offset, int64_t next);
   bool isPlausible(int64_t offset);
   bool isCandidate(int64_t offset);
+  bool isBlank(int64_t from, int64_t end);
   std::optional<int64_t> hiddenChain(int64_t from, int64_t end);
   uint32_t checksumDirectly(uint32_t crc, int64_t offset, int64_t length);
   uint32_t checksumUpTo(int64_t offset);
@@ -73,6 +77,8 @@ class BlockScanner {
   int64_t _failedOffset = 0;
   int64_t _farthest = 0;             // how far reading has come
   std::optional<int64_t> _directly;  // how many bytes may still be checked without those before them; usually no matter
+  int64_t _checked = 0;              // bytes that were checked without those before them
+  int64_t _lookedAt = 0;             // bytes that were looked at for zeros
   int64_t _searched = 0;             // bytes that were searched for hidden blocks
   std::vector<uint32_t> _checksums;  // of the first n * kStride bytes, made when first needed
 };

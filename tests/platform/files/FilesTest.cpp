@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cstring>
+#include <random>
 
 #include "tests/Testing.h"
 #include "tests/platform/files/InterceptedCalls.h"
@@ -116,6 +117,46 @@ TEST(Files, ReadingTellsWhatFailed) {
     happened = calls.happened();
     EXPECT_EQ(contents.isAbsent(), error.reason() == FileReason::InputOutput);
     EXPECT_TRUE(contents.isAbsent() || contents.length() == 5000) << n;
+  }
+}
+
+// Pieces of every size around what is read ahead, one after another, over gaps and back, with writing between.
+TEST(Files, ReadingInAnyOrderGivesTheBytesOfTheFile) {
+  const TemporaryFolder folder;
+  std::mt19937 random(5);
+  std::string bytes(300000, '\0');
+  for (char& byte : bytes) byte = static_cast<char>(random());
+  folder.write("file", bytes);
+  const auto file = File::open(folder.path("file"), FileAccess::Updating);
+  constexpr size_t kSizes[] = {0, 1, 16, 100, 1024, 1025, 2048, 4096, 16383, 16384, 65536, 70000};
+  std::string got(70000, '\0');
+  size_t at = 0;
+  for (int i = 0; i < 20000; ++i) {
+    if (random() % 8 == 0) at = random() % (bytes.size() + 10);
+    if (random() % 8 == 0) at -= std::min<size_t>(at, random() % 2000);
+    if (random() % 8 == 0) at += random() % 3000;
+    const size_t count = kSizes[random() % (i % 1000 < 500 ? 6 : std::size(kSizes))];
+    const std::string there = at < bytes.size() ? bytes.substr(at, count) : "";
+    const auto offset = static_cast<int64_t>(at);
+    const int way = random() % 64 == 0 && count > 0 && there.size() == count ? 3 : static_cast<int>(random() % 3);
+    if (way == 3) {
+      const std::string changed(count, static_cast<char>(i));
+      const std::span<const uint8_t> piece(reinterpret_cast<const uint8_t*>(changed.data()), count);
+      ASSERT_TRUE(i % 2 ? file->overwrite(offset, {piece}, 0) : file->seek(offset) && file->write({piece}, 0));
+      bytes.replace(at, count, changed);
+      continue;
+    }
+    const uint8_t* const ahead = file->peekAt(offset, count);
+    EXPECT_TRUE(!ahead || std::memcmp(ahead, there.data(), count) == 0) << i;
+    const bool moves = way == 0;
+    ASSERT_TRUE(!moves || file->seek(offset));
+    const int64_t length = moves      ? file->read(got.data(), count)
+                           : way == 1 ? file->readOn(offset, got.data(), count)
+                                      : file->readAt(offset, got.data(), count);
+    ASSERT_EQ(length, static_cast<int64_t>(there.size())) << i;
+    ASSERT_EQ(got.compare(0, there.size(), there), 0) << i;
+    ASSERT_TRUE(!moves || file->position() == offset + length) << i;
+    at += there.size();
   }
 }
 

@@ -7,6 +7,8 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <new>
+#include <utility>
 
 #include "velan/base/Log.h"
 #include "velan/platform/files/FileCallsInternal.h"
@@ -17,7 +19,9 @@
 namespace velan {
 namespace {
 
-constexpr size_t kMaximumReadAhead = 16384;
+constexpr size_t kSmallestBuffer = 2 * File::kBufferSize;  // a header and what is read ahead, or what is kept back
+constexpr size_t kLargestBuffer = 65536;
+constexpr size_t kLongPiece = 16384;
 constexpr size_t kZeroChunk = 2048;
 constexpr uint8_t kZeros[kZeroChunk] = {};
 
@@ -76,7 +80,12 @@ uint64_t totalOf(File::Pieces pieces, uint64_t zeros) {
 }  // namespace
 
 File::File(int descriptor, FileAccess access, int64_t length, FileCalls& calls)
-    : _calls(&calls), _descriptor(descriptor), _access(access), _size(length), _buffer(kMaximumReadAhead) {
+    : _calls(&calls),
+      _descriptor(descriptor),
+      _access(access),
+      _size(length),
+      _room(kSmallestBuffer),
+      _buffer(new uint8_t[kSmallestBuffer]) {
   if (access == FileAccess::Appending) _position = length;
 }
 
@@ -120,7 +129,7 @@ bool File::reaches(int64_t end) { return end <= _size || end <= length(); }
 bool File::readInto(int64_t offset, uint8_t* bytes, size_t count, size_t ahead, int64_t& got) {
   size_t done = 0;
   while (done < count) {
-    const iovec pieces[] = {{bytes + done, count - done}, {_buffer.data(), ahead}};
+    const iovec pieces[] = {{bytes + done, count - done}, {_buffer.get(), ahead}};
     const int64_t at = offset + static_cast<int64_t>(done);
     const ssize_t now = retried([&] { return _calls->read(_descriptor, pieces, ahead ? 2 : 1, at); });
     if (now < 0) return failed();
@@ -136,28 +145,72 @@ bool File::readInto(int64_t offset, uint8_t* bytes, size_t count, size_t ahead, 
   return true;
 }
 
-int64_t File::read(void* bytes, size_t count) {
-  if (const uint8_t* const ahead = peek(count)) {
-    std::memcpy(bytes, ahead, count);
-    _position += static_cast<int64_t>(count);
-    return static_cast<int64_t>(count);
+bool File::enlargeBuffer() {
+  if (_room == kLargestBuffer) return true;
+  std::unique_ptr<uint8_t[]> larger(new (std::nothrow) uint8_t[kLargestBuffer]);
+  if (!larger) return false;
+  std::memcpy(larger.get(), _buffer.get(), _filled);
+  _buffer = std::move(larger);
+  _room = kLargestBuffer;
+  return true;
+}
+
+// How much to read behind `count` bytes at `offset`: the more the longer reading goes on, also over small gaps. Behind
+// a long piece little, as that goes to its place at once, and what lies in the buffer is copied once more.
+size_t File::toReadAhead(int64_t offset, size_t count) {
+  const bool goesOn = offset >= _sequel && offset - _sequel <= static_cast<int64_t>(_ahead);
+  _ahead = goesOn ? std::min(_ahead * 2, kLargestBuffer) : kBufferSize;
+  if (count >= kLongPiece || (_ahead > _room && !enlargeBuffer())) return kBufferSize;
+  return _ahead;
+}
+
+// Makes the buffer begin at `offset` and hold `count` bytes, as far as the file has them, and up to `ahead` more.
+bool File::fillBuffer(int64_t offset, size_t count, size_t ahead) {
+  size_t filled = bufferedAt(offset);
+  if (filled > 0) std::memmove(_buffer.get(), _buffer.get() + (offset - _start), filled);
+  _filled = 0;
+  while (filled < count) {
+    const iovec piece{_buffer.get() + filled, std::min(count + ahead, _room) - filled};
+    const int64_t at = offset + static_cast<int64_t>(filled);
+    const ssize_t now = retried([&] { return _calls->read(_descriptor, &piece, 1, at); });
+    if (now < 0) return failed();
+    if (now == 0) break;
+    filled += static_cast<size_t>(now);
   }
-  if (!flush()) return -1;
-  auto* into = static_cast<uint8_t*>(bytes);
-  size_t buffered = 0;
-  if (_position >= _start && _position - _start < static_cast<int64_t>(_filled)) {
-    const auto from = static_cast<size_t>(_position - _start);
-    buffered = std::min(count, _filled - from);
-    std::memcpy(into, _buffer.data() + from, buffered);
-    _position += static_cast<int64_t>(buffered);
-  }
-  _ahead = _position == _sequel ? std::min(_ahead * 2, kMaximumReadAhead) : kBufferSize;
+  _start = offset;
+  _filled = filled;
+  return true;
+}
+
+int64_t File::readLong(int64_t offset, uint8_t* bytes, size_t count, size_t ahead) {
+  const size_t buffered = bufferedAt(offset);
+  if (buffered > 0) std::memcpy(bytes, _buffer.get() + (offset - _start), buffered);
   _filled = 0;
   int64_t got = 0;
-  if (!readInto(_position, into + buffered, count - buffered, _ahead, got)) return -1;
-  _position += got;
-  _sequel = _position + static_cast<int64_t>(_filled);
+  const int64_t from = offset + static_cast<int64_t>(buffered);
+  if (!readInto(from, bytes + buffered, count - buffered, ahead, got)) return -1;
+  _sequel = from + got + static_cast<int64_t>(_filled);
   return static_cast<int64_t>(buffered) + got;
+}
+
+// What is short goes through the buffer, where it can be looked at again; what is long goes to its place at once.
+int64_t File::readOn(int64_t offset, void* bytes, size_t count) {
+  if (!peekAt(offset, count)) {
+    if (!flush()) return -1;
+    const size_t ahead = toReadAhead(offset + static_cast<int64_t>(bufferedAt(offset)), count);
+    if (count > ahead) return readLong(offset, static_cast<uint8_t*>(bytes), count, ahead);
+    if (!fillBuffer(offset, count, ahead)) return -1;
+    _sequel = _start + static_cast<int64_t>(_filled);
+  }
+  const size_t got = std::min(count, bufferedAt(offset));
+  if (got > 0) std::memcpy(bytes, _buffer.get() + (offset - _start), got);
+  return static_cast<int64_t>(got);
+}
+
+int64_t File::read(void* bytes, size_t count) {
+  const int64_t got = readOn(_position, bytes, count);
+  _position += std::max<int64_t>(got, 0);
+  return got;
 }
 
 int64_t File::readAt(int64_t offset, void* bytes, size_t count) {
@@ -198,7 +251,7 @@ bool File::flush() {
   _pending = false;
   const size_t count = _filled;
   _filled = 0;
-  if (writeOut(_start, {{_buffer.data(), count}}, 0)) return true;
+  if (writeOut(_start, {{_buffer.get(), count}}, 0)) return true;
   logFormat("ERROR: %zu bytes at %lld are lost (%d)", count, static_cast<long long>(_start), _error.number());
   _position = _start;
   _lost = true;
@@ -208,21 +261,21 @@ bool File::flush() {
 bool File::write(Pieces pieces, uint64_t zeros) {
   const uint64_t total = totalOf(pieces, zeros);
   if (_access == FileAccess::Reading) return refused({});
-  if (_pending && total > kBufferSize - _filled && !flush()) return false;
+  if (_pending && total > _kept - _filled && !flush()) return false;
   if (!_pending) {
     _filled = 0;
     if (_access == FileAccess::Appending) _position = _size;
   }
-  if (total > kBufferSize) {
+  if (total > _kept) {
     if (!writeOut(_position, pieces, zeros)) return false;
   } else {
     if (!_pending) _start = _position;
     _pending = true;
     for (const auto& piece : pieces) {
-      if (!piece.empty()) std::memcpy(_buffer.data() + _filled, piece.data(), piece.size());
+      if (!piece.empty()) std::memcpy(_buffer.get() + _filled, piece.data(), piece.size());
       _filled += piece.size();
     }
-    std::memset(_buffer.data() + _filled, 0, static_cast<size_t>(zeros));
+    std::memset(_buffer.get() + _filled, 0, static_cast<size_t>(zeros));
     _filled += static_cast<size_t>(zeros);
   }
   _position += static_cast<int64_t>(total);

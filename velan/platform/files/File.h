@@ -8,7 +8,6 @@
 #include <memory>
 #include <span>
 #include <string>
-#include <vector>
 
 #include "velan/base/CTypes.h"
 #include "velan/platform/files/FileError.h"
@@ -30,13 +29,13 @@ VELAN_EXPORT FileError copyFile(const String& from, const String& to);
 
 /// An open file with a position. Not to be used by two threads at once.
 ///
-/// What is written is kept back while it fits into 1,024 bytes, in whole calls: one call's bytes are never kept back in
-/// part, and every operation that reads, moves the position or synchronises writes them out first. A write at the end
-/// that fails leaves the file as long as before, and bytes that could not be written are dropped: they are never
-/// written later.
+/// What is written is kept back while it fits into 1,024 bytes (or more, see `keepMore`), in whole calls: one call's
+/// bytes are never kept back in part, and every operation that reads, moves the position or synchronises writes them
+/// out first. A write at the end that fails leaves the file as long as before, and bytes that could not be written are
+/// dropped: they are never written later.
 class VELAN_EXPORT File {
  public:
-  /// The most that is kept back, in bytes.
+  /// The most that is kept back, in bytes, where nobody asks for more.
   static constexpr size_t kBufferSize = 1024;
 
   /// Opens the regular file at `path`; the position is 0, or the end for appending, which creates a missing file.
@@ -70,13 +69,14 @@ class VELAN_EXPORT File {
   int64_t read(void* bytes, size_t count);
   /// The next `count` bytes if they have been read already, until the file is used again; else null. The position
   /// stays.
-  const uint8_t* peek(size_t count) const {
-    const bool isWithin = !_pending && _position >= _start && _position - _start <= static_cast<int64_t>(_filled);
-    const size_t from = isWithin ? static_cast<size_t>(_position - _start) : _filled;
-    return count > 0 && count <= _filled - from ? _buffer.data() + from : nullptr;
+  const uint8_t* peek(size_t count) const { return peekAt(_position, count); }
+  /// The same at an offset.
+  const uint8_t* peekAt(int64_t offset, size_t count) const {
+    return count > 0 && count <= bufferedAt(offset) ? _buffer.get() + (offset - _start) : nullptr;
   }
-  /// As `read` at an offset, without moving the position.
+  /// As `read` at an offset, without moving the position. Only `readOn` expects that what follows is read next.
   int64_t readAt(int64_t offset, void* bytes, size_t count);
+  int64_t readOn(int64_t offset, void* bytes, size_t count);
 
   using Pieces = std::initializer_list<std::span<const uint8_t>>;
   /// Writes the pieces, then `zeros` zero bytes, at the position (appending: at the end) and moves it.
@@ -85,6 +85,8 @@ class VELAN_EXPORT File {
   bool overwrite(int64_t offset, Pieces pieces, uint64_t zeros);
   /// Makes the file end at `offset`, where the position then is.
   bool truncate(int64_t offset);
+  /// Keeps back up to 64 KB from now on if there is memory for that: for files that are nobody's before they are whole.
+  void keepMore() { _kept = enlargeBuffer() ? _room : _kept; }
   /// Writes out what is kept back.
   bool flush();
   /// True when everything written so far is on permanent storage. False once after bytes that were kept back got lost,
@@ -104,6 +106,15 @@ class VELAN_EXPORT File {
   static std::unique_ptr<File> openedAndLocked(const std::string& path, FileAccess access, FileError& error);
   bool failed();
   bool refused(const FileError& error);
+  /// How many bytes from `offset` on have been read already.
+  size_t bufferedAt(int64_t offset) const {
+    const bool isWithin = !_pending && offset >= _start && offset - _start < static_cast<int64_t>(_filled);
+    return isWithin ? _filled - static_cast<size_t>(offset - _start) : 0;
+  }
+  bool enlargeBuffer();
+  size_t toReadAhead(int64_t offset, size_t count);
+  bool fillBuffer(int64_t offset, size_t count, size_t ahead);
+  int64_t readLong(int64_t offset, uint8_t* bytes, size_t count, size_t ahead);
   bool readInto(int64_t offset, uint8_t* bytes, size_t count, size_t ahead, int64_t& got);
   bool writeOut(int64_t offset, Pieces pieces, uint64_t zeros);
   bool putOut(int64_t offset, Pieces pieces, uint64_t zeros);
@@ -116,13 +127,15 @@ class VELAN_EXPORT File {
   bool _lost = false;        // kept-back bytes were dropped since the last synchronisation
   bool _unreliable = false;  // a synchronisation failed
   FileError _error;
-  int64_t _position = 0;         // behind the buffer while bytes are pending
-  int64_t _size;                 // as last seen; bytes kept back not counted
-  int64_t _start = 0;            // offset in the file of the buffer's first byte
-  size_t _filled = 0;            // bytes in the buffer
-  size_t _ahead = kBufferSize;   // how much to read ahead: grows while reading goes straight on
-  int64_t _sequel = -1;          // where reading would go straight on
-  std::vector<uint8_t> _buffer;  // at least kBufferSize
+  int64_t _position = 0;        // behind the buffer while bytes are pending
+  int64_t _size;                // as last seen; bytes kept back not counted
+  int64_t _start = 0;           // offset in the file of the buffer's first byte
+  size_t _filled = 0;           // bytes in the buffer
+  size_t _ahead = kBufferSize;  // how much to read ahead: grows while reading goes straight on
+  int64_t _sequel = -1;         // where reading would go straight on
+  size_t _room;                 // of the buffer, in bytes
+  size_t _kept = kBufferSize;   // the most that is kept back
+  std::unique_ptr<uint8_t[]> _buffer;
 };
 
 }  // namespace velan

@@ -49,6 +49,7 @@ bool BlockStorage::writeNewFile(const String& path, bool mustBeNew, FunctionRef<
     const auto replacement = FileReplacement::begin(path, options, _error);
     auto file = replacement ? replacement->createSuccessor(_error) : nullptr;
     if (!file) return false;
+    file->keepMore();
     const auto target = initWithFile(std::move(file), path, true);
     if (!target) return failWith(FileReason::NoMemory);
     target->_blockSize = _blockSize;

@@ -24,28 +24,51 @@ void forEachBit(uint64_t bits, auto visit) {
 }  // namespace
 
 PhraseSearch::PhraseSearch(const WordPattern& pattern, const SearchedText& text, Range range)
-    : _pieces(pattern._pieces),
+    : _pattern(pattern),
+      _pieces(pattern._pieces),
       _anchor(pattern._anchor && _pieces.size() <= kMostAroundAnchor ? &*pattern._anchor : nullptr),
       _text(text),
       _starts(_anchor ? 0 : _pieces.size()),
       _reached(_anchor ? 0 : (_pieces.size() + kBits - 1) / kBits) {
-  if (_anchor) _hits.emplace(_anchor->literal, text, range);
   begin(range);
 }
 
 void PhraseSearch::begin(Range range) {
   _start = _location = range.location;
   _end = endOf(range);
-  if (_hits) return _hits->begin(range);
+  _isInOneWord = _anchor && _anchor->isInOneWord && _text.isDividedBySeparators();
+  _isByProbes = _isInOneWord && _anchor->byProbes && !_anchor->literal.number();
+  if (_anchor) {
+    _hits.emplace(_isByProbes ? *_anchor->byProbes : _anchor->literal, _text, range);
+    return;
+  }
   std::ranges::fill(_reached, 0);
   _classes.clear();  // by words of the text before
 }
 
 bool PhraseSearch::searchOn(std::vector<Range>& found) {
+  if (_isInOneWord) return _hits->visitNext(_location, found, [&](int64_t hit) { searchInOneWordAt(hit, found); });
   if (_hits) return _hits->visitNext(_location, found, [&](int64_t hit) { searchAt(hit, found); });
   const Range place = nextReadingAll();
   if (isPresent(place)) found.push_back(place);
   return isPresent(place);
+}
+
+// The word before is looked at first, where it is known to end: it costs least.
+void PhraseSearch::searchInOneWordAt(int64_t hit, std::vector<Range>& found) {
+  if (hit < _location) return;
+  const WordPattern::Verdict verdict = _anchor->verdictAt(_text, hit);
+  if (verdict == WordPattern::Verdict::No) return;
+  const size_t piece = _anchor->piece;
+  if (_anchor->before == 0 && piece > 0 && !WordPattern::mayEndBefore(_pieces[piece - 1], _text, hit - 1, _start))
+    return;
+  if (_isByProbes && !_text.hasUnitsAt(hit, _anchor->literal.units())) return;
+  const Range word = _anchor->wordAround(_text, hit);
+  _location = endOf(word);
+  if (word.location < _start || endOf(word) > _end) return;
+  if (!_pattern.matchesAtAnchor(_text, word, verdict)) return;
+  const Range place = placeAround(word);
+  if (isPresent(place)) found.push_back(place);
 }
 
 void PhraseSearch::searchAt(int64_t hit, std::vector<Range>& found) {

@@ -36,6 +36,7 @@ class PhraseSearch {
     Row known, matching;
   };
 
+  void searchInOneWordAt(int64_t hit, std::vector<Range>& found);
   void searchAt(int64_t hit, std::vector<Range>& found);
   Range placeAround(Range word) const;
   Range nextReadingAll();
@@ -44,6 +45,7 @@ class PhraseSearch {
   void learn(WordClass& words, size_t position, Range word) const;
   void groupPieces();
 
+  const WordPattern& _pattern;
   const std::vector<WordPattern::Piece>& _pieces;
   const WordPattern::Anchor* const _anchor;  // null to read every word
   const SearchedText& _text;
@@ -51,6 +53,8 @@ class PhraseSearch {
   int64_t _location;  // what begins before was read
   int64_t _end;
   std::optional<LiteralHits> _hits;  // of the anchor
+  bool _isInOneWord;                 // the anchor in this text, whatever a dictionary says
+  bool _isByProbes;                  // then the hits are those of its probes
   std::vector<int64_t> _starts;      // of the last words, each at its number modulo the number of pieces
   size_t _wordCount = 0;
   Row _reached;

@@ -137,11 +137,17 @@ Range SearchedText::firstWordIn(int64_t location, int64_t end) const {
   return isPresent(word) && endOf(word) <= end ? word : kAbsentRange;
 }
 
-bool SearchedText::hasUnitsAt(int64_t location, std::u16string_view literal) const {
-  const unichar* units = _units + location;
-  if (!_table) return std::equal(literal.begin(), literal.end(), units);
-  return std::equal(literal.begin(), literal.end(), units,
-                    [this](unichar pattern, unichar unit) { return pattern == _table[unit]; });
+bool SearchedText::hasMappedUnits(const unichar* units, std::u16string_view literal) const {
+  constexpr size_t kStep = 4;
+  size_t i = 0;
+  for (; literal.size() - i > kStep; i += kStep) {
+    unsigned differ = 0;
+    for (size_t k = i; k < i + kStep; ++k) differ |= static_cast<unsigned>(_table[units[k]] ^ literal[k]);
+    if (differ != 0) return false;
+  }
+  unsigned differ = 0;
+  for (; i < literal.size(); ++i) differ |= static_cast<unsigned>(_table[units[i]] ^ literal[i]);
+  return differ == 0;
 }
 
 int64_t SearchedText::find(const Literal& literal, int64_t location, int64_t end) const {

@@ -2,6 +2,7 @@
 #ifndef VELAN_QUERY_EVALUATION_SEARCHED_TEXT_INTERNAL_H
 #define VELAN_QUERY_EVALUATION_SEARCHED_TEXT_INTERNAL_H
 
+#include <cstring>
 #include <memory>
 #include <optional>
 #include <span>
@@ -34,6 +35,12 @@ class Literal {
 
   /// Some of so many units, to be gathered only.
   explicit Literal(const NeedleHead& head) : _length(static_cast<int64_t>(head.length)), _search(head) {}
+  /// To be gathered only, by what its probes say: the other units are for whoever looks at the places.
+  Literal byProbes() const {
+    NeedleHead head = _search.head();
+    head.tellsAll = true;
+    return Literal(head);
+  }
   /// Becomes one of the set's literals; returns its number there.
   uint32_t join(LiteralSet& set) { return *(_number = set.add(units())); }
   /// Its number, if it has joined a set.
@@ -108,6 +115,16 @@ class SearchedText {
   }
   /// Whether a dictionary may divide what lies between separators: without, words never touch.
   bool mayBeDivided() const { return _mayBeDivided; }
+  /// Whether the words are all that lies between separators, and found without an index.
+  bool isDividedBySeparators() const { return _separators && !_mayBeDivided; }
+  /// In such a text: whether there is no unit of a word at `index`.
+  bool isBetweenWords(int64_t index) const { return !isInText(index) || separates(index); }
+  /// In such a text: where the word begins, or ends, that the units from `start` to `end` belong to.
+  int64_t startOfWord(int64_t start) const {
+    while (start > 0 && !separates(start - 1)) --start;
+    return start;
+  }
+  int64_t endOfWord(int64_t end) const { return separatorFrom(end); }
   /// The word that begins last at or before `index`, but not before `start`; absent if there is none.
   Range wordBefore(int64_t index, int64_t start) const;
   /// What `firstWordIn` gives, for a word that is near.
@@ -124,7 +141,9 @@ class SearchedText {
   /// Whether a dictionary may divide `run`, which holds no separators.
   bool isDivided(Range run) const { return _mayBeDivided && holdsEastAsian(run); }
   /// Whether the units of `range` are those of `literal`.
-  bool hasUnitsAt(int64_t location, std::u16string_view literal) const;
+  bool hasUnitsAt(int64_t location, std::u16string_view literal) const {
+    return _table ? hasMappedUnits(_units + location, literal) : hasSameUnits(_units + location, literal);
+  }
   /// The first place of `literal` that begins at or after `location` and ends at or before `end`; -1 if there is none.
   int64_t find(const Literal& literal, int64_t location, int64_t end) const;
   /// All places of all literals that are looked for together; null when these had better be looked for one by one.
@@ -161,6 +180,24 @@ class SearchedText {
   bool knowsByUnits(int64_t index, int64_t neighbour) const {
     return _separators && (!_mayBeDivided || isBoundary(index, neighbour) || !isInDividedRun(index));
   }
+  // In steps of several units, because where words differ nobody could predict.
+  static bool hasSameUnits(const unichar* units, std::u16string_view literal) {
+    const unichar* wanted = literal.data();
+    const size_t length = literal.size();
+    if (length < 2) return length == 0 || *units == *wanted;
+    const auto differ = [&]<typename Step>(Step, size_t at) {
+      Step a, b;
+      std::memcpy(&a, units + at, sizeof a);
+      std::memcpy(&b, wanted + at, sizeof b);
+      return a ^ b;
+    };
+    if (length < 4) return (differ(uint32_t(), 0) | differ(uint32_t(), length - 2)) == 0;
+    for (size_t i = 0; i + 4 < length; i += 4) {
+      if (differ(uint64_t(), i) != 0) return false;
+    }
+    return differ(uint64_t(), length - 4) == 0;
+  }
+  bool hasMappedUnits(const unichar* units, std::u16string_view literal) const;
   bool isInDividedRun(int64_t index) const;
   bool holdsEastAsian(Range range) const;
   Range runAt(int64_t index) const;

@@ -6,6 +6,9 @@
 #include "velan/query/evaluation/PhraseSearchInternal.h"
 #include "velan/query/evaluation/WordPatternInternal.h"
 #include "velan/query/evaluation/WordSearchInternal.h"
+#include "velan/text/CharacterSets.h"
+#include "velan/text/PreimagesInternal.h"
+#include "velan/text/Separators.h"
 #include "velan/wildcard/WildcardMatching.h"
 #include "velan/wildcard/WildcardPattern.h"
 
@@ -58,6 +61,26 @@ size_t rareness(std::u16string_view units) {
 
 // Of so many units in a row each is looked for.
 constexpr size_t kTellingLength = NeedleHead::kProbes;
+
+struct SeparatorsAmong {
+  bool any, all;
+};
+
+// Of the units that `table`, or none, turns into `c`.
+SeparatorsAmong separatorsAmong(unichar c, const unichar* table) {
+  SeparatorsAmong among{false, true};
+  const auto add = [&among](unichar unit) {
+    const bool separates = isMemberOfCharacterSetRep(defaultWordSeparators(), unit);
+    among.any |= separates;
+    among.all &= separates;
+  };
+  if (!table) {
+    add(c);
+  } else if (table[c] == c) {
+    forEachPreimage(c, table, add);
+  }
+  return among;
+}
 
 template <typename Element>
 Element elementOf(std::u16string_view set) {
@@ -139,11 +162,6 @@ WordPattern WordPattern::withPhrase(std::u16string_view phrase, const unichar* t
   return result;
 }
 
-std::u16string_view WordPattern::literalOf(const Piece& piece) {
-  return std::u16string_view(piece.units)
-      .substr(static_cast<size_t>(piece.literal.location), static_cast<size_t>(piece.literal.length));
-}
-
 // Where a range of a set ends with its `]`, what follows may belong to the set.
 std::u16string_view WordPattern::longestRunOf(const Piece& piece) {
   const std::u16string_view units = piece.units;
@@ -167,7 +185,7 @@ WordPattern::Anchor WordPattern::anchorAt(const Piece& piece, std::u16string_vie
   const auto first = static_cast<size_t>(run.data() - units.data());
   const bool isAll = piece.type == WildcardTypeExact || piece.type == WildcardTypePrefix ||
                      piece.type == WildcardTypeSuffix || piece.type == WildcardTypeContains;
-  Anchor anchor{std::move(literal), 0, 0, 0, {}, {}, isAll, {}};
+  Anchor anchor{std::move(literal), 0, 0, 0, {}, {}, isAll, {}, {}, {}, false};
   int64_t* count = &anchor.before;
   for (size_t i = 0; i < units.size();) {
     size_t length = 1;
@@ -188,8 +206,58 @@ WordPattern::Anchor WordPattern::anchorAt(const Piece& piece, std::u16string_vie
     }
     i += length;
   }
+  if (anchor.before == 0 && anchor.after < 0) anchor.rest = restOf(units.substr(run.size()));
   if (piece.type == WildcardTypeAnyOne || piece.type == WildcardTypeGeneral) anchor.previous = anchor.next = {};
   return anchor;
+}
+
+std::optional<WordPattern::Rest> WordPattern::restOf(std::u16string_view pattern) {
+  if (!pattern.starts_with(u'*') || pattern.find_first_of(u"?[]") != pattern.npos) return std::nullopt;
+  Rest rest{{}, pattern.ends_with(u'*')};
+  while (pattern.size() > 1) {
+    const size_t end = std::min(pattern.find(u'*', 1), pattern.size());
+    rest.parts.emplace_back(pattern.substr(1, end - 1));
+    pattern.remove_prefix(end);
+  }
+  return rest;
+}
+
+// Each part where it comes first is as good as any later place, but for one that has to stand at the end.
+bool WordPattern::matchesRest(const SearchedText& text, Range word) const {
+  const Rest& rest = *_anchor->rest;
+  int64_t from = word.location + _anchor->literal.length();
+  for (size_t i = 0; i < rest.parts.size(); ++i) {
+    const std::u16string& part = rest.parts[i];
+    const int64_t last = endOf(word) - static_cast<int64_t>(part.size());
+    if (i + 1 == rest.parts.size() && !rest.isOpen) return last >= from && text.hasUnitsAt(last, part);
+    while (from <= last && !text.hasUnitsAt(from, part)) ++from;
+    if (from > last) return false;
+    from += static_cast<int64_t>(part.size());
+  }
+  return true;
+}
+
+// Whether a short one that does not have to stand at a distance from the ends of its word stands in one word only;
+// units that separate words go from its elements, as a word has none.
+bool WordPattern::keepToOneWord(Anchor& anchor, const unichar* table) {
+  if (anchor.literal.length() > LiteralHits::kShort || std::max(anchor.before, anchor.after) > 0) return false;
+  if (anchor.elements.empty()) {
+    return std::ranges::none_of(anchor.literal.units(), [&](unichar c) { return separatorsAmong(c, table).any; });
+  }
+  for (unichar c = 0; c < 128; ++c) {
+    const SeparatorsAmong separators = separatorsAmong(c, table);
+    if (separators.any && !separators.all) return false;
+    if (!separators.any) continue;
+    for (Anchor::Element& element : anchor.elements) element.ascii[c / 64] &= ~(uint64_t{1} << (c % 64));
+  }
+  return true;
+}
+
+// Whether the word before the anchor's can be looked at before its own.
+bool WordPattern::isKnownByWordBefore() const {
+  if (!_anchor->isInOneWord || _anchor->before != 0 || _anchor->piece == 0 || !_anchor->elements.empty()) return false;
+  const Piece& before = _pieces[_anchor->piece - 1];
+  return (before.type == WildcardTypeExact || before.type == WildcardTypeSuffix) && !before.fuzzy;
 }
 
 void WordPattern::chooseAnchor(const unichar* table) {
@@ -201,10 +269,14 @@ void WordPattern::chooseAnchor(const unichar* table) {
     longest = run;
     chosen = i;
   }
-  if (longest.size() < kTellingLength && anchorAtProbes(longest, table)) return;
-  if (longest.empty()) return;
-  _anchor.emplace(anchorAt(_pieces[chosen], longest, Literal(longest, table)));
-  _anchor->piece = chosen;
+  const bool isAtProbes = longest.size() < kTellingLength && anchorAtProbes(longest, table);
+  if (!isAtProbes && longest.empty()) return;
+  if (!isAtProbes) {
+    _anchor.emplace(anchorAt(_pieces[chosen], longest, Literal(longest, table)));
+    _anchor->piece = chosen;
+  }
+  _anchor->isInOneWord = keepToOneWord(*_anchor, table);
+  if (isKnownByWordBefore()) _anchor->byProbes = _anchor->literal.byProbes();
 }
 
 // Where the units with the sets beside them tell more than `longest`, the longest ones without.
@@ -276,25 +348,6 @@ bool WordPattern::matches(const Piece& piece, const SearchedText& text, Range wo
     default:
       return stringMatchesUnixWildcardUsingUnicharTable(start, end, pattern, patternEnd, text.table());
   }
-}
-
-// Whether the word that ends next before `end`, which is not before `start`, may match, as far as the units at its end
-// tell.
-bool WordPattern::mayEndBefore(const Piece& piece, const SearchedText& text, int64_t end, int64_t start) {
-  if ((piece.type != WildcardTypeExact && piece.type != WildcardTypeSuffix) || piece.fuzzy) return true;
-  const std::u16string_view literal = literalOf(piece);
-  const int64_t last = text.skippedBack(end, start) - 1;
-  const int64_t first = last + 1 - piece.literal.length;
-  return first >= start && text.mappedUnit(last) == literal.back() && text.hasUnitsAt(first, literal);
-}
-
-// The same of the word that begins next at or behind `start`, by the units at its start.
-bool WordPattern::mayBeginAfter(const Piece& piece, const SearchedText& text, int64_t start, int64_t end) {
-  if ((piece.type != WildcardTypeExact && piece.type != WildcardTypePrefix) || piece.fuzzy) return true;
-  const int64_t first = text.skipped(start, end);
-  const std::u16string_view literal = literalOf(piece);
-  const bool isLong = piece.literal.length <= end - first;
-  return isLong && text.mappedUnit(first) == literal.front() && text.hasUnitsAt(first, literal);
 }
 
 Range WordPattern::firstIn(const SearchedText& text, Range range) const {

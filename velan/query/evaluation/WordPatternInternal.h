@@ -2,6 +2,7 @@
 #ifndef VELAN_QUERY_EVALUATION_WORD_PATTERN_INTERNAL_H
 #define VELAN_QUERY_EVALUATION_WORD_PATTERN_INTERNAL_H
 
+#include <algorithm>
 #include <memory>
 #include <optional>
 #include <string>
@@ -12,6 +13,7 @@
 #include "velan/query/evaluation/LiteralHitsInternal.h"
 #include "velan/query/evaluation/PatternProbesInternal.h"
 #include "velan/wildcard/PreparedSimilarity.h"
+#include "velan/wildcard/WildcardPattern.h"
 
 namespace velan {
 
@@ -46,6 +48,8 @@ class WordPattern {
   Range firstIn(const SearchedText& text, Range range) const;
 
  private:
+  static constexpr int64_t kShortWord = 64;
+
   friend class PhraseSearch;
   friend class WordSearch;
 
@@ -57,6 +61,14 @@ class WordPattern {
     int64_t maxLength;
     bool fuzzy;
     bool standsForAnyWord;  // of fitting length: it has no literal
+  };
+
+  enum class Verdict : uint8_t { No, Perhaps, Yes };
+
+  // Units with any others before each of them.
+  struct Rest {
+    std::vector<std::u16string> parts;
+    bool isOpen;  // any units may follow the last one
   };
 
   // The longest units that one of the pieces holds for certain, or those that tell most, and what is known of the units
@@ -72,8 +84,11 @@ class WordPattern {
     size_t piece;
     int64_t before, after;  // how many units the word has before and after it; -1 where that is open
     Element previous, next;
-    bool isAll;                     // the literal is the whole piece but for `*`
-    std::vector<Element> elements;  // of a literal of which only the probes are known
+    bool isAll;                       // the literal is the whole piece but for `*`
+    std::vector<Element> elements;    // of a literal of which only the probes are known
+    std::optional<Literal> byProbes;  // the literal so, if that is worth it for the sake of the word before it
+    std::optional<Rest> rest;         // of the piece, of whose word it is the beginning
+    bool isInOneWord = false;         // no unit that it may stand on separates words
 
     /// Whether the word around it may match where it stands at `location`.
     bool mayMatchAt(const SearchedText& text, int64_t location) const {
@@ -86,6 +101,32 @@ class WordPattern {
       }
       return (before < 0 || (location >= before && text.wordBeginsAt(location - before))) &&
              (after < 0 || (after <= text.length() - end && text.wordEndsAt(end + after - 1)));
+    }
+    // What follows is for one in one word, in a text that is divided by separators.
+
+    /// Whether its word matches where it stands at `location`, as far as that can be seen without looking for the
+    /// word's ends; but for the rest.
+    Verdict verdictAt(const SearchedText& text, int64_t location) const {
+      const int64_t end = location + literal.length();
+      if (before == 0 && !text.isBetweenWords(location - 1)) return Verdict::No;
+      if (after == 0 && !text.isBetweenWords(end)) return Verdict::No;
+      if (previous.exists && (location == 0 || !previous.mayBe(text.mappedUnit(location - 1)))) return Verdict::No;
+      if (next.exists && (end == text.length() || !next.mayBe(text.mappedUnit(end)))) return Verdict::No;
+      Verdict verdict = isAll || rest ? Verdict::Yes : Verdict::Perhaps;
+      int64_t i = location;
+      for (const Element& element : elements) {
+        const unichar c = text.mappedUnit(i);
+        if (c >= 128) verdict = text.isBetweenWords(i) ? Verdict::No : std::min(verdict, Verdict::Perhaps);
+        if (verdict == Verdict::No || !element.mayBe(c)) return Verdict::No;
+        ++i;
+      }
+      return verdict;
+    }
+    /// Its word there.
+    Range wordAround(const SearchedText& text, int64_t location) const {
+      const int64_t literalEnd = location + literal.length();
+      const int64_t start = before == 0 ? location : text.startOfWord(location);
+      return {start, (after == 0 ? literalEnd : text.endOfWord(literalEnd)) - start};
     }
     /// The word that it begins in where it stands at `location` and may match; absent for a separator.
     Range wordAt(const SearchedText& text, int64_t location) const {
@@ -108,16 +149,40 @@ class WordPattern {
   static Piece wildcardPiece(std::u16string pattern, bool anyWord, bool fuzzy);
   static Piece literalPiece(std::u16string word);
   static bool matches(const Piece& piece, const SearchedText& text, Range word);
+  // The same for the piece of the anchor, about whose word something is known.
+  bool matchesAtAnchor(const SearchedText& text, Range word, Verdict verdict) const {
+    if (verdict == Verdict::Yes && _anchor->isAll) return true;
+    if (verdict == Verdict::Yes && word.length <= kShortWord) return matchesRest(text, word);
+    return matches(_pieces[_anchor->piece], text, word);
+  }
+  bool matchesRest(const SearchedText& text, Range word) const;
+  static std::optional<Rest> restOf(std::u16string_view pattern);
   static bool isSimilar(const Piece& piece, const SearchedText& text, Range word);
   // To words of the text. Throws `std::bad_alloc`.
   static std::unique_ptr<const PreparedSimilarity> preparedSimilarity(const Piece& piece, const SearchedText& text);
-  static bool mayEndBefore(const Piece& piece, const SearchedText& text, int64_t end, int64_t start);
-  static bool mayBeginAfter(const Piece& piece, const SearchedText& text, int64_t start, int64_t end);
-  static std::u16string_view literalOf(const Piece& piece);
+  static std::u16string_view literalOf(const Piece& piece) {
+    return std::u16string_view(piece.units)
+        .substr(static_cast<size_t>(piece.literal.location), static_cast<size_t>(piece.literal.length));
+  }
+  // Whether the word that ends next before `end`, which is not before `start`, may match, as far as the units at its
+  // end tell.
+  static bool mayEndBefore(const Piece& piece, const SearchedText& text, int64_t end, int64_t start) {
+    if ((piece.type != WildcardTypeExact && piece.type != WildcardTypeSuffix) || piece.fuzzy) return true;
+    const int64_t first = text.skippedBack(end, start) - piece.literal.length;
+    return first >= start && text.hasUnitsAt(first, literalOf(piece));
+  }
+  // The same of the word that begins next at or behind `start`, by the units at its start.
+  static bool mayBeginAfter(const Piece& piece, const SearchedText& text, int64_t start, int64_t end) {
+    if ((piece.type != WildcardTypeExact && piece.type != WildcardTypePrefix) || piece.fuzzy) return true;
+    const int64_t first = text.skipped(start, end);
+    return piece.literal.length <= end - first && text.hasUnitsAt(first, literalOf(piece));
+  }
   static std::u16string_view longestRunOf(const Piece& piece);
   static Anchor anchorAt(const Piece& piece, std::u16string_view run, Literal literal);
   static ProbedRun probedRunOf(const Piece& piece, const unichar* table);
   void chooseAnchor(const unichar* table);
+  bool isKnownByWordBefore() const;
+  static bool keepToOneWord(Anchor& anchor, const unichar* table);
   bool anchorAtProbes(std::u16string_view longest, const unichar* table);
 
   std::vector<Piece> _pieces;

@@ -21,7 +21,10 @@ bool WordSearch::Element::matches(unichar unit) const {
 }
 
 WordSearch::WordSearch(const WordPattern& pattern, const SearchedText& text, Range range)
-    : _piece(pattern._pieces.front()), _text(text), _anchor(pattern._anchor ? &*pattern._anchor : nullptr) {
+    : _pattern(pattern),
+      _piece(pattern._pieces.front()),
+      _text(text),
+      _anchor(pattern._anchor ? &*pattern._anchor : nullptr) {
   if (_anchor) _hits.emplace(_anchor->literal, text, range);
   if (_piece.type == WildcardTypeExact && _piece.fuzzy) _similarity = WordPattern::preparedSimilarity(_piece, text);
   begin(range);
@@ -32,6 +35,7 @@ void WordSearch::begin(Range range) {
   _end = endOf(range);
   _mayStandForSeveral = _text.mayBeDivided() && _piece.type != WildcardTypeExact && !_piece.standsForAnyWord;
   if (_hits) _hits->begin(range);
+  _isInOneWord = _anchor && _anchor->isInOneWord && _text.isDividedBySeparators();
   if (!_similarity) return;
   _leastSimilarity = minWildcardFuzzyAnalogy();
   _similarLengths = _similarity->similarLengths(_leastSimilarity);
@@ -40,6 +44,7 @@ void WordSearch::begin(Range range) {
 
 // The places around the next hits of the anchor, or in the next word.
 bool WordSearch::searchOn(std::vector<Range>& found) {
+  if (_isInOneWord) return _hits->visitNext(_location, found, [&](int64_t hit) { searchInOneWordAt(hit, found); });
   if (_hits) return _hits->visitNext(_location, found, [&](int64_t hit) { searchAt(hit, found); });
   if (_similarity) return searchSimilar(found);
   const Range word = _text.firstWordIn(_location, _end);
@@ -76,6 +81,16 @@ bool WordSearch::searchSimilar(std::vector<Range>& found) {
   if (_stretch < kEnough || next == _location) _stretch *= 2;
   _location = next;
   return true;
+}
+
+void WordSearch::searchInOneWordAt(int64_t hit, std::vector<Range>& found) {
+  if (hit < _location) return;
+  const WordPattern::Verdict verdict = _anchor->verdictAt(_text, hit);
+  if (verdict == WordPattern::Verdict::No) return;
+  const Range word = _anchor->wordAround(_text, hit);
+  const bool isWithin = word.location >= _location && endOf(word) <= _end;
+  if (isWithin && _pattern.matchesAtAnchor(_text, word, verdict)) appendRange(found, word);
+  _location = endOf(word);
 }
 
 void WordSearch::searchAt(int64_t hit, std::vector<Range>& found) {

@@ -35,6 +35,7 @@ class WordSearch {
   };
 
   bool searchSimilar(std::vector<Range>& found);
+  void searchInOneWordAt(int64_t hit, std::vector<Range>& found);
   void searchAt(int64_t hit, std::vector<Range>& found);
   void searchWord(Range word, bool matches, std::vector<Range>& found);
   Range runAround(Range word) const;
@@ -43,12 +44,14 @@ class WordSearch {
   void read(unichar unit);
   void passStars();
 
+  const WordPattern& _pattern;
   const WordPattern::Piece& _piece;
   const SearchedText& _text;
   int64_t _location;  // what begins before was searched
   int64_t _end;
   const WordPattern::Anchor* const _anchor;  // looks at words only where it stands; null for none
   std::optional<LiteralHits> _hits;          // of the anchor
+  bool _isInOneWord;                         // the anchor in this text, whatever a dictionary says
   bool _mayStandForSeveral;
   std::unique_ptr<const PreparedSimilarity> _similarity;  // to the word; null where words are to match
   double _leastSimilarity = 0;

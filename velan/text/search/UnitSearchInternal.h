@@ -81,6 +81,7 @@ class UnitSearch {
   }
 
   const Needle& needle() const { return _needle; }
+  const NeedleHead& head() const { return _head; }
 
  private:
   unichar mapped(unichar c) const { return _head.table ? _head.table[c] : c; }

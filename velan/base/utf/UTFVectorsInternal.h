@@ -56,9 +56,10 @@ alignas(64) constexpr ShuffleTable kKeepUnits = shuffles([](size_t mask, size_t 
 alignas(64) constexpr ShuffleTable kKeepPairs = shuffles([](size_t mask, size_t i) {
   return i % 2 == 1 || (mask >> (i / 2) & 1);
 });
-// Of 4 groups of 4 bytes the last; the third where the mask has a bit, the second where its upper half has one.
+// Of 4 groups of 4 bytes the last; of its two bits in the mask the lower one keeps the third, the higher one the
+// second.
 alignas(64) constexpr ShuffleTable kKeepGroups = shuffles([](size_t mask, size_t i) {
-  return i % 4 == 3 || (i % 4 == 2 && (mask >> (i / 4) & 1)) || (i % 4 == 1 && (mask >> (4 + i / 4) & 1));
+  return i % 4 == 3 || (i % 4 != 0 && (mask >> (i / 4 * 2 + 2 - i % 4) & 1));
 });
 
 // What may not follow each other, after Keiser and Lemire, "Validating UTF-8 in less than one instruction per byte"
@@ -265,11 +266,12 @@ struct FromUTF16 {
         three[i] &= ~(high | low);
       }
     }
-    const uint32_t twos = V::unitBits(two);
-    const uint32_t threes = V::unitBits(three);
+    Bytes kept[kVectors];
+    for (size_t i = 0; i < kVectors; ++i) kept[i] = reinterpret_cast<Bytes>(either(Units{} + 0xFF, two[i], three[i]));
+    const uint64_t masks = V::bits(kept);
     size_t out = 0;
     const auto put = [&](Lane lane, size_t index) {
-      const uint32_t mask = (twos >> index & 0x0F) | (threes >> index & 0x0F) << 4;
+      const auto mask = static_cast<uint32_t>(masks >> (2 * index) & 0xFF);
       V::store(bytes + out, V::shuffled(lane, kKeepGroups[mask]));
       out += 4 + static_cast<size_t>(__builtin_popcount(mask));
     };
@@ -321,6 +323,24 @@ struct FromUTF16 {
     return written - 2 * cut;
   }
 
+  // Two blocks at a time, as long as both are ASCII; returns how many units.
+  static size_t putASCIIPairs(const unichar* units, size_t length, char* bytes) {
+    size_t in = 0;
+    for (; length - in >= 2 * kUnitBlock; in += 2 * kUnitBlock) {
+      Units block[2 * kVectors];
+      Units all{};
+      for (size_t i = 0; i < 2 * kVectors; ++i) {
+        block[i] = reinterpret_cast<Units>(V::load(units + in + i * sizeof(Units) / 2));
+        all |= block[i];
+      }
+      if (V::any(reinterpret_cast<Bytes>(all > 0x7F))) break;
+      for (size_t i = 0; i < 2 * kVectors; i += 2) {
+        V::pack(block[i], block[i + 1], bytes + in + i * sizeof(Units) / 2);
+      }
+    }
+    return in;
+  }
+
   static Transcoded begin(const unichar* units, size_t length, char* bytes) {
     size_t in = 0;
     size_t out = 0;
@@ -330,6 +350,10 @@ struct FromUTF16 {
       if (count == 0) return {in, out};
       in += count;
       out += written;
+      if (written != kUnitBlock) continue;  // not all is ASCII
+      const size_t more = putASCIIPairs(units + in, length - in, bytes + out);
+      in += more;
+      out += more;
     }
     const size_t rest = length - in < kUnitBlock ? length - in : kUnitBlock - 1;
     if (rest < kShortest) return {in, out};

@@ -127,13 +127,13 @@ class WordLanes {
     _jumps = jumps;
   }
 
-  const size_t _length, _count;
   V _units[kMost];
-  uint8_t _unitAt[kMost] = {};   // the numbers of the word's units
-  uint16_t _places[kMost] = {};  // in the word, by number
   // Of the words in the lanes: where each of the units is, by number; and how they have been paired.
   Lanes _where[kMost] = {};
   Lanes _lengths = {}, _inPlace = {}, _pairs = {}, _jumps = {};
+  uint16_t _places[kMost] = {};  // in the word, by number
+  uint8_t _unitAt[kMost] = {};   // the numbers of the word's units
+  const size_t _length, _count;
 };
 
 }  // namespace

@@ -318,7 +318,7 @@ struct FromUTF16 {
       return 0;
     }
     const size_t written = putLong<true>(units, bytes);
-    const uint32_t cut = highs >> 31;  // its two bytes are to be written with those of its partner
+    const size_t cut = highs >> 31;  // its two bytes are to be written with those of its partner
     count -= cut;
     return written - 2 * cut;
   }

@@ -355,7 +355,7 @@ TEST_F(BlockStorageTest, InflatesNoMoreThanTheLimit) {
 // Each call of the system takes as long as some hundred bytes.
 TEST_F(BlockStorageTest, LooksAtManyBlocksWithFewCalls) {
   using Call = SimulatedFiles::Call;
-  for (const uint64_t blockSize : {0, 512, 4096}) {
+  for (const uint64_t blockSize : {0u, 512u, 4096u}) {
     image().clear();
     const auto storage = updating();
     storage->setBlockSize(blockSize);

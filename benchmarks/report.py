@@ -76,6 +76,8 @@ ROWS = [
      ["BM_AppendRaw/*", "BM_AppendLevelDB/*", "BM_AppendLMDB/*", "BM_AppendSQLite/*"], BLOCKS, "copy"),
     ("storage", "read and verify blocks", "BM_ReadVelan/*", ["BM_ReadLevelDB/*", "BM_ReadLMDB/*", "BM_ReadSQLite/*"],
      BLOCKS, "copy"),
+    ("storage", "open, read and verify blocks", "BM_OpenAndReadVelan/*",
+     ["BM_OpenAndReadLevelDB/*", "BM_OpenAndReadLMDB/*", "BM_OpenAndReadSQLite/*"], BLOCKS, "copy"),
     ("compression", "deflate, level 1", "BM_Deflate/*", ["BM_DeflateZlib/*", "BM_DeflateLibdeflate/*", "BM_DeflateISAL/*"],
      [4 * KB, 64 * KB, 8 * MB], "read"),
     ("compression", "inflate", "BM_Inflate/*", ["BM_InflateZlib/*", "BM_InflateLibdeflate/*", "BM_InflateISAL/*"],

@@ -264,6 +264,7 @@ class FailureSearch {
                                   bool wildcard) const {
     if (patterns.empty()) return std::nullopt;
     std::vector<QueryToken> tokens;
+    tokens.reserve(patterns.size());
     for (const String& pattern : patterns) {
       tokens.push_back({phrase ? QueryTokenKind::Phrase : QueryTokenKind::Word, {}, pattern, {}, {}});
     }

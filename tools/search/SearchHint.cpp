@@ -20,7 +20,7 @@ constexpr size_t kBytesAsked = 4 << 20;
 
 std::optional<std::string> reasonOfQuery(const TypedQuery& typed) {
   if (std::vector<std::string> doubts = doubtsAbout(typed.reading); !doubts.empty()) return doubts.front();
-  if (const auto doubt = doubtAboutBinding(typed.query->terms())) return doubt;
+  if (auto doubt = doubtAboutBinding(typed.query->terms())) return doubt;
   return std::nullopt;
 }
 

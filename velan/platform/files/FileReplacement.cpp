@@ -50,7 +50,7 @@ std::string withoutLinks(const std::string& path, FileError& error) {
 Data contentsOf(File& file, FileError& error) {
   const int64_t length = file.length();
   void* const bytes = length >= 0 ? std::malloc(std::max<size_t>(static_cast<size_t>(length), 1)) : nullptr;
-  const Data contents = Data::withBytesNoCopy(bytes, static_cast<size_t>(std::max<int64_t>(length, 0)), true);
+  Data contents = Data::withBytesNoCopy(bytes, static_cast<size_t>(std::max<int64_t>(length, 0)), true);
   if (bytes && contents && file.readAt(0, bytes, contents.length()) == length) return contents;
   error = length >= 0 && !contents ? FileError(FileReason::NoMemory) : file.error();
   if (!error) error = FileReason::InputOutput;  // shorter than it says

@@ -88,8 +88,9 @@ TEST(FastWordEnumerator, EqualsASlowClassification) {
 // Each query at each index against a walk over the list of words.
 TEST(FastWordEnumerator, QueriesEqualASlowWalk) {
   std::mt19937 random(8);
-  for (size_t length : {1u, 2u, 7u, 8u, 9u, 40u}) {
-    const std::u16string text = randomText(random, length);
+  for (size_t length : {1u, 2u, 7u, 8u, 9u, 40u, 41u}) {
+    std::u16string text = randomText(random, length);
+    if (length > 40) text.replace(3, 30, 30, u'a');  // a long word
     const auto n = static_cast<int64_t>(length);
     const auto enumerator = FastWordEnumerator::initWithCharacters(text.data(), n, false);
     ASSERT_TRUE(enumerator);
@@ -117,6 +118,10 @@ TEST(FastWordEnumerator, QueriesEqualASlowWalk) {
         EXPECT_EQ(enumerator->containsSeparatorInRange({index, limit}),
                   std::ranges::any_of(String(text).substring(range), separates));
       }
+      const auto next = std::ranges::find_if(words, [&](const Range& word) { return word.location >= index; });
+      int64_t behind = index;
+      EXPECT_EQ(enumerator->enumerateNextWordAtIndex(&behind), next == words.end() ? kAbsentRange : *next) << index;
+      EXPECT_EQ(behind, next == words.end() ? n : endOf(*next)) << index;
       Range around = kAbsentRange;
       bool endBefore = false;
       for (const Range& word : words) {
@@ -157,6 +162,36 @@ TEST(FastWordEnumerator, EnumeratesLongWordsInAnyRange) {
   }
 }
 
+// In blocks of any size, which may be smaller than what is looked at together.
+TEST(FastWordEnumerator, GivesWordsInBlocks) {
+  Chance chance(11);
+  for (int round = 0; round < 300; ++round) {
+    std::u16string text;
+    while (text.size() < 3000) {
+      text.append(1 + chance.below(round % 3 == 0 ? 1000 : round % 3 * 4), chance.oneOf(u"ab日の"));
+      text.append(chance.below(3), u' ');
+    }
+    const auto words = FastWordEnumerator::enumeratorWithString(String(text));
+    Range left = {static_cast<int64_t>(chance.below(3000)), static_cast<int64_t>(chance.below(4000))};
+    const std::vector<Range> expected = slowWords(text, left);
+    std::vector<Range> given;
+    const size_t most = 1 + chance.below(200);
+    const auto block = std::make_unique<Range[]>(most);
+    while (const size_t count = words->wordsInRange(&left, block.get(), most)) {
+      EXPECT_EQ(left.location, endOf(block[count - 1]));
+      given.insert(given.end(), block.get(), block.get() + count);
+    }
+    EXPECT_EQ(given, expected) << round;
+    EXPECT_EQ(left.length, 0);
+  }
+  const auto words = FastWordEnumerator::enumeratorWithString(u"a b"_s);
+  Range left = {0, 3}, one;
+  EXPECT_EQ(words->wordsInRange(&left, &one, 0) + words->wordsInRange(nullptr, &one, 1), 0u);
+  EXPECT_EQ(words->wordsInRange(&left, &one, 1), 1u);
+  words->invalidate();
+  EXPECT_EQ(words->wordsInRange(&left, &one, 1), 0u);
+}
+
 TEST(FastWordEnumerator, EnumeratesWordsDividedOnDemand) {
   const String text(repeated(u"吾輩は猫である。名前は NAME まだ無い", 60));
   const std::vector<Range> expected = wordsOf(*FastWordEnumerator::enumeratorSplittingAsianWords(text));
@@ -185,6 +220,9 @@ TEST(FastWordEnumerator, StopsEnumeratingWhenAsked) {
   EXPECT_EQ(enumerator->enumerateWordsInRange({0, 14}, plain), 2);
   plain = nullptr;
   EXPECT_EQ(enumerator->enumerateWordsInRange({0, 14}, plain), 0);
+  auto counter = [count = 0](const auto&...) mutable { return ++count == 3; };
+  EXPECT_EQ(enumerator->enumerateWordsInRange({0, 4}, counter), 1);
+  EXPECT_EQ(enumerator->enumerateWordsInRange({0, 14}, FastWordEnumerator::WordBlock(counter)), 1);  // the same closure
 }
 
 TEST(FastWordEnumerator, SharesCopiesAndOwnsUnits) {

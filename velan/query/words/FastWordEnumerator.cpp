@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <cstring>
 #include <new>
 
 #include "velan/platform/WordTokenizer.h"
@@ -143,6 +144,7 @@ bool FastWordEnumerator::initIndex(Division division, bool onDemand) {
   if (!makeRoomForIndex()) return false;
   _numWords = _wildcard ? indexWildcardWords(_characters, _length, defaultWildcardSeparators(), _index.get())
                         : indexWords(_characters, _length, defaultWordSeparators(), _index.get());
+  std::memset(_index.get() + _length, kSeparator, kNearUnits);
   if (_marksRuns) markAsianRuns(0, _length);
   try {
     if (division == Division::Now && _hasUndivided) divideAll();
@@ -154,7 +156,7 @@ bool FastWordEnumerator::initIndex(Division division, bool onDemand) {
 
 bool FastWordEnumerator::makeRoomForIndex() const {
   if (_indexCapacity < _length) {
-    _index.reset(new (std::nothrow) uint8_t[_length]);
+    _index.reset(new (std::nothrow) uint8_t[_length + kNearUnits]);
     _indexCapacity = _index ? _length : 0;
   }
   return _index != nullptr;

@@ -2,11 +2,14 @@
 #ifndef VELAN_QUERY_WORDS_FAST_WORD_ENUMERATOR_H
 #define VELAN_QUERY_WORDS_FAST_WORD_ENUMERATOR_H
 
+#include <bit>
 #include <concepts>
 #include <cstddef>
+#include <cstring>
 #include <memory>
 #include <new>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 
 #include "velan/base/FunctionRef.h"
@@ -14,8 +17,15 @@
 
 namespace velan {
 
+class FastWordEnumerator;
 class SearchedText;
 class WordTokenizer;
+
+/// A closure, as an object of its own type, that takes words as `FastWordEnumerator::WordBlock` does.
+template <typename Block>
+concept WordClosure = std::is_class_v<std::remove_cvref_t<Block>> &&
+    std::is_invocable_r_v<bool, Block&, const FastWordEnumerator&, int64_t, int64_t> &&
+    !std::same_as<std::remove_cvref_t<Block>, FunctionRef<bool(const FastWordEnumerator&, int64_t, int64_t)>>;
 
 /// `FastWordEnumerator`: the units of a text with a type for each: separator, start of a word, end of a word.
 ///
@@ -138,7 +148,17 @@ class VELAN_EXPORT FastWordEnumerator {
   Range rangeOfNextWordFromIndex(int64_t index, int64_t end) const;
   /// `enumerateNextWordAtIndex:`: the next word that begins at or after `*index`, which moves to the unit after it.
   /// Absent, and `*index` is the length, when there is none. Begin with 0 and call until the result is absent.
-  Range enumerateNextWordAtIndex(int64_t* index) const;
+  Range enumerateNextWordAtIndex(int64_t* index) const {
+    if (index && static_cast<uint64_t>(*index) < _length && !_onDemand && !_hasUndivided) {
+      const int start = nearestWith(kWordBeginning, *index), last = nearestWith(kWordEnd, *index);
+      if (start <= last && last < kNearUnits) {
+        const Range word = {*index + start, last - start + 1};
+        *index += last + 1;
+        return word;
+      }
+    }
+    return enumerateFarWordAtIndex(index);
+  }
 
   /// `substringWithRange:`: a copy of the units; absent after `invalidate`.
   String substringWithRange(Range range) const;
@@ -152,6 +172,21 @@ class VELAN_EXPORT FastWordEnumerator {
   int64_t enumerateWordsInRange(Range range, WordHandler handler, void* context) const;
   /// `enumerateWordsInRange:block:`: the same with a closure.
   int64_t enumerateWordsInRange(Range range, WordBlock block) const;
+  /// The same with a closure that the compiler sees.
+  template <WordClosure Block>
+  int64_t enumerateWordsInRange(Range range, Block&& block) const {
+    Range words[kWordsAtOnce];
+    int64_t handed = 0;
+    while (const size_t count = wordsInRange(&range, words, kWordsAtOnce)) {
+      for (size_t i = 0; i < count; ++i, ++handed) {
+        if (block(*this, words[i].location, words[i].length)) return handed;
+      }
+    }
+    return handed;
+  }
+  /// Writes the words that `enumerateWordsInRange` hands over first to `words`, at most `most`, and returns how many
+  /// they are; `*range` becomes what is behind the last one. 0 when there is none.
+  size_t wordsInRange(Range* range, Range* words, size_t most) const;
 
   /// `addWordsTo:minLen:hyphenated:`: appends each word of at least `minLen` units to `list` (anything that inserts a
   /// `String` at its end) as a new string. Unless `hyphenated` is null, a word that ends at a hyphen directly followed
@@ -177,6 +212,8 @@ class VELAN_EXPORT FastWordEnumerator {
   enum class Division : uint8_t { Never, Now, OnDemand };
   static constexpr uint8_t kUndivided = 8;  // a type's bit: the run is one that a dictionary has yet to divide
   static constexpr size_t kBlock = 256;     // units that are indexed together
+  static constexpr size_t kWordsAtOnce = 128;
+  static constexpr int kNearUnits = 16;  // whose types can be read from any index within the text
 
   explicit FastWordEnumerator(bool wildcard);
 
@@ -204,10 +241,22 @@ class VELAN_EXPORT FastWordEnumerator {
   size_t findDividedBackwards(size_t start, size_t end, uint8_t mask) const;
   void initWordInRange(Range range) const;
   int64_t wordEndFromIndex(int64_t index) const;
+  // How far behind `index` the first unit with the type is, or `kNearUnits`.
+  int nearestWith(uint8_t type, int64_t index) const {
+    for (int from = 0; from < kNearUnits; from += 8) {
+      uint64_t types;
+      std::memcpy(&types, _index.get() + index + from, sizeof types);
+      types &= type * uint64_t{0x0101010101010101};
+      constexpr bool kLittle = std::endian::native == std::endian::little;
+      if (types != 0) return from + (kLittle ? std::countr_zero(types) : std::countl_zero(types)) / 8;
+    }
+    return kNearUnits;
+  }
+  Range enumerateFarWordAtIndex(int64_t* index) const;
   int64_t continuationAfterHyphen(int64_t wordEnd) const;
   void completeIndex(size_t from, size_t end, bool divides) const;
-  template <bool kDivides, typename Hand>
-  int64_t handWords(Range range, Hand hand) const;
+  template <bool kDivides>
+  size_t takeWords(Range* range, Range* words, size_t most) const;
   // As far as it is known without a dictionary.
   struct Run {
     Range range;
@@ -222,7 +271,8 @@ class VELAN_EXPORT FastWordEnumerator {
   bool _upperCase = false;               // _characters are a copy in upper case
   uint64_t _length = 0;                  // 0 while invalid: every query then fails its bounds check
   bool _onDemand = false;                // the index is made where a query comes to
-  // A type per unit, and of each block whether it has types yet, which all have unless made on demand.
+  // A type per unit with `kNearUnits` separators behind, and of each block whether it has types yet, which all have
+  // unless made on demand.
   mutable std::unique_ptr<uint8_t[]> _index;
   mutable uint64_t _indexCapacity = 0;  // in units
   mutable std::unique_ptr<bool[]> _indexed;

@@ -1,5 +1,6 @@
 // Queries for words, and walking from word to word.
 #include <algorithm>
+#include <span>
 
 #include "velan/base/MutableString.h"
 #include "velan/query/words/FastWordEnumerator.h"
@@ -19,8 +20,8 @@ bool isHyphen(unichar c) { return c == u'-' || c == u'\u00AD' || c == u'\u2010';
 int64_t FastWordEnumerator::numberOfWords(int64_t minLen) const {
   if (minLen < 2) return numberOfWords();
   int64_t count = 0;
-  handWords<true>({0, length()}, [&](size_t start, size_t end) {
-    count += static_cast<int64_t>(end - start) >= minLen;
+  enumerateWordsInRange({0, length()}, [&](const FastWordEnumerator&, int64_t, int64_t wordLength) {
+    count += wordLength >= minLen;
     return false;
   });
   return count;
@@ -68,7 +69,7 @@ Range FastWordEnumerator::rangeOfNextWordFromIndex(int64_t index, int64_t end) c
   return location == NSNotFound ? kAbsentRange : Range{location, wordEndFromIndex(location) - location + 1};
 }
 
-Range FastWordEnumerator::enumerateNextWordAtIndex(int64_t* index) const {
+Range FastWordEnumerator::enumerateFarWordAtIndex(int64_t* index) const {
   if (!index) return kAbsentRange;
   const Range word = rangeOfNextWordFromIndex(std::max<int64_t>(*index, 0), length());
   *index = isPresent(word) ? endOf(word) : length();
@@ -77,15 +78,15 @@ Range FastWordEnumerator::enumerateNextWordAtIndex(int64_t* index) const {
 
 int64_t FastWordEnumerator::enumerateWordsInRange(Range range, WordHandler handler, void* context) const {
   if (!handler) return 0;
-  return handWords<true>(range, [&](size_t start, size_t end) {
-    return handler(*this, static_cast<int64_t>(start), static_cast<int64_t>(end - start), context);
+  return enumerateWordsInRange(range, [=](const FastWordEnumerator& words, int64_t start, int64_t length) {
+    return handler(words, start, length, context);
   });
 }
 
 int64_t FastWordEnumerator::enumerateWordsInRange(Range range, WordBlock block) const {
   if (!block) return 0;
-  return handWords<true>(range, [&](size_t start, size_t end) {
-    return block(*this, static_cast<int64_t>(start), static_cast<int64_t>(end - start));
+  return enumerateWordsInRange(range, [=](const FastWordEnumerator& words, int64_t start, int64_t length) {
+    return block(words, start, length);
   });
 }
 
@@ -98,47 +99,56 @@ void FastWordEnumerator::completeIndex(size_t from, size_t end, bool divides) co
   while (_hasUndivided && (from = findType(_index.get(), from, end, kUndivided)) < end) divideRunAt(from);
 }
 
-// Calls `hand(start, end)` for each word, where each stretch of the text gives its words' starts and ends at once.
-template <bool kDivides, typename Hand>
-int64_t FastWordEnumerator::handWords(Range range, Hand hand) const {
+// Looks at stretches of the text, each of which gives all starts and ends of its words at once; a word that goes on
+// behind its stretch is taken with the next one, or alone where it is as long. Without `kDivides` a run that a
+// dictionary may divide is one word.
+template <bool kDivides>
+size_t FastWordEnumerator::takeWords(Range* range, Range* words, size_t most) const {
   constexpr size_t kStretch = 512;
-  constexpr size_t kRoom = 1 + kStretch + UnitKernels::kCopySlack;
-  unichar starts[kRoom], ends[kRoom];  // of the same words
-  const Range clipped = clippedRange(range, length());
-  const auto rangeEnd = static_cast<size_t>(endOf(clipped));
+  const Range clipped = clippedRange(*range, length());
+  const auto end = static_cast<size_t>(endOf(clipped));
   auto from = static_cast<size_t>(clipped.location);
-  if (from >= rangeEnd) return 0;
-  size_t start = from;  // of the word that goes on
-  completeIndex(from, from + 1, kDivides);
-  bool goesOn = (_index[from] & (kSeparator | kWordBeginning)) == 0;
-  int64_t count = 0;
-  for (size_t length; from < rangeEnd; from += length) {
-    length = std::min(kStretch, rangeEnd - from);
+  size_t count = 0;
+  for (size_t length; from < end && count == 0 && most > 0; from += length) {
+    length = std::min({kStretch, 4 * most, end - from});
     completeIndex(from, from + length, kDivides);
     const uint8_t* types = _index.get() + from;
-    const size_t ended = unitKernels().positions(types, length, kWordEnd, ends);
-    const size_t begun = unitKernels().positions(types, length, kWordBeginning, starts + goesOn) + goesOn;
-    size_t next = 0;
-    if (goesOn && ended > 0 && hand(start, from + ends[next++] + 1)) return count;
-    for (; next < ended; ++next) {
-      if (hand(from + starts[next], from + ends[next] + 1)) return count + static_cast<int64_t>(next);
+    unichar starts[1 + kStretch + UnitKernels::kCopySlack], ends[kStretch + UnitKernels::kCopySlack];
+    const bool isInWord = (types[0] & (kSeparator | kWordBeginning)) == 0;
+    starts[0] = 0;
+    const size_t begun = unitKernels().positions(types, length, kWordBeginning, starts + isInWord) + isInWord;
+    size_t ended = unitKernels().positions(types, length, kWordEnd, ends);
+    count = std::min(ended, most);
+    for (size_t i = 0; i < count; ++i) {
+      words[i] = {static_cast<int64_t>(from + starts[i]), ends[i] - starts[i] + 1};
     }
-    count += static_cast<int64_t>(ended);
-    const bool isLonger = goesOn && ended == 0;
-    goesOn = begun > ended;
-    if (goesOn && !isLonger) start = from + starts[ended];
+    if (count > 0) {
+      length = ends[count - 1] + size_t{1};
+    } else if (begun > 0) {
+      const size_t start = from + starts[0], behind = from + length;
+      const size_t last = kDivides ? findDivided(behind, end, kWordEnd) : findIndexed(behind, end, kWordEnd);
+      const size_t wordEnd = std::min(last + 1, end);
+      words[count++] = {static_cast<int64_t>(start), static_cast<int64_t>(wordEnd - start)};
+      length = wordEnd - from;
+    }
   }
-  return goesOn && !hand(start, rangeEnd) ? count + 1 : count;
+  *range = {static_cast<int64_t>(from), static_cast<int64_t>(end - from)};
+  return count;
+}
+
+size_t FastWordEnumerator::wordsInRange(Range* range, Range* words, size_t most) const {
+  return range && words ? takeWords<true>(range, words, most) : 0;
 }
 
 void FastWordEnumerator::handRuns(Range range, FunctionRef<void(const Run& run)> hand) const {
-  handWords<false>(range, [&](size_t start, size_t end) {
-    const uint8_t first = _index[start], last = _index[end - 1];
-    hand({{static_cast<int64_t>(start), static_cast<int64_t>(end - start)},
-          (first & kWordBeginning) != 0 && (last & kWordEnd) != 0,
-          (first & kUndivided) != 0});
-    return false;
-  });
+  Range runs[kWordsAtOnce];
+  while (const size_t count = takeWords<false>(&range, runs, kWordsAtOnce)) {
+    for (const Range& run : std::span(runs, count)) {
+      const uint8_t first = _index[static_cast<size_t>(run.location)];
+      const uint8_t last = _index[static_cast<size_t>(endOf(run) - 1)];
+      hand({run, (first & kWordBeginning) != 0 && (last & kWordEnd) != 0, (first & kUndivided) != 0});
+    }
+  }
 }
 
 // Where the word goes on whose last unit is before `wordEnd`, when a hyphen and a line end follow; else NSNotFound.
@@ -177,9 +187,9 @@ String FastWordEnumerator::stringBySeparatingWords() const {
   if (!_characters) return String();
   MutableString joined;
   joined.reserve(length());
-  handWords<true>({0, length()}, [&](size_t start, size_t end) {
+  enumerateWordsInRange({0, length()}, [&](const FastWordEnumerator&, int64_t start, int64_t wordLength) {
     if (!joined.isEmpty()) joined.appendCharacter(u' ');
-    joined.appendCharacters(_characters + start, static_cast<int64_t>(end - start));
+    joined.appendCharacters(_characters + start, wordLength);
     return false;
   });
   return joined.takeString();

@@ -60,6 +60,11 @@ Measured prepareIndex(const String& text, bool caseInsensitive) {
   return [=] { return FastWordEnumerator::enumeratorWithString(text, caseInsensitive, false)->numberOfWords(); };
 }
 
+// With the copy in upper case, which is made when it is asked for.
+Measured prepareUpperUnits(const String& text) {
+  return [=] { return int64_t{FastWordEnumerator::enumeratorWithString(text, true, false)->characters()[0]}; };
+}
+
 // With memory that is used again, as for many short texts.
 Measured prepareIndexAgain(const String& text) {
   return [text, words = std::shared_ptr(FastWordEnumerator::enumeratorWithString(text))] {
@@ -149,6 +154,7 @@ constexpr std::pair<const char*, Prepare> kOperations[] = {
     {"index/plain_loop", prepareRun<indexPlainly>},
     {"index/icu", prepareRun<indexByICU>},
     {"index_upper/velan", [](const String& text) { return prepareIndex(text, true); }},
+    {"index_upper_units/velan", prepareUpperUnits},
     {"index_again/velan", prepareIndexAgain},
     {"walk/velan", prepareWalk},
     {"walk/steps", prepareSteps},

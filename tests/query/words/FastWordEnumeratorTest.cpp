@@ -3,6 +3,7 @@
 #include <list>
 
 #include "tests/Testing.h"
+#include "velan/query/WordFinder.h"
 #include "velan/query/words/EastAsianWords.h"
 #include "velan/query/words/FastWordEnumerator.h"
 #include "velan/query/words/WordIndexInternal.h"
@@ -248,6 +249,37 @@ TEST(FastWordEnumerator, SharesCopiesAndOwnsUnits) {
   EXPECT_TRUE(owning->setCharacters(unitsFromMalloc(), 2, true));
   EXPECT_FALSE(owning->setCharacters(unitsFromMalloc(), -1, true));
   EXPECT_EQ(owning->length(), 0);
+}
+
+// Searches take units in any case for those in upper case: no unit that has another case may divide words.
+TEST(FastWordEnumerator, NothingThatDividesWordsHasCase) {
+  for (size_t i = 0; i < VelanTableLength; ++i) {
+    const auto c = static_cast<unichar>(i), upper = toUpper(c);
+    for (const unichar either : {c, upper}) {
+      if (c == upper) continue;
+      for (const uint8_t* rep : {defaultWordSeparators(), defaultWildcardSeparators(), defaultLineSeparators()}) {
+        EXPECT_FALSE(isMemberOfCharacterSetRep(rep, either)) << i;
+      }
+      EXPECT_FALSE(isMemberOfCharacterSetRep(spaceCharacterSetRep(), either) || isEastAsianUnichar(either)) << i;
+      EXPECT_EQ(std::u16string_view(u"*?[]-\xAD\x2010").find(either), std::u16string_view::npos) << i;
+    }
+  }
+}
+
+TEST(FastWordEnumerator, CopiesInUpperCaseOnce) {
+  const String text(repeated(u"Straße Öl ", 5000));
+  const auto words = FastWordEnumerator::enumeratorWithString(text, true, false);
+  EXPECT_EQ(FindWordInString(*words, 0, text.length(), u"öl", 2, QueryComparison::IgnoreCase, true), 7);
+  const std::u16string expected = repeated(u"STRAßE ÖL ", 5000);
+  const unichar* seen[8];
+  inThreads(8, [&](int i) {
+    seen[i] = words->characters();
+    EXPECT_EQ(std::u16string_view(seen[i], expected.size()), expected);
+    EXPECT_EQ(FindWordInString(*words, 0, text.length(), u"öl", 2, QueryComparison::IgnoreCase, true), 7);
+  });
+  for (const unichar* units : seen) EXPECT_EQ(units, seen[0]);
+  EXPECT_EQ(FindWordInString(*words, 0, text.length(), u"OL", 2, QueryComparison::IgnoreDiacritics, true), 7);
+  EXPECT_EQ(text.characters()[1], u't');
 }
 
 TEST(FastWordEnumerator, IsNeutralWithoutText) {

@@ -38,8 +38,8 @@ SearchedText::SearchedText(const FastWordEnumerator& enumerator, QueryComparison
     : _words(&enumerator),
       _length(static_cast<int64_t>(enumerator.length())),
       _patternTable(comparisonTable(comparisonOn(enumerator, comparison))),
-      _table(enumerator.isCaseInsensitive() && _patternTable == initUpperCharsTable() ? nullptr : _patternTable),
-      _units(enumerator.characters()),
+      _units(enumerator.searchedCharacters()),
+      _table(enumerator.areInUpperCase(_units) && _patternTable == initUpperCharsTable() ? nullptr : _patternTable),
       _separators(enumerator._onDemand ? defaultWordSeparators() : nullptr),
       _mayBeDivided(enumerator._marksRuns),
       _literals(literals) {}
@@ -48,8 +48,8 @@ SearchedText::SearchedText(QueryComparison comparison, const LiteralSet* literal
     : _words(nullptr),
       _length(0),
       _patternTable(comparisonTable(comparison)),
-      _table(_patternTable),
       _units(nullptr),
+      _table(_patternTable),
       _separators(defaultWordSeparators()),
       _mayBeDivided(FastWordEnumerator::splitAsianWords()),
       _literals(literals) {}

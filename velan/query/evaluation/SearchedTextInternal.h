@@ -224,8 +224,8 @@ class SearchedText {
   mutable const FastWordEnumerator* _words;
   int64_t _length;
   const unichar* const _patternTable;
-  const unichar* const _table;  // what the units still have to be mapped through
   const unichar* _units;
+  const unichar* const _table;  // what the units still have to be mapped through
   // Unless the index is made already the words around a place are found without it: by the separators, where no
   // dictionary may divide what lies between them. Null where it is made.
   const uint8_t* const _separators;

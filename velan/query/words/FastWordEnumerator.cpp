@@ -40,12 +40,10 @@ std::unique_ptr<FastWordEnumerator> FastWordEnumerator::create(const String& str
   std::unique_ptr<FastWordEnumerator> enumerator(new (std::nothrow) FastWordEnumerator(wildcard));
   if (!enumerator) return nullptr;
   enumerator->_string = string;
-  if (caseInsensitive) {
-    if (!enumerator->copyInUpperCase(string.characters(), string.length())) return nullptr;
-  } else {
-    enumerator->_characters = string.characters();
-    enumerator->_length = static_cast<uint64_t>(string.length());
-  }
+  enumerator->_characters = string.characters();
+  enumerator->_length = static_cast<uint64_t>(string.length());
+  enumerator->_upperCase = caseInsensitive;
+  if (caseInsensitive && !(enumerator->_upper = allocateUnits(string.length()))) return nullptr;
   return enumerator->initIndex(division, onDemand) ? std::move(enumerator) : nullptr;
 }
 
@@ -80,10 +78,12 @@ std::unique_ptr<FastWordEnumerator> FastWordEnumerator::initWithCharacters(const
                                                                            bool caseInsensitive) {
   if (!characters || length <= 0) return nullptr;
   if (!caseInsensitive) return enumeratorWithString(String::withCharacters(characters, length));
-  std::unique_ptr<FastWordEnumerator> enumerator(new (std::nothrow) FastWordEnumerator(false));
-  const bool ready = enumerator && enumerator->copyInUpperCase(characters, length) &&
-                     enumerator->initIndex(divisionBySetting(), false);
-  return ready ? std::move(enumerator) : nullptr;
+  unichar* const copy = allocateUnits(length);
+  if (!copy) return nullptr;
+  mapUnits(characters, static_cast<size_t>(length), initUpperCharsTable(), copy);
+  auto enumerator = initWithCharactersNoCopy(copy, length, true);
+  if (enumerator) enumerator->_upperCase = true;
+  return enumerator;
 }
 
 std::unique_ptr<FastWordEnumerator> FastWordEnumerator::initWithCharactersNoCopy(const unichar* characters,
@@ -106,6 +106,9 @@ bool FastWordEnumerator::setCharacters(const unichar* characters, int64_t length
 
 void FastWordEnumerator::releaseCharacters() {
   if (_freeCharacters) std::free(const_cast<unichar*>(_characters));
+  std::free(_upper);
+  _upper = nullptr;
+  _copy = Copy::None;
   _upperCase = false;
   _freeCharacters = false;
   _characters = nullptr;
@@ -124,15 +127,18 @@ void FastWordEnumerator::invalidate() {
   _tokenizer.reset();
 }
 
-bool FastWordEnumerator::copyInUpperCase(const unichar* characters, int64_t length) {
-  unichar* const copy = allocateUnits(length);
-  if (!copy) return false;
-  mapUnits(characters, static_cast<size_t>(length), initUpperCharsTable(), copy);
-  _characters = copy;
-  _freeCharacters = true;
-  _length = static_cast<uint64_t>(length);
-  _upperCase = true;
-  return true;
+// Whoever comes first makes the copy, and others wait for it. Searches go without: no unit that divides words has
+// another case.
+const unichar* FastWordEnumerator::charactersInUpperCase() const {
+  Copy copy = _copy.load(std::memory_order_acquire);
+  if (copy == Copy::None && _copy.compare_exchange_strong(copy, Copy::BeingMade)) {
+    mapUnits(_characters, _length, initUpperCharsTable(), _upper);
+    _copy.store(Copy::Made, std::memory_order_release);
+    _copy.notify_all();
+  } else {
+    _copy.wait(Copy::BeingMade, std::memory_order_acquire);
+  }
+  return _upper;
 }
 
 bool FastWordEnumerator::initIndex(Division division, bool onDemand) {
@@ -173,19 +179,19 @@ String FastWordEnumerator::string() const { return _string ? _string : substring
 String FastWordEnumerator::substringWithRange(Range range) const {
   if (!_characters) return String();
   const Range clipped = clippedRange(range, length());
-  return String::withCharacters(_characters + clipped.location, clipped.length);
+  return String::withCharacters(characters() + clipped.location, clipped.length);
 }
 
 String FastWordEnumerator::lowercaseSubstringWithRange(Range range) const {
   if (!_characters) return String();
   const Range clipped = clippedRange(range, length());
-  return mappedString({_characters + clipped.location, static_cast<size_t>(clipped.length)}, initLowerCharsTable());
+  return mappedString({characters() + clipped.location, static_cast<size_t>(clipped.length)}, initLowerCharsTable());
 }
 
 String FastWordEnumerator::uppercaseSubstringWithRange(Range range) const {
   if (!_characters) return String();
   const Range clipped = clippedRange(range, length());
-  return mappedString({_characters + clipped.location, static_cast<size_t>(clipped.length)}, initUpperCharsTable());
+  return mappedString({characters() + clipped.location, static_cast<size_t>(clipped.length)}, initUpperCharsTable());
 }
 
 }  // namespace velan

@@ -2,6 +2,7 @@
 #ifndef VELAN_QUERY_WORDS_FAST_WORD_ENUMERATOR_H
 #define VELAN_QUERY_WORDS_FAST_WORD_ENUMERATOR_H
 
+#include <atomic>
 #include <bit>
 #include <concepts>
 #include <cstddef>
@@ -47,8 +48,9 @@ class VELAN_EXPORT FastWordEnumerator {
   /// `enumeratorWithString:`: over the units of `string`, which it keeps alive.
   static std::unique_ptr<FastWordEnumerator> enumeratorWithString(const String& string);
   /// `enumeratorWithString:caseInsensitive:wildcard:`: with `caseInsensitive` over a copy of the units, each replaced
-  /// by its entry in the upper-case table. With `wildcard` the text is a pattern: "*", "?", "[" and "]" are word units,
-  /// and a set between brackets belongs to its word, separators included (their type is then 0).
+  /// by its entry in the upper-case table; memory for the copy is had at once, and it is made at the first question for
+  /// its units. With `wildcard` the text is a pattern: "*", "?", "[" and "]" are word units, and a set between brackets
+  /// belongs to its word, separators included (their type is then 0).
   static std::unique_ptr<FastWordEnumerator> enumeratorWithString(const String& string, bool caseInsensitive,
                                                                   bool wildcard);
   /// Over the units of `string`, dividing runs with ideographs or kana whatever `splitAsianWords` says.
@@ -98,8 +100,8 @@ class VELAN_EXPORT FastWordEnumerator {
   String string() const;
   /// `characters`: the units that are indexed, in upper case if created to ignore case. Valid until the enumerator
   /// changes or goes; null after `invalidate`.
-  const unichar* characters() const { return _characters; }
-  /// Whether the units are a copy in upper case.
+  const unichar* characters() const { return _upper ? charactersInUpperCase() : _characters; }
+  /// Whether the units are those of a copy in upper case.
   bool isCaseInsensitive() const { return _upperCase; }
   /// `length`: the number of units.
   int64_t length() const { return static_cast<int64_t>(_length); }
@@ -221,7 +223,13 @@ class VELAN_EXPORT FastWordEnumerator {
   static std::unique_ptr<FastWordEnumerator> create(const String& string, bool caseInsensitive, bool wildcard,
                                                     Division division, bool onDemand);
   static void storeSplitAsianWords(bool split);
-  bool copyInUpperCase(const unichar* characters, int64_t length);
+  const unichar* charactersInUpperCase() const;
+  // The units in upper case where that has been made, else as they are: words are the same in both.
+  const unichar* searchedCharacters() const {
+    return _copy.load(std::memory_order_acquire) == Copy::Made ? _upper : _characters;
+  }
+  // Whether `units`, which are the searched ones, have been in the upper table.
+  bool areInUpperCase(const unichar* units) const { return _upperCase && (!_upper || units == _upper); }
   bool initIndex(Division division, bool onDemand);
   bool makeRoomForIndex() const;
   void indexAround(size_t index) const {
@@ -268,9 +276,12 @@ class VELAN_EXPORT FastWordEnumerator {
   String _string;                        // absent when made from units
   const unichar* _characters = nullptr;  // into _string, the caller's, or owned
   bool _freeCharacters = false;          // _characters are owned
-  bool _upperCase = false;               // _characters are a copy in upper case
-  uint64_t _length = 0;                  // 0 while invalid: every query then fails its bounds check
-  bool _onDemand = false;                // the index is made where a query comes to
+  bool _upperCase = false;               // _characters are a copy in upper case, unless there is room for one
+  unichar* _upper = nullptr;             // room for _characters in upper case, or null; owned
+  enum class Copy : uint8_t { None, BeingMade, Made };
+  mutable std::atomic<Copy> _copy{Copy::None};  // what is in that room
+  uint64_t _length = 0;                         // 0 while invalid: every query then fails its bounds check
+  bool _onDemand = false;                       // the index is made where a query comes to
   // A type per unit with `kNearUnits` separators behind, and of each block whether it has types yet, which all have
   // unless made on demand.
   mutable std::unique_ptr<uint8_t[]> _index;

@@ -124,7 +124,7 @@ size_t FastWordEnumerator::findDividedBackwards(size_t start, size_t end, uint8_
 void FastWordEnumerator::initWordInRange(Range range) const {
   if (!_tokenizer) _tokenizer = WordTokenizer::create();
   if (!_tokenizer) return;
-  const std::u16string_view run(_characters + range.location, static_cast<size_t>(range.length));
+  const std::u16string_view run(characters() + range.location, static_cast<size_t>(range.length));
   uint8_t* const types = _index.get();
   _tokenizer->enumerateTokens(run, [&](const WordTokenizer::Token& token) {
     const int64_t start = range.location + token.location;

@@ -165,17 +165,18 @@ int64_t FastWordEnumerator::continuationAfterHyphen(int64_t wordEnd) const {
 void FastWordEnumerator::enumerateWords(int64_t minLen, bool* hyphenated,
                                         FunctionRef<void(std::u16string_view word)> handle) const {
   if (hyphenated) *hyphenated = false;
+  const unichar* const characters = this->characters();
   std::u16string joined;
   int64_t index = 0;
   for (Range word; isPresent(word = enumerateNextWordAtIndex(&index));) {
-    std::u16string_view units(_characters + word.location, static_cast<size_t>(word.length));
+    std::u16string_view units(characters + word.location, static_cast<size_t>(word.length));
     int64_t next = hyphenated ? continuationAfterHyphen(index) : NSNotFound;
     if (next != NSNotFound) {
       *hyphenated = true;
       joined = units;
       for (; next != NSNotFound; next = continuationAfterHyphen(index)) {
         index = wordEndFromIndex(next) + 1;
-        joined.append(_characters + next, static_cast<size_t>(index - next));
+        joined.append(characters + next, static_cast<size_t>(index - next));
       }
       units = joined;
     }
@@ -185,11 +186,12 @@ void FastWordEnumerator::enumerateWords(int64_t minLen, bool* hyphenated,
 
 String FastWordEnumerator::stringBySeparatingWords() const {
   if (!_characters) return String();
+  const unichar* const characters = this->characters();
   MutableString joined;
   joined.reserve(length());
   enumerateWordsInRange({0, length()}, [&](const FastWordEnumerator&, int64_t start, int64_t wordLength) {
     if (!joined.isEmpty()) joined.appendCharacter(u' ');
-    joined.appendCharacters(_characters + start, wordLength);
+    joined.appendCharacters(characters + start, wordLength);
     return false;
   });
   return joined.takeString();

@@ -28,6 +28,38 @@ TEST(SetFilteredComparison, EqualAndPrefix) {
   EXPECT_FALSE(equalStringsUsingCharacterSetRep(u"a", u"a", nullptr));
 }
 
+// Texts whose members lie at the same places for long, for short, or nowhere, and that differ at last.
+TEST(SetFilteredComparison, EqualsASlowComparison) {
+  Chance chance(3);
+  std::vector<uint8_t> lopsided(alphaCharacterSetRep(), alphaCharacterSetRep() + VelanTableLength / 8);
+  lopsided['a' / 8] = 0x02;  // of a to g only "a", but A to G
+  const uint8_t* const sets[] = {alphaCharacterSetRep(), lopsided.data(), whiteCharacterSetRep()};
+  for (int round = 0; round < 4000; ++round) {
+    const uint8_t* rep = sets[chance.below(3)];
+    const size_t rarity = 1 + chance.below(round % 2 == 0 ? 20 : 900);
+    std::u16string a, b;
+    for (size_t left = chance.below(round % 8 == 0 ? 3000 : 100); left > 0; --left) {
+      const unichar c = chance.oneOf(u"abcxyzäß дя \n,.日ÿ");
+      a += c;
+      b += chance.below(4) == 0 ? c : toUpper(c);
+      if (chance.below(rarity) == 0) (chance.below(2) ? a : b).append(1 + chance.below(3), chance.oneOf(u".a \n"));
+    }
+    if (!b.empty() && chance.below(3) == 0) b.resize(chance.below(b.size()));
+    for (const bool noCase : {false, true}) {
+      const auto members = [&](std::u16string text) {
+        std::erase_if(text, [&](unichar c) { return !isMemberOfCharacterSetRep(rep, c); });
+        if (noCase) std::ranges::transform(text, text.begin(), toUpper);
+        return text;
+      };
+      const bool equal = members(a) == members(b), prefix = members(a).starts_with(members(b));
+      const auto exactA = exactCopy<unichar>(a), exactB = exactCopy<unichar>(b);
+      const auto ask = [&](auto* question) { return question(exactA.get(), a.size(), exactB.get(), b.size(), rep); };
+      EXPECT_EQ(ask(noCase ? equalCharsNoCaseOfCharacterSetRep : equalCharsOfCharacterSetRep), equal) << round;
+      EXPECT_EQ(ask(noCase ? hasPrefixCharsNoCaseOfCharacterSetRep : hasPrefixCharsOfCharacterSetRep), prefix) << round;
+    }
+  }
+}
+
 TEST(CharacterSearch, CaseAndStart) {
   const String text = u"xAaB1a\x00DF";
   const Cases<const char*, unichar, int64_t, bool, int64_t, int64_t, int64_t> cases = {

@@ -16,6 +16,8 @@
 namespace velan {
 namespace {
 
+using namespace std::string_view_literals;
+
 // Letters of several lengths of rings, surrogates, the first and the last unit, and pages of all kinds.
 constexpr std::u16string_view kLetters =
     u"aAbBkK\x212A\xE4\xC4sS\x17F\x390\x3B9\x434\x414\x440\x420. \x3042\x4E00\xFFFF";
@@ -143,6 +145,35 @@ TEST(UnitKernels, MapAndCompare) {
         results += static_cast<unichar>(run.mismatch(units, mapped.get(), length, mappingOf(nullptr)));
         return results;
       });
+    }
+  }
+}
+
+// Sets that hold both cases of all letters, or of some only one; hints that go from one part of a text to the next.
+TEST(UnitKernels, CompareMembers) {
+  std::vector<uint8_t> both(alphaCharacterSetRep(), alphaCharacterSetRep() + VelanTableLength / 8), one = both,
+                                                                                                    few = both;
+  for (const unichar c : {u'b', u'\x434', u'\xE4'}) one[c >> 3] &= static_cast<uint8_t>(~(1u << (c & 7)));
+  few[u'\x434' >> 3] &= static_cast<uint8_t>(~(1u << (u'\x434' & 7)));
+  const unichar* none = nullptr;
+  for (const unichar* table : {none, upperCharsTable(), umlautsCharsTable(), foreignTable()}) {
+    const UnitMapping mapping = mappingOf(table);
+    for (const std::vector<uint8_t>* set : {&both, &one, &few}) {
+      for (const std::u16string_view letters : {kLetters, kManyPages, u"a .\x434\x44F\x414"sv}) {
+        expectEqualResults(letters, [&](const UnitKernels& run, const unichar* units, size_t length) {
+          const auto other = std::make_unique<unichar[]>(length);
+          for (size_t i = 0; i < length; ++i) {
+            other[i] = i % 97 == 41 ? u'b' : i % 5 < length % 5 ? units[i] : table ? toUpper(units[i]) : units[i];
+          }
+          std::vector<size_t> results;
+          MemberHints hints;
+          for (size_t from = 0; from < length; from += results.back() + 1) {
+            results.push_back(
+                run.mismatchOfMembers(units + from, other.get() + from, length - from, set->data(), mapping, hints));
+          }
+          return results;
+        });
+      }
     }
   }
 }

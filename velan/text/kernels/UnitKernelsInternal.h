@@ -87,6 +87,13 @@ struct SetHints {
   uint8_t runSearches = 8;  // that are still worth it
 };
 
+/// The same of two texts that are compared by what they have of a set.
+struct MemberHints {
+  SetHints set;
+  unichar windows[2] = {};     // whose units are in the set together with what they become; 0 for none
+  uint8_t windowSearches = 8;  // that are still worth it
+};
+
 /// The bitmap of a set of ASCII, and of no other of the first units: as long as a vector looks up at once.
 using ASCIISet = std::array<uint8_t, 0x80>;
 
@@ -119,6 +126,10 @@ struct UnitKernels {
   void (*map)(const unichar* units, size_t count, const UnitMapping& mapping, unichar* mapped);
   /// The first position where the units of `a` and `b` differ through `mapping`.
   size_t (*mismatch)(const unichar* a, const unichar* b, size_t length, const UnitMapping& mapping);
+  /// The same of the members of the set `rep`: where one unit is a member and the other is not, or both are and differ.
+  /// `hints` are those of the parts of both texts before.
+  size_t (*mismatchOfMembers)(const unichar* a, const unichar* b, size_t length, const uint8_t* rep,
+                              const UnitMapping& mapping, MemberHints& hints);
   /// The least of `positions` where `head` lies in `text`, which has `positions + head.length - 1` units, or
   /// `positions`.
   NeedlePosition (*findHead)(const unichar* text, size_t positions, const NeedleHead& head);

@@ -4,6 +4,7 @@
 
 #include "velan/text/kernels/FilterTestsInternal.h"
 #include "velan/text/kernels/MappingLoopsInternal.h"
+#include "velan/text/kernels/MemberLoopsInternal.h"
 #include "velan/text/kernels/NeedleLoopsInternal.h"
 #include "velan/text/kernels/PositionLoopsInternal.h"
 #include "velan/text/kernels/RunLoopsInternal.h"
@@ -77,6 +78,12 @@ struct UnitLoops {
                          [&](size_t i) { return mapping.table[a[i]] != mapping.table[b[i]]; });
   }
 
+  static size_t mismatchOfMembers(const unichar* a, const unichar* b, size_t length, const uint8_t* rep,
+                                  const UnitMapping& mapping, MemberHints& hints) {
+    unichar windows[] = {0x400, 0x380, 0x80};
+    return mismatchOfMembersIn<V>(a, b, length, {rep, mapping, hints, windows});
+  }
+
   static NeedlePosition findHead(const unichar* text, size_t positions, const NeedleHead& head) {
     using enum NeedleHead::Telling;
     if (head.telling == Table) return findHeadBy<Scalar, TableTest, true>(text, positions, head);
@@ -116,6 +123,7 @@ struct UnitLoops {
       .positions = positions,
       .map = map,
       .mismatch = mismatch,
+      .mismatchOfMembers = mismatchOfMembers,
       .findHead = findHead,
       .countHead = countHead,
       .gatherHead = gatherHead,

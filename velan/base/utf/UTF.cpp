@@ -180,7 +180,7 @@ Transcoded toUTF8Lossy(std::u16string_view utf16, char* bytes) {
 // False, with a part appended, when a piece was not converted to its end.
 template <typename Convert>
 bool appendPieces(std::u16string_view utf16, std::string& utf8, Convert convert) {
-  constexpr size_t kPiece = 1024;  // units
+  constexpr size_t kPiece = 4096;  // units
   constexpr size_t kShort = 128;
   if (utf16.size() <= kShort) {
     char bytes[kShort * kMaxUTF8BytesPerUnit];

@@ -289,6 +289,39 @@ TEST(QueryEvaluation, ManyPlaces) {
   }
 }
 
+// In long texts few literals are looked for together as long as they are not dense, and one by one behind. Without
+// preparation each term is looked for alone.
+TEST(QueryEvaluation, FewTermsInLongTexts) {
+  Chance chance(4);
+  constexpr std::u16string_view kTerms[] = {u"ab", u"abc*", u"*ba*", u"ca", u"caba", u"eteqzq*", u"\"ab ca\"", u"B*"};
+  constexpr std::u16string_view kJoints[] = {u" OR ", u" AND ", u" NEAR/3 ", u" XOR ", u" BEFORE/2 "};
+  constexpr std::u16string_view kWords[] = {u"ab ", u"abca, ", u"caba ", u"eteqzqe ", u"B ", u"c\u00E4b "};
+  for (int i = 0; i < 600; ++i) {
+    std::u16string text;
+    for (size_t left = 2 + chance.below(4); left > 0; --left) {
+      const std::u16string apart = repeated(u"zz ", left % 2 == 0 ? 3 + chance.below(60) : 0);
+      while (text.size() % 2000 < 1900) (text += chance.oneOf(kWords)) += apart;
+      text += repeated(u"zz ", 34);
+    }
+    std::u16string query(chance.oneOf(kTerms));
+    for (size_t left = 1 + chance.below(4); left > 0; --left) (query += chance.oneOf(kJoints)) += chance.oneOf(kTerms);
+    const QueryComparison comparison = i % 3 == 0 ? IgnoreCase : Exact;
+    const bool wildcard = i % 5 > 1;
+    const std::shared_ptr<const QueryTerms> terms =
+        wildcard ? QueryTerms::initWithWildcard(query) : QueryTerms::initWithString(query);
+    const auto prepared = PreparedQuery::queryWithTerms(terms, comparison, wildcard);
+    const auto words = prepared->enumeratorWithString(text);
+    SCOPED_TRACE(String(query).toUTF8() + '\n' + String(text).toUTF8());
+    QueryMatcher matcher(*prepared, *words);
+    const Range all{0, NSNotFound};
+    const bool matches =
+        matchesString(*words, *terms, nullptr, QueryOperator::Mixed, 0, 0, all.length, comparison, wildcard);
+    EXPECT_TRUE(i % 2 == 0 || matcher.matches() == matches);
+    EXPECT_EQ(dumpOf(matcher.occurrences(all)), dumpOf(queryOccurrences(*words, *terms, all, comparison, wildcard)));
+    EXPECT_EQ(QueryMatcher(*prepared, *words).contains(), containsString(*words, *terms, comparison, wildcard));
+  }
+}
+
 // Counting words over distances of many units, to both ends of the text.
 TEST(QueryEvaluation, DistancesOverLongWords) {
   Chance chance(3);

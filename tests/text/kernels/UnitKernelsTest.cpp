@@ -243,6 +243,38 @@ TEST(UnitKernels, GatherNeedles) {
   }
 }
 
+TEST(UnitKernels, GatherAnyOfSomeNeedles) {
+  NeedleClasses classes;
+  const std::u16string_view needles[] = {u"aBk", u"KKa", u"a. ", u"\x434\x414\x440", u"\xFFFFsS"};
+  for (unsigned needle = 0; needle < std::size(needles); ++needle) {
+    for (size_t probe = 0; probe < 3; ++probe) classes.add(probe, needles[needle][probe], needle);
+  }
+  for (unichar c = 0; c < 0x80; ++c) classes.add(2, c, 1);  // for any unit that follows
+  for (const std::u16string_view letters : {kLetters, kLetters.substr(0, 6)}) {
+    expectEqualResults(letters, [&](const UnitKernels& run, const unichar* units, size_t length) {
+      const size_t positions = length < 2 ? 0 : length - 2, most = 1 + length % 70;
+      std::vector<size_t> all, expected;
+      const auto found = std::make_unique<unichar[]>(most + UnitKernels::kGatherSlack);
+      for (size_t from = 0; from < positions;) {
+        const NeedlePositions gathered = run.gatherAny(units + from, positions - from, classes, found.get(), most);
+        for (size_t i = 0; i < gathered.count; ++i) all.push_back(from + found[i]);
+        if (gathered.end == 0 || gathered.end > positions - from) return std::vector<size_t>{SIZE_MAX};
+        from += gathered.end;
+      }
+      for (size_t i = 0; i < positions; ++i) {
+        for (const std::u16string_view needle : needles) {
+          const size_t probes = needle == needles[1] ? 2 : 3;
+          size_t same = 0;
+          while (same < probes && units[i + same] % 0x80 == needle[same] % 0x80) ++same;
+          if (same == probes && (expected.empty() || expected.back() != i)) expected.push_back(i);
+        }
+      }
+      EXPECT_EQ(all, expected);
+      return all;
+    });
+  }
+}
+
 TEST(Preimages, FiltersOfEveryUnit) {
   for (const unichar* table : {upperCharsTable(), umlautsCharsTable(), lowerUmlautsCharsTable()}) {
     const std::u16string_view entries(table, VelanTableLength);

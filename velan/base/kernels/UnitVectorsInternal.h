@@ -71,6 +71,7 @@ struct Units128 {
   static constexpr unsigned kBits = 2;
   static constexpr unichar kWindow = 128;
   static constexpr unichar kTableWindow = 0;
+  static constexpr bool kKnowsLowBits = false;
   static constexpr size_t kAhead = 0;
 
   __m128i v;
@@ -127,6 +128,17 @@ struct Units128 {
     return _mm_cmpeq_epi16(_mm_and_si128(bytes, bit), bit);
   }
 
+  /// Of each unit the entry for its four low bits; what is in the high bytes has no meaning.
+  Units128 byNibble(const uint8_t* table) const {
+    const auto entries = _mm_loadu_si128(reinterpret_cast<const __m128i*>(table));
+    return {_mm_shuffle_epi8(entries, _mm_and_si128(v, _mm_set1_epi16(0x0F)))};
+  }
+  /// Where the low bytes of three have a bit in common.
+  static Matches haveCommonBits(Units128 a, Units128 b, Units128 c) {
+    const auto bits = _mm_slli_epi16(_mm_and_si128(_mm_and_si128(a.v, b.v), c.v), 8);
+    return inverse(_mm_cmpeq_epi16(bits, _mm_setzero_si128()));
+  }
+
   static Matches both(Matches a, Matches b) { return _mm_and_si128(a, b); }
   static Matches either(Matches a, Matches b) { return _mm_or_si128(a, b); }
   static Matches inverse(Matches m) { return _mm_xor_si128(m, _mm_set1_epi16(-1)); }
@@ -156,6 +168,7 @@ struct Units256 {
   static constexpr unsigned kBits = 2;
   static constexpr unichar kWindow = 128;
   static constexpr unichar kTableWindow = 0;
+  static constexpr bool kKnowsLowBits = false;
   static constexpr size_t kAhead = 0;
 
   __m256i v;
@@ -210,6 +223,17 @@ struct Units256 {
     return _mm256_cmpeq_epi16(_mm256_and_si256(bytes, bit), bit);
   }
 
+  /// Of each unit the entry for its four low bits; what is in the high bytes has no meaning.
+  Units256 byNibble(const uint8_t* table) const {
+    const auto entries = _mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(table)));
+    return {_mm256_shuffle_epi8(entries, _mm256_and_si256(v, _mm256_set1_epi16(0x0F)))};
+  }
+  /// Where the low bytes of three have a bit in common.
+  static Matches haveCommonBits(Units256 a, Units256 b, Units256 c) {
+    const auto bits = _mm256_slli_epi16(_mm256_and_si256(_mm256_and_si256(a.v, b.v), c.v), 8);
+    return inverse(_mm256_cmpeq_epi16(bits, _mm256_setzero_si256()));
+  }
+
   static Matches both(Matches a, Matches b) { return _mm256_and_si256(a, b); }
   static Matches either(Matches a, Matches b) { return _mm256_or_si256(a, b); }
   static Matches inverse(Matches m) { return _mm256_xor_si256(m, _mm256_set1_epi16(-1)); }
@@ -242,6 +266,7 @@ struct Units512 {
   static constexpr unsigned kBits = 1;
   static constexpr unichar kWindow = 1024;
   static constexpr unichar kTableWindow = 128;
+  static constexpr bool kKnowsLowBits = true;
   static constexpr size_t kAhead = kUnits;
 
   __m512i v;
@@ -304,6 +329,15 @@ struct Units512 {
     return _mm512_test_epi16_mask(bytes, _mm512_sllv_epi16(_mm512_set1_epi16(1), column));
   }
 
+  /// Of each unit the entry for its seven low bits; what is in the high bytes has no meaning.
+  Units512 byLowBits(const uint8_t* table) const {
+    return {_mm512_permutex2var_epi8(_mm512_loadu_si512(table), v, _mm512_loadu_si512(table + 64))};
+  }
+  /// Where the low bytes of three have a bit in common.
+  static Matches haveCommonBits(Units512 a, Units512 b, Units512 c) {
+    return _mm512_test_epi16_mask(_mm512_ternarylogic_epi64(a.v, b.v, c.v, 0x80), _mm512_set1_epi16(0xFF));
+  }
+
   static Matches both(Matches a, Matches b) { return a & b; }
   static Matches either(Matches a, Matches b) { return a | b; }
   static Matches inverse(Matches m) { return ~m; }
@@ -328,6 +362,7 @@ struct UnitsNeon {
   static constexpr unsigned kBits = 8;
   static constexpr unichar kWindow = 128;
   static constexpr unichar kTableWindow = 0;
+  static constexpr bool kKnowsLowBits = false;
   static constexpr size_t kAhead = 0;
 
   uint16x8_t v;
@@ -381,6 +416,16 @@ struct UnitsNeon {
     const uint16x8_t column = vandq_u16(v, vdupq_n_u16(7));
     const uint16x8_t bit = vshlq_u16(vdupq_n_u16(1), vreinterpretq_s16_u16(column));
     return vtstq_u16(vreinterpretq_u16_u8(bytes), bit);
+  }
+
+  /// Of each unit the entry for its four low bits; what is in the high bytes has no meaning.
+  UnitsNeon byNibble(const uint8_t* table) const {
+    const uint16x8_t nibbles = vandq_u16(v, vdupq_n_u16(0x0F));
+    return {vreinterpretq_u16_u8(vqtbl1q_u8(vld1q_u8(table), vreinterpretq_u8_u16(nibbles)))};
+  }
+  /// Where the low bytes of three have a bit in common.
+  static Matches haveCommonBits(UnitsNeon a, UnitsNeon b, UnitsNeon c) {
+    return vtstq_u16(vandq_u16(vandq_u16(a.v, b.v), c.v), vdupq_n_u16(0xFF));
   }
 
   static Matches both(Matches a, Matches b) { return vandq_u16(a, b); }

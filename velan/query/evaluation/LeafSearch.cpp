@@ -53,7 +53,16 @@ LeafPattern::LeafPattern(const QueryTerms& leaf, LeafKind kind, QueryComparison 
 LeafPatterns::LeafPatterns(const QueryTerms& root, LeafKind kind, QueryComparison comparison)
     : _patterns(patternsOf(root, kind, comparison)),
       _manyTerms(root, _patterns, comparisonTable(comparison)),
-      _onlyLeaf(onlyLeafOf(root)) {}
+      _onlyLeaf(onlyLeafOf(root)),
+      _fewLiterals(comparisonTable(comparison)) {
+  if (_onlyLeaf || _manyTerms.literals()) return;
+  walkQuery(root, [this](const QueryTerms& node) {
+    const auto pattern = _patterns.find(&node);
+    Literal* const literal = pattern != _patterns.end() ? pattern->second.requiredLiteral() : nullptr;
+    if (literal) literal->join(_fewLiterals);
+    return true;
+  });
+}
 
 std::unordered_map<const QueryTerms*, LeafPattern> LeafPatterns::patternsOf(const QueryTerms& root, LeafKind kind,
                                                                             QueryComparison comparison) {

@@ -59,6 +59,10 @@ class LeafPatterns {
   /// Null for a leaf of another tree.
   const LeafPattern* find(const QueryTerms& leaf) const;
   const ManyTerms& manyTerms() const { return _manyTerms; }
+  /// What is looked for together in a text.
+  LiteralsTogether literalsTogether() const {
+    return {_manyTerms.literals(), _fewLiterals.size() > 1 ? &_fewLiterals : nullptr};
+  }
   /// The leaf of a tree that is nothing but one, which is not negated; null for any other tree.
   const QueryTerms* onlyLeaf() const { return _onlyLeaf; }
 
@@ -69,6 +73,7 @@ class LeafPatterns {
   std::unordered_map<const QueryTerms*, LeafPattern> _patterns;
   const ManyTerms _manyTerms;
   const QueryTerms* const _onlyLeaf;
+  FewLiterals _fewLiterals;  // of all leaves, unless there are many terms
 };
 
 /// The pieces of a leaf that is a wildcard pattern.

@@ -4,10 +4,42 @@
 
 namespace velan {
 
+// Of places that are known already.
+template <typename PositionOf>
+size_t LiteralHits::take(size_t known, PositionOf positionOf, unichar* found) {
+  size_t count = 0;
+  const size_t most = areShort() ? std::min(known, kMost) : std::min<size_t>(known, 1);
+  if (most > 0) _base = positionOf(0);
+  while (count < most && positionOf(count) - _base <= 0xFFFF && positionOf(count) + _literal.length() <= _end) {
+    found[count] = static_cast<unichar>(positionOf(count) - _base);
+    ++count;
+  }
+  _location = count > 0 ? positionOf(count - 1) + int64_t{1} : _end;
+  return count;
+}
+
+size_t LiteralHits::gatherOfFew(unichar* found) {
+  std::span<const uint32_t> places;
+  while ((places = _text.placesOf(_literal, _number)).size() > _number && places[_number] < _location) ++_number;
+  if (_number == places.size()) return 0;
+  const size_t first = _number;
+  const size_t count = take(
+      places.size() - first, [&](size_t i) { return places[first + i]; }, found);
+  _number += count;
+  return count;
+}
+
 // The next places, from `_base` on, or none when there are none any more.
 size_t LiteralHits::gather(int64_t from, unichar* found) {
   _location = std::max(_location, from);
-  if (const auto known = _text.hitsOf(_literal, _location)) return take(*known, found);
+  if (_text.isOneOfFew(_literal)) {
+    if (const size_t count = gatherOfFew(found)) return count;
+    _location = std::max(_location, _text.knownUpTo(_literal));
+  }
+  if (const auto known = _text.hitsOf(_literal, _location)) {
+    return take(
+        known->size(), [&](size_t i) { return (*known)[i].position; }, found);
+  }
   if (!areShort()) {
     _base = _location < _end ? _text.find(_literal, _location, _end) : -1;
     _location = _base < 0 ? _end : _base + 1;
@@ -23,19 +55,6 @@ size_t LiteralHits::gather(int64_t from, unichar* found) {
     if (gathered.count > 0) return gathered.count;
   }
   return 0;
-}
-
-// Of places that are known already.
-size_t LiteralHits::take(std::span<const LiteralSet::Hit> known, unichar* found) {
-  size_t count = 0;
-  const size_t most = areShort() ? std::min(known.size(), kMost) : std::min<size_t>(known.size(), 1);
-  if (most > 0) _base = known.front().position;
-  while (count < most && known[count].position - _base <= 0xFFFF && known[count].position + _literal.length() <= _end) {
-    found[count] = static_cast<unichar>(known[count].position - _base);
-    ++count;
-  }
-  _location = count > 0 ? known[count - 1].position + int64_t{1} : _end;
-  return count;
 }
 
 }  // namespace velan

@@ -31,6 +31,7 @@ class LiteralHits {
     _location = range.location;
     _end = endOf(range);
     _stretch = kFirstStretch;
+    _number = 0;
   }
 
   bool areShort() const { return _literal.length() <= kShort; }
@@ -51,7 +52,9 @@ class LiteralHits {
   static constexpr int64_t kFirstStretch = 512, kLongestStretch = 1 << 15;
 
   size_t gather(int64_t from, unichar* found);
-  size_t take(std::span<const LiteralSet::Hit> known, unichar* found);
+  size_t gatherOfFew(unichar* found);
+  template <typename PositionOf>
+  size_t take(size_t known, PositionOf positionOf, unichar* found);
 
   const Literal& _literal;
   const SearchedText& _text;
@@ -59,6 +62,7 @@ class LiteralHits {
   int64_t _end;
   int64_t _base = 0;  // of the positions gathered last
   int64_t _stretch;   // how far to look next
+  size_t _number;     // of the next place that is found together with others
 };
 
 }  // namespace velan

@@ -37,7 +37,7 @@ void ManyTerms::addGroup(const QueryTerms& group, std::unordered_map<const Query
   if (children.size() - static_cast<size_t>(std::ranges::count(literals, nullptr)) < kFewest) return;
   for (uint32_t i = 0; i < children.size(); ++i) {
     if (literals[i]) {
-      added.byLiteral.push_back({literals[i]->join(_literals), i});
+      added.byLiteral.push_back({*literals[i]->join(_literals), i});
     } else {
       added.always.push_back(i);
     }

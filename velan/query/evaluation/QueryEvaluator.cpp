@@ -87,14 +87,14 @@ Range RelationRanges::nextPiece() {
 
 QueryEvaluator::QueryEvaluator(const FastWordEnumerator& enumerator, QueryComparison comparison, LeafKind kind,
                                const LeafPatterns* prepared)
-    : _text(enumerator, comparison, prepared ? prepared->manyTerms().literals() : nullptr),
+    : _text(enumerator, comparison, prepared ? prepared->literalsTogether() : LiteralsTogether()),
       _comparison(comparisonOn(enumerator, comparison)),
       _kind(kind),
       _prepared(prepared),
       _presentChildren(prepared ? &prepared->manyTerms() : nullptr, _text) {}
 
 QueryEvaluator::QueryEvaluator(QueryComparison comparison, LeafKind kind, const LeafPatterns& prepared)
-    : _text(comparison, prepared.manyTerms().literals()),
+    : _text(comparison, prepared.literalsTogether()),
       _comparison(comparison),
       _kind(kind),
       _prepared(&prepared),
@@ -132,6 +132,7 @@ Ranges QueryEvaluator::places(const QueryTerms& leaf, Range range) {
 
 bool QueryEvaluator::containsAny(const QueryTerms& node) {
   bool found = false;
+  _text.lookForAll();
   walkQuery(node, _presentChildren, [&](const QueryTerms& each) {
     if (found || each.queryNot()) return false;
     if (each.isWord()) found = isPresent(search(each).firstIn({0, _text.length()}));
@@ -170,6 +171,7 @@ bool QueryEvaluator::reaches(const QueryTerms& node, const Relation& relation) {
 }
 
 bool QueryEvaluator::evaluate(const QueryTerms& node, const Relation& relation, Range range) {
+  if (node.commonOperator() == QueryOperator::Or) _text.lookForAll();
   std::vector<Frame> frames;
   frames.push_back({&node, relation, range, !relation.partner, 0, false, nullptr});
   bool result = false;

@@ -290,6 +290,7 @@ class OccurrenceLists {
 std::vector<QueryOccurrence> occurrencesOfQuery(QueryEvaluator& evaluator, const QueryTerms& root, Range range,
                                                 const std::unordered_set<const QueryTerms*>& withoutPart) {
   if (range.length <= 0) return {};
+  evaluator.text().lookForAll();
   std::unique_ptr<PrimaryPlaces> primary;
   if (hasRelations(root, evaluator.presentChildren())) {
     primary = std::make_unique<PrimaryPlaces>(evaluator, root, range);

@@ -18,6 +18,9 @@ constexpr int64_t kWalkedWords = 64;
 constexpr int64_t kLongestStretch = 512;
 constexpr int64_t stretchOf(int64_t count) { return std::min(8 * count + 16, kLongestStretch); }
 
+// How far few literals are looked for at first; each time after that as far as altogether before.
+constexpr int64_t kFirstStretch = 1024;
+
 }  // namespace
 
 QueryComparison comparisonOn(const FastWordEnumerator& enumerator, QueryComparison comparison) {
@@ -34,7 +37,7 @@ std::u16string mappedUnits(std::u16string_view units, const unichar* table) {
   return mapped;
 }
 
-SearchedText::SearchedText(const FastWordEnumerator& enumerator, QueryComparison comparison, const LiteralSet* literals)
+SearchedText::SearchedText(const FastWordEnumerator& enumerator, QueryComparison comparison, LiteralsTogether literals)
     : _words(&enumerator),
       _length(static_cast<int64_t>(enumerator.length())),
       _patternTable(comparisonTable(comparisonOn(enumerator, comparison))),
@@ -42,9 +45,10 @@ SearchedText::SearchedText(const FastWordEnumerator& enumerator, QueryComparison
       _table(enumerator.areInUpperCase(_units) && _patternTable == initUpperCharsTable() ? nullptr : _patternTable),
       _separators(enumerator._onDemand ? defaultWordSeparators() : nullptr),
       _mayBeDivided(enumerator._marksRuns),
-      _literals(literals) {}
+      _many(literals.many),
+      _few(literals.few) {}
 
-SearchedText::SearchedText(QueryComparison comparison, const LiteralSet* literals)
+SearchedText::SearchedText(QueryComparison comparison, LiteralsTogether literals)
     : _words(nullptr),
       _length(0),
       _patternTable(comparisonTable(comparison)),
@@ -52,7 +56,8 @@ SearchedText::SearchedText(QueryComparison comparison, const LiteralSet* literal
       _table(_patternTable),
       _separators(defaultWordSeparators()),
       _mayBeDivided(FastWordEnumerator::splitAsianWords()),
-      _literals(literals) {}
+      _many(literals.many),
+      _few(literals.few) {}
 
 void SearchedText::setText(std::u16string_view text) {
   ++_number;
@@ -157,10 +162,10 @@ int64_t SearchedText::find(const Literal& literal, int64_t location, int64_t end
 }
 
 const std::vector<LiteralSet::Hit>* SearchedText::allHits() const {
-  if (!_literals) return nullptr;
+  if (!_many) return nullptr;
   std::optional<std::vector<LiteralSet::Hit>>& hits = findings().hits;
   if (!findings().wasSearched) {
-    hits = _literals->find(_units, static_cast<size_t>(_length));
+    hits = _many->find(_units, static_cast<size_t>(_length));
     findings().wasSearched = true;
   }
   return hits ? &*hits : nullptr;
@@ -173,6 +178,24 @@ std::optional<std::span<const LiteralSet::Hit>> SearchedText::hitsOf(const Liter
   const auto start = std::ranges::lower_bound(*all, first);
   const auto end = std::ranges::upper_bound(start, all->end(), first.literal, {}, &LiteralSet::Hit::literal);
   return std::span(start, end);
+}
+
+std::span<const uint32_t> SearchedText::placesOf(const Literal& literal, size_t known) const {
+  PlacesOfFew& few = *_findings->few;
+  const std::vector<uint32_t>& places = few.places[*literal.number()];
+  while (places.size() <= known && few.looked < few.end) {
+    const int64_t from = few.looked;
+    few.looked = std::min(_length, 2 * from + kFirstStretch);
+    const bool goesOn = _few->find(_units, static_cast<size_t>(_length), static_cast<size_t>(from),
+                                   static_cast<size_t>(few.looked), few.places);
+    if (!goesOn) few.end = few.looked;
+  }
+  return places;
+}
+
+int64_t SearchedText::knownUpTo(const Literal& literal) const {
+  const int64_t end = _findings->few->end;
+  return end == _length ? _length : _few->knownUpTo(*literal.number(), end);
 }
 
 bool SearchedText::holdsUnits(Range range, std::u16string_view literal) const {

@@ -14,6 +14,7 @@
 #include "velan/query/QueryComparison.h"
 #include "velan/query/words/FastWordEnumerator.h"
 #include "velan/text/CharacterSets.h"
+#include "velan/text/search/FewLiteralsInternal.h"
 #include "velan/text/search/LiteralSetInternal.h"
 #include "velan/text/search/UnitSearchInternal.h"
 
@@ -41,8 +42,8 @@ class Literal {
     head.tellsAll = true;
     return Literal(head);
   }
-  /// Becomes one of the set's literals; returns its number there.
-  uint32_t join(LiteralSet& set) { return *(_number = set.add(units())); }
+  /// Becomes one of the set's literals, if that takes it; returns its number there.
+  std::optional<uint32_t> join(auto& set) { return _number = set.add(units()); }
   /// Its number, if it has joined a set.
   std::optional<uint32_t> number() const { return _number; }
 
@@ -66,14 +67,19 @@ class Literal {
   std::optional<uint32_t> _number;
 };
 
+/// The literals that are looked for together; null for none.
+struct LiteralsTogether {
+  const LiteralSet* many = nullptr;
+  const FewLiterals* few = nullptr;
+};
+
 /// Positions and lengths are in code units.
 class SearchedText {
  public:
-  /// The text of an enumerator, which it borrows. `literals` are those that are looked for together, or null; borrowed,
-  /// too.
-  SearchedText(const FastWordEnumerator& enumerator, QueryComparison comparison, const LiteralSet* literals = nullptr);
+  /// The text of an enumerator, which it borrows, as the literals.
+  SearchedText(const FastWordEnumerator& enumerator, QueryComparison comparison, LiteralsTogether literals = {});
   /// Any number of texts, one after the other; an empty one at first.
-  explicit SearchedText(QueryComparison comparison, const LiteralSet* literals = nullptr);
+  explicit SearchedText(QueryComparison comparison, LiteralsTogether literals = {});
   /// Goes over to `text`, which it borrows. Not for one with an enumerator.
   void setText(std::u16string_view text);
 
@@ -146,10 +152,23 @@ class SearchedText {
   }
   /// The first place of `literal` that begins at or after `location` and ends at or before `end`; -1 if there is none.
   int64_t find(const Literal& literal, int64_t location, int64_t end) const;
-  /// All places of all literals that are looked for together; null when these had better be looked for one by one.
+  /// All places of all of many literals that are looked for together; null when these had better be looked for one by
+  /// one.
   const std::vector<LiteralSet::Hit>* allHits() const;
   /// Those of one of them from `location` on, if it is known together with others.
   std::optional<std::span<const LiteralSet::Hit>> hitsOf(const Literal& literal, int64_t location) const;
+  /// To be called when all literals will be looked for, in all of the text: few of them take one pass together. Where
+  /// the first one may decide it had better be looked for alone.
+  void lookForAll() const {
+    if (_few && isWorthLookingTogether() && !findings().few) findings().few.emplace(_length);
+  }
+  /// Whether a literal is looked for together with few others, at least where the text begins.
+  bool isOneOfFew(const Literal& literal) const { return literal.number() && _findings && _findings->few; }
+  /// The places of such a literal that are known by now: more than `known`, or all there are. Valid until more are
+  /// found.
+  std::span<const uint32_t> placesOf(const Literal& literal, size_t known) const;
+  /// When these are all, the places before this one are known; others are to be looked for one literal at a time.
+  int64_t knownUpTo(const Literal& literal) const;
   /// Whether `literal` (not empty) lies in the `range`, which is short.
   bool holdsUnits(Range range, std::u16string_view literal) const;
 
@@ -205,6 +224,18 @@ class SearchedText {
   size_t edgesIn(int64_t from, int64_t end, uint8_t type, unichar* edges) const;
   void indexWords() const;
   const FastWordEnumerator& makeWords() const;
+  // Few literals are no longer looked for together from `end` on.
+  struct PlacesOfFew {
+    explicit PlacesOfFew(int64_t length) : end(length) {}
+
+    FewLiterals::Places places;  // up to here:
+    int64_t looked = 0;
+    int64_t end;
+  };
+  // In shorter texts few literals are found as soon one by one.
+  bool isWorthLookingTogether() const {
+    return _length >= 2048 && _length <= static_cast<int64_t>(FewLiterals::kLongestText);
+  }
   // What is found out about a text when it is first needed.
   struct Findings {
     std::unique_ptr<const FastWordEnumerator> words;  // of a text that came without
@@ -212,6 +243,7 @@ class SearchedText {
     SetHints hints;            // of the separators in it
     bool wasSearched = false;  // for all literals, whose places are
     std::optional<std::vector<LiteralSet::Hit>> hits;
+    std::optional<PlacesOfFew> few;
     // Where words start and end (one past the last unit), for counting words from any place.
     std::vector<int64_t> wordStarts, wordEnds;
   };
@@ -230,7 +262,8 @@ class SearchedText {
   // dictionary may divide what lies between them. Null where it is made.
   const uint8_t* const _separators;
   bool _mayBeDivided;
-  const LiteralSet* const _literals;
+  const LiteralSet* const _many;
+  const FewLiterals* const _few;
   mutable std::unique_ptr<Findings> _findings;  // made when first needed
 };
 

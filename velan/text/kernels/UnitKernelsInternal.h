@@ -52,6 +52,27 @@ struct NeedleHead {
   Probe probes[kProbes];  // the first two are rare, the second is not before the first; some may be the same
 };
 
+/// Some needles, of each of which three units in a row are looked for: all needles at once, by the low bits of units.
+struct NeedleClasses {
+  static constexpr size_t kMost = 8;
+  static constexpr size_t kProbes = 3;
+  static constexpr unichar kLowBits = 0x7F;
+
+  /// Has the needle with this number look for `c` at a probe. All that it looks for are to be added.
+  void add(size_t probe, unichar c, unsigned needle) {
+    const auto bit = static_cast<uint8_t>(1u << needle);
+    byLowBits[probe][c & kLowBits] |= bit;
+    byNibble[probe][c & 0x0F] |= bit;
+  }
+  /// Those needles, as bits, whose probes may be the units at `at`.
+  unsigned at(const unichar* at) const {
+    return byLowBits[0][at[0] & kLowBits] & byLowBits[1][at[1] & kLowBits] & byLowBits[2][at[2] & kLowBits];
+  }
+
+  uint8_t byLowBits[kProbes][kLowBits + 1] = {};
+  uint8_t byNibble[kProbes][16] = {};
+};
+
 struct NeedlePosition {
   size_t position;
   bool gaveUp;  // after too many near matches, all of them before `position`
@@ -139,6 +160,9 @@ struct UnitKernels {
   /// room for `kGatherSlack` more than `most`: all of them or at least `most`. Never gives up.
   NeedlePositions (*gatherHead)(const unichar* text, size_t positions, const NeedleHead& head, unichar* found,
                                 size_t most);
+  /// The same of positions where units may be the probes of any needle; `text` has `positions + 2` units.
+  NeedlePositions (*gatherAny)(const unichar* text, size_t positions, const NeedleClasses& classes, unichar* found,
+                               size_t most);
 };
 
 const Kernels<UnitKernels>& unitKernelList();

@@ -2,6 +2,7 @@
 #ifndef VELAN_TEXT_KERNELS_UNIT_LOOPS_INTERNAL_H
 #define VELAN_TEXT_KERNELS_UNIT_LOOPS_INTERNAL_H
 
+#include "velan/text/kernels/ClassLoopsInternal.h"
 #include "velan/text/kernels/FilterTestsInternal.h"
 #include "velan/text/kernels/MappingLoopsInternal.h"
 #include "velan/text/kernels/MemberLoopsInternal.h"
@@ -110,6 +111,11 @@ struct UnitLoops {
     return gatherHeadBy<V, MaskTest<true>, false>(text, positions, head, found, most);
   }
 
+  static NeedlePositions gatherAny(const unichar* text, size_t positions, const NeedleClasses& classes, unichar* found,
+                                   size_t most) {
+    return gatherAnyBy<V>(text, positions, classes, found, most);
+  }
+
   static constexpr UnitKernels kKernels = {
       .find = find,
       .findLast = findLast,
@@ -127,6 +133,7 @@ struct UnitLoops {
       .findHead = findHead,
       .countHead = countHead,
       .gatherHead = gatherHead,
+      .gatherAny = gatherAny,
   };
 };
 

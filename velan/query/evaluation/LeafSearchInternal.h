@@ -98,6 +98,10 @@ class LeafSearch {
   }
 
   bool isWholeRange() const { return _pattern.isWholeRange(); }
+  /// Whether its places begin and end where words do.
+  bool findsWholeWords() const { return !isWholeRange() && (!_pattern.literal() || _pattern.isWhole()); }
+  /// Whether each of them is one word where separators alone tell what words are.
+  bool findsOneWord() const { return _pattern.pattern().isOneWord(); }
   /// The first place that lies wholly in `range`; absent if there is none.
   Range firstIn(Range range);
   /// All places that lie wholly in `range`; valid until the search goes on.

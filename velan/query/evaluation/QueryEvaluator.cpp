@@ -44,12 +44,10 @@ Relation relationOfChild(const Relation& inherited, const QueryTerms::Children& 
 }
 
 Range spanAround(const SearchedText& text, const Relation& relation, Range place, Range range) {
-  const QueryOperator queryOperator = relation.queryOperator;
-  const bool reachesBack = queryOperator != QueryOperator::After;
-  const bool reachesOn = queryOperator == QueryOperator::Near || queryOperator == QueryOperator::After;
   const int64_t start =
-      reachesBack ? text.wordStartBefore(place.location, relation.distance, range.location) : place.location;
-  const int64_t end = reachesOn ? text.wordEndAfter(endOf(place), relation.distance, endOf(range)) : endOf(place);
+      reachesBack(relation) ? text.wordStartBefore(place.location, relation.distance, range.location) : place.location;
+  const int64_t end =
+      reachesOn(relation) ? text.wordEndAfter(endOf(place), relation.distance, endOf(range)) : endOf(place);
   return {start, end - start};
 }
 

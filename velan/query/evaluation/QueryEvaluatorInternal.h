@@ -50,6 +50,12 @@ bool hasExclusiveChild(const QueryTerms& node);
 /// The relation of child `index` of a group whose own relation is `inherited`.
 Relation relationOfChild(const Relation& inherited, const QueryTerms::Children& children, size_t index);
 
+/// Whether the spans of places reach beyond their beginnings, and beyond their ends.
+inline bool reachesBack(const Relation& relation) { return relation.queryOperator != QueryOperator::After; }
+inline bool reachesOn(const Relation& relation) {
+  return relation.queryOperator == QueryOperator::Near || relation.queryOperator == QueryOperator::After;
+}
+
 /// The span of a leaf's `place` in a relation, clipped to `range`.
 Range spanAround(const SearchedText& text, const Relation& relation, Range place, Range range);
 

@@ -8,6 +8,7 @@
 #include "velan/base/GrowthInternal.h"
 #include "velan/base/StringCopiesInternal.h"
 #include "velan/query/evaluation/EndSearchInternal.h"
+#include "velan/query/evaluation/NearPlacesInternal.h"
 #include "velan/query/evaluation/QueryOccurrencesInternal.h"
 #include "velan/query/evaluation/QueryWalkInternal.h"
 #include "velan/query/evaluation/WitnessesInternal.h"
@@ -29,7 +30,7 @@ bool hasRelations(const QueryTerms& root, PresentChildren& present) {
 class PrimaryPlaces {
  public:
   PrimaryPlaces(QueryEvaluator& evaluator, const QueryTerms& root, Range range) : _evaluator(evaluator), _range(range) {
-    _pending.push_back({&root, {}, std::make_shared<const RangeColumns>(range)});
+    _pending.push_back({&root, {}, std::make_shared<const RangeColumns>(range), true});
     while (!_pending.empty()) {
       const Task task = std::move(_pending.back());
       _pending.pop_back();
@@ -61,6 +62,7 @@ class PrimaryPlaces {
     const QueryTerms* node;
     Relation relation;
     std::shared_ptr<const RangeColumns> ranges;
+    bool isWholeRange = false;  // there is no other range than the one that is searched
   };
 
   void visitGroup(const Task& task) {
@@ -75,7 +77,8 @@ class PrimaryPlaces {
       const Relation relation = relationOfChild(task.relation, children, i);
       // A child that the next one is related to takes part through that relation only.
       const bool isPartner = i + 1 < children.size() && hasOwnRelation(*children[i + 1]);
-      if (relation.partner || !isPartner) _pending.push_back({children[i].get(), relation, task.ranges});
+      if (relation.partner || !isPartner)
+        _pending.push_back({children[i].get(), relation, task.ranges, task.isWholeRange});
     }
   }
 
@@ -97,6 +100,7 @@ class PrimaryPlaces {
       _marks[&leaf].all |= !ranges.isEmpty();
       return addPartner(task, std::move(ranges));
     }
+    if (task.isWholeRange && !leaf.queryNot() && isWordsBesideWords(search, partner)) return markNear(task);
     PlacedSpans placed(search.numberFrom(_range.location));
     placed.find(_evaluator.text(), search, task.relation, endOf(_range));
     if (leaf.queryNot()) return addPartner(task, where(partner, {}, placed.pieces(*task.ranges)));
@@ -106,6 +110,24 @@ class PrimaryPlaces {
     for (const size_t number : placed.placesOf(spans)) _marks[&leaf].add(number);
     spans.whole.addAll(spans.cut);
     addPartner(task, std::move(spans.whole));
+  }
+
+  // Whether places of both are told by counting the words between them.
+  bool isWordsBesideWords(const LeafSearch& search, const QueryTerms& partner) {
+    return search.findsWholeWords() && partner.isWord() && !partner.queryNot() &&
+           _evaluator.search(partner).findsWholeWords() && _evaluator.text().knowsAllByUnits();
+  }
+
+  // What the spans in the whole range and the partner's places in them come to, for a leaf whose partner is another.
+  void markNear(const Task& task) {
+    LeafSearch &leaf = _evaluator.search(*task.node), &partner = _evaluator.search(*task.relation.partner);
+    Marks &marks = _marks[task.node], &marksOfPartner = _marks[task.relation.partner];
+    size_t marked = 0;  // partners before were looked at
+    const NearPlaces near(_evaluator.text(), task.relation, leaf, partner, _range);
+    near.forEach([&](size_t place, size_t first, size_t past) {
+      marks.add(place);
+      for (marked = std::max(marked, first); marked < past; ++marked) marksOfPartner.add(marked);
+    });
   }
 
   // In which of the ranges its partner holds decides about each place of a leaf. What is marked in them is the same

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cstring>
 #include <new>
 
 #include "velan/query/evaluation/SearchedTextInternal.h"
@@ -20,6 +21,23 @@ constexpr int64_t stretchOf(int64_t count) { return std::min(8 * count + 16, kLo
 
 // How far few literals are looked for at first; each time after that as far as altogether before.
 constexpr int64_t kFirstStretch = 1024;
+
+// How many of the `count` units, at most `kLongestStretch`, that `marks` has behind one more are not marked, but the
+// unit before is. Eight units a step; `marks` has room for as many more.
+int64_t countRunStarts(uint8_t* marks, size_t count) {
+  constexpr uint64_t kOnes = 0x0101010101010101, kEvenBytes = 0x00FF00FF00FF00FF, kPairs = 0x0001000100010001;
+  static_assert(kLongestStretch / sizeof kOnes <= 0xFF);
+  std::memset(marks + count + 1, 0xFF, sizeof kOnes);
+  uint64_t starts = 0;
+  for (size_t i = 0; i < count; i += sizeof kOnes) {
+    uint64_t before, marked;
+    std::memcpy(&before, marks + i, sizeof before);
+    std::memcpy(&marked, marks + i + 1, sizeof marked);
+    starts += before & ~marked & kOnes;
+  }
+  const uint64_t pairs = (starts & kEvenBytes) + (starts >> 8 & kEvenBytes);
+  return static_cast<int64_t>(pairs * kPairs >> 48);
+}
 
 }  // namespace
 
@@ -265,7 +283,6 @@ int64_t SearchedText::wordEndAfter(int64_t location, int64_t count, int64_t end)
   return after < count ? end : std::min(end, *(ends.end() - after + count - 1));
 }
 
-// Whether separators alone tell where all words begin and end.
 bool SearchedText::knowsAllByUnits() const {
   if (!_separators || !_mayBeDivided) return _separators;
   std::optional<bool>& holdsEastAsian = findings().holdsEastAsian;
@@ -284,6 +301,20 @@ size_t SearchedText::edgesIn(int64_t from, int64_t end, uint8_t type, unichar* e
                             marks + (first - from + 1));
   unitKernels().runsFromMarks(marks, count, types);
   return unitKernels().positions(types, count, type, edges);
+}
+
+int64_t SearchedText::countWordStarts(int64_t from, int64_t end, int64_t most) const {
+  uint8_t marks[kLongestStretch + 1 + sizeof(uint64_t)];
+  int64_t count = 0;
+  for (int64_t past; from < end && count <= most; from = past) {
+    past = std::min(end, from + stretchOf(most));
+    const int64_t first = std::max<int64_t>(from - 1, 0);
+    marks[0] = 0xFF;  // before the text lies a separator
+    unitKernels().markMembers(_units + first, static_cast<size_t>(past - first), _separators, findings().hints,
+                              marks + (first - from + 1));
+    count += countRunStarts(marks, static_cast<size_t>(past - from));
+  }
+  return std::min(count, most + 1);
 }
 
 void SearchedText::indexWords() const {

@@ -180,6 +180,10 @@ class SearchedText {
   int64_t wordStartBefore(int64_t location, int64_t count, int64_t start) const;
   /// The position after `count` (at least 1) word ends from `location` on, not after `end`.
   int64_t wordEndAfter(int64_t location, int64_t count, int64_t end) const;
+  /// Whether separators alone tell where all words begin and end.
+  bool knowsAllByUnits() const;
+  /// How many words begin in `[from, end)`, where separators tell; `most` + 1 when there are more than `most`.
+  int64_t countWordStarts(int64_t from, int64_t end, int64_t most) const;
 
  private:
   bool isSeparator(int64_t index) const {
@@ -220,7 +224,6 @@ class SearchedText {
   bool isInDividedRun(int64_t index) const;
   bool holdsEastAsian(Range range) const;
   Range runAt(int64_t index) const;
-  bool knowsAllByUnits() const;
   size_t edgesIn(int64_t from, int64_t end, uint8_t type, unichar* edges) const;
   void indexWords() const;
   const FastWordEnumerator& makeWords() const;

@@ -419,6 +419,20 @@ TEST(QueryEvaluation, PlacesThatGiveDifferentEnds) {
   }
 }
 
+// Places inside words lie behind the beginnings of these.
+TEST(QueryOccurrences, NearInsideWords) {
+  const Cases<String, std::string> cases = {{u"b NEAR/1 d"_s, "1+1 *b*\n4+1 *d*\n"},
+                                            {u"b NEAR/2 d"_s, "1+1 *b* primary\n4+1 *d* primary\n"},
+                                            {u"d AFTER/1 a"_s, "0+1 *a*\n4+1 *d*\n"},
+                                            {u"d AFTER/2 a"_s, "0+1 *a* primary\n4+1 *d* primary\n"}};
+  for (const auto& [query, expected] : cases) {
+    const auto words = FastWordEnumerator::enumeratorDividingOnDemand(u"ab cde"_s, false);
+    const auto terms =
+        QueryTerms::_initWithString(query, false, And, QueryTerms::kDefaultDistance, And, false, true, 0);
+    EXPECT_EQ(dumpOf(queryOccurrences(*words, *terms, {0, NSNotFound}, Exact, false)), expected) << query.toUTF8();
+  }
+}
+
 bool record(void* argument, const String& term, int64_t location, int64_t length, bool primary) {
   *static_cast<std::string*>(argument) += dumpOf({{{location, length}, term, primary}});
   return term == u"stop"_s;

@@ -280,6 +280,9 @@ TEST(FastWordEnumerator, CopiesInUpperCaseOnce) {
   for (const unichar* units : seen) EXPECT_EQ(units, seen[0]);
   EXPECT_EQ(FindWordInString(*words, 0, text.length(), u"OL", 2, QueryComparison::IgnoreDiacritics, true), 7);
   EXPECT_EQ(text.characters()[1], u't');
+  words->setCharacters(u"a b", 3, false);  // as they are from now on
+  EXPECT_EQ(FindWordInString(*words, 0, 3, u"b", 1, QueryComparison::Exact, true), 2);
+  EXPECT_EQ(words->characters()[2], u'b');
 }
 
 TEST(FastWordEnumerator, IsNeutralWithoutText) {

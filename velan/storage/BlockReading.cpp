@@ -118,7 +118,7 @@ template <typename Result, typename Body>
 Result BlockStorage::readSafely(Result neutral, Body body) {
   const int64_t position = offsetInFile();
   Result result = guarded(std::move(neutral), body);
-  if (_error) seekToFileOffset(position);
+  if (_error && _file) _file->seek(position);
   return result;
 }
 

@@ -108,7 +108,11 @@ int64_t BlockStorage::lengthOfFile() {
 
 int64_t BlockStorage::seekToEndOfFile() { return lengthOfFile(); }
 
-bool BlockStorage::seekToFileOffset(int64_t offset) { return _file && _file->seek(offset); }
+bool BlockStorage::seekToFileOffset(int64_t offset) {
+  _error = {};
+  if (!_file || offset < 0) return false;
+  return _file->seek(offset) || failWith(_file->error());
+}
 
 bool BlockStorage::truncateFileAtOffset(int64_t offset) {
   _error = {};

@@ -146,7 +146,8 @@ class VELAN_EXPORT BlockStorage {
   int64_t lengthOfFile();
   /// `seekToEndOfFile`: the same as `lengthOfFile`.
   int64_t seekToEndOfFile();
-  /// `seekToFileOffset`: moves the position. False for a negative offset, or when closed.
+  /// `seekToFileOffset`: moves the position. False for a negative offset, when closed, or (`error` tells) when bytes
+  /// that were kept back are lost.
   bool seekToFileOffset(int64_t offset);
   /// `truncateFileAtOffset`: makes the file end there, cut off or filled with zeros, and moves the position there.
   bool truncateFileAtOffset(int64_t offset);

@@ -169,7 +169,7 @@ TEST(FastWordEnumerator, GivesWordsInBlocks) {
   for (int round = 0; round < 300; ++round) {
     std::u16string text;
     while (text.size() < 3000) {
-      text.append(1 + chance.below(round % 3 == 0 ? 1000 : round % 3 * 4), chance.oneOf(u"ab日の"));
+      text.append(1 + chance.below(round % 3 == 0 ? 1000 : 6), chance.oneOf(u"ab日の"));
       text.append(chance.below(3), u' ');
     }
     const auto words = FastWordEnumerator::enumeratorWithString(String(text));

@@ -6,6 +6,7 @@
 
 #include "velan/base/ASCII.h"
 #include "velan/platform/CharacterDataInternal.h"
+#include "velan/text/CharacterSetBitsInternal.h"
 #include "velan/text/CharacterSets.h"
 #include "velan/text/ConversionTablesInternal.h"
 #include "velan/text/PreimagesInternal.h"
@@ -27,15 +28,16 @@ struct Table {
   std::once_flag once;
   alignas(64) unichar entries[VelanTableLength];  // vectors of them lie in one line of the cache
   UnitMapping mapping;
+  UnitMapping::Windows settled;
   std::once_flag preimagesOnce;
   std::atomic<bool> hasPreimages = false;  // they are complete
   Preimages preimages;
 };
 Table lower, upper, umlauts, lowerUmlauts, upperUmlauts;
 
-// What the letters of ASCII become, and the longest row of units that stay as they are: mostly the ideographs.
+// What the letters of ASCII become.
 UnitMapping described(const unichar* entries) {
-  UnitMapping mapping = {entries, true, 0, 0, 0, 0};
+  UnitMapping mapping = {entries, true, 0, 0, nullptr};
   if (entries[u'a'] != 'a') mapping.firstLetter = 'a';
   if (entries[u'A'] != 'A') mapping.firstLetter = 'A';
   mapping.difference = static_cast<unichar>(mapping.firstLetter - entries[mapping.firstLetter]);
@@ -43,18 +45,21 @@ UnitMapping described(const unichar* entries) {
     const bool isLetter = c >= mapping.firstLetter && c <= mapping.firstLetter + ('z' - 'a');
     if (entries[c] != c - (isLetter ? mapping.difference : 0)) mapping.knowsASCII = false;
   }
-  size_t first = 0, longest = 0;
-  for (size_t c = 0; c <= VelanTableLength; ++c) {
-    if (c < VelanTableLength && entries[c] == c) continue;
-    if (c - first > longest) {
-      longest = c - first;
-      mapping.firstUnchanged = static_cast<unichar>(first);
-      mapping.unchangedSpan = static_cast<unichar>(longest - 1);
-    }
-    first = c + 1;
-  }
   return mapping;
 }
+
+// The windows in which nothing is to be looked up.
+void fillSettled(const unichar* entries, bool knowsASCII, UnitMapping::Windows& settled) {
+  for (size_t window = 0; window < VelanTableLength / UnitMapping::kWindow; ++window) {
+    const size_t first = window * UnitMapping::kWindow;
+    size_t c = first;
+    while (c < first + UnitMapping::kWindow && entries[c] == c) ++c;
+    const bool stays = c == first + UnitMapping::kWindow;
+    if (window == 0 ? knowsASCII : stays) addUnit(settled, static_cast<unichar>(window));
+  }
+}
+
+constexpr UnitMapping::Windows kNoneSettled{};
 
 // `published` is set when the table is complete: whoever sees it may read the table without a lock.
 template <typename Fill>
@@ -63,6 +68,8 @@ const unichar* builtTable(const unichar*& published, Table& table, Fill fill) {
   std::call_once(table.once, [&] {
     fill(table.entries);
     table.mapping = described(table.entries);
+    fillSettled(table.entries, table.mapping.knowsASCII, table.settled);
+    table.mapping.settled = table.settled.data();
     __atomic_store_n(&published, &table.entries[0], __ATOMIC_RELEASE);
   });
   return table.entries;
@@ -145,7 +152,7 @@ const Preimages* preimagesOfTable(const unichar* table) {
 
 UnitMapping mappingOf(const unichar* table) {
   const Table* own = ownTable(table);
-  return own ? own->mapping : UnitMapping{table, !table, 0, 0, 0, 0};
+  return own ? own->mapping : UnitMapping{table, !table, 0, 0, kNoneSettled.data()};
 }
 
 bool isUnicharTablePartOfConversionTable(const unichar* table, const unichar* conversionTable) {

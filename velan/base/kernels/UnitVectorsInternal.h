@@ -7,7 +7,8 @@
 // unit, all of them 1 where the answer is yes, and the first unit's lowest; `positions` with one bit a unit.
 // `loadFirst` reads up to `kUnits` units, at least one; the others are 0. `inBitmap` looks units up in a bitmap of
 // `kWindow` units, with the bit `c & 7` of the byte `c >> 3` for the unit `c`, of which only the low bits count.
-// `inTable` looks them up in a table of `kTableWindow` units in the same way, where that is not 0. `ahead` gives the
+// `inTable` looks them up in a `Table` of `kTableWindow` units in the same way, where that is not 0, and `tableWindow`
+// gives the number of such a part of a larger table. `ahead` gives the
 // units a little behind those of a vector at `p`; `kAhead` more than those of the vector are read, if not 0.
 // `loadBytes` and `storeBytes` are for vectors of bytes, two in the place of a unit, and `widened` makes units of
 // bytes; `storeAsBytes` writes a byte an answer, all of its bits 1 where that is yes, and `storeInBitmap` those of two
@@ -60,6 +61,7 @@ namespace {
 
 struct Scalar {
   static constexpr size_t kUnits = 1;
+  static constexpr unichar kTableWindow = 0;
 };
 
 #ifdef __SSE4_1__
@@ -317,9 +319,14 @@ struct Units512 {
   Matches operator<=(Units512 other) const { return _mm512_cmple_epu16_mask(v, other.v); }
   Units512 lessWhere(Matches m, Units512 less) const { return {_mm512_mask_sub_epi16(v, m, v, less.v)}; }
   static Units512 choose(Matches m, Units512 yes, Units512 no) { return {_mm512_mask_mov_epi16(no.v, m, yes.v)}; }
-  Units512 inTable(const unichar* table) const {
-    const __m512i low = _mm512_permutex2var_epi16(load(table).v, v, load(table + 32).v);
-    const __m512i high = _mm512_permutex2var_epi16(load(table + 64).v, v, load(table + 96).v);
+  Units512 tableWindow() const { return {_mm512_srli_epi16(v, 7)}; }
+  struct Table {
+    explicit Table(const unichar* t) : rows{load(t).v, load(t + 32).v, load(t + 64).v, load(t + 96).v} {}
+    __m512i rows[4];
+  };
+  Units512 inTable(const Table& table) const {
+    const __m512i low = _mm512_permutex2var_epi16(table.rows[0], v, table.rows[1]);
+    const __m512i high = _mm512_permutex2var_epi16(table.rows[2], v, table.rows[3]);
     return {_mm512_mask_mov_epi16(low, _mm512_test_epi16_mask(v, _mm512_set1_epi16(0x40)), high)};
   }
   Matches inBitmap(const uint8_t* bitmap) const {

@@ -24,7 +24,7 @@ bool equalNonUmlauted(std::u16string_view a, std::u16string_view b) {
 
 bool isAscii(unichar c) { return c < 0x80; }
 
-constexpr UnitMapping kASCIIToLower = {nullptr, true, 'A', static_cast<unichar>('A' - 'a'), 0, 0};
+constexpr UnitMapping kASCIIToLower = {nullptr, true, 'A', static_cast<unichar>('A' - 'a'), nullptr};
 
 // Folding goes by characters, so what folds alike at the start can be left out; only the rest is worth the full
 // folding.

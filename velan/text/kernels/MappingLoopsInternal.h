@@ -4,6 +4,7 @@
 #define VELAN_TEXT_KERNELS_MAPPING_LOOPS_INTERNAL_H
 
 #include "velan/base/kernels/UnitVectorsInternal.h"
+#include "velan/text/kernels/PositionLoopsInternal.h"
 #include "velan/text/kernels/RecentWindowsInternal.h"
 #include "velan/text/kernels/UnitKernelsInternal.h"
 
@@ -22,89 +23,125 @@ inline unichar asciiMappedUnit(unichar c, const UnitMapping& mapping) {
   return isLetter ? static_cast<unichar>(c - mapping.difference) : c;
 }
 
-/// Units of which some are not ASCII, or of a table that is not known, looked up in registers; anything where they do
-/// not count.
+/// The windows of a table where units were looked up, the latest first.
+struct TableWindows {
+  unichar first[3] = {0x400, 0x380, 0x80};
+};
+
+/// Maps the units at `at` that `others` tells to `mapped`, a window of a vector at a time, and keeps in mind where.
 template <typename V>
-V mappedAnywhere(const unichar* at, const UnitMapping& mapping, unichar (&windows)[3], typename V::Matches counts) {
-  constexpr auto kWindowMask = static_cast<unichar>(-V::kTableWindow);
+[[gnu::noinline]] TableWindows mapElsewhere(const unichar* at, const unichar* table, TableWindows windows,
+                                            uint64_t others, unichar* mapped) {
+  constexpr unsigned kMostWindows = 3;
   const V units = V::load(at);
-  const V bases = units.differing(V::of(kWindowMask), V::of(0));
-  auto known = bases == V::of(0);
-  V mapped = mapping.knowsASCII ? asciiMapped(units, mapping) : V::choose(known, units.inTable(mapping.table), units);
-  const auto addWindow = [&](unichar base) {
-    const auto within = bases == V::of(base);
-    known = V::either(known, within);
-    mapped = V::choose(within, units.inTable(mapping.table + base), mapped);
-  };
-  known = V::either(known, V::inverse(counts));
-  addWindow(windows[0]);
-  uint64_t others = V::bits(V::inverse(known));
-  if (others == 0) return mapped;
-  addWindow(windows[1]);
-  addWindow(windows[2]);
-  known = V::either(known, units - V::of(mapping.firstUnchanged) <= V::of(mapping.unchangedSpan));
-  constexpr unsigned kMostSteps = 3;
-  for (unsigned k = 0; (others = V::bits(V::inverse(known))) != 0 && k < kMostSteps; ++k) {
-    addRecent(static_cast<unichar>(at[static_cast<unsigned>(__builtin_ctzll(others)) / V::kBits] & kWindowMask),
-              windows);
-    addWindow(windows[0]);
+  V found = V::load(mapped);
+  for (unsigned k = 0; others != 0 && k < kMostWindows; ++k) {
+    const unichar other = at[static_cast<unsigned>(__builtin_ctzll(others)) / V::kBits];
+    addRecent(static_cast<unichar>(other & -V::kTableWindow), windows.first);
+    const auto window = V::of(static_cast<unichar>(windows.first[0] / V::kTableWindow));
+    const auto within = units.tableWindow() == window;
+    found = V::choose(within, units.inTable(typename V::Table(table + windows.first[0])), found);
+    others &= ~V::bits(within);
   }
-  if (others == 0) return mapped;
-  unichar each[V::kUnits];
-  mapped.store(each);
-  for (size_t i = 0; i < V::kUnits; ++i) {
-    if (others >> (i * V::kBits) & 1) each[i] = mapping.table[at[i]];
+  found.store(mapped);
+  for (size_t i = 0; others != 0; ++i, others >>= V::kBits) {
+    if (others & 1) mapped[i] = table[at[i]];
   }
-  return V::load(each);
+  return windows;
 }
 
-/// One block; `mapped` may be `units`.
+/// Maps units of which some are not ASCII, or of a table that is not known, in registers. All recent windows are looked
+/// at, as a branch for each would be mispredicted in text of several scripts.
 template <typename V>
-__attribute__((noinline)) void mapAnywhere(const unichar* units, const UnitMapping& mapping, unichar (&windows)[3],
-                                           unichar* mapped) {
-  if constexpr (V::kTableWindow != 0) {
-    const V all = V::of(0);
-    mappedAnywhere<V>(units, mapping, windows, all == all).store(mapped);
+class WindowMapper {
+ public:
+  [[gnu::always_inline]] explicit WindowMapper(const UnitMapping& mapping) : _mapping(mapping) {}
+
+  /// The units at `at`; anything where they do not count.
+  [[gnu::always_inline]] V mapped(const unichar* at, typename V::Matches counts) {
+    const V units = V::load(at), window = units.tableWindow();
+    auto known = V::either(units.tableWindow().inBitmap(_mapping.settled), V::inverse(counts));
+    V found = units;
+    if (_mapping.knowsASCII) {
+      found = asciiMapped(units, _mapping);
+    } else {
+      add(units, window == V::of(0), typename V::Table(_mapping.table), known, found);
+    }
+    add(units, window == _first, _firstTable, known, found);
+    add(units, window == _second, _secondTable, known, found);
+    add(units, window == _third, _thirdTable, known, found);
+    const uint64_t others = V::bits(V::inverse(known));
+    return others == 0 ? found : elsewhere(at, others, found);
+  }
+
+ private:
+  using Table = typename V::Table;
+
+  [[gnu::always_inline]] static void add(V units, typename V::Matches within, const Table& table,
+                                         typename V::Matches& known, V& found) {
+    known = V::either(known, within);
+    found = V::choose(within, units.inTable(table), found);
+  }
+
+  [[gnu::always_inline]] V elsewhere(const unichar* at, uint64_t others, V found) {
+    unichar units[V::kUnits];
+    found.store(units);
+    _windows = mapElsewhere<V>(at, _mapping.table, _windows, others, units);
+    _first = number(0), _second = number(1), _third = number(2);
+    _firstTable = table(0), _secondTable = table(1), _thirdTable = table(2);
+    return V::load(units);
+  }
+
+  [[gnu::always_inline]] V number(size_t k) const {
+    return V::of(static_cast<unichar>(_windows.first[k] / V::kTableWindow));
+  }
+  [[gnu::always_inline]] Table table(size_t k) const { return Table(_mapping.table + _windows.first[k]); }
+
+  const UnitMapping _mapping;  // a copy, so that nothing that is written can change it
+  TableWindows _windows;
+  V _first = number(0), _second = number(1), _third = number(2);
+  Table _firstTable = table(0), _secondTable = table(1), _thirdTable = table(2);
+};
+
+/// Writes the mapped units one block after the other, so that `mapped` may be `units`.
+template <typename V>
+void mapEach(const unichar* units, size_t count, const UnitMapping& mapping, unichar* mapped) {
+  size_t i = 0;
+  if constexpr (V::kUnits > 1) {
+    const auto mapBlocks = [&](auto mapOther) {
+      for (; count - i >= V::kUnits; i += V::kUnits) {
+        const V block = V::load(units + i);
+        const bool isASCII = V::bits(V::inverse(block <= V::of(0x7F))) == 0;
+        if (isASCII && mapping.knowsASCII) {
+          asciiMapped(block, mapping).store(mapped + i);
+        } else {
+          mapOther();
+        }
+      }
+    };
+    if constexpr (V::kTableWindow != 0) {
+      WindowMapper<V> mapper(mapping);
+      const V all = V::of(0);
+      mapBlocks([&] { mapper.mapped(units + i, all == all).store(mapped + i); });
+    } else {
+      mapBlocks([&] {
+        for (size_t k = i; k < i + V::kUnits; ++k) mapped[k] = mapping.table[units[k]];
+      });
+    }
+    mapEach<typename V::Narrower>(units + i, count - i, mapping, mapped + i);
   } else {
-    for (size_t i = 0; i < V::kUnits; ++i) mapped[i] = mapping.table[units[i]];
+    for (; i < count; ++i) mapped[i] = mapping.table[units[i]];
   }
 }
 
 /// Which of the units that may differ do.
 template <typename V>
-__attribute__((noinline)) typename V::Matches differAnywhere(const unichar* a, const unichar* b,
-                                                             const UnitMapping& mapping, unichar (&windows)[3],
-                                                             typename V::Matches mayDiffer) {
-  if constexpr (V::kTableWindow != 0) {
-    const V left = mappedAnywhere<V>(a, mapping, windows, mayDiffer);
-    return V::both(mayDiffer, V::inverse(left == mappedAnywhere<V>(b, mapping, windows, mayDiffer)));
-  } else {
-    unichar difference[V::kUnits];
-    for (size_t i = 0; i < V::kUnits; ++i) {
-      difference[i] = static_cast<unichar>(mapping.table[a[i]] ^ mapping.table[b[i]]);
-    }
-    return V::inverse(V::load(difference) == V::of(0));
+[[gnu::noinline]] typename V::Matches differAnywhere(const unichar* a, const unichar* b, const UnitMapping& mapping) {
+  unichar difference[V::kUnits];
+  for (size_t i = 0; i < V::kUnits; ++i) {
+    difference[i] = static_cast<unichar>(mapping.table[a[i]] ^ mapping.table[b[i]]);
   }
-}
-
-/// Writes the mapped units one block after the other, so that `mapped` may be `units`.
-template <typename V>
-void mapEach(const unichar* units, size_t count, const UnitMapping& mapping, unichar (&windows)[3], unichar* mapped) {
-  size_t i = 0;
-  if constexpr (V::kUnits > 1) {
-    for (; count - i >= V::kUnits; i += V::kUnits) {
-      const V block = V::load(units + i);
-      const bool isASCII = V::bits(V::inverse(block <= V::of(0x7F))) == 0;
-      if (isASCII && mapping.knowsASCII) {
-        asciiMapped(block, mapping).store(mapped + i);
-      } else {
-        mapAnywhere<V>(units + i, mapping, windows, mapped + i);
-      }
-    }
-    mapEach<typename V::Narrower>(units + i, count - i, mapping, windows, mapped + i);
-  } else {
-    for (; i < count; ++i) mapped[i] = mapping.table[units[i]];
-  }
+  return V::inverse(V::load(difference) == V::of(0));
 }
 
 /// Positions where the units of two runs differ when their ASCII is mapped; in vectors also through the table if
@@ -114,7 +151,6 @@ struct MismatchTest {
   const unichar* a;
   const unichar* b;
   const UnitMapping& mapping;
-  unichar (&windows)[3];
 
   const unichar* address(size_t i) const { return a + i; }
   bool one(size_t i) const { return asciiMappedUnit(a[i], mapping) != asciiMappedUnit(b[i], mapping); }
@@ -125,11 +161,35 @@ struct MismatchTest {
     if (V::bits(different) == 0) return different;
     different = V::inverse(asciiMapped(left, mapping) == asciiMapped(right, mapping));
     if constexpr (hasTable) {
-      if (V::bits(different) != 0) return differAnywhere<V>(a + i, b + i, mapping, windows, different);
+      if (V::bits(different) != 0) return differAnywhere<V>(a + i, b + i, mapping);
     }
     return different;
   }
 };
+
+/// The first position where two runs differ through a table.
+template <typename V>
+size_t mismatchOf(const unichar* a, const unichar* b, size_t length, const UnitMapping& mapping) {
+  size_t i = 0;
+  if constexpr (V::kTableWindow != 0) {
+    WindowMapper<V> mapper(mapping);
+    for (; length - i >= V::kUnits; i += V::kUnits) {
+      const V left = V::load(a + i), right = V::load(b + i);
+      if (V::bits(V::inverse(left == right)) == 0) continue;
+      const auto mayDiffer = V::inverse(asciiMapped(left, mapping) == asciiMapped(right, mapping));
+      if (V::bits(mayDiffer) == 0) continue;
+      const V mapped = mapper.mapped(a + i, mayDiffer);
+      const auto different = V::both(mayDiffer, V::inverse(mapped == mapper.mapped(b + i, mayDiffer)));
+      if (const uint64_t bits = V::bits(different); bits != 0) {
+        return i + static_cast<unsigned>(__builtin_ctzll(bits)) / V::kBits;
+      }
+    }
+    return i + mismatchOf<typename V::Narrower>(a + i, b + i, length - i, mapping);
+  } else {
+    return firstWhere<V>(0, length, MismatchTest<true>{a, b, mapping},
+                         [&](size_t k) { return mapping.table[a[k]] != mapping.table[b[k]]; });
+  }
+}
 
 }  // namespace
 }  // namespace velan

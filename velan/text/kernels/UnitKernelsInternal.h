@@ -89,15 +89,17 @@ struct NeedlePositions {
 };
 
 /// A conversion table, and what it does to ASCII if that is known: 26 letters from `firstLetter` on become
-/// `c - difference`, all others stay. Without a table that is all it does. From `firstUnchanged` on, a unit and as many
-/// more as `unchangedSpan` stay as they are, too.
+/// `c - difference`, all others stay. Without a table that is all it does.
 struct UnitMapping {
+  static constexpr size_t kWindow = 0x80;
+  /// A bit for each `kWindow` units.
+  using Windows = std::array<uint8_t, 2 * VelanTableLength / kWindow / 8>;  // as long as what a vector looks up at once
+
   const unichar* table;
   bool knowsASCII;
   unichar firstLetter;
   unichar difference;
-  unichar firstUnchanged;
-  unichar unchangedSpan;
+  const uint8_t* settled;  // `Windows` whose units stay, and the first one if `knowsASCII`
 };
 
 /// What a text has shown of itself, so that its next units are looked up at once.

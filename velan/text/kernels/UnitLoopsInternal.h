@@ -68,15 +68,12 @@ struct UnitLoops {
   }
 
   static void map(const unichar* units, size_t count, const UnitMapping& mapping, unichar* mapped) {
-    unichar windows[] = {0x400, 0x380, 0x80};
-    mapEach<V>(units, count, mapping, windows, mapped);
+    mapEach<V>(units, count, mapping, mapped);
   }
 
   static size_t mismatch(const unichar* a, const unichar* b, size_t length, const UnitMapping& mapping) {
-    unichar windows[] = {0x400, 0x380, 0x80};
-    if (!mapping.table) return firstWhere<V>(0, length, MismatchTest<false>{a, b, mapping, windows}, kAny);
-    return firstWhere<V>(0, length, MismatchTest<true>{a, b, mapping, windows},
-                         [&](size_t i) { return mapping.table[a[i]] != mapping.table[b[i]]; });
+    if (mapping.table) return mismatchOf<V>(a, b, length, mapping);
+    return firstWhere<V>(0, length, MismatchTest<false>{a, b, mapping}, kAny);
   }
 
   static size_t mismatchOfMembers(const unichar* a, const unichar* b, size_t length, const uint8_t* rep,

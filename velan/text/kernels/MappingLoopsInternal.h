@@ -50,8 +50,8 @@ template <typename V>
   return windows;
 }
 
-/// Maps units of which some are not ASCII, or of a table that is not known, in registers. All recent windows are looked
-/// at, as a branch for each would be mispredicted in text of several scripts.
+/// Maps units of which some are not ASCII, or of a table that is not known, in registers. The latest window is mostly
+/// enough; the two before it are looked at together, as a branch for each would be mispredicted.
 template <typename V>
 class WindowMapper {
  public:
@@ -68,6 +68,7 @@ class WindowMapper {
       add(units, window == V::of(0), typename V::Table(_mapping.table), known, found);
     }
     add(units, window == _first, _firstTable, known, found);
+    if (V::bits(V::inverse(known)) == 0) return found;
     add(units, window == _second, _secondTable, known, found);
     add(units, window == _third, _thirdTable, known, found);
     const uint64_t others = V::bits(V::inverse(known));

@@ -3,6 +3,8 @@
 #ifndef VELAN_TEXT_KERNELS_MAPPING_LOOPS_INTERNAL_H
 #define VELAN_TEXT_KERNELS_MAPPING_LOOPS_INTERNAL_H
 
+#include <algorithm>
+
 #include "velan/base/kernels/UnitVectorsInternal.h"
 #include "velan/text/kernels/PositionLoopsInternal.h"
 #include "velan/text/kernels/RecentWindowsInternal.h"
@@ -51,7 +53,7 @@ template <typename V>
 }
 
 /// Maps units of which some are not ASCII, or of a table that is not known, in registers. The latest window is mostly
-/// enough; the two before it are looked at together, as a branch for each would be mispredicted.
+/// enough; where it often is not, all are looked at, as a branch would be mispredicted.
 template <typename V>
 class WindowMapper {
  public:
@@ -68,7 +70,12 @@ class WindowMapper {
       add(units, window == V::of(0), typename V::Table(_mapping.table), known, found);
     }
     add(units, window == _first, _firstTable, known, found);
-    if (V::bits(V::inverse(known)) == 0) return found;
+    const unsigned isEnough = V::bits(V::inverse(known)) == 0;
+    if (_missed < kMany && isEnough != 0) {
+      _missed -= _missed > 0;
+      return found;
+    }
+    _missed = std::min(_missed + 4, kMost) - 5 * isEnough;
     add(units, window == _second, _secondTable, known, found);
     add(units, window == _third, _thirdTable, known, found);
     const uint64_t others = V::bits(V::inverse(known));
@@ -77,6 +84,7 @@ class WindowMapper {
 
  private:
   using Table = typename V::Table;
+  static constexpr unsigned kMany = 8, kMost = 64;
 
   [[gnu::always_inline]] static void add(V units, typename V::Matches within, const Table& table,
                                          typename V::Matches& known, V& found) {
@@ -100,6 +108,7 @@ class WindowMapper {
 
   const UnitMapping _mapping;  // a copy, so that nothing that is written can change it
   TableWindows _windows;
+  unsigned _missed = 0;  // up when the latest window was not enough, down slowly when it was
   V _first = number(0), _second = number(1), _third = number(2);
   Table _firstTable = table(0), _secondTable = table(1), _thirdTable = table(2);
 };

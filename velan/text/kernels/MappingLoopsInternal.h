@@ -146,12 +146,23 @@ void mapEach(const unichar* units, size_t count, const UnitMapping& mapping, uni
 
 /// Which of the units that may differ do.
 template <typename V>
-[[gnu::noinline]] typename V::Matches differAnywhere(const unichar* a, const unichar* b, const UnitMapping& mapping) {
-  unichar difference[V::kUnits];
-  for (size_t i = 0; i < V::kUnits; ++i) {
-    difference[i] = static_cast<unichar>(mapping.table[a[i]] ^ mapping.table[b[i]]);
+[[gnu::noinline]] typename V::Matches differAnywhere(const unichar* a, const unichar* b, const UnitMapping& mapping,
+                                                     typename V::Matches mayDiffer) {
+  if constexpr (V::kTableWindow != 0) {
+    const auto mapped = [&](const unichar* at) {
+      unichar units[V::kUnits];
+      V::load(at).store(units);
+      mapElsewhere<V>(at, mapping.table, TableWindows(), V::bits(mayDiffer), units);
+      return V::load(units);
+    };
+    return V::both(mayDiffer, V::inverse(mapped(a) == mapped(b)));
+  } else {
+    unichar difference[V::kUnits];
+    for (size_t i = 0; i < V::kUnits; ++i) {
+      difference[i] = static_cast<unichar>(mapping.table[a[i]] ^ mapping.table[b[i]]);
+    }
+    return V::both(mayDiffer, V::inverse(V::load(difference) == V::of(0)));
   }
-  return V::inverse(V::load(difference) == V::of(0));
 }
 
 /// Positions where the units of two runs differ when their ASCII is mapped; in vectors also through the table if
@@ -171,7 +182,7 @@ struct MismatchTest {
     if (V::bits(different) == 0) return different;
     different = V::inverse(asciiMapped(left, mapping) == asciiMapped(right, mapping));
     if constexpr (hasTable) {
-      if (V::bits(different) != 0) return differAnywhere<V>(a + i, b + i, mapping);
+      if (V::bits(different) != 0) return differAnywhere<V>(a + i, b + i, mapping, different);
     }
     return different;
   }

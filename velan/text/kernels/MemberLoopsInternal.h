@@ -15,7 +15,6 @@ struct MemberComparison {
   const uint8_t* rep;
   const UnitMapping& mapping;
   MemberHints& hints;
-  unichar (&windows)[3];
 };
 
 /// Whether `rep` holds all letters of ASCII in both cases or in none.
@@ -34,7 +33,7 @@ struct MappedAlike {
     constexpr auto kMask = static_cast<unichar>(-V::kTableWindow);
     const auto within = units.differing(V::of(kMask), V::of(base)) == V::of(0);
     known = V::either(known, within);
-    mapped = V::choose(within, units.inTable(table + base), mapped);
+    mapped = V::choose(within, units.inTable(typename V::Table(table + base)), mapped);
   }
 
   V units, mapped;
@@ -93,7 +92,7 @@ typename V::Matches membersDiffer(const unichar* a, const unichar* b, typename V
   const V left = asciiMapped(V::load(a), comparison.mapping), right = asciiMapped(V::load(b), comparison.mapping);
   auto mayDiffer = V::both(V::both(inA, different), V::inverse(left == right));
   if (comparison.mapping.table && V::bits(mayDiffer) != 0) {
-    mayDiffer = V::both(mayDiffer, differAnywhere<V>(a, b, comparison.mapping, comparison.windows, mayDiffer));
+    mayDiffer = V::both(mayDiffer, differAnywhere<V>(a, b, comparison.mapping, mayDiffer));
   }
   return V::either(inOne, mayDiffer);
 }

@@ -78,8 +78,7 @@ struct UnitLoops {
 
   static size_t mismatchOfMembers(const unichar* a, const unichar* b, size_t length, const uint8_t* rep,
                                   const UnitMapping& mapping, MemberHints& hints) {
-    unichar windows[] = {0x400, 0x380, 0x80};
-    return mismatchOfMembersIn<V>(a, b, length, {rep, mapping, hints, windows});
+    return mismatchOfMembersIn<V>(a, b, length, {rep, mapping, hints});
   }
 
   static NeedlePosition findHead(const unichar* text, size_t positions, const NeedleHead& head) {

@@ -322,6 +322,32 @@ TEST(QueryEvaluation, FewTermsInLongTexts) {
   }
 }
 
+// Texts that differ in a unit from one that matches, where some units are looked at long before others.
+TEST(QueryEvaluation, NearMisses) {
+  const std::pair<std::u16string, std::u16string> cases[] = {
+      {u"abcdefgh", u"abcdefgh"},         {u"[ab]c[de]f[gh]*", u"acdfgx"},
+      {u"c?nt*ct*", u"contract"},         {u"ab*ba", u"abba"},
+      {u"ab*bb*bb*", u"abbbbb"},          {u"\"abcdefghijkl mnopqrst\"", u"abcdefghijkl mnopqrst"},
+      {u"\"*efghi mno\"", u"aefghi mno"}, {u"*bc[de]", u"abcd"}};
+  for (const auto& [query, match] : cases) {
+    std::u16string text = match;
+    for (size_t i = 0; i < match.size(); ++i) {
+      for (const std::u16string_view unit : {u"z", u"\u00E9", u" ", u""}) {
+        text += u" . " + match.substr(0, i);
+        (text += unit) += match.substr(i + 1);
+      }
+    }
+    for (const QueryComparison comparison : {Exact, IgnoreCase}) {
+      const auto prepared = PreparedQuery::queryWithTerms(QueryTerms::initWithWildcard(query), comparison, true);
+      const ReferenceText reference(text, comparison, true);
+      SCOPED_TRACE(String(query).toUTF8());
+      QueryMatcher matcher(*prepared);
+      matcher.setText(text);
+      expectEqualsReference(std::move(matcher), reference, referenceOf(prepared->terms()), reference.wholeRange());
+    }
+  }
+}
+
 // Counting words over distances of many units, to both ends of the text.
 TEST(QueryEvaluation, DistancesOverLongWords) {
   Chance chance(3);
@@ -396,7 +422,9 @@ TEST(QueryEvaluation, ManyTerms) {
     const ReferenceTerm root = referenceOf(*terms);
     matched += reference.matches(root, reference.wholeRange());
     const Range range{static_cast<int64_t>(chance.below(3)), static_cast<int64_t>(chance.below(20))};
-    expectEqualsReference(QueryMatcher(*prepared, *words), reference, root, clippedRange(range, words->length()));
+    const Range clipped = clippedRange(range, words->length());
+    expectEqualsReference(QueryMatcher(*prepared, *words), reference, root, clipped);
+    if (i % 2 == 0) expectEqualsReferenceAfter(u"ab de " + query, *prepared, text, reference, root, clipped);
   }
   EXPECT_GT(matched, 300);
   EXPECT_LT(matched, 1200);

@@ -328,7 +328,8 @@ TEST(QueryEvaluation, NearMisses) {
       {u"abcdefgh", u"abcdefgh"},         {u"[ab]c[de]f[gh]*", u"acdfgx"},
       {u"c?nt*ct*", u"contract"},         {u"ab*ba", u"abba"},
       {u"ab*bb*bb*", u"abbbbb"},          {u"\"abcdefghijkl mnopqrst\"", u"abcdefghijkl mnopqrst"},
-      {u"\"*efghi mno\"", u"aefghi mno"}, {u"*bc[de]", u"abcd"}};
+      {u"\"*efghi mno\"", u"aefghi mno"}, {u"*bc[de]", u"abcd"},
+      {u"\"ab cdefghijklmn\"", u"ab cdefghijklmn"}};
   for (const auto& [query, match] : cases) {
     std::u16string text = match;
     for (size_t i = 0; i < match.size(); ++i) {

@@ -324,12 +324,15 @@ TEST(QueryEvaluation, FewTermsInLongTexts) {
 
 // Texts that differ in a unit from one that matches, where some units are looked at long before others.
 TEST(QueryEvaluation, NearMisses) {
-  const std::pair<std::u16string, std::u16string> cases[] = {
-      {u"abcdefgh", u"abcdefgh"},         {u"[ab]c[de]f[gh]*", u"acdfgx"},
-      {u"c?nt*ct*", u"contract"},         {u"ab*ba", u"abba"},
-      {u"ab*bb*bb*", u"abbbbb"},          {u"\"abcdefghijkl mnopqrst\"", u"abcdefghijkl mnopqrst"},
-      {u"\"*efghi mno\"", u"aefghi mno"}, {u"*bc[de]", u"abcd"},
-      {u"\"ab cdefghijklmn\"", u"ab cdefghijklmn"}};
+  const std::pair<std::u16string, std::u16string> cases[] = {{u"abcdefgh", u"abcdefgh"},
+                                                             {u"[ab]c[de]f[gh]*", u"acdfgx"},
+                                                             {u"c?nt*ct*", u"contract"},
+                                                             {u"ab*ba", u"abba"},
+                                                             {u"ab*bb*bb*", u"abbbbb"},
+                                                             {u"\"abcdefghijkl mnopqrst\"", u"abcdefghijkl mnopqrst"},
+                                                             {u"\"*efghi mno\"", u"aefghi mno"},
+                                                             {u"*bc[de]", u"abcd"},
+                                                             {u"\"ab cdefghijklmn\"", u"ab cdefghijklmn"}};
   for (const auto& [query, match] : cases) {
     std::u16string text = match;
     for (size_t i = 0; i < match.size(); ++i) {

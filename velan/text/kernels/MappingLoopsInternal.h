@@ -57,7 +57,10 @@ template <typename V>
 template <typename V>
 class WindowMapper {
  public:
-  [[gnu::always_inline]] explicit WindowMapper(const UnitMapping& mapping) : _mapping(mapping) {}
+  [[gnu::always_inline]] explicit WindowMapper(const UnitMapping& mapping, TableWindows windows = {})
+      : _mapping(mapping), _windows(windows) {}
+
+  TableWindows windows() const { return _windows; }
 
   /// The units at `at`; anything where they do not count.
   [[gnu::always_inline]] V mapped(const unichar* at, typename V::Matches counts) {
@@ -147,15 +150,12 @@ void mapEach(const unichar* units, size_t count, const UnitMapping& mapping, uni
 /// Which of the units that may differ do.
 template <typename V>
 [[gnu::noinline]] typename V::Matches differAnywhere(const unichar* a, const unichar* b, const UnitMapping& mapping,
-                                                     typename V::Matches mayDiffer) {
+                                                     TableWindows& windows, typename V::Matches mayDiffer) {
   if constexpr (V::kTableWindow != 0) {
-    const auto mapped = [&](const unichar* at) {
-      unichar units[V::kUnits];
-      V::load(at).store(units);
-      mapElsewhere<V>(at, mapping.table, TableWindows(), V::bits(mayDiffer), units);
-      return V::load(units);
-    };
-    return V::both(mayDiffer, V::inverse(mapped(a) == mapped(b)));
+    WindowMapper<V> mapper(mapping, windows);
+    const V left = mapper.mapped(a, mayDiffer), right = mapper.mapped(b, mayDiffer);
+    windows = mapper.windows();
+    return V::both(mayDiffer, V::inverse(left == right));
   } else {
     unichar difference[V::kUnits];
     for (size_t i = 0; i < V::kUnits; ++i) {
@@ -182,7 +182,8 @@ struct MismatchTest {
     if (V::bits(different) == 0) return different;
     different = V::inverse(asciiMapped(left, mapping) == asciiMapped(right, mapping));
     if constexpr (hasTable) {
-      if (V::bits(different) != 0) return differAnywhere<V>(a + i, b + i, mapping, different);
+      TableWindows windows;
+      if (V::bits(different) != 0) return differAnywhere<V>(a + i, b + i, mapping, windows, different);
     }
     return different;
   }

@@ -15,6 +15,7 @@ struct MemberComparison {
   const uint8_t* rep;
   const UnitMapping& mapping;
   MemberHints& hints;
+  TableWindows& windows;
 };
 
 /// Whether `rep` holds all letters of ASCII in both cases or in none.
@@ -60,8 +61,8 @@ void learnWindow(unichar c, const MemberComparison& comparison) {
 
 /// Whether some different units all become the same without a look-up in the set.
 template <typename V>
-bool becomeSameAlike(const unichar* a, const unichar* b, typename V::Matches different,
-                     const MemberComparison& comparison) {
+[[gnu::always_inline]] inline bool becomeSameAlike(const unichar* a, const unichar* b, typename V::Matches different,
+                                                   const MemberComparison& comparison) {
   const UnitMapping& mapping = comparison.mapping;
   MappedAlike<V> left(V::load(a), mapping), right(V::load(b), mapping);
   const auto unknown = [&] { return V::bits(V::both(different, V::inverse(V::both(left.known, right.known)))); };
@@ -92,7 +93,7 @@ typename V::Matches membersDiffer(const unichar* a, const unichar* b, typename V
   const V left = asciiMapped(V::load(a), comparison.mapping), right = asciiMapped(V::load(b), comparison.mapping);
   auto mayDiffer = V::both(V::both(inA, different), V::inverse(left == right));
   if (comparison.mapping.table && V::bits(mayDiffer) != 0) {
-    mayDiffer = V::both(mayDiffer, differAnywhere<V>(a, b, comparison.mapping, mayDiffer));
+    mayDiffer = V::both(mayDiffer, differAnywhere<V>(a, b, comparison.mapping, comparison.windows, mayDiffer));
   }
   return V::either(inOne, mayDiffer);
 }

@@ -78,7 +78,8 @@ struct UnitLoops {
 
   static size_t mismatchOfMembers(const unichar* a, const unichar* b, size_t length, const uint8_t* rep,
                                   const UnitMapping& mapping, MemberHints& hints) {
-    return mismatchOfMembersIn<V>(a, b, length, {rep, mapping, hints});
+    TableWindows windows;
+    return mismatchOfMembersIn<V>(a, b, length, {rep, mapping, hints, windows});
   }
 
   static NeedlePosition findHead(const unichar* text, size_t positions, const NeedleHead& head) {

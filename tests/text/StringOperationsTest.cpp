@@ -95,6 +95,8 @@ TEST(CharacterSearch, AFlagIsNoIndex) {
   EXPECT_EQ(findOneOf(u"abab", u"a", 1, false), 2);
   EXPECT_EQ(findOneOf(u"ab", u"b", -3, false), 1);
   EXPECT_EQ(findOneOf(u"ab", u"b", 2, false), NSNotFound);
+  EXPECT_EQ(findOneOf(u"a\x434z", u"z\x434"), 1);       // not all of ASCII
+  EXPECT_EQ(findOneOf(u"a\x17F\x53", u"zs", true), 1);  // of ASCII, but equal to a unit that is not
 }
 
 TEST(StringEquality, WholeStrings) {

@@ -348,7 +348,12 @@ struct Units512 {
   static Matches both(Matches a, Matches b) { return a & b; }
   static Matches either(Matches a, Matches b) { return a | b; }
   static Matches inverse(Matches m) { return ~m; }
-  static uint64_t bits(Matches m) { return m; }
+  /// By way of a number of 32 bits: where registers are short g++ 12 keeps a mask's 32 bits in memory and reads 64.
+  static uint64_t bits(Matches m) {
+    uint32_t low = m;
+    asm("" : "+r"(low));  // NOLINT(hicpp-no-assembler)
+    return low;
+  }
   static void storeAsBytes(Matches m, uint8_t* p) {
     _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), _mm256_movm_epi8(m));
   }
@@ -356,7 +361,7 @@ struct Units512 {
     storeAsBytes(a.inBitmap(bitmap), p);
     storeAsBytes(b.inBitmap(bitmap), p + kUnits);
   }
-  static uint64_t positions(Matches m) { return m; }
+  static uint64_t positions(Matches m) { return bits(m); }
 };
 
 #endif

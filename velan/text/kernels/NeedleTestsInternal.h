@@ -31,20 +31,23 @@ struct ProbePair {
   V firstMask, first, secondMask, second;
 };
 
-/// How many positions have to be left to load the units there.
-template <typename V>
-size_t reachOfPair(const NeedleHead& head) {
-  const size_t read = V::kUnits + V::kAhead + head.probes[0].position + 1;
-  return V::kAhead == 0 || read < V::kUnits + head.length ? V::kUnits : read - head.length;
-}
-
-/// All probes of a needle are where it would have them, told by masks, which leave out nothing if it is `isExact`.
-template <bool isExact>
-struct MaskTest {
+/// Tests that read a text at the first two probes of a needle, whose outlines are made of the same.
+struct HeadTest {
   const unichar* text;
   const NeedleHead& head;
 
   const unichar* address(size_t i) const { return text + head.probes[0].position + i; }
+  /// How many positions have to be left to load the units there.
+  template <typename V>
+  size_t reach() const {
+    const size_t read = V::kUnits + V::kAhead + head.probes[0].position + 1;
+    return V::kAhead == 0 || read < V::kUnits + head.length ? V::kUnits : read - head.length;
+  }
+};
+
+/// All probes of a needle are where it would have them, told by masks, which leave out nothing if it is `isExact`.
+template <bool isExact>
+struct MaskTest : HeadTest {
   bool one(size_t i) const {
     unsigned different = 0;
     for (const auto& probe : head.probes) different |= (text[i + probe.position] & probe.mask) ^ probe.bits;
@@ -57,10 +60,6 @@ struct MaskTest {
       return unitsAt<V>(probe, text, i).differing(V::of(probe.mask), V::of(probe.bits));
     };
     return V::unionOf(different(0), different(1), different(2)) == V::of(0);
-  }
-  template <typename V>
-  size_t reach() const {
-    return reachOfPair<V>(head);
   }
   /// 0 where two of the probes are.
   template <typename V>
@@ -80,11 +79,7 @@ struct MaskTest {
 };
 
 /// The same, told by filters.
-struct FilterTest {
-  const unichar* text;
-  const NeedleHead& head;
-
-  const unichar* address(size_t i) const { return text + head.probes[0].position + i; }
+struct FilterTest : HeadTest {
   bool one(size_t i) const {
     for (const auto& probe : head.probes) {
       if (!passes(probe.filter, text[i + probe.position])) return false;
@@ -104,10 +99,6 @@ struct FilterTest {
     const auto at = [&](V units, size_t k) { return matches<UnitFilter::Kind::Ranges>(units, head.probes[k].filter); };
     const auto found = at(first, 0);
     return V::bits(found) == 0 ? found : V::both(V::both(found, at(second, 1)), at(third, 2));
-  }
-  template <typename V>
-  size_t reach() const {
-    return reachOfPair<V>(head);
   }
   /// 0 where two of the probes are, or units beyond ASCII.
   template <typename V>
